@@ -1,0 +1,16 @@
+// The command channel to the language monitor: device command texts and their replies.
+#pragma once
+
+#include "ipc/ipc_channel.h"
+
+/// Bytes of the longest request and of the longest reply.
+inline constexpr uint32_t kMaxOplMessage = 0x100FF;
+
+class OPLChannel : public kwt::IPCChannel {
+  public:
+    OPLChannel() = default;
+
+    virtual bool Open(kwt::ChannelRole role, const WCHAR* channelName, uint32_t maxMessage);
+    /// With the capacity of the product, kMaxOplMessage.
+    virtual bool Open(kwt::ChannelRole role, const WCHAR* channelName);
+};
