@@ -86,13 +86,15 @@ class IPCChannel {
 
     bool CreateObjects(const WideText& name, uint32_t sectionSize, uint32_t& commandError,
                        uint32_t& responseError);
+    static void ClearHeader(SharedMemory& section);
+    static void WithdrawMessage(SharedMemory& section);
     void ReturnToClosedState();
     void StopServerThread();
     [[nodiscard]] uint32_t TakeTransaction(uint32_t timeoutMs);
-    [[nodiscard]] Outcome Write(const void* data, uint32_t length, const MessageHeader& header,
-                                uint32_t timeoutMs);
-    [[nodiscard]] Outcome Read(SharedMemory& section, void* buffer, uint32_t size, uint32_t timeoutMs,
-                               bool& foreign);
+    uint32_t SendLocked(const void* data, uint32_t length, const MessageHeader& header, uint32_t timeoutMs);
+    [[nodiscard]] Outcome Write(const void* data, uint32_t length, MessageHeader header, uint32_t timeoutMs);
+    [[nodiscard]] Outcome ReadOnce(SharedMemory& section, void* buffer, uint32_t size, uint32_t timeoutMs,
+                                   bool& foreign);
     void CancelAsClient();
     void CancelAsServer();
 

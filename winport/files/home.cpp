@@ -18,6 +18,7 @@
 
 #include "winport/files/descriptor.h"
 #include "winport/files/error_map.h"
+#include "winport/files/host_file.h"
 
 namespace winport {
 
@@ -79,21 +80,6 @@ Place StatePlace() {
     return {parent, parent + "/winport"};
 }
 
-// Makes every missing folder down to `path`, closed to others. Returns an errno, 0 when the folder is there.
-int MakeFolders(const std::string& path) {
-    std::size_t end = 0;
-    do {
-        end = path.find('/', end + 1);
-        if (::mkdir(path.substr(0, end).c_str(), 0700) != 0 && errno != EEXIST) {
-            // A folder on the way may refuse writing or be read-only and yet be there.
-            const int failure = errno;
-            struct stat status = {};
-            if (::stat(path.substr(0, end).c_str(), &status) != 0) return failure;
-        }
-    } while (end != std::string::npos);
-    return 0;
-}
-
 // A folder inside a shared home is as open as the home, whatever the umask of the process that made it.
 void TakeModeOfParent(const Place& place) {
     struct stat status = {};
@@ -103,7 +89,7 @@ void TakeModeOfParent(const Place& place) {
 }
 
 DWORD MakePlace(const Place& place) {
-    if (const int failure = MakeFolders(place.parent); failure != 0) return ErrorFromErrno(failure);
+    if (const int failure = MakeFolders(place.parent, 0700); failure != 0) return ErrorFromErrno(failure);
     if (::mkdir(place.folder.c_str(), 0700) == 0) {
         if (place.chosenByAdministrator) TakeModeOfParent(place);
         return ERROR_SUCCESS;

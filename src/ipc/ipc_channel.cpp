@@ -1,0 +1,310 @@
+// One channel, both roles. What lies in a section was written by another process and is not trusted: a header
+// field is read once, and every decision is made on that copy.
+//
+// Order of the locks of a client: the send lock, the transaction mutex (from the send to the end of the
+// receive or to a cancel), a section's own lock.
+#include "ipc/ipc_channel.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "ipc/process_list.h"
+#include "ipc/server_thread.h"
+
+namespace kwt {
+
+namespace {
+
+constexpr uint32_t kServerSettleMs = 100;  // before a server clears stale signals
+constexpr uint32_t kForeignPauseMs = 50;   // before a client looks again after a message of another
+constexpr uint32_t kCancelLockTimeoutMs = 5000;
+constexpr uint32_t kUnansweredSend = 776;  // the thread has posted a request and not received its reply
+
+// Characters that object names do not take, and the letters in their place.
+struct Replacement {
+    WCHAR from;
+    WCHAR to;
+};
+constexpr Replacement kReplacements[] = {
+    {TEXT('*'), TEXT('A')}, {TEXT('/'), TEXT('F')}, {TEXT(':'), TEXT('C')},  {TEXT('<'), TEXT('L')},
+    {TEXT('>'), TEXT('G')}, {TEXT('?'), TEXT('Q')}, {TEXT('\\'), TEXT('B')}, {TEXT('|'), TEXT('P')},
+};
+
+WideText Sanitized(const WCHAR* name) {
+    WideText text = name != nullptr ? name : WideText();
+    for (WCHAR& c : text)
+        for (const Replacement& replacement : kReplacements)
+            if (c == replacement.from) {
+                c = replacement.to;
+                break;
+            }
+    return text;
+}
+
+MessageHeader ReadHeader(const uint8_t* block) {
+    MessageHeader header;
+    std::memcpy(&header, block, sizeof(header));
+    return header;
+}
+
+void ClearLength(uint8_t* block) {
+    std::memset(block + offsetof(MessageHeader, length), 0, sizeof(uint32_t));
+}
+
+uint32_t TimeoutAs1460(uint32_t error) {
+    return error == WAIT_TIMEOUT ? ERROR_TIMEOUT : error;
+}
+
+// Another process's message that nobody has taken yet and somebody still may.
+bool IsPendingForAnother(const MessageHeader& header, uint32_t target) {
+    return header.length > 0 && header.clientProcessId != target && header.aborted == 0 &&
+           header.broadcast == 0 && IsProcessRunning(header.clientProcessId);
+}
+
+}  // namespace
+
+IPCChannel::IPCChannel() = default;
+
+IPCChannel::~IPCChannel() {
+    Close();
+}
+
+void IPCChannel::OnMessage(const void*, size_t) {}
+
+bool IPCChannel::CreateObjects(const WideText& name, uint32_t sectionSize, uint32_t& commandError,
+                               uint32_t& responseError) {
+    if (!commandSection_.Create((name + TEXT("Cmd")).c_str(), sectionSize, true, true)) return false;
+    commandError = GetLastError();
+    if (!responseSection_.Create((name + TEXT("Resp")).c_str(), sectionSize, true, true)) return false;
+    responseError = GetLastError();
+    return transactionMutex_.Create((name + TEXT("TransactionMutex")).c_str(), true) &&
+           serverIdleEvent_.Create((name + TEXT("ServerIdleEvent")).c_str(), true);
+}
+
+bool IPCChannel::OpenChannel(ChannelRole role, const WCHAR* channelName, uint32_t maxMessage) {
+    SetLastError(NO_ERROR);
+    Close();
+    const WideText name = Sanitized(channelName);
+    uint32_t commandError = NO_ERROR;
+    uint32_t responseError = NO_ERROR;
+    if (!CreateObjects(name, maxMessage + static_cast<uint32_t>(sizeof(MessageHeader)), commandError,
+                       responseError)) {
+        const DWORD error = GetLastError();
+        commandSection_.Close();
+        responseSection_.Close();
+        ReturnToClosedState();
+        SetLastError(error);
+        return false;
+    }
+    const DWORD error = GetLastError();
+    open_ = true;
+    name_ = name;
+    maxMessage_ = maxMessage;
+    role_ = role;
+    if (commandError == NO_ERROR) ClearHeader(commandSection_);
+    if (responseError == NO_ERROR) ClearHeader(responseSection_);
+    if (role == ChannelRole::Server) {
+        Sleep(kServerSettleMs);
+        commandSection_.GetNotifyEvent().Reset();
+        responseSection_.GetNotifyEvent().Reset();
+    }
+    SetLastError(error);
+    return true;
+}
+
+void IPCChannel::ClearHeader(SharedMemory& section) {
+    if (uint8_t* block = section.Lock(SectionAccess::Write, INFINITE)) {
+        std::memset(block, 0, sizeof(MessageHeader));
+        section.Unlock(false);
+    }
+}
+
+void IPCChannel::ReturnToClosedState() {
+    open_ = false;
+    name_.clear();
+    maxMessage_ = 0;
+    lastClientProcessId_ = 0;
+    role_ = ChannelRole::Server;
+}
+
+void IPCChannel::Close() {
+    SetLastError(NO_ERROR);
+    if (!open_) return;
+    StopServerThread();
+    Cancel();
+    transactionMutex_.Close();
+    commandSection_.Close();
+    responseSection_.Close();
+    ReturnToClosedState();
+}
+
+uint32_t IPCChannel::TakeTransaction(uint32_t timeoutMs) {
+    if (transactionMutex_.IsLockedByCurrentThread()) return kUnansweredSend;
+    const WaitResult taken = transactionMutex_.Lock(timeoutMs);
+    if (taken == WaitResult::Abandoned) return ERROR_ABANDONED_WAIT_0;
+    if (taken == WaitResult::TimedOut) return ERROR_TIMEOUT;
+    if (taken != WaitResult::Signaled) return ERROR_GEN_FAILURE;
+    return serverIdleEvent_.Wait(timeoutMs) == WaitResult::Signaled ? NO_ERROR : ERROR_TIMEOUT;
+}
+
+uint32_t IPCChannel::SendLocked(const void* data, uint32_t length, const MessageHeader& header,
+                                uint32_t timeoutMs) {
+    if (!open_) {
+        SetLastError(ERROR_OPEN_FAILED);
+        return 0;
+    }
+    const WaitResult locked = sendLock_.Lock(timeoutMs);
+    if (locked != WaitResult::Signaled) {
+        SetLastError(locked == WaitResult::TimedOut ? ERROR_TIMEOUT : ERROR_GEN_FAILURE);
+        return 0;
+    }
+    Outcome outcome;
+    if (IsClient()) outcome.error = TakeTransaction(timeoutMs);
+    if (outcome.error == NO_ERROR) outcome = Write(data, length, header, timeoutMs);
+    // After a refused second send this gives up the first one's transaction.
+    if (IsClient() && outcome.bytes == 0 && length > 0) transactionMutex_.Unlock();
+    sendLock_.Unlock();
+    SetLastError(outcome.error);
+    return outcome.bytes;
+}
+
+uint32_t IPCChannel::Send(const void* data, uint32_t length, uint32_t timeoutMs) {
+    MessageHeader header{};
+    header.clientProcessId = IsClient() ? GetCurrentProcessId() : lastClientProcessId_;
+    return SendLocked(data, length, header, timeoutMs);
+}
+
+uint32_t IPCChannel::SendTo(uint32_t clientProcessId, bool aborted, const void* data, uint32_t length,
+                            uint32_t timeoutMs) {
+    if (open_ && !IsServer()) return 0;
+    MessageHeader header{};
+    header.clientProcessId = clientProcessId;
+    header.aborted = aborted ? 1 : 0;
+    return SendLocked(data, length, header, timeoutMs);
+}
+
+uint32_t IPCChannel::Broadcast(const void* data, uint32_t length, uint32_t timeoutMs) {
+    return SendTo(0, false, data, length, timeoutMs);
+}
+
+IPCChannel::Outcome IPCChannel::Write(const void* data, uint32_t length, MessageHeader header,
+                                      uint32_t timeoutMs) {
+    SharedMemory& section = IsClient() ? commandSection_ : responseSection_;
+    uint8_t* block = section.Lock(SectionAccess::Write, timeoutMs);
+    if (block == nullptr) return {0, TimeoutAs1460(GetLastError())};
+    Outcome outcome;
+    if (IsPendingForAnother(ReadHeader(block), header.clientProcessId)) {
+        outcome.error = ERROR_SHARING_VIOLATION;
+    } else {
+        commandSection_.GetNotifyEvent().Reset();
+        responseSection_.GetNotifyEvent().Reset();
+        outcome.bytes = std::min(length, maxMessage_);
+        header.length = outcome.bytes;
+        header.broadcast = IsServer() && header.clientProcessId == 0 ? 1 : 0;
+        std::memcpy(block, &header, sizeof(header));
+        if (outcome.bytes != 0) std::memcpy(block + sizeof(header), data, outcome.bytes);
+    }
+    section.Unlock(true);
+    return outcome;
+}
+
+uint32_t IPCChannel::Receive(void* buffer, uint32_t size, uint32_t timeoutMs) {
+    if (!open_) {
+        SetLastError(ERROR_OPEN_FAILED);
+        return 0;
+    }
+    if (serverThread_ != nullptr && !serverThread_->IsCurrentThread()) {
+        SetLastError(ERROR_SHARING_VIOLATION);
+        return 0;
+    }
+    SharedMemory& section = IsClient() ? responseSection_ : commandSection_;
+    if (IsServer()) serverIdleEvent_.Set();
+    const DWORD start = GetTickCount();
+    Outcome outcome;
+    bool foreign = true;
+    while (foreign) {
+        outcome = ReadOnce(section, buffer, size, timeoutMs, foreign);
+        if (!foreign) break;
+        const DWORD now = GetTickCount();
+        if (now < start || now - start >= timeoutMs) {
+            outcome.error = ERROR_TIMEOUT;
+            break;
+        }
+    }
+    if (IsClient())
+        transactionMutex_.Unlock();
+    else
+        serverIdleEvent_.Reset();
+    SetLastError(outcome.error);
+    return outcome.bytes;
+}
+
+IPCChannel::Outcome IPCChannel::ReadOnce(SharedMemory& section, void* buffer, uint32_t size,
+                                         uint32_t timeoutMs, bool& foreign) {
+    foreign = false;
+    if (section.WaitForNotify(timeoutMs) != WaitResult::Signaled) return {0, TimeoutAs1460(GetLastError())};
+    uint8_t* block = section.Lock(SectionAccess::Read, timeoutMs);
+    if (block == nullptr) return {0, TimeoutAs1460(GetLastError())};
+    const MessageHeader header = ReadHeader(block);
+    Outcome outcome;
+    if (IsClient() && header.clientProcessId != GetCurrentProcessId()) {
+        // Left where it is. The unlock below takes the signal back, so that it reaches only a reader that
+        // waits during the pause.
+        foreign = true;
+        section.GetNotifyEvent().Set();
+        Sleep(kForeignPauseMs);
+    } else {
+        outcome.bytes = std::min({header.length, size, maxMessage_});
+        if (IsServer() && header.clientProcessId != 0) lastClientProcessId_ = header.clientProcessId;
+        if (outcome.bytes != 0) std::memcpy(buffer, block + sizeof(header), outcome.bytes);
+        ClearLength(block);
+        if (header.aborted != 0) outcome.error = ERROR_OPERATION_ABORTED;
+    }
+    section.Unlock(true);
+    return outcome;
+}
+
+void IPCChannel::Cancel() {
+    SetLastError(NO_ERROR);
+    if (!open_)
+        SetLastError(ERROR_OPEN_FAILED);
+    else if (IsClient())
+        CancelAsClient();
+    else
+        CancelAsServer();
+}
+
+void IPCChannel::CancelAsClient() {
+    if (transactionMutex_.IsLocked() && transactionMutex_.GetOwnerProcessId() == GetCurrentProcessId())
+        responseSection_.Cancel();
+    WithdrawMessage(commandSection_);
+    if (transactionMutex_.IsLocked()) transactionMutex_.Unlock();
+}
+
+void IPCChannel::CancelAsServer() {
+    commandSection_.Cancel();
+    serverIdleEvent_.Reset();
+    WithdrawMessage(responseSection_);
+    responseSection_.WaitForNotify(0);
+}
+
+void IPCChannel::WithdrawMessage(SharedMemory& section) {
+    if (uint8_t* block = section.Lock(SectionAccess::Write, kCancelLockTimeoutMs)) {
+        ClearLength(block);
+        section.Unlock(false);
+    }
+}
+
+bool IPCChannel::StartServerThread() {
+    if (!open_ || !IsServer()) return false;
+    StopServerThread();
+    // The thread's first Receive must find it attached.
+    serverThread_ = std::make_unique<ServerThread>(*this, maxMessage_);
+    return true;
+}
+
+void IPCChannel::StopServerThread() {
+    serverThread_.reset();
+}
+
+}  // namespace kwt

@@ -1,0 +1,16 @@
+// Names of kernel objects and the files that stand for them.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+
+namespace winport {
+
+// The file name of an object's name. "Global\" (and "Local\", the same as no prefix) are prefixes in exactly
+// these letters; no other backslash is allowed. Nothing with the last-error value 3 (not a valid name) or 206
+// (longer than 260 characters).
+std::optional<std::string> ObjectFileName(LPCWSTR name);
+
+}  // namespace winport

@@ -1,0 +1,291 @@
+// Modules. A library announces its DllMain from a constructor of its own (dll_entry.cpp), so the attach
+// notice is delivered however it was loaded: by LoadLibraryW, by dlopen or because a program was linked to
+// it. Only LoadLibraryW can act on a refusal; elsewhere the library stays, refused, and gets no more notices.
+//
+// lib<stem>.so is shown as <stem>.dll in the same folder, in the letters of the file on disk.
+#include "winport/module/module_list.h"
+
+#include <dlfcn.h>
+#include <limits.h>
+#include <unistd.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstring>
+#include <list>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+#include "winport/module/dll_entry.h"
+#include "winport/text/utf.h"
+
+struct WinportModule {
+    std::string path;                // of the file, as the dynamic linker knows it
+    WinportDllMain entry = nullptr;  // null: a library without load notices
+    void* library = nullptr;         // of dlopen; null when not loaded by LoadLibraryW
+    int references = 0;              // LoadLibraryW calls not yet undone
+    bool attached = false;
+};
+
+namespace winport {
+
+namespace {
+
+// Windows holds one lock over all load notices; a DllMain may load and free libraries under it.
+std::recursive_mutex& LoaderLock() {
+    static std::recursive_mutex lock;
+    return lock;
+}
+
+// Never destroyed: libraries announce their end while the process exits.
+std::list<WinportModule>& Modules() {
+    static auto* modules = new std::list<WinportModule>;
+    return *modules;
+}
+
+// Threads that begin need not take the loader lock while nobody wants notices.
+std::atomic<bool> anyModule{false};
+
+std::string PathOfCode(const void* address) {
+    Dl_info info = {};
+    if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) return {};
+    std::array<char, PATH_MAX> resolved;
+    return realpath(info.dli_fname, resolved.data()) != nullptr ? resolved.data() : info.dli_fname;
+}
+
+std::string ProgramPath() {
+    std::array<char, PATH_MAX> path;
+    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+    return length > 0 ? std::string(path.data(), static_cast<size_t>(length)) : std::string();
+}
+
+std::string FolderOf(const std::string& path) {
+    const size_t end = path.rfind('/');
+    return end == std::string::npos ? std::string(".") : path.substr(0, end);
+}
+
+// "dir/libX.so" as "dir/X.dll"; anything else as it is.
+std::string WindowsName(const std::string& path) {
+    const size_t start = path.rfind('/') + 1;
+    std::string_view file = std::string_view(path).substr(start);
+    if (!file.ends_with(".so")) return path;
+    file.remove_suffix(3);
+    if (file.starts_with("lib")) file.remove_prefix(3);
+    return path.substr(0, start) + std::string(file) + ".dll";
+}
+
+// The file behind a Windows library name: "X.dll", "X" and "dir\X.dll" are lib<X>.so; a name with another
+// ending is taken as it stands.
+std::string LinuxName(std::string path) {
+    const size_t start = path.rfind('/') + 1;
+    std::string file = path.substr(start);
+    std::string ending = file.size() > 4 ? file.substr(file.size() - 4) : std::string();
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    if (ending == ".dll")
+        file.resize(file.size() - 4);
+    else if (file.find('.') != std::string::npos)
+        return path;
+    return path.substr(0, start) + "lib" + file + ".so";
+}
+
+// The system libraries whose calls winport itself answers.
+bool IsOwnLibrary(std::u16string_view name) {
+    static constexpr std::array<std::string_view, 11> kOwn = {
+        "kernel32.dll", "winspool.drv", "advapi32.dll", "psapi.dll", "user32.dll", "ole32.dll",
+        "rpcrt4.dll",   "userenv.dll",  "wtsapi32.dll", "kernel32",  "advapi32"};
+    std::string lower = ToUtf8(name);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    return std::find(kOwn.begin(), kOwn.end(), lower) != kOwn.end();
+}
+
+WinportModule& OwnModule() {
+    static auto* own = new WinportModule{PathOfCode(reinterpret_cast<const void*>(&OwnModule)), nullptr,
+                                         RTLD_DEFAULT, 1, true};
+    return *own;
+}
+
+WinportModule* FindByPath(const std::string& path) {
+    for (WinportModule& module : Modules())
+        if (module.path == path) return &module;
+    return nullptr;
+}
+
+WinportModule* FindByEntry(WinportDllMain entry) {
+    for (WinportModule& module : Modules())
+        if (module.entry == entry) return &module;
+    return nullptr;
+}
+
+void Forget(WinportModule& module) {
+    Modules().remove_if([&](const WinportModule& other) { return &other == &module; });
+}
+
+void Detach(WinportModule& module, void* reserved) {
+    if (!module.attached) return;
+    module.attached = false;
+    if (module.entry != nullptr) module.entry(&module, DLL_PROCESS_DETACH, reserved);
+}
+
+void NotifyThread(DWORD reason) {
+    if (!anyModule.load(std::memory_order_acquire)) return;
+    const std::lock_guard guard(LoaderLock());
+    for (WinportModule& module : Modules())
+        if (module.attached && module.entry != nullptr) module.entry(&module, reason, nullptr);
+}
+
+// A name without a folder is looked for beside the program, then beside winport, then where the dynamic
+// linker looks.
+void* OpenLibrary(const std::string& name) {
+    if (name.find('/') != std::string::npos) return dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
+    for (const std::string& folder : {FolderOf(ProgramPath()), FolderOf(OwnModule().path)}) {
+        const std::string path = folder + '/' + name;
+        if (access(path.c_str(), F_OK) == 0) return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    }
+    return dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
+}
+
+std::string PathOfLibrary(void* library) {
+    std::array<char, PATH_MAX> folder;
+    if (dlinfo(library, RTLD_DI_ORIGIN, folder.data()) != 0) return {};
+    struct LinkMap {  // the public head of the dynamic linker's struct link_map
+        void* address;
+        char* name;
+    };
+    LinkMap* map = nullptr;
+    if (dlinfo(library, RTLD_DI_LINKMAP, &map) != 0 || map->name == nullptr) return {};
+    std::array<char, PATH_MAX> resolved;
+    return realpath(map->name, resolved.data()) != nullptr ? resolved.data() : map->name;
+}
+
+HMODULE Load(const std::string& name) {
+    const std::lock_guard guard(LoaderLock());
+    void* library = OpenLibrary(name);
+    if (library == nullptr) {
+        SetLastError(ERROR_MOD_NOT_FOUND);
+        return nullptr;
+    }
+    const std::string path = PathOfLibrary(library);
+    WinportModule* module = FindByPath(path);
+    if (module == nullptr) module = &Modules().emplace_back(WinportModule{path, nullptr, nullptr, 0, true});
+    if (!module->attached) {
+        dlclose(library);
+        if (WinportModule* left = FindByPath(path); left != nullptr && left->library == nullptr)
+            Forget(*left);
+        SetLastError(ERROR_DLL_INIT_FAILED);
+        return nullptr;
+    }
+    if (module->library != nullptr) dlclose(library);
+    module->library = module->library != nullptr ? module->library : library;
+    ++module->references;
+    return module;
+}
+
+}  // namespace
+
+void NotifyThreadStart() {
+    NotifyThread(DLL_THREAD_ATTACH);
+}
+
+void NotifyThreadEnd() {
+    NotifyThread(DLL_THREAD_DETACH);
+}
+
+}  // namespace winport
+
+using namespace winport;
+
+int WinportModuleLoaded(WinportDllMain entry) {
+    const std::lock_guard guard(LoaderLock());
+    WinportModule& module = Modules().emplace_back();
+    module.path = PathOfCode(reinterpret_cast<const void*>(entry));
+    module.entry = entry;
+    module.attached = entry(&module, DLL_PROCESS_ATTACH, nullptr) != FALSE;
+    // Windows sends the detach notice after a refused attach too.
+    if (!module.attached) entry(&module, DLL_PROCESS_DETACH, nullptr);
+    anyModule.store(true, std::memory_order_release);
+    return module.attached;
+}
+
+void WinportModuleUnloaded(WinportDllMain entry) {
+    const std::lock_guard guard(LoaderLock());
+    WinportModule* module = FindByEntry(entry);
+    if (module == nullptr) return;
+    // Reached without FreeLibrary: the process is ending, or the host unloads the file by itself.
+    Detach(*module, &LoaderLock());
+    Forget(*module);
+}
+
+HMODULE LoadLibraryW(LPCWSTR fileName) {
+    if (fileName == nullptr || *fileName == 0) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    if (IsOwnLibrary(fileName)) return &OwnModule();
+    return Load(LinuxName(ToHostPath(fileName)));
+}
+
+BOOL FreeLibrary(HMODULE module) {
+    if (module == &OwnModule()) return TRUE;
+    const std::lock_guard guard(LoaderLock());
+    const auto& modules = Modules();
+    const bool known = std::any_of(modules.begin(), modules.end(),
+                                   [&](const WinportModule& other) { return &other == module; });
+    if (!known || module->references == 0) {
+        SetLastError(ERROR_MOD_NOT_FOUND);
+        return FALSE;
+    }
+    if (--module->references > 0) return TRUE;
+    void* library = module->library;
+    module->library = nullptr;
+    Detach(*module, nullptr);
+    const bool hasEntry = module->entry != nullptr;
+    if (!hasEntry) Forget(*module);
+    dlclose(library);  // runs WinportModuleUnloaded, which forgets the module
+    return TRUE;
+}
+
+FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
+    void* library = module != nullptr ? module->library : RTLD_DEFAULT;
+    if (module != nullptr && library == nullptr) library = RTLD_DEFAULT;
+    void* address = dlsym(library, name);
+    if (address == nullptr) SetLastError(ERROR_PROC_NOT_FOUND);
+    return reinterpret_cast<FARPROC>(address);
+}
+
+HMODULE GetModuleHandleW(LPCWSTR fileName) {
+    static auto* program = new WinportModule{ProgramPath(), nullptr, RTLD_DEFAULT, 1, true};
+    if (fileName == nullptr) return program;
+    if (IsOwnLibrary(fileName)) return &OwnModule();
+    const std::string wanted = LinuxName(ToHostPath(fileName));
+    const std::lock_guard guard(LoaderLock());
+    for (WinportModule& module : Modules()) {
+        const bool matches = wanted.find('/') != std::string::npos
+                                 ? module.path == wanted
+                                 : module.path.substr(module.path.rfind('/') + 1) == wanted;
+        if (matches && module.attached) return &module;
+    }
+    SetLastError(ERROR_MOD_NOT_FOUND);
+    return nullptr;
+}
+
+DWORD GetModuleFileNameW(HMODULE module, LPWSTR buffer, DWORD capacity) {
+    const std::u16string name = FromUtf8(module == nullptr ? ProgramPath() : WindowsName(module->path));
+    if (capacity == 0) {
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return 0;
+    }
+    const size_t length = std::min<size_t>(name.size(), capacity - 1);
+    std::memcpy(buffer, name.data(), length * sizeof(WCHAR));
+    buffer[length] = 0;
+    if (length < name.size()) {
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return capacity;
+    }
+    SetLastError(ERROR_SUCCESS);
+    return static_cast<DWORD>(length);
+}

@@ -1,0 +1,87 @@
+// A pthread key tells when a thread ends: its destructor runs on the ending thread, after the destructors of
+// the thread's C++ objects, and again if one of the notices made the thread use winport anew.
+#include "winport/module/thread_record.h"
+
+#include <pthread.h>
+
+#include <new>
+
+#include "winport/module/module_list.h"
+#include "winport/sync/mutex_object.h"
+
+namespace winport {
+
+namespace {
+
+std::atomic<ThreadRecord*> allRecords{nullptr};
+std::atomic<uint32_t> nextLocalId{1};
+
+__attribute__((tls_model("initial-exec"))) thread_local constinit ThreadRecord* current = nullptr;
+
+void EndThread(void* value) {
+    auto& record = *static_cast<ThreadRecord*>(value);
+    current = &record;
+    NotifyThreadEnd();
+    AbandonHeldMutexes(record);
+    for (auto& slot : record.tls)
+        slot.store(nullptr, std::memory_order_relaxed);
+    record.polling = {};
+    record.hazard.store(nullptr, std::memory_order_release);
+    current = nullptr;
+    record.inUse.store(false, std::memory_order_release);
+}
+
+pthread_key_t ThreadEndKey() {
+    static const pthread_key_t key = [] {
+        pthread_key_t made = 0;
+        pthread_key_create(&made, EndThread);
+        return made;
+    }();
+    return key;
+}
+
+ThreadRecord* TakeUnusedRecord() {
+    for (ThreadRecord* record = FirstThreadRecord(); record != nullptr; record = record->next) {
+        bool expected = false;
+        if (record->inUse.compare_exchange_strong(expected, true, std::memory_order_acq_rel)) return record;
+    }
+    return nullptr;
+}
+
+ThreadRecord* LinkNewRecord() {
+    auto* record = new ThreadRecord;
+    record->inUse.store(true, std::memory_order_relaxed);
+    record->next = allRecords.load(std::memory_order_relaxed);
+    while (!allRecords.compare_exchange_weak(record->next, record, std::memory_order_release,
+                                             std::memory_order_relaxed)) {
+    }
+    return record;
+}
+
+ThreadRecord& BeginThread() {
+    ThreadRecord* record = TakeUnusedRecord();
+    if (record == nullptr) record = LinkNewRecord();
+    record->localId = nextLocalId.fetch_add(1, std::memory_order_relaxed);
+    current = record;
+    pthread_setspecific(ThreadEndKey(), record);
+    NotifyThreadStart();
+    return *record;
+}
+
+}  // namespace
+
+ThreadRecord& CurrentThread() {
+    ThreadRecord* record = current;
+    return record != nullptr ? *record : BeginThread();
+}
+
+ThreadRecord* FirstThreadRecord() {
+    return allRecords.load(std::memory_order_acquire);
+}
+
+bool SeveralThreads() {
+    ThreadRecord* first = FirstThreadRecord();
+    return first != nullptr && first->next != nullptr;
+}
+
+}  // namespace winport

@@ -1,0 +1,58 @@
+#include "winport/spooler/spool_session.h"
+
+#include "winport/spooler/environment.h"
+
+namespace winport {
+
+namespace {
+
+constexpr std::u16string_view kPrintPath = u"SYSTEM\\CurrentControlSet\\Control\\Print";
+
+}  // namespace
+
+SpoolSession::SpoolSession(RegistrySession::Purpose purpose) : registry_(purpose) {
+    root_ = registry_.Find(kLocalMachine, kPrintPath);
+    stopped_ = root_ != 0 && ReadNumber(registry_, root_, u"Stopped", 0) != 0;
+}
+
+DWORD SpoolSession::Error() const {
+    if (registry_.Status() != ERROR_SUCCESS) return static_cast<DWORD>(registry_.Status());
+    return stopped_ ? RPC_S_SERVER_UNAVAILABLE : ERROR_SUCCESS;
+}
+
+DWORD SpoolSession::Commit() {
+    return static_cast<DWORD>(registry_.Commit());
+}
+
+KeyId SpoolSession::Printers() {
+    return root_ != 0 ? registry_.Find(root_, u"Printers") : 0;
+}
+
+KeyId SpoolSession::FindPrinter(std::u16string_view name) {
+    const KeyId printers = IsKeyName(name) ? Printers() : 0;
+    return printers != 0 ? registry_.Find(printers, name) : 0;
+}
+
+bool SpoolSession::HasDriver(std::u16string_view name) {
+    if (root_ == 0 || !IsKeyName(name)) return false;
+    const KeyId drivers = registry_.Find(root_, DriversPath(ThisEnvironment().name));
+    return drivers != 0 && registry_.Find(drivers, name) != 0;
+}
+
+KeyId SpoolSession::CreateKey(std::u16string_view path) {
+    bool created = false;
+    if (root_ == 0) root_ = registry_.Create(kLocalMachine, kPrintPath, created);
+    return root_ != 0 ? registry_.Create(root_, path, created) : 0;
+}
+
+bool IsKeyName(std::u16string_view name) {
+    return !name.empty() && name.size() <= kMaxKeyNameLength && name.find(u'\\') == std::u16string_view::npos;
+}
+
+std::u16string DriversPath(std::u16string_view environment) {
+    std::u16string path = u"Environments\\";
+    path.append(environment).append(u"\\Drivers\\Version-3");
+    return path;
+}
+
+}  // namespace winport

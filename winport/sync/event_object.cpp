@@ -1,0 +1,71 @@
+#include "winport/sync/event_object.h"
+
+#include <windows.h>
+
+#include <climits>
+
+#include "winport/handles/handle_table.h"
+#include "winport/sync/futex.h"
+
+namespace winport {
+
+void EventObject::Set() {
+    ObjectPage& page = Page();
+    uint32_t before;
+    if (page.manualReset == 0) {
+        before = page.word.exchange(kEventSignaled, std::memory_order_acq_rel);
+    } else {
+        before = page.word.load(std::memory_order_relaxed);
+        while (!page.word.compare_exchange_weak(
+            before, ((before & ~kEventSleepers) | kEventSignaled) + kEventSetCount, std::memory_order_acq_rel,
+            std::memory_order_relaxed)) {
+        }
+    }
+    // All of them look again, also at an auto-reset event: one that is killed on its way must not take the
+    // wake-up with it.
+    if ((before & kEventSleepers) != 0) Wake(page.word, INT_MAX);
+}
+
+void EventObject::Reset() {
+    ObjectPage& page = Page();
+    // Mostly it is reset already; then the word is left to the processors that read it.
+    if ((page.word.load(std::memory_order_acquire) & kEventSignaled) != 0)
+        page.word.fetch_and(~kEventSignaled, std::memory_order_acq_rel);
+}
+
+bool TakeEvent(ObjectPage& page, uint32_t wordAtStart) {
+    uint32_t word = page.word.load(std::memory_order_acquire);
+    if (page.manualReset != 0)
+        return (word & kEventSignaled) != 0 || word / kEventSetCount != wordAtStart / kEventSetCount;
+    while ((word & kEventSignaled) != 0)
+        if (page.word.compare_exchange_weak(word, word & ~kEventSignaled, std::memory_order_acq_rel,
+                                            std::memory_order_acquire))
+            return true;
+    return false;
+}
+
+}  // namespace winport
+
+using namespace winport;
+
+HANDLE CreateEventW(LPSECURITY_ATTRIBUTES, BOOL manualReset, BOOL initialState, LPCWSTR name) {
+    ObjectRequest request{ObjectKind::Event};
+    request.name = name;
+    request.manualReset = manualReset != FALSE;
+    request.signaled = initialState != FALSE;
+    return CreateOrOpenObject(request, EventObject::Make);
+}
+
+BOOL SetEvent(HANDLE event) {
+    const UsedObject used(event, ObjectKind::Event);
+    if (!used) return FALSE;
+    static_cast<EventObject*>(used.Get())->Set();
+    return TRUE;
+}
+
+BOOL ResetEvent(HANDLE event) {
+    const UsedObject used(event, ObjectKind::Event);
+    if (!used) return FALSE;
+    static_cast<EventObject*>(used.Get())->Reset();
+    return TRUE;
+}

@@ -1,0 +1,69 @@
+// Mutexes with turns, and with owners that may die.
+//
+// A mutex that was taken is not passed on at each release: its owner may take it again, without asking the
+// system, until its turn (about half a millisecond) is over, because a change of owners costs a wake-up.
+// Then it lets the heir go first, the one waiter that looks often. So a busy owner is fast and nobody
+// starves.
+//
+// An owner is named by its thread's token. Whoever waits asks now and then whether the owner still lives; a
+// dead one's mutex is taken over and reported as abandoned. A thread that ends releases what it holds itself.
+#pragma once
+
+#include <cstdint>
+
+#include "winport/handles/kernel_object.h"
+#include "winport/handles/object_store.h"
+#include "winport/module/thread_record.h"
+#include "winport/sync/futex.h"
+
+namespace winport {
+
+enum class TakeResult { No, Taken, TakenAbandoned };
+
+class MutexObject final : public KernelObject {
+  public:
+    explicit MutexObject(ObjectMemory&& memory);
+    static KernelObject* Make(ObjectMemory&& memory) { return new MutexObject(std::move(memory)); }
+
+    // The number by which this mutex knows the thread; 0 with the last-error value when none can be had.
+    [[nodiscard]] uint32_t TokenFor(ThreadRecord& thread) const;
+
+    // Takes the mutex if it is free, or the thread's already. A thread whose turn is over does not get it
+    // while an heir waits, unless `outOfTurn`.
+    [[nodiscard]] TakeResult TryTake(ThreadRecord& thread, uint32_t token, bool outOfTurn);
+    // Asks the system whether the owner lives, and makes a dead one's mutex an abandoned, free one.
+    void NoticeDeadOwner();
+    // Waits in the line of this mutex until the moment.
+    [[nodiscard]] TakeResult Take(ThreadRecord& thread, uint32_t token, Moment deadline);
+
+    // What a creator that asked for it becomes before anybody else can see the mutex.
+    void BeginOwnership(ThreadRecord& thread, uint32_t token);
+    // False when the thread does not own it.
+    [[nodiscard]] bool ReleaseLevel(ThreadRecord& thread);
+
+    [[nodiscard]] bool IsNamed() const { return memory_.IsNamed(); }
+
+  protected:
+    void LastHandleClosed() override { ForgetName(this, memory_); }
+    // A mutex whose last handle is closed while a thread of this process owns it stays until that thread
+    // ends.
+    void End() override;
+
+  private:
+    friend void AbandonHeldMutexes(ThreadRecord& thread);
+
+    [[nodiscard]] bool MustGiveWay(uint32_t token) const;
+    void Abandon(uint32_t token);
+    [[nodiscard]] TakeResult WaitAsHeir(ThreadRecord& thread, uint32_t token, Moment deadline);
+    void SleepInQueue(Moment deadline);
+    void LeaveHeirship(uint32_t token);
+
+    ObjectMemory memory_;
+    std::atomic<bool> heldHere_{false};  // by a thread of this process, in whose list it then stands
+    bool orphan_ = false;
+};
+
+// Releases everything that an ending thread holds, and gives its token back.
+void AbandonHeldMutexes(ThreadRecord& thread);
+
+}  // namespace winport

@@ -1,0 +1,62 @@
+#include "winport/sync/poller.h"
+
+#include <sched.h>
+
+#include <algorithm>
+
+namespace winport {
+
+namespace {
+
+constexpr int kBestCredit = 8;
+constexpr uint32_t kRetryEvery = 64;      // a wait that polls although polling has not paid
+constexpr uint32_t kLooksPerTime = 32;    // looks between two readings of the clock
+constexpr Moment kQuietTime = 10'000;     // after this, others get the processor between looks
+constexpr uint32_t kRefreshEvery = 1024;  // waits between two counts of the usable processors
+
+// Polling for another process makes sense only while that process can run at the same time.
+bool SeveralProcessors(uint32_t waits) {
+    static std::atomic<int> usable{0};
+    int count = usable.load(std::memory_order_relaxed);
+    if (count == 0 || waits % kRefreshEvery == 0) {
+        cpu_set_t set;
+        count = sched_getaffinity(0, sizeof(set), &set) == 0 ? CPU_COUNT(&set) : 1;
+        usable.store(count, std::memory_order_relaxed);
+    }
+    return count > 1;
+}
+
+void Pause() {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#elif defined(__aarch64__)
+    asm volatile("yield");
+#endif
+}
+
+}  // namespace
+
+Poller::Poller(PollHistory& history) : history_(history) {
+    const uint32_t waits = ++history_.waits;
+    polls_ = SeveralProcessors(waits) && (history_.credit > 0 || waits % kRetryEvery == 0);
+}
+
+bool Poller::Again() {
+    if (!polls_) return false;
+    if (++looks_ % kLooksPerTime != 0) {
+        Pause();
+        return true;
+    }
+    const Moment now = Now();
+    if (start_ == 0) start_ = now;
+    if (now - start_ > kPollBudget) return false;
+    if (now - start_ > kQuietTime) sched_yield();
+    return true;
+}
+
+void Poller::Learn(Moment waited) {
+    const int step = waited <= 2 * kPollBudget ? 1 : -1;
+    history_.credit = std::clamp(history_.credit + step, 0, kBestCredit);
+}
+
+}  // namespace winport

@@ -1,0 +1,31 @@
+// Looking again and again for a short while before a thread goes to sleep. A wake-up of another processor
+// costs tens of microseconds, an answer that is looked for comes in a tenth of one; but looking takes a
+// processor from others, so it is done only where it has paid off lately.
+#pragma once
+
+#include "winport/module/thread_record.h"
+#include "winport/sync/futex.h"
+
+namespace winport {
+
+inline constexpr Moment kPollBudget = 50'000;  // nanoseconds
+
+class Poller final {
+  public:
+    // Decides whether this wait polls at all.
+    explicit Poller(PollHistory& history);
+
+    // True while the caller should look once more; pauses a little and, later on, gives way to others.
+    [[nodiscard]] bool Again();
+
+    // What the wait taught: how long it took until what was waited for came (or the wait was given up).
+    void Learn(Moment waited);
+
+  private:
+    PollHistory& history_;
+    bool polls_;
+    uint32_t looks_ = 0;
+    Moment start_ = 0;
+};
+
+}  // namespace winport
