@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <string_view>
 
 #include "winport/handles/object_page.h"
 #include "winport/text/utf.h"
@@ -14,6 +13,9 @@ namespace {
 // A file name has at most 255 bytes; longer names keep a readable beginning and end in a hash. The object's
 // page holds the whole name, so a clash of hashes is seen.
 constexpr size_t kReadableBytes = 180;
+
+constexpr std::string_view kGlobalScope = "global.";
+constexpr std::string_view kLocalScope = "local.";
 
 bool IsPlain(unsigned char byte) {
     return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
@@ -60,9 +62,9 @@ std::optional<std::string> ObjectFileName(LPCWSTR name) {
         SetLastError(ERROR_FILENAME_EXCED_RANGE);
         return std::nullopt;
     }
-    std::string_view scope = "local.";
+    std::string_view scope = kLocalScope;
     if (text.starts_with(kGlobal)) {
-        scope = "global.";
+        scope = kGlobalScope;
         text.remove_prefix(kGlobal.size());
     } else if (text.starts_with(kLocal)) {
         text.remove_prefix(kLocal.size());
@@ -72,6 +74,10 @@ std::optional<std::string> ObjectFileName(LPCWSTR name) {
         return std::nullopt;
     }
     return FileNameOf(scope, text);
+}
+
+bool IsObjectFileName(std::string_view fileName) {
+    return fileName.starts_with(kGlobalScope) || fileName.starts_with(kLocalScope);
 }
 
 }  // namespace winport

@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace winport {
 
@@ -12,5 +13,8 @@ namespace winport {
 // these letters; no other backslash is allowed. Nothing with the last-error value 3 (not a valid name) or 206
 // (longer than 260 characters).
 std::optional<std::string> ObjectFileName(LPCWSTR name);
+
+// Whether a file of the folder stands for an object.
+bool IsObjectFileName(std::string_view fileName);
 
 }  // namespace winport

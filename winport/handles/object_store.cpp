@@ -1,5 +1,6 @@
 #include "winport/handles/object_store.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <sys/mman.h>
@@ -58,8 +59,45 @@ void AfterForkInChild() {
     store.lock.unlock();
 }
 
-void WatchForks() {
+std::string PathOf(const std::string& fileName) {
+    return KernelObjectDirectory() + '/' + fileName;
+}
+
+// Removes the file of an object that nobody uses, this process included. Under the folder lock.
+void RemoveIfUnused(const LockFile& locks, const std::string& fileName, uint64_t inode) {
+    const auto byte = static_cast<off_t>(inode);
+    struct stat status = {};
+    const std::string path = PathOf(fileName);
+    // The name may have been given to another file since, by a cleaner and a later creation.
+    if (locks.TryExclusive(byte) && ::lstat(path.c_str(), &status) == 0 && status.st_ino == inode)
+        ::unlink(path.c_str());
+    locks.Unlock(byte);
+}
+
+// What killed processes left behind would fill the folder in the long run.
+void SweepFolder(const LockFile& locks) {
+    const FolderLock folder(locks);
+    DIR* entries = folder ? ::opendir(KernelObjectDirectory().c_str()) : nullptr;
+    if (entries == nullptr) return;
+    while (const dirent* entry = ::readdir(entries))
+        if (IsObjectFileName(entry->d_name)) RemoveIfUnused(locks, entry->d_name, entry->d_ino);
+    ::closedir(entries);
+}
+
+// A process that ends without closing its handles leaves no file either.
+void RemoveOwnFilesAtExit() {
+    Store& store = TheStore();
+    const std::lock_guard guard(store.lock);
+    if (store.inodes.empty()) return;
+    const FolderLock folder(store.lockFile);
+    if (!folder) return;
+    for (const auto& [name, inode] : store.inodes)
+        RemoveIfUnused(store.lockFile, name, inode);
+}
+
+void WatchProcess() {
     static const int watched =
+        std::atexit(RemoveOwnFilesAtExit) +
         pthread_atfork([] { TheStore().lock.lock(); }, [] { TheStore().lock.unlock(); }, AfterForkInChild);
     static_cast<void>(watched);
 }
@@ -67,13 +105,10 @@ void WatchForks() {
 bool OpenStore(Store& store) {
     if (store.lockFile.IsOpen()) return true;
     const std::string& folder = KernelObjectDirectory();
-    if (folder.empty()) return false;
-    WatchForks();
-    return store.lockFile.Open(folder);
-}
-
-std::string PathOf(const std::string& fileName) {
-    return KernelObjectDirectory() + '/' + fileName;
+    if (folder.empty() || !store.lockFile.Open(folder)) return false;
+    WatchProcess();
+    SweepFolder(store.lockFile);
+    return true;
 }
 
 // Files of a home that an administrator opened to several accounts are as open as the home.
@@ -341,15 +376,11 @@ void ForgetName(KernelObject* object, const ObjectMemory& memory) {
     store.objects.erase(known);
     store.inodes.erase(memory.FileName());
     const DWORD error = GetLastError();
-    const auto inode = static_cast<off_t>(memory.Inode());
     const FolderLock folder(store.lockFile);
-    struct stat status = {};
-    const std::string path = PathOf(memory.FileName());
-    // The name may have been given to another file since, by a cleaner and a later creation.
-    if (folder && store.lockFile.TryExclusive(inode) && ::lstat(path.c_str(), &status) == 0 &&
-        status.st_ino == memory.Inode())
-        ::unlink(path.c_str());
-    store.lockFile.Unlock(inode);
+    if (folder)
+        RemoveIfUnused(store.lockFile, memory.FileName(), memory.Inode());
+    else
+        store.lockFile.Unlock(static_cast<off_t>(memory.Inode()));
     SetLastError(error);
 }
 
