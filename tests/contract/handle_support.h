@@ -1,0 +1,52 @@
+// Handles that close themselves, and names that no other test uses.
+#pragma once
+
+#include <windows.h>
+
+#include <atomic>
+#include <string>
+
+#include "support.h"
+
+class Handle final {
+  public:
+    Handle() = default;
+    explicit Handle(HANDLE handle) : handle_(handle) {}
+    Handle(Handle&& other) noexcept : handle_(other.handle_) { other.handle_ = nullptr; }
+    Handle& operator=(Handle&&) = delete;
+    ~Handle() { Close(); }
+
+    HANDLE Get() const { return handle_; }
+    explicit operator bool() const { return handle_ != nullptr; }
+    void Close() {
+        if (handle_ != nullptr) CloseHandle(handle_);
+        handle_ = nullptr;
+    }
+
+  private:
+    HANDLE handle_ = nullptr;
+};
+
+inline Handle AutoEvent(const WideText& name = {}) {
+    return Handle(CreateEventW(nullptr, FALSE, FALSE, name.empty() ? nullptr : name.c_str()));
+}
+
+inline Handle ManualEvent(const WideText& name = {}) {
+    return Handle(CreateEventW(nullptr, TRUE, FALSE, name.empty() ? nullptr : name.c_str()));
+}
+
+inline Handle Mutex(const WideText& name = {}) {
+    return Handle(CreateMutexW(nullptr, FALSE, name.empty() ? nullptr : name.c_str()));
+}
+
+inline Handle Section(DWORD size, const WideText& name = {}) {
+    return Handle(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, size,
+                                     name.empty() ? nullptr : name.c_str()));
+}
+
+// "Global\Contract<process>-<count><ending>"
+inline WideText FreshName(const WideText& ending = {}) {
+    static std::atomic<int> count{0};
+    const std::string number = std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count);
+    return TEXT("Global\\Contract") + WideText(number.begin(), number.end()) + ending;
+}

@@ -1,0 +1,211 @@
+// Names, handles and life of kernel objects.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <vector>
+
+#include "handle_support.h"
+
+namespace {
+
+struct Kind {
+    const char* name;
+    std::function<HANDLE(const WCHAR*)> create;
+};
+
+const std::vector<Kind>& Kinds() {
+    static const std::vector<Kind> kinds = {
+        {"event", [](const WCHAR* name) { return CreateEventW(nullptr, FALSE, FALSE, name); }},
+        {"mutex", [](const WCHAR* name) { return CreateMutexW(nullptr, FALSE, name); }},
+        {"section",
+         [](const WCHAR* name) {
+             return CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 100, name);
+         }},
+    };
+    return kinds;
+}
+
+TEST(Objects, A_new_name_gives_0_and_an_existing_one_183) {
+    for (const Kind& kind : Kinds()) {
+        SCOPED_TRACE(kind.name);
+        const WideText name = FreshName();
+        SetLastError(77);
+        const Handle first(kind.create(name.c_str()));
+        EXPECT_EQ(0u, GetLastError());
+        const Handle second(kind.create(name.c_str()));
+        EXPECT_EQ(183u, GetLastError());
+        EXPECT_TRUE(first && second);
+        EXPECT_NE(first.Get(), second.Get());
+    }
+}
+
+TEST(Objects, A_name_of_another_kind_is_refused_with_6) {
+    for (const Kind& held : Kinds())
+        for (const Kind& asked : Kinds()) {
+            if (&held == &asked) continue;
+            SCOPED_TRACE(std::string(held.name) + " asked as " + asked.name);
+            const WideText name = FreshName();
+            const Handle first(held.create(name.c_str()));
+            EXPECT_EQ(nullptr, asked.create(name.c_str()));
+            EXPECT_EQ(6u, GetLastError());
+        }
+}
+
+TEST(Objects, Names_are_case_sensitive_and_spaces_are_apart) {
+    const WideText name = FreshName(TEXT("Case"));
+    const Handle held = AutoEvent(name);
+    for (const WideText& other :
+         {FreshName(TEXT("CASE")), name.substr(7), TEXT("Local\\") + name.substr(7)}) {
+        const Handle created = AutoEvent(other);
+        EXPECT_TRUE(created);
+        EXPECT_EQ(0u, GetLastError());
+    }
+}
+
+TEST(Objects, No_prefix_is_the_local_one) {
+    const WideText name = FreshName().substr(7);
+    const Handle plain = AutoEvent(name);
+    const Handle local = AutoEvent(TEXT("Local\\") + name);
+    EXPECT_EQ(183u, GetLastError());
+}
+
+TEST(Objects, Other_backslashes_and_prefix_letters_are_refused_with_3) {
+    for (const WCHAR* name : {TEXT("Global\\a\\b"), TEXT("global\\x"), TEXT("GLOBAL\\x"), TEXT("Other\\x")})
+        for (const Kind& kind : Kinds()) {
+            EXPECT_EQ(nullptr, kind.create(name));
+            EXPECT_EQ(3u, GetLastError());
+        }
+}
+
+TEST(Objects, Odd_characters_and_long_names_name_objects) {
+    const WideText odd = FreshName(TEXT("/ %25 .. \u00E9\u3042 *?\"<>|"));
+    const WideText longName = FreshName(WideText(180, TEXT('\u3042')));
+    for (const WideText& name : {odd, longName}) {
+        const Handle first = AutoEvent(name);
+        ASSERT_TRUE(first);
+        const Handle again = AutoEvent(name);
+        EXPECT_EQ(183u, GetLastError());
+        const Handle other = AutoEvent(name + TEXT("x"));
+        EXPECT_EQ(0u, GetLastError());
+    }
+}
+
+TEST(Objects, An_object_dies_with_its_last_handle) {
+    for (const Kind& kind : Kinds()) {
+        SCOPED_TRACE(kind.name);
+        const WideText name = FreshName();
+        Handle first(kind.create(name.c_str()));
+        Handle second(kind.create(name.c_str()));
+        first.Close();
+        Handle third(kind.create(name.c_str()));
+        EXPECT_EQ(183u, GetLastError());
+        second.Close();
+        third.Close();
+        const Handle anew(kind.create(name.c_str()));
+        EXPECT_EQ(0u, GetLastError());
+    }
+}
+
+TEST(Objects, An_event_made_anew_is_not_signalled) {
+    const WideText name = FreshName();
+    {
+        const Handle event = ManualEvent(name);
+        SetEvent(event.Get());
+    }
+    const Handle anew = ManualEvent(name);
+    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(anew.Get(), 0));
+}
+
+TEST(Objects, A_closed_or_foreign_handle_is_refused_with_6) {
+    const Handle event = AutoEvent();
+    const Handle mutex = Mutex();
+    const Handle section = Section(100);
+    HANDLE closed = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    ASSERT_TRUE(CloseHandle(closed));
+    const auto refused = [](auto call, auto failure) {
+        SetLastError(77);
+        EXPECT_EQ(failure, call());
+        EXPECT_EQ(6u, GetLastError());
+    };
+    for (HANDLE handle : {static_cast<HANDLE>(nullptr), closed, reinterpret_cast<HANDLE>(0x12344)}) {
+        refused([&] { return CloseHandle(handle); }, FALSE);
+        refused([&] { return SetEvent(handle); }, FALSE);
+        refused([&] { return ResetEvent(handle); }, FALSE);
+        refused([&] { return ReleaseMutex(handle); }, FALSE);
+        refused([&] { return WaitForSingleObject(handle, 0); }, WAIT_FAILED);
+        refused([&] { return MapViewOfFile(handle, FILE_MAP_READ, 0, 0, 0); }, static_cast<LPVOID>(nullptr));
+    }
+    refused([&] { return SetEvent(mutex.Get()); }, FALSE);
+    refused([&] { return ReleaseMutex(event.Get()); }, FALSE);
+    refused([&] { return MapViewOfFile(event.Get(), FILE_MAP_READ, 0, 0, 0); }, static_cast<LPVOID>(nullptr));
+}
+
+TEST(Sections, Data_begins_zeroed_and_is_shared_by_all_views) {
+    const WideText name = FreshName();
+    const Handle first = Section(65803, name);
+    const Handle second = Section(65803, name);
+    auto* one = static_cast<unsigned char*>(MapViewOfFile(first.Get(), FILE_MAP_ALL_ACCESS, 0, 0, 0));
+    auto* two = static_cast<unsigned char*>(MapViewOfFile(second.Get(), FILE_MAP_ALL_ACCESS, 0, 0, 0));
+    const auto* reader =
+        static_cast<const unsigned char*>(MapViewOfFile(second.Get(), FILE_MAP_READ, 0, 0, 0));
+    ASSERT_TRUE(one != nullptr && two != nullptr && reader != nullptr);
+    EXPECT_EQ(0, one[0]);
+    EXPECT_EQ(0, one[65802]);
+    one[0] = 1;
+    two[65802] = 2;
+    EXPECT_EQ(1, reader[0]);
+    EXPECT_EQ(2, reader[65802]);
+    for (const void* view :
+         {static_cast<const void*>(one), static_cast<const void*>(two), static_cast<const void*>(reader)})
+        EXPECT_TRUE(UnmapViewOfFile(view));
+}
+
+TEST(Sections, A_view_counts_in_whole_pages_and_keeps_the_first_size) {
+    const WideText name = FreshName();
+    const Handle first = Section(65803, name);
+    const Handle larger = Section(70000, name);
+    EXPECT_EQ(183u, GetLastError());
+    void* view = MapViewOfFile(larger.Get(), FILE_MAP_ALL_ACCESS, 0, 0, 0);
+    EXPECT_EQ(183u, GetLastError());
+    MEMORY_BASIC_INFORMATION info;
+    ASSERT_EQ(sizeof(info), VirtualQuery(view, &info, sizeof(info)));
+    EXPECT_EQ(69632u, info.RegionSize);
+    EXPECT_TRUE(UnmapViewOfFile(view));
+}
+
+TEST(Sections, A_read_only_handle_maps_for_reading_alone) {
+    const WideText name = FreshName();
+    const Handle writer = Section(100, name);
+    const Handle reader(
+        CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READONLY, 0, 100, name.c_str()));
+    EXPECT_EQ(183u, GetLastError());
+    EXPECT_EQ(nullptr, MapViewOfFile(reader.Get(), FILE_MAP_ALL_ACCESS, 0, 0, 0));
+    EXPECT_EQ(5u, GetLastError());
+    void* view = MapViewOfFile(reader.Get(), FILE_MAP_READ, 0, 0, 0);
+    EXPECT_NE(nullptr, view);
+    UnmapViewOfFile(view);
+}
+
+TEST(Sections, A_view_keeps_the_memory_but_not_the_name) {
+    const WideText name = FreshName();
+    Handle first = Section(100, name);
+    auto* kept = static_cast<char*>(MapViewOfFile(first.Get(), FILE_MAP_ALL_ACCESS, 0, 0, 0));
+    kept[0] = 'x';
+    first.Close();
+    const Handle anew = Section(100, name);
+    EXPECT_EQ(0u, GetLastError());
+    auto* view = static_cast<char*>(MapViewOfFile(anew.Get(), FILE_MAP_ALL_ACCESS, 0, 0, 0));
+    EXPECT_EQ(0, view[0]);
+    EXPECT_EQ('x', kept[0]);
+    UnmapViewOfFile(view);
+    EXPECT_TRUE(UnmapViewOfFile(kept));
+    EXPECT_FALSE(UnmapViewOfFile(kept));
+    EXPECT_EQ(487u, GetLastError());
+}
+
+TEST(Sections, An_empty_section_is_refused_with_87) {
+    EXPECT_EQ(nullptr, CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0, nullptr));
+    EXPECT_EQ(87u, GetLastError());
+}
+
+}  // namespace

@@ -1,0 +1,215 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "support.h"
+
+namespace {
+
+constexpr DWORD kSectionCapacity = 2600;
+
+std::vector<WideText> Lines(const WideText& path, const WCHAR* section) {
+    WCHAR buffer[kSectionCapacity];
+    std::fill(std::begin(buffer), std::end(buffer), WCHAR('#'));
+    const DWORD count = GetPrivateProfileSectionW(section, buffer, kSectionCapacity, path.c_str());
+    std::vector<WideText> lines;
+    for (const WCHAR* line = buffer; *line != 0; line += lines.back().size() + 1)
+        lines.emplace_back(line);
+    std::size_t length = 0;
+    for (const WideText& line : lines)
+        length += line.size() + 1;
+    EXPECT_EQ(count, length);
+    return lines;
+}
+
+WideText Value(const WideText& path, const WCHAR* section, const WCHAR* key, DWORD capacity = 260) {
+    std::vector<WCHAR> buffer(capacity, WCHAR('#'));
+    const DWORD count =
+        GetPrivateProfileStringW(section, key, TEXT(""), buffer.data(), capacity, path.c_str());
+    EXPECT_EQ(buffer[count], WCHAR(0));
+    return WideText(buffer.data(), count);
+}
+
+constexpr char kFile[] =
+    "stray=1\r\n"
+    "[Printers]\r\n"
+    "Driver One\r\n"
+    "\r\n"
+    "  k2  =  v2  \r\n"
+    "; a comment\r\n"
+    "\t ; an indented one\r\n"
+    "=x\r\n"
+    "k3=\r\n"
+    "k2=second\r\n"
+    "[NoClose\r\n"
+    "quoted = \" a \"\r\n"
+    "single='s'\r\n"
+    "open=\"half\r\n"
+    "inner=a \"b\" c\r\n"
+    "note=text;rest\r\n"
+    "#hash=yes\r\n"
+    "empty=\"\"\r\n"
+    "bare\r\n"
+    "[ Spaced ] text after\r\n"
+    "s=1\r\n"
+    "[Printers]\r\n"
+    "never=seen\r\n"
+    "[Nothing]\r\n";
+
+}  // namespace
+
+TEST(Profile, A_section_is_its_lines_without_blanks_and_comments) {
+    const TempFolder folder;
+    const WideText path = folder.WriteFile(TEXT("p.ini"), kFile);
+    const std::vector<WideText> expected = {
+        TEXT("Driver One"),
+        TEXT("k2=v2"),
+        TEXT("=x"),
+        TEXT("k3="),
+        TEXT("k2=second"),
+        TEXT("[NoClose"),
+        TEXT("quoted=\" a \""),
+        TEXT("single='s'"),
+        TEXT("open=\"half"),
+        TEXT("inner=a \"b\" c"),
+        TEXT("note=text;rest"),
+        TEXT("#hash=yes"),
+        TEXT("empty=\"\""),
+        TEXT("bare"),
+    };
+    EXPECT_EQ(Lines(path, TEXT("printers")), expected);
+    EXPECT_EQ(Lines(path, TEXT("Spaced")), std::vector<WideText>{TEXT("s=1")});
+}
+
+TEST(Profile, A_missing_or_empty_section_has_no_lines_and_is_no_error) {
+    const TempFolder folder;
+    const WideText path = folder.WriteFile(TEXT("p.ini"), kFile);
+    for (const WCHAR* section : {TEXT("Absent"), TEXT("Nothing")}) {
+        SetLastError(0);
+        EXPECT_TRUE(Lines(path, section).empty());
+        EXPECT_EQ(GetLastError(), 0u);
+    }
+}
+
+TEST(Profile, Values_lose_their_blanks_and_one_pair_of_quotes) {
+    const TempFolder folder;
+    const WideText path = folder.WriteFile(TEXT("p.ini"), kFile);
+    const struct {
+        const WCHAR* key;
+        const WCHAR* value;
+    } rows[] = {
+        {TEXT("k2"), TEXT("v2")},           {TEXT("K2"), TEXT("v2")},
+        {TEXT(" k2 "), TEXT("v2")},         {TEXT("quoted"), TEXT(" a ")},
+        {TEXT("single"), TEXT("s")},        {TEXT("open"), TEXT("\"half")},
+        {TEXT("inner"), TEXT("a \"b\" c")}, {TEXT("note"), TEXT("text;rest")},
+        {TEXT("#hash"), TEXT("yes")},       {TEXT("k3"), TEXT("")},
+        {TEXT("empty"), TEXT("")},          {TEXT("bare"), TEXT("")},
+        {TEXT("absent"), TEXT("")},         {TEXT("never"), TEXT("")},
+        {TEXT("stray"), TEXT("")},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(Value(path, TEXT("PRINTERS"), row.key), row.value);
+}
+
+TEST(Profile, A_missing_key_gives_the_default) {
+    const TempFolder folder;
+    const WideText path = folder.WriteFile(TEXT("p.ini"), kFile);
+    WCHAR buffer[8];
+    EXPECT_EQ(
+        GetPrivateProfileStringW(TEXT("Printers"), TEXT("absent"), TEXT("other"), buffer, 8, path.c_str()),
+        5u);
+    EXPECT_EQ(WideText(buffer), TEXT("other"));
+}
+
+TEST(Profile, Every_line_ending_and_byte_order_mark_is_read) {
+    const TempFolder folder;
+    const auto wide = [](const std::string& text, bool bigEndian) {
+        std::string bytes = bigEndian ? "\xFE\xFF" : "\xFF\xFE";
+        for (const char c : text)
+            bytes += bigEndian ? std::string{'\0', c} : std::string{c, '\0'};
+        return bytes;
+    };
+    const std::string text = "[S]\nk=v\nl=\xE9";
+    const std::string contents[] = {
+        "[S]\r\nk=v\r\nl=\xE9\r\n", text, "[S]\rk=v\rl=\xE9", wide(text, false), wide(text, true),
+    };
+    for (const std::string& bytes : contents) {
+        const WideText path = folder.WriteFile(TEXT("p.ini"), bytes);
+        EXPECT_EQ(Value(path, TEXT("S"), TEXT("k")), TEXT("v"));
+        EXPECT_EQ(Value(path, TEXT("S"), TEXT("l")), TEXT("\u00E9"));
+        EXPECT_EQ(Lines(path, TEXT("S")).size(), 2u);
+    }
+}
+
+TEST(Profile, A_list_that_does_not_fit_is_cut_inside_a_line_and_doubly_terminated) {
+    const TempFolder folder;
+    std::string contents = "[L]\r\n";
+    for (int i = 0; i < 400; ++i)
+        contents += "Printer " + std::to_string(1000 + i) + "\r\n";
+    const WideText path = folder.WriteFile(TEXT("p.ini"), contents);
+    WCHAR buffer[kSectionCapacity];
+    std::fill(std::begin(buffer), std::end(buffer), WCHAR('#'));
+    SetLastError(0);
+    EXPECT_EQ(GetPrivateProfileSectionW(TEXT("L"), buffer, kSectionCapacity, path.c_str()),
+              kSectionCapacity - 2);
+    EXPECT_EQ(GetLastError(), 0u);
+    EXPECT_EQ(buffer[kSectionCapacity - 2], WCHAR(0));
+    EXPECT_EQ(buffer[kSectionCapacity - 1], WCHAR(0));
+    // Each line takes 13 units: 199 whole ones and 11 units of the next.
+    EXPECT_EQ(WideText(buffer + 199 * 13), TEXT("Printer 119"));
+}
+
+TEST(Profile, A_long_value_is_cut_to_the_buffer) {
+    const TempFolder folder;
+    const WideText path = folder.WriteFile(TEXT("p.ini"), "[S]\nk=" + std::string(5000, 'x') + "\n");
+    EXPECT_EQ(Value(path, TEXT("S"), TEXT("k"), 260).size(), 259u);
+    EXPECT_EQ(Value(path, TEXT("S"), TEXT("k"), 6000).size(), 5000u);
+}
+
+TEST(Profile, A_file_that_cannot_be_read_gives_nothing_and_the_reason) {
+    const TempFolder folder;
+    const struct {
+        WideText path;
+        DWORD error;
+    } rows[] = {
+        {folder.Path(TEXT("none.ini")), ERROR_FILE_NOT_FOUND},
+        {folder.Path(TEXT("none/p.ini")), ERROR_PATH_NOT_FOUND},
+        {folder.MakeFolder(TEXT("sub")), ERROR_ACCESS_DENIED},
+    };
+    for (const auto& row : rows) {
+        SetLastError(0);
+        EXPECT_TRUE(Lines(row.path, TEXT("S")).empty());
+        EXPECT_EQ(GetLastError(), row.error);
+        EXPECT_EQ(Value(row.path, TEXT("S"), TEXT("k")), WideText());
+    }
+}
+
+TEST(Profile, A_changed_file_is_read_anew) {
+    const TempFolder folder;
+    const WideText path = folder.WriteFile(TEXT("p.ini"), "[S]\nk=1\n");
+    EXPECT_EQ(Value(path, TEXT("S"), TEXT("k")), TEXT("1"));
+    folder.WriteFile(TEXT("p.ini"), "[S]\nk=2\n");
+    EXPECT_EQ(Value(path, TEXT("S"), TEXT("k")), TEXT("2"));
+}
+
+TEST(Profile, Numbers_are_read_as_far_as_they_go) {
+    const TempFolder folder;
+    const struct {
+        const char* text;
+        UINT number;
+    } rows[] = {
+        {"12", 12},  {"-5", 0xFFFFFFFBu},    {"+7", 7},
+        {"  9 ", 9}, {"12abc", 12},          {"abc", 0},
+        {"", 1024},  {"0x10", 16},           {"0X1F", 0},
+        {"010", 10}, {"-0x10", 0xFFFFFFF0u}, {"4294967295", 0xFFFFFFFFu},
+        {"- 4", 0},  {"4294967296", 0},      {"\"33\"", 33},
+    };
+    for (const auto& row : rows) {
+        const WideText path = folder.WriteFile(TEXT("p.ini"), std::string("[S]\nk=") + row.text + "\n");
+        EXPECT_EQ(GetPrivateProfileIntW(TEXT("S"), TEXT("k"), 1024, path.c_str()), row.number) << row.text;
+        EXPECT_EQ(GetPrivateProfileIntW(TEXT("S"), TEXT("other"), -3, path.c_str()), 0xFFFFFFFDu);
+    }
+}

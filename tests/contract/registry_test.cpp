@@ -1,0 +1,190 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support.h"
+
+namespace {
+
+// A key below the current user's hive that is gone after the test.
+class Registry : public testing::Test {
+  protected:
+    Registry() {
+        const std::string name = "KestrelContract" + std::to_string(GetCurrentProcessId());
+        name_.assign(name.begin(), name.end());
+        RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str());
+        EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, name_.c_str(), &key_), ERROR_SUCCESS);
+    }
+    ~Registry() override {
+        RegCloseKey(key_);
+        RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str());
+    }
+
+    LSTATUS Set(HKEY key, const WCHAR* name, std::string_view bytes) {
+        return RegSetValueExW(key, name, 0, REG_BINARY, reinterpret_cast<const BYTE*>(bytes.data()),
+                              static_cast<DWORD>(bytes.size()));
+    }
+    std::string Get(HKEY key, const WCHAR* name) {
+        std::string bytes(64, '\0');
+        DWORD size = static_cast<DWORD>(bytes.size());
+        const LSTATUS status =
+            RegQueryValueExW(key, name, nullptr, nullptr, reinterpret_cast<LPBYTE>(bytes.data()), &size);
+        if (status != ERROR_SUCCESS) return "error " + std::to_string(status);
+        bytes.resize(size);
+        return bytes;
+    }
+
+    WideText name_;
+    HKEY key_ = nullptr;
+};
+
+}  // namespace
+
+TEST_F(Registry, A_value_is_read_as_it_was_written) {
+    ASSERT_EQ(Set(key_, TEXT("HostID"), "12345678"), ERROR_SUCCESS);
+    BYTE data[8] = {};
+    DWORD type = 0;
+    DWORD size = sizeof data;
+    EXPECT_EQ(RegQueryValueExW(key_, TEXT("hostid"), nullptr, &type, data, &size), ERROR_SUCCESS);
+    EXPECT_EQ(type, static_cast<DWORD>(REG_BINARY));
+    EXPECT_EQ(size, 8u);
+    EXPECT_EQ(std::string(data, data + 8), "12345678");
+
+    size = 4;
+    EXPECT_EQ(RegQueryValueExW(key_, TEXT("HostID"), nullptr, &type, data, &size), ERROR_MORE_DATA);
+    EXPECT_EQ(size, 8u);
+    size = 0;
+    EXPECT_EQ(RegQueryValueExW(key_, TEXT("HostID"), nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
+    EXPECT_EQ(size, 8u);
+    EXPECT_EQ(RegQueryValueExW(key_, TEXT("Other"), nullptr, &type, data, &size), ERROR_FILE_NOT_FOUND);
+}
+
+TEST_F(Registry, A_second_write_replaces_the_first_and_a_deleted_value_is_gone) {
+    Set(key_, TEXT("Value"), "first");
+    Set(key_, TEXT("VALUE"), "2");
+    EXPECT_EQ(Get(key_, TEXT("value")), "2");
+    Set(key_, TEXT("value"), "");
+    EXPECT_EQ(Get(key_, TEXT("value")), "");
+    EXPECT_EQ(RegDeleteValueW(key_, TEXT("vALUE")), ERROR_SUCCESS);
+    EXPECT_EQ(RegDeleteValueW(key_, TEXT("vALUE")), ERROR_FILE_NOT_FOUND);
+}
+
+TEST_F(Registry, Key_names_are_found_without_case_through_nested_paths) {
+    HKEY nested = nullptr;
+    DWORD disposition = 0;
+    ASSERT_EQ(RegCreateKeyExW(key_, TEXT("Outer\\Inner \u00C9\\Deep"), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                              KEY_ALL_ACCESS, nullptr, &nested, &disposition),
+              ERROR_SUCCESS);
+    EXPECT_EQ(disposition, static_cast<DWORD>(REG_CREATED_NEW_KEY));
+    Set(nested, TEXT("v"), "deep");
+    EXPECT_EQ(RegCloseKey(nested), ERROR_SUCCESS);
+    ASSERT_EQ(RegOpenKeyW(key_, TEXT("OUTER\\inner \u00E9\\deep"), &nested), ERROR_SUCCESS);
+    EXPECT_EQ(Get(nested, TEXT("v")), "deep");
+    RegCloseKey(nested);
+    ASSERT_EQ(RegCreateKeyExW(key_, TEXT("outer"), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_READ, nullptr,
+                              &nested, &disposition),
+              ERROR_SUCCESS);
+    EXPECT_EQ(disposition, static_cast<DWORD>(REG_OPENED_EXISTING_KEY));
+    RegCloseKey(nested);
+}
+
+TEST_F(Registry, What_is_not_there_or_badly_named_is_refused) {
+    HKEY other = nullptr;
+    EXPECT_EQ(RegOpenKeyW(key_, TEXT("None"), &other), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegOpenKeyExW(key_, TEXT("None\\Deeper"), 0, KEY_READ, &other), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegCreateKeyExW(HKEY_USERS, TEXT("\\Leading"), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                              KEY_ALL_ACCESS, nullptr, &other, nullptr),
+              ERROR_BAD_PATHNAME);
+    EXPECT_EQ(RegDeleteTreeW(key_, TEXT("None")), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegCloseKey(nullptr), ERROR_INVALID_HANDLE);
+}
+
+TEST_F(Registry, A_key_opened_for_reading_refuses_writes) {
+    HKEY readOnly = nullptr;
+    Set(key_, TEXT("v"), "x");
+    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, name_.c_str(), 0, KEY_READ, &readOnly), ERROR_SUCCESS);
+    EXPECT_EQ(Set(readOnly, TEXT("v"), "y"), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(RegDeleteValueW(readOnly, TEXT("v")), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(Get(readOnly, TEXT("v")), "x");
+    RegCloseKey(readOnly);
+}
+
+TEST_F(Registry, An_empty_path_is_the_key_itself_and_closing_a_hive_changes_nothing) {
+    HKEY same = nullptr;
+    EXPECT_EQ(RegOpenKeyW(HKEY_CURRENT_USER, TEXT(""), &same), ERROR_SUCCESS);
+    EXPECT_EQ(same, HKEY_CURRENT_USER);
+    EXPECT_EQ(RegCloseKey(same), ERROR_SUCCESS);
+    EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, TEXT(""), &same), ERROR_SUCCESS);
+    EXPECT_EQ(Set(same, TEXT("KestrelContract"), "root"), ERROR_SUCCESS);
+    RegCloseKey(same);
+    EXPECT_EQ(Get(HKEY_CURRENT_USER, TEXT("KestrelContract")), "root");
+    EXPECT_EQ(RegDeleteValueW(HKEY_CURRENT_USER, TEXT("KestrelContract")), ERROR_SUCCESS);
+}
+
+TEST_F(Registry, Subkeys_are_listed_by_name) {
+    for (const WCHAR* name : {TEXT("beta"), TEXT("Alpha"), TEXT("_under"), TEXT("GAMMA")}) {
+        HKEY child = nullptr;
+        ASSERT_EQ(RegCreateKeyW(key_, name, &child), ERROR_SUCCESS);
+        RegCloseKey(child);
+    }
+    std::vector<WideText> names;
+    WCHAR buffer[32];
+    DWORD length = 32;
+    LSTATUS status;
+    while ((status = RegEnumKeyExW(key_, static_cast<DWORD>(names.size()), buffer, &length, nullptr, nullptr,
+                                   nullptr, nullptr)) == ERROR_SUCCESS) {
+        EXPECT_EQ(WideText(buffer).size(), length);
+        names.emplace_back(buffer);
+        length = 32;
+    }
+    EXPECT_EQ(status, ERROR_NO_MORE_ITEMS);
+    EXPECT_EQ(names, (std::vector<WideText>{TEXT("Alpha"), TEXT("beta"), TEXT("GAMMA"), TEXT("_under")}));
+    length = 5;
+    EXPECT_EQ(RegEnumKeyExW(key_, 0, buffer, &length, nullptr, nullptr, nullptr, nullptr), ERROR_MORE_DATA);
+}
+
+TEST_F(Registry, A_deleted_tree_takes_its_subkeys_along_and_a_new_key_is_empty) {
+    HKEY child = nullptr;
+    ASSERT_EQ(RegCreateKeyW(key_, TEXT("A\\B"), &child), ERROR_SUCCESS);
+    Set(child, TEXT("v"), "old");
+    EXPECT_EQ(RegDeleteTreeW(key_, TEXT("a")), ERROR_SUCCESS);
+    EXPECT_EQ(Get(child, TEXT("v")), "error " + std::to_string(ERROR_KEY_DELETED));
+    EXPECT_EQ(Set(child, TEXT("v"), "late"), ERROR_KEY_DELETED);
+    RegCloseKey(child);
+    EXPECT_EQ(RegOpenKeyW(key_, TEXT("A"), &child), ERROR_FILE_NOT_FOUND);
+    ASSERT_EQ(RegCreateKeyW(key_, TEXT("A\\B"), &child), ERROR_SUCCESS);
+    EXPECT_EQ(Get(child, TEXT("v")), "error " + std::to_string(ERROR_FILE_NOT_FOUND));
+    RegCloseKey(child);
+}
+
+TEST_F(Registry, The_calls_leave_the_last_error_alone) {
+    HKEY other = nullptr;
+    SetLastError(77);
+    RegOpenKeyW(key_, TEXT("None"), &other);
+    RegOpenKeyW(HKEY_CURRENT_USER, name_.c_str(), &other);
+    Set(other, TEXT("v"), "x");
+    Get(other, TEXT("None"));
+    RegCloseKey(other);
+    EXPECT_EQ(GetLastError(), 77u);
+}
+
+TEST_F(Registry, Threads_write_side_by_side) {
+    std::vector<std::thread> threads;
+    std::atomic<int> failures{0};
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&, i] {
+            const WCHAR name[] = {static_cast<WCHAR>('a' + i), 0};
+            for (int n = 0; n < 25; ++n) {
+                const std::string value = std::to_string(n);
+                if (Set(key_, name, value) != ERROR_SUCCESS || Get(key_, name) != value) ++failures;
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(failures, 0);
+}

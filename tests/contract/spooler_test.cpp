@@ -1,0 +1,257 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+#include <winspool.h>
+
+#include <string>
+#include <vector>
+
+#include "support.h"
+
+namespace {
+
+constexpr WCHAR kDriver[] = TEXT("Kestrel Contract Driver");
+
+// The driver is installed and printers that a test adds are removed after it.
+class Spooler : public testing::Test {
+  protected:
+    Spooler() {
+        DRIVER_INFO_3W driver = {};
+        driver.cVersion = 3;
+        driver.pName = Writable(kDriver);
+        driver.pDriverPath = Writable(TEXT("wineps.drv"));
+        driver.pDataFile = Writable(TEXT("x"));
+        driver.pConfigFile = Writable(TEXT("wineps.drv"));
+        EXPECT_TRUE(AddPrinterDriverExW(nullptr, 3, reinterpret_cast<LPBYTE>(&driver),
+                                        APD_COPY_NEW_FILES | APD_COPY_FROM_DIRECTORY));
+    }
+    ~Spooler() override {
+        for (const HANDLE printer : added_) {
+            DeletePrinter(printer);
+            ClosePrinter(printer);
+        }
+    }
+
+    static PRINTER_INFO_2W Info(const WCHAR* name, const WCHAR* port) {
+        PRINTER_INFO_2W info = {};
+        info.pPrinterName = Writable(name);
+        info.pPortName = Writable(port);
+        info.pDriverName = Writable(kDriver);
+        info.pPrintProcessor = Writable(TEXT("WinPrint"));
+        info.pDatatype = Writable(TEXT("RAW"));
+        info.Attributes = PRINTER_ATTRIBUTE_LOCAL | PRINTER_ATTRIBUTE_ENABLE_BIDI;
+        return info;
+    }
+    static HANDLE Add(PRINTER_INFO_2W info) {
+        return AddPrinterW(nullptr, 2, reinterpret_cast<LPBYTE>(&info));
+    }
+    HANDLE AddForTest(const WCHAR* name, const WCHAR* port) {
+        const HANDLE printer = Add(Info(name, port));
+        EXPECT_NE(printer, nullptr) << "last error " << GetLastError();
+        if (printer != nullptr) added_.push_back(printer);
+        return printer;
+    }
+
+    static HANDLE Open(const WCHAR* name) {
+        HANDLE printer = nullptr;
+        PRINTER_DEFAULTSW defaults = {nullptr, nullptr, PRINTER_ALL_ACCESS};
+        return OpenPrinterW(Writable(name), &printer, &defaults) ? printer : nullptr;
+    }
+
+    // Level-2 records of all local printers: names in order.
+    static std::vector<WideText> Names() {
+        DWORD needed = 0;
+        DWORD count = 0;
+        EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, nullptr, 0, &needed, &count);
+        std::vector<BYTE> buffer(needed + 1);
+        EXPECT_TRUE(EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, buffer.data(), needed, &needed, &count));
+        std::vector<WideText> names;
+        const auto* info = reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data());
+        for (DWORD i = 0; i < count; ++i)
+            names.emplace_back(info[i].pPrinterName);
+        return names;
+    }
+
+    struct Record {
+        std::vector<BYTE> buffer;
+        const PRINTER_INFO_2W& operator*() const {
+            return *reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data());
+        }
+    };
+    static Record Read(HANDLE printer) {
+        DWORD needed = 0;
+        SetLastError(0);
+        EXPECT_FALSE(GetPrinterW(printer, 2, nullptr, 0, &needed));
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
+        EXPECT_GE(needed, sizeof(PRINTER_INFO_2W));
+        Record record{std::vector<BYTE>(needed)};
+        EXPECT_TRUE(GetPrinterW(printer, 2, record.buffer.data(), needed, &needed));
+        return record;
+    }
+
+    std::vector<HANDLE> added_;
+};
+
+}  // namespace
+
+TEST_F(Spooler, Without_printers_the_list_is_empty_and_a_success) {
+    DWORD needed = 9;
+    DWORD count = 9;
+    EXPECT_TRUE(EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, nullptr, 0, &needed, &count));
+    EXPECT_EQ(needed, 0u);
+    EXPECT_EQ(count, 0u);
+    EXPECT_TRUE(EnumPrintersW(PRINTER_ENUM_CONNECTIONS, nullptr, 2, nullptr, 0, &needed, &count));
+    EXPECT_EQ(needed, 0u);
+}
+
+TEST_F(Spooler, The_list_is_in_order_of_the_names_and_asks_for_its_size_first) {
+    AddForTest(TEXT("ZR Two"), TEXT("USB001"));
+    AddForTest(TEXT("ZR One"), TEXT("USB002"));
+    DWORD needed = 0;
+    DWORD count = 9;
+    for (const DWORD level : {1u, 2u}) {
+        SetLastError(0);
+        EXPECT_FALSE(EnumPrintersW(PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS, nullptr, level, nullptr, 0,
+                                   &needed, &count));
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
+        EXPECT_GT(needed, 0u);
+        EXPECT_EQ(count, 0u);
+    }
+    EXPECT_EQ(Names(), (std::vector<WideText>{TEXT("ZR One"), TEXT("ZR Two")}));
+}
+
+TEST_F(Spooler, A_printer_keeps_what_it_was_added_with_and_takes_another_port) {
+    const struct {
+        const WCHAR* port;
+        DWORD attributes;
+    } rows[] = {{TEXT("USB001"), 0x840}, {TEXT("IP_192.168.0.5"), 0x40}, {TEXT("USB001,USB002"), 0x800}};
+    const HANDLE printer = AddForTest(TEXT("ZR Ports"), TEXT("LPT9"));
+    for (const auto& row : rows) {
+        PRINTER_INFO_2W info = Info(TEXT("ZR Ports"), row.port);
+        info.Attributes = row.attributes;
+        ASSERT_TRUE(SetPrinterW(printer, 2, reinterpret_cast<LPBYTE>(&info), 0));
+        const Record record = Read(printer);
+        EXPECT_EQ(WideText((*record).pPrinterName), TEXT("ZR Ports"));
+        EXPECT_EQ(WideText((*record).pDriverName), kDriver);
+        EXPECT_EQ(WideText((*record).pPortName), row.port);
+        EXPECT_EQ((*record).Attributes & 0x840, row.attributes);
+    }
+}
+
+TEST_F(Spooler, Printers_open_by_name_without_case) {
+    AddForTest(TEXT("ZR Open"), TEXT("USB001"));
+    SetLastError(77);
+    const HANDLE printer = Open(TEXT("zr OPEN"));
+    EXPECT_NE(printer, nullptr);
+    EXPECT_EQ(GetLastError(), 0u);
+    EXPECT_EQ(WideText((*Read(printer)).pPrinterName), TEXT("ZR Open"));
+    EXPECT_TRUE(ClosePrinter(printer));
+    HANDLE server = nullptr;
+    EXPECT_TRUE(OpenPrinterW(nullptr, &server, nullptr));
+    EXPECT_TRUE(ClosePrinter(server));
+}
+
+TEST_F(Spooler, Names_that_are_no_printer_are_refused) {
+    const struct {
+        WideText name;
+        DWORD error;
+    } rows[] = {
+        {TEXT("ZR None"), ERROR_INVALID_PRINTER_NAME},
+        {TEXT("\\\\server\\printer"), ERROR_INVALID_PRINTER_NAME},
+        {WideText(300, 'x'), ERROR_INVALID_PRINTER_NAME},
+        {WideText(), ERROR_INVALID_PARAMETER},
+        {TEXT(",XcvMonitor No Such Monitor"), ERROR_UNKNOWN_PORT},
+    };
+    for (const auto& row : rows) {
+        SetLastError(0);
+        EXPECT_EQ(Open(row.name.c_str()), nullptr);
+        EXPECT_EQ(GetLastError(), row.error);
+    }
+}
+
+TEST_F(Spooler, Handles_that_are_no_open_printer_are_refused) {
+    AddForTest(TEXT("ZR Handle"), TEXT("USB001"));
+    const HANDLE closed = Open(TEXT("ZR Handle"));
+    ClosePrinter(closed);
+    for (const HANDLE handle : {HANDLE(nullptr), closed}) {
+        SetLastError(0);
+        EXPECT_FALSE(ClosePrinter(handle));
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+        DWORD needed = 9;
+        EXPECT_FALSE(GetPrinterW(handle, 2, nullptr, 0, &needed));
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+        EXPECT_EQ(needed, 0u);
+    }
+}
+
+TEST_F(Spooler, A_printer_needs_an_installed_driver) {
+    PRINTER_INFO_2W info = Info(TEXT("ZR Driverless"), TEXT("USB001"));
+    info.pDriverName = Writable(TEXT("No Such Driver"));
+    SetLastError(0);
+    EXPECT_EQ(Add(info), nullptr);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_UNKNOWN_PRINTER_DRIVER));
+    EXPECT_EQ(Open(TEXT("ZR Driverless")), nullptr);
+}
+
+TEST_F(Spooler, A_deleted_printer_is_gone) {
+    const HANDLE printer = Add(Info(TEXT("ZR Gone"), TEXT("USB001")));
+    ASSERT_TRUE(DeletePrinter(printer));
+    EXPECT_TRUE(ClosePrinter(printer));
+    EXPECT_EQ(Open(TEXT("ZR Gone")), nullptr);
+    EXPECT_TRUE(Names().empty());
+}
+
+TEST_F(Spooler, Printer_data_reports_by_its_result_and_leaves_the_last_error_alone) {
+    const HANDLE printer = AddForTest(TEXT("ZR Data"), TEXT("USB001"));
+    const LPWSTR name = Writable(TEXT("WakeUpLangMon"));
+    BYTE byte = 1;
+    DWORD number = 4711;
+    DWORD type = 0;
+    DWORD needed = 0;
+    SetLastError(77);
+    EXPECT_EQ(GetPrinterDataW(printer, name, &type, &byte, 1, &needed),
+              static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(SetPrinterDataW(printer, name, REG_BINARY, &byte, 1), 0u);
+    byte = 0;
+    EXPECT_EQ(GetPrinterDataW(printer, name, &type, &byte, 1, &needed), 0u);
+    EXPECT_EQ(byte, 1);
+    EXPECT_EQ(SetPrinterDataW(printer, name, REG_DWORD, reinterpret_cast<LPBYTE>(&number), sizeof number),
+              0u);
+    EXPECT_EQ(GetPrinterDataW(printer, name, &type, &byte, 1, &needed), static_cast<DWORD>(ERROR_MORE_DATA));
+    EXPECT_EQ(needed, sizeof number);
+    EXPECT_EQ(GetLastError(), 77u);
+    EXPECT_EQ(GetPrinterDataW(nullptr, name, &type, &byte, 1, &needed),
+              static_cast<DWORD>(ERROR_INVALID_HANDLE));
+}
+
+TEST_F(Spooler, The_driver_folder_is_there_with_its_subfolder_3) {
+    DWORD needed = 0;
+    SetLastError(0);
+    EXPECT_FALSE(GetPrinterDriverDirectoryW(nullptr, nullptr, 1, nullptr, 0, &needed));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
+    std::vector<WCHAR> folder(needed / sizeof(WCHAR));
+    ASSERT_TRUE(GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<LPBYTE>(folder.data()),
+                                           needed, &needed));
+    EXPECT_EQ(folder.back(), WCHAR(0));
+    const DWORD attributes = GetFileAttributesW((WideText(folder.data()) + TEXT("\\3")).c_str());
+    ASSERT_NE(attributes, INVALID_FILE_ATTRIBUTES);
+    EXPECT_NE(attributes & FILE_ATTRIBUTE_DIRECTORY, 0u);
+}
+
+// Wine 8 has no DeletePrinterDataW and lets a second printer of one name pass.
+
+TEST_F(Spooler, Deleting_printer_data_says_whether_there_was_any__not_on_Wine) {
+    const HANDLE printer = AddForTest(TEXT("ZR Delete"), TEXT("USB001"));
+    const LPWSTR name = Writable(TEXT("WakeUpLangMon"));
+    BYTE byte = 1;
+    EXPECT_EQ(DeletePrinterDataW(printer, name), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(SetPrinterDataW(printer, name, REG_BINARY, &byte, 1), 0u);
+    EXPECT_EQ(DeletePrinterDataW(printer, name), 0u);
+    EXPECT_EQ(DeletePrinterDataW(printer, name), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+}
+
+TEST_F(Spooler, A_second_printer_of_one_name_is_refused__not_on_Wine) {
+    AddForTest(TEXT("ZR Twice"), TEXT("USB001"));
+    SetLastError(0);
+    EXPECT_EQ(Add(Info(TEXT("zr twice"), TEXT("USB002"))), nullptr);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PRINTER_ALREADY_EXISTS));
+}
