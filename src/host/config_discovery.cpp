@@ -1,0 +1,60 @@
+#include "host/config_discovery.h"
+
+#include <winspool.h>
+
+#include "host/profile_reader.h"
+#include "kwt/object_names.h"
+
+namespace {
+
+// The entry of a configuration file that names the module of each kind.
+struct ModuleEntry {
+    ModuleKind kind;
+    const WCHAR* section;
+    const WCHAR* key;
+};
+constexpr ModuleEntry kModuleEntries[] = {
+    {ModuleKind::StatusMonitor, TEXT("Status Monitor"), TEXT("Executable")},
+    {ModuleKind::LanguageMonitor, TEXT("Language Monitor"), TEXT("Library")},
+    {ModuleKind::Sdk, TEXT("SDK"), TEXT("Library")},
+};
+
+constexpr const WCHAR* kFileEndings[] = {TEXT(".INI"), TEXT("XPS.INI")};
+
+/// The folder of the driver files, with a backslash at its end; empty when the spooler does not say.
+WideText DriverFileFolder() {
+    WCHAR directory[MAX_PATH] = {};
+    DWORD needed = 0;
+    if (!GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(directory),
+                                    sizeof(directory), &needed))
+        return {};
+    return WideText(directory) + TEXT("\\3\\");
+}
+
+bool FileExists(const WideText& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+bool NamesModule(const WideText& path, const ModuleEntry& entry, const WideText& capitalFileName) {
+    return InCapitals(ProfileReader(path).Text(entry.section, entry.key)) == capitalFileName;
+}
+
+}  // namespace
+
+std::vector<WideText> FindConfigFiles(const WideText& modulePath) {
+    std::vector<WideText> files;
+    const WideText fileName = InCapitals(FileNamePart(modulePath));
+    const ModuleKind kind = FindModuleKind(fileName);
+    const WideText folder = kind != ModuleKind::None ? DriverFileFolder() : WideText();
+    if (folder.empty()) return files;
+    const WideText stem = fileName.substr(0, fileName.size() - kModuleSuffixLength);
+    for (const ModuleEntry& entry : kModuleEntries) {
+        if (entry.kind != kind) continue;
+        for (const WCHAR* ending : kFileEndings) {
+            const WideText path = folder + stem + ending;
+            if (FileExists(path) && NamesModule(path, entry, fileName)) files.push_back(path);
+        }
+    }
+    return files;
+}

@@ -1,0 +1,40 @@
+// Builds the request texts of the device language.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "opl/vocabulary.h"
+
+/// Every operation appends to `out` and never clears it: several calls on one string make one compound
+/// request, its commands in the order of the calls. Holds no data; may be shared by any number of threads.
+class OPLBuilder {
+  public:
+    OPLBuilder() = default;
+    virtual ~OPLBuilder();
+
+    /// Key and "?"; the key must be readable.
+    void AppendQuery(std::string& out, OplKey key) const;
+
+    /// Key and value; each operation takes the keys whose row in vocabulary.def names one of its formatters.
+    /// YesNoValue, TrueFalseValue
+    void AppendSetBool(std::string& out, OplKey key, bool value) const;
+    /// IntValue, ByteValue, WordValue, SignedByteValue: what does not fit the width of the key's formatter
+    /// is reduced to its low bits and read again with the formatter's sign (0xF6 becomes -10 or 246).
+    void AppendSetInt(std::string& out, OplKey key, int32_t value) const;
+    /// TextValue: `text` is plain; it is escaped here.
+    void AppendSetText(std::string& out, OplKey key, std::string_view text) const;
+    /// AddressValue: a.b.c.d is the value whose least significant byte is a.
+    void AppendSetAddress(std::string& out, OplKey key, uint32_t address) const;
+
+    /// A word that stands for itself.
+    void AppendWord(std::string& out, OplWord word) const;
+    /// The one maintenance action with a choice.
+    void AppendCleanHead(std::string& out, bool thoroughly) const;
+
+    /// One field of record `index` of an address book list. The index is not checked: the device judges it.
+    void AppendRecordQuery(std::string& out, OplRecordList list, uint32_t index, OplRecordField field) const;
+    void AppendRecordSet(std::string& out, OplRecordList list, uint32_t index, OplRecordField field,
+                         std::string_view text) const;
+};

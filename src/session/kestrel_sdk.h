@@ -1,0 +1,100 @@
+// What one thread knows of the printer that it selected, and the two transactions that every device operation
+// is made of.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "ipc/opl_channel.h"
+#include "ipc/remote_control_channel.h"
+#include "kwt/wide_text.h"
+#include "opl/opl_builder.h"
+#include "opl/opl_parser.h"
+
+class RemainingTime;
+
+class RemainingTime;
+
+/// `lastResponseNum` before any reply has been read.
+inline constexpr uint32_t kNoResponseYet = 100000;
+
+/// The longest printer and driver name that is kept, in characters without a terminator.
+inline constexpr size_t kMaxPrinterName = MAX_PATH - 1;
+
+/// One per thread, made on the thread's first call and destroyed when the thread ends; never used by another
+/// thread, so nothing here is locked. Always on the heap: it holds two buffers of 64 KiB.
+///
+/// Its data are public because the operations on them are written in the rooms of their subjects (settings,
+/// clock, ...) as functions that take a KestrelSDK&. Errors are reported through the thread's last-error
+/// value.
+class KestrelSDK {
+  public:
+    /// Opens the channel to the status monitor; a failure shows at the first request to it.
+    KestrelSDK();
+    KestrelSDK(const KestrelSDK&) = delete;
+    KestrelSDK& operator=(const KestrelSDK&) = delete;
+    virtual ~KestrelSDK();
+
+    /// Makes the named printer the one that the following requests reach; null or empty picks the last
+    /// installed local printer with a driver of the product. The product configuration must be loaded.
+    /// The first selection that succeeds also wakes the language monitor and pings the printer (up to 2 s).
+    /// After success the last-error value is whatever the opening of the channel or the wake-up left.
+    bool SelectPrinter(const WCHAR* name);
+
+    /// One raw exchange: sends `requestLength` bytes and reads one reply within `timeoutMs` milliseconds.
+    /// True when a reply arrived and its response number is a good one. A reply, good or bad, is copied to
+    /// `replyBuffer`, cut to `replyBufferSize` bytes and not terminated, and `*replyLength` says how many
+    /// bytes that were; both pointers may be null. A null `request` with a length is refused with 87.
+    bool SendCmd(const void* request, uint32_t requestLength, void* replyBuffer, uint32_t replyBufferSize,
+                 uint32_t* replyLength, uint32_t timeoutMs);
+
+    /// Exchanges `request` and sets `reply` to the first complete message of a good reply. False, with
+    /// `reply` empty, when the exchange failed or held no complete message. `reply` keeps its capacity.
+    bool Query(const std::string& request, std::string& reply, uint32_t timeoutMs);
+
+    /// Exchanges `request` and reports the verdict on the reply alone.
+    bool SetWithAck(const std::string& request, uint32_t timeoutMs);
+
+    /// Keeps a reply that could not be understood for GetLastBadResponse, and sets the last-error value.
+    /// Always false, the result of the operation that gives up.
+    bool RejectReply(const std::string& reply, uint32_t error);
+
+    /// The scratch texts below, emptied: an operation that builds its request in the one and reads its reply
+    /// into the other allocates nothing. One operation at a time may use each.
+    [[nodiscard]] std::string& NewRequest();
+    [[nodiscard]] std::string& NewReply();
+
+    OPLBuilder builder;
+    OPLParser parser;
+    OPLChannel oplChannel;
+    WideText printerName;
+    WideText driverName;
+    RemoteControlChannel remoteChannel;
+    uint32_t lastTimeoutSent = 0;  // milliseconds; what the language monitor was told last
+    std::string lastBadResponse;
+    uint32_t lastResponseNum = kNoResponseYet;
+    bool wakeUpPending = true;
+    int32_t connectionKind = -1;  // 0 a printer on a USB port, 1 any other, negative not known
+    bool printerLocked = false;   // this thread holds the printer's lock
+
+  private:
+    /// The exchange and the verdict on its reply: 0 for a good reply, else the code of the failure. `reply`
+    /// has room for kMaxOplMessage bytes; `received` is not 0 whenever a reply was read.
+    [[nodiscard]] uint32_t Transact(const void* request, uint32_t requestLength, char* reply,
+                                    uint32_t& received, uint32_t timeoutMs);
+    [[nodiscard]] uint32_t Exchange(const void* request, uint32_t requestLength, char* reply,
+                                    uint32_t& received, uint32_t timeoutMs);
+    [[nodiscard]] uint32_t AnnounceTimeout(uint32_t timeoutMs, const RemainingTime& time);
+    [[nodiscard]] uint32_t Judge(std::string_view reply);
+
+    /// The steps of a selection; `error` receives the code to report, after success too.
+    [[nodiscard]] bool AcceptPrinter(const WideText& name, WideText& port, uint32_t& error);
+    [[nodiscard]] bool OpenCommandChannel(const WideText& port, uint32_t& error);
+    [[nodiscard]] bool Ping();
+
+    std::string requestText_;
+    std::string replyText_;
+    std::string announcement_;
+};

@@ -1,0 +1,114 @@
+// One request and its reply. The last-error values of the channel never leave this file: every operation ends
+// by setting its own.
+//
+// A reply buffer is an array of the channel's longest message on the stack, never cleared: to zero 64 KiB
+// takes longer than a whole exchange.
+#include <algorithm>
+#include <cstring>
+
+#include "kestrel/sdk_errors.h"
+#include "session/kestrel_sdk.h"
+#include "session/remaining_time.h"
+#include "session/response_judgement.h"
+#include "session/timeout_announcement.h"
+
+bool KestrelSDK::SendCmd(const void* request, uint32_t requestLength, void* replyBuffer,
+                         uint32_t replyBufferSize, uint32_t* replyLength, uint32_t timeoutMs) {
+    if (replyLength != nullptr) *replyLength = 0;
+    // Every reply fits a buffer of this size, so it can be received in place.
+    const bool inPlace = replyBuffer != nullptr && replyBufferSize >= kMaxOplMessage;
+    char ownBuffer[kMaxOplMessage];
+    char* const reply = inPlace ? static_cast<char*>(replyBuffer) : ownBuffer;
+    uint32_t received = 0;
+    const uint32_t error = Transact(request, requestLength, reply, received, timeoutMs);
+    if (replyBuffer != nullptr) {
+        const uint32_t copied = std::min(received, replyBufferSize);
+        if (!inPlace) std::memcpy(replyBuffer, ownBuffer, copied);
+        if (replyLength != nullptr) *replyLength = copied;
+    }
+    SetLastError(error);
+    return error == NO_ERROR;
+}
+
+bool KestrelSDK::Query(const std::string& request, std::string& reply, uint32_t timeoutMs) {
+    reply.clear();
+    char stream[kMaxOplMessage];
+    uint32_t received = 0;
+    uint32_t error =
+        Transact(request.data(), static_cast<uint32_t>(request.size()), stream, received, timeoutMs);
+    if (error == NO_ERROR) {
+        OPLParser framer;
+        const char* message = nullptr;
+        uint32_t messageLength = 0;
+        if (framer.ParseStream(stream, received, message, messageLength) == ParseResult::MessageReady)
+            reply.assign(message, messageLength);
+        if (reply.empty()) error = SDK_ERROR_UNEXPECTED_REPLY;
+    }
+    SetLastError(error);
+    return error == NO_ERROR;
+}
+
+bool KestrelSDK::SetWithAck(const std::string& request, uint32_t timeoutMs) {
+    return SendCmd(request.data(), static_cast<uint32_t>(request.size()), nullptr, 0, nullptr, timeoutMs);
+}
+
+bool KestrelSDK::RejectReply(const std::string& reply, uint32_t error) {
+    lastBadResponse = reply;
+    SetLastError(error);
+    return false;
+}
+
+uint32_t KestrelSDK::Transact(const void* request, uint32_t requestLength, char* reply, uint32_t& received,
+                              uint32_t timeoutMs) {
+    lastBadResponse.clear();
+    if (request == nullptr && requestLength > 0) return ERROR_INVALID_PARAMETER;
+    if (!oplChannel.IsOpen()) return SDK_ERROR_CHANNEL_NOT_OPEN;
+    // The port's name is part of the channel's; a comma in it makes it a list of ports.
+    if (oplChannel.Name().find(TEXT(',')) != WideText::npos) return SDK_ERROR_PORT_LIST;
+    const uint32_t error = Exchange(request, requestLength, reply, received, timeoutMs);
+    return error != NO_ERROR ? error : Judge({reply, received});
+}
+
+uint32_t KestrelSDK::Exchange(const void* request, uint32_t requestLength, char* reply, uint32_t& received,
+                              uint32_t timeoutMs) {
+    const RemainingTime time(timeoutMs);
+    if (timeoutMs != lastTimeoutSent) {
+        const uint32_t error = AnnounceTimeout(timeoutMs, time);
+        if (error != NO_ERROR) return error;
+    }
+    if (oplChannel.Send(request, requestLength, time.Milliseconds()) < requestLength)
+        return SDK_ERROR_SEND_INCOMPLETE;
+    const uint32_t left = time.Milliseconds();
+    if (left == 0) {
+        oplChannel.Cancel();
+        return ERROR_TIMEOUT;
+    }
+    received = oplChannel.Receive(reply, kMaxOplMessage, left);
+    return received != 0 ? NO_ERROR : SDK_ERROR_NO_REPLY;
+}
+
+// An exchange of its own before the request's, of which only the fact matters that it was answered.
+uint32_t KestrelSDK::AnnounceTimeout(uint32_t timeoutMs, const RemainingTime& time) {
+    // Before it is sent, and it stays after a failure: an announcement that fails is not made again.
+    lastTimeoutSent = timeoutMs;
+    announcement_.clear();
+    builder.AppendSetInt(announcement_, OplKey::TimeoutParam, AnnouncedTimeout(timeoutMs));
+    if (oplChannel.Send(announcement_.data(), static_cast<uint32_t>(announcement_.size()), timeoutMs) == 0)
+        return SDK_ERROR_SEND_INCOMPLETE;
+    const uint32_t left = time.Milliseconds();
+    if (left == 0) {
+        oplChannel.Cancel();
+        return ERROR_TIMEOUT;
+    }
+    char firstByte;  // the rest of the reply is dropped with it
+    return oplChannel.Receive(&firstByte, sizeof(firstByte), left) != 0 ? NO_ERROR : SDK_ERROR_NO_REPLY;
+}
+
+uint32_t KestrelSDK::Judge(std::string_view reply) {
+    uint32_t number = 0;
+    if (!parser.GetResponseNumber(reply, number)) number = 0;
+    lastResponseNum = number;
+    const uint32_t error = ErrorOfResponse(number);
+    if (error != NO_ERROR) lastBadResponse = reply;
+    return error;
+}

@@ -1,0 +1,52 @@
+#include "settings/catalogue.h"
+
+#include <iterator>
+
+#include "opl/vocabulary.h"
+
+namespace {
+
+using enum SettingType;
+constexpr SettingType kPercent = kU8;
+
+constexpr int32_t kNoIndex = -1;
+
+/// The words of a table without its end mark.
+template <size_t kSize>
+constexpr std::span<const EnumEntry> WordsOf(const EnumEntry (&table)[kSize]) {
+    return {table, kSize - 1};
+}
+
+// One line per row kind, in the order of SettingRow's members.
+constexpr SettingRow kRows[] = {
+#define SETTING_AS(base, name, read, write, words, bytes, about)                            \
+    {name,     KeyText(OplKey::base), k##read, "Get" #base, "Set" #base, k##read, k##write, \
+     kNoIndex, WordsOf(k##words),     bytes,   about},
+#define READ_ONLY(base, name, type, words, bytes, about)                               \
+    {name,     KeyText(OplKey::base), k##type, "Get" #base, nullptr, k##type, k##type, \
+     kNoIndex, WordsOf(k##words),     bytes,   about},
+#define WRITE_ONLY(function, base, name, type, words, about)                         \
+    {name,     KeyText(OplKey::base), k##type, nullptr, #function, k##type, k##type, \
+     kNoIndex, WordsOf(k##words),     0,       about},
+#define INDEXED(base, index, name, bytes, about) \
+    {name,                                       \
+     KeyText(OplKey::base##index),               \
+     kText,                                      \
+     "Get" #base,                                \
+     "Set" #base,                                \
+     kText,                                      \
+     kText,                                      \
+     index,                                      \
+     WordsOf(kNoWords),                          \
+     bytes,                                      \
+     about},
+#define WITHOUT_KEY(base, name, type, about) \
+    {name, {}, k##type, "Get" #base, nullptr, k##type, k##type, kNoIndex, WordsOf(kNoWords), 0, about},
+#include "settings/settings.def"
+};
+
+}  // namespace
+
+std::span<const SettingRow> Catalogue() {
+    return kRows;
+}

@@ -1,0 +1,90 @@
+// Many clients on one channel while one of them is killed again and again.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
+#include <random>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "channel_puppet.h"
+#include "child_process.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+
+struct Counts {
+    long good = 0, abandoned = 0, cancelled = 0, timedOut = 0, other = 0, wrong = 0, longestMs = 0;
+};
+
+ChildProcess StartHammer(const std::string& name, int threads, int ms) {
+    ChildProcess hammer({CHANNEL_HAMMER, name, std::to_string(threads), std::to_string(ms)});
+    EXPECT_EQ("started", hammer.ReadLine());
+    return hammer;
+}
+
+Counts Result(ChildProcess& hammer) {
+    std::istringstream line(hammer.ReadLine(std::chrono::seconds(60)).value_or(""));
+    Counts counts;
+    line >> counts.good >> counts.abandoned >> counts.cancelled >> counts.timedOut >> counts.other >>
+        counts.wrong >> counts.longestMs;
+    return counts;
+}
+
+TEST(Hammer, Survivors_of_kills_never_hang_and_never_see_anothers_reply) {
+    constexpr int kMilliseconds = 10'000;
+    ChannelPuppet server;
+    ASSERT_EQ(1u, server.Do("open server Hammer 65791").number);
+    ASSERT_EQ(1u, server.Do("dispatch").number);
+    std::array<ChildProcess, 2> survivors = {StartHammer("Hammer", 2, kMilliseconds),
+                                             StartHammer("Hammer", 2, kMilliseconds)};
+    std::mt19937 random(20261124);
+    long kills = 0;
+    while (survivors[0].IsRunning() && survivors[1].IsRunning()) {
+        ChildProcess victim = StartHammer("Hammer", 1, kMilliseconds);
+        std::this_thread::sleep_for(milliseconds(random() % 60));
+        victim.Kill();
+        victim.Wait();
+        ++kills;
+    }
+    for (ChildProcess& survivor : survivors) {
+        const Counts counts = Result(survivor);
+        std::printf("%ld kills: %ld good, %ld abandoned, %ld cancelled, %ld timed out, longest %ld ms\n",
+                    kills, counts.good, counts.abandoned, counts.cancelled, counts.timedOut,
+                    counts.longestMs);
+        EXPECT_GT(counts.good, 1000);
+        EXPECT_EQ(0, counts.wrong);
+        EXPECT_EQ(0, counts.other);
+        EXPECT_LE(counts.abandoned + counts.cancelled + counts.timedOut, kills);
+        EXPECT_LT(counts.longestMs, 2 * 2000 + 250);
+    }
+    ChildProcess afterwards = StartHammer("Hammer", 1, 200);
+    const Counts counts = Result(afterwards);
+    EXPECT_GT(counts.good, 100);
+    EXPECT_EQ(0, counts.other + counts.wrong);
+    EXPECT_LE(counts.abandoned + counts.cancelled + counts.timedOut, 2);
+}
+
+TEST(Hammer, Four_clients_are_served_alike) {
+    ChannelPuppet server;
+    ASSERT_EQ(1u, server.Do("open server Fair 65791").number);
+    ASSERT_EQ(1u, server.Do("dispatch").number);
+    std::vector<ChildProcess> clients;
+    for (int i = 0; i < 4; ++i)
+        clients.push_back(StartHammer("Fair", 1, 2000));
+    long most = 0;
+    long least = 0;
+    for (ChildProcess& client : clients) {
+        const Counts counts = Result(client);
+        EXPECT_EQ(0, counts.abandoned + counts.cancelled + counts.timedOut + counts.other + counts.wrong);
+        most = std::max(most, counts.good);
+        least = least == 0 ? counts.good : std::min(least, counts.good);
+    }
+    std::printf("most %ld, least %ld\n", most, least);
+    EXPECT_LE(most, 3 * least) << "somebody starves";
+}
+
+}  // namespace

@@ -1,0 +1,119 @@
+#include "vprinter/fault_script.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "vprinter/user_error.h"
+
+namespace vprinter {
+namespace {
+
+using namespace std::literals;
+
+constexpr std::string_view kGoodReply = "0000,Key=value;";
+
+std::string ComplaintAbout(std::string_view text) {
+    try {
+        static_cast<void>(FaultScript::Parse(text, "faults.json"));
+    } catch (const UserError& error) {
+        return error.what();
+    }
+    return "no complaint";
+}
+
+std::string ReplyUnder(const std::string& action) {
+    FaultScript script = FaultScript::Parse(R"([{"match": "*", )" + action + "}]", "faults.json");
+    const Fault* const fault = script.Next("Key?");
+    std::string scratch;
+    return fault == nullptr ? "no fault" : std::string(FaultyReply(*fault, kGoodReply, scratch));
+}
+
+TEST(VprinterFaultScript, A_bad_script_is_refused_with_line_and_field) {
+    const struct {
+        std::string_view script;
+        std::string_view complaint;
+    } cases[] = {
+        {"[\n{\"match\": }]", "faults.json:2: this is not JSON"},
+        {"{}", "faults.json:1: expected a list"},
+        {"[7]", "expected an object"},
+        {"[\n\n {\"delay\": 1}]", "faults.json:3: rule 1, \"match\": expected a text, found nothing"},
+        {"[{\"match\": \"[{\", \"delay\": 1},\n{\"match\": \"\", \"delay\": 1}]",
+         "faults.json:2: rule 2, \"match\""},
+        {R"([{"match": "*", "dealy": 1}])",
+         "\"dealy\": there is no such field; the fields are match, printer"},
+        {R"([{"match": "*", "delay": "soon"}])",
+         "\"delay\": expected a whole number from 1 to 600000, found \"soon\""},
+        {R"([{"match": "*", "delay": -1}])", "found -1"},
+        {R"([{"match": "*", "delay": 600001}])", "found 600001"},
+        {R"([{"match": "*", "delay": 1.5}])", "found 1.5"},
+        {R"([{"match": "*", "times": 0, "noReply": true}])", "\"times\""},
+        {R"([{"match": "*", "noReply": false}])", "\"noReply\": expected true"},
+        {R"([{"match": "*", "otherProcess": "me"}])", "\"otherProcess\""},
+        {R"([{"match": "*", "reply": "\\q"}])", "\"reply\": expected only"},
+        {R"([{"match": "*", "reply": "\\x4"}])", "\"reply\""},
+        {R"([{"match": "*", "garbage": "hex:00 F"}])", "\"garbage\": expected two hexadecimal digits"},
+        {R"([{"match": "*", "cut": 3, "noReply": true}])", "\"noReply\" and \"cut\" do not go together"},
+        {R"([{"match": "*"}])", "rule 1: does nothing"},
+    };
+    for (const auto& expected : cases) {
+        EXPECT_NE(ComplaintAbout(expected.script).find(expected.complaint), std::string::npos)
+            << expected.script << "\n  " << ComplaintAbout(expected.script);
+    }
+}
+
+TEST(VprinterFaultScript, Each_action_makes_its_reply) {
+    const struct {
+        std::string action;
+        std::string reply;
+    } cases[] = {
+        {R"("cut": 7)", "0000,Ke"},
+        {R"("cut": 0)", ""},
+        {R"("cut": 99)", std::string(kGoodReply)},
+        {R"("garbage": "\\x00 raw")", "\\x00 raw"},
+        {R"("garbage": "hex:00 3B ff")", "\0;\xFF"s},
+        {R"("reply": "0000,K#2=\\x00\\xFF;L=a\\;b\\\\;")",
+         "0000,K#2=\0\xFF;L=a\x1D"
+         "b\\;"s},
+        {R"("responseNumber": 3450)", "3450,Key=value;"},
+        {R"("responseNumber": 99999999999)", "99999999999,Key=value;"},
+        {R"("repeat": 2)", "0000,Key=value;0000,Key=value;"},
+        {R"("pad": 18)", "0000,Key=valuexxx;"},
+        {R"("delay": 5, "late": true)", std::string(kGoodReply)},
+    };
+    for (const auto& expected : cases)
+        EXPECT_EQ(ReplyUnder(expected.action), expected.reply) << expected.action;
+    EXPECT_EQ(ReplyUnder(R"("pad": 70000)").size(), 70'000u);
+}
+
+TEST(VprinterFaultScript, The_first_rule_that_matches_and_is_in_force_decides) {
+    FaultScript all = FaultScript::Parse(R"([
+        {"match": "DeviceSettings.Fax.Redials?", "skip": 1, "times": 2, "delay": 1},
+        {"match": "DeviceSettings.*", "printer": "USB001", "times": 1, "delay": 2},
+        {"match": "Name=a\\;b;", "delay": 3}])",
+                                         "faults.json");
+    FaultScript first = all.For("USB001");
+    FaultScript second = all.For("USB002");
+    EXPECT_EQ(first.RuleCount(), 3u);
+    EXPECT_EQ(second.RuleCount(), 2u);
+
+    const auto delay = [](FaultScript& script, std::string_view request) {
+        const Fault* const fault = script.Next(request);
+        return fault == nullptr ? 0 : fault->delayMs;
+    };
+    const std::string_view redials = "DeviceSettings.Fax.Redials?";
+    EXPECT_EQ(delay(first, redials), 2u);  // the first rule lets one pass
+    EXPECT_EQ(delay(first, redials), 1u);
+    EXPECT_EQ(delay(first, redials), 1u);
+    EXPECT_EQ(delay(first, redials), 0u);   // both are used up
+    EXPECT_EQ(delay(second, redials), 0u);  // counts of its own
+    EXPECT_EQ(delay(second, redials), 1u);
+    EXPECT_EQ(delay(second, "DeviceSettings.Fax.Redials=1;"), 0u);
+    EXPECT_EQ(delay(second,
+                    "Name=a\x1D"
+                    "b;"),
+              3u);
+}
+
+}  // namespace
+}  // namespace vprinter

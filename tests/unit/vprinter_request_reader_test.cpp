@@ -1,0 +1,99 @@
+#include "vprinter/request_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vprinter {
+namespace {
+
+using namespace std::literals;
+
+std::vector<Command> ReadAll(std::string_view request) {
+    std::vector<Command> commands;
+    RequestReader reader(request);
+    for (Command command; reader.Next(command);)
+        commands.push_back(command);
+    return commands;
+}
+
+TEST(VprinterRequestReader, Every_form_is_cut_into_key_and_value) {
+    const struct {
+        std::string text;
+        CommandKind kind;
+        std::string_view key;
+        std::string_view value;
+    } cases[] = {
+        {"DeviceSettings.Fax.Redials?", CommandKind::Query, "DeviceSettings.Fax.Redials", ""},
+        {"DeviceSettings.Fax.Redials=3;", CommandKind::Set, "DeviceSettings.Fax.Redials", "3"},
+        {"Maintenance=001?", CommandKind::Word, "Maintenance", "001"},
+        {"Name=;", CommandKind::Set, "Name", ""},
+        {"Name=\x80\x1D=,#;", CommandKind::Set, "Name", "\x80\x1D=,#"},
+        {"Records[12].Name=a;", CommandKind::Set, "Records[12].Name", "a"},
+        {"Block#0=;", CommandKind::BinarySet, "Block", ""},
+    };
+    for (const auto& expected : cases) {
+        const std::vector<Command> commands = ReadAll(expected.text);
+        ASSERT_EQ(commands.size(), 1u) << expected.text;
+        EXPECT_EQ(commands[0].kind, expected.kind) << expected.text;
+        EXPECT_EQ(commands[0].key, expected.key);
+        EXPECT_EQ(commands[0].value, expected.value);
+        EXPECT_EQ(commands[0].text, expected.text);
+    }
+}
+
+TEST(VprinterRequestReader, Commands_of_one_request_come_in_their_order_and_a_block_hides_delimiters) {
+    const std::vector<Command> commands = ReadAll("A?B#4=;\0&?;C=1;"s);
+    ASSERT_EQ(commands.size(), 3u);
+    EXPECT_EQ(commands[0].key, "A");
+    EXPECT_EQ(commands[1].value, ";\0&?"sv);
+    EXPECT_EQ(commands[2].value, "1");
+}
+
+TEST(VprinterRequestReader, A_malformed_command_ends_the_request) {
+    for (const std::string& bad : {"A"s,
+                                   ";"s,
+                                   "?"s,
+                                   "=1;"s,
+                                   "A;"s,
+                                   "A&B?"s,
+                                   "A=1"s,
+                                   "A=1&2;"s,
+                                   "A\n?"s,
+                                   "A\x80=1;"s,
+                                   "A#=;"s,
+                                   "A#x=1;"s,
+                                   "A#-1=1;"s,
+                                   "A#2=1;"s,
+                                   "A#1=12;"s,
+                                   "A#1=1"s,
+                                   "A#1"s,
+                                   "A#"s,
+                                   "A#4294967295=x;"s,
+                                   "A#99999999999999999999=x;"s}) {
+        const std::string request = "Z?" + bad;
+        const std::vector<Command> commands = ReadAll(request);
+        ASSERT_EQ(commands.size(), 2u) << bad;
+        EXPECT_EQ(commands[1].kind, CommandKind::Malformed) << bad;
+        EXPECT_NE(commands[1].fault, nullptr) << bad;
+        EXPECT_EQ(commands[1].text, bad);
+    }
+}
+
+// Over copies of the exact size, so that a sanitizer sees a look beyond the end.
+TEST(VprinterRequestReader, Truncated_requests_are_read_to_their_end_only) {
+    const std::string whole = "Key.One?Key#5=a;b\0c;Maintenance=001?Two=x\x1By;"s;
+    for (size_t length = 0; length <= whole.size(); ++length) {
+        const auto copy = std::make_unique<char[]>(length);
+        whole.copy(copy.get(), length);
+        size_t read = 0;
+        for (const Command& command : ReadAll({copy.get(), length}))
+            read += command.text.size();
+        EXPECT_EQ(read, length);
+    }
+}
+
+}  // namespace
+}  // namespace vprinter

@@ -1,0 +1,70 @@
+#include "command_line.h"
+
+#include <array>
+
+#include "commands/commands.h"
+#include "durations.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* kExitCodes =
+    "Exit codes: 0 done, 1 the device said no, 2 wrong usage, 3 no such printer, 4 time-out or no language\n"
+    "monitor, 5 locked by another, 6 value refused, 7 reply not understood, 70 incomplete installation,\n"
+    "130 interrupted.\n\n"
+    "Example: kestrel -p \"Office\" get fax.redials";
+
+void DeclareGlobalOptions(CLI::App& app, GlobalOptions& options) {
+    app.add_option("-p,--printer", options.printer, "Installed printer; none: the product's own")
+        ->envname("KESTREL_PRINTER")
+        ->type_name("PRINTER");
+    app.add_option("--product", options.product, "Prefix of the product's file names")
+        ->capture_default_str()
+        ->type_name("PREFIX");
+    app.add_option_function<std::string>(
+           "--timeout",
+           [&options](const std::string& written) {
+               const auto milliseconds = ParseDuration(written);
+               if (!milliseconds) {
+                   throw CLI::ValidationError("--timeout",
+                                              "\"" + written + "\" is no time; write 500ms, 5s or 2m");
+               }
+               options.timeoutMs = *milliseconds;
+           },
+           "Time for each exchange with the printer: 500ms, 5s, 2m [5s]")
+        ->type_name("TIME");
+    app.add_flag("--json", options.json, "One JSON document on standard output, errors inside");
+    app.add_flag("--no-color", options.noColour, "No colours, also on a terminal");
+}
+
+}  // namespace
+
+const Library& Context::GetLibrary() {
+    if (!library_) library_ = std::make_unique<Library>(options_.product);
+    return *library_;
+}
+
+const Printer& Context::GetPrinter() {
+    if (!printer_) {
+        printer_ =
+            std::make_unique<Printer>(GetLibrary(), options_.product, options_.printer, options_.timeoutMs);
+    }
+    return *printer_;
+}
+
+void DeclareCommandLine(CLI::App& app, GlobalOptions& options, Chosen& chosen) {
+    app.description("Reads and changes the settings of a printer");
+    app.footer(kExitCodes);
+    app.set_version_flag("--version", "kestrel " KESTREL_VERSION);
+    app.require_subcommand(1);
+    // Inherited by the commands declared below: they take the global options too.
+    app.fallthrough();
+    DeclareGlobalOptions(app, options);
+
+    constexpr std::array kCommands = {AddSetup, AddPrinters,    AddGet,     AddSet,     AddList,
+                                      AddRaw,   AddMaintenance, AddVersion, AddComplete};
+    for (const auto add : kCommands)
+        add(app, chosen);
+}
+
+}  // namespace cli

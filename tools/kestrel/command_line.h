@@ -1,0 +1,51 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "library.h"
+#include "output.h"
+#include "printer.h"
+
+namespace cli {
+
+// Options that stand before or after any command.
+struct GlobalOptions final {
+    std::string printer;  // empty: the library picks the product's printer
+    std::string product = KESTREL_PRODUCT;
+    std::uint32_t timeoutMs = 5000;
+    bool json = false;
+    bool noColour = false;
+};
+
+// What a command works with. The library is loaded and the printer selected when first asked for,
+// so that commands about neither work without them.
+class Context final {
+  public:
+    explicit Context(const GlobalOptions& options) : options_(options) {}
+
+    [[nodiscard]] const GlobalOptions& Options() const { return options_; }
+    [[nodiscard]] const Library& GetLibrary();
+    [[nodiscard]] const Printer& GetPrinter();
+    [[nodiscard]] Paint ResultPaint() const { return PaintForResults(options_.noColour || options_.json); }
+
+  private:
+    const GlobalOptions& options_;
+    std::unique_ptr<Library> library_;
+    std::unique_ptr<Printer> printer_;
+};
+
+// The command that the arguments chose; its work runs after the whole line has been read.
+struct Chosen final {
+    std::string name;
+    std::function<Report(Context&)> work;
+};
+
+// Declares the global options and every command.
+void DeclareCommandLine(CLI::App& app, GlobalOptions& options, Chosen& chosen);
+
+}  // namespace cli

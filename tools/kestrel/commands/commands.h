@@ -1,0 +1,19 @@
+#pragma once
+
+#include "../command_line.h"
+
+namespace cli {
+
+// Each declares one command with its options, help and example, and puts the work into `chosen` when it is
+// used.
+void AddSetup(CLI::App& app, Chosen& chosen);
+void AddPrinters(CLI::App& app, Chosen& chosen);
+void AddGet(CLI::App& app, Chosen& chosen);
+void AddSet(CLI::App& app, Chosen& chosen);
+void AddList(CLI::App& app, Chosen& chosen);
+void AddRaw(CLI::App& app, Chosen& chosen);
+void AddMaintenance(CLI::App& app, Chosen& chosen);
+void AddVersion(CLI::App& app, Chosen& chosen);
+void AddComplete(CLI::App& app, Chosen& chosen);
+
+}  // namespace cli

@@ -1,0 +1,47 @@
+#include <fmt/format.h>
+
+#include "../settings.h"
+#include "../text.h"
+#include "commands.h"
+
+namespace cli {
+namespace {
+
+// A single setting gives its bare value; several give lines of name and value.
+// All names are looked up before the first exchange. Asked by its name, also a secret is shown.
+Report Get(Context& context, const std::vector<std::string>& names) {
+    std::vector<const SettingRow*> rows;
+    for (const std::string& name : names)
+        rows.push_back(&FindReadableSetting(name));
+
+    Report report;
+    nlohmann::ordered_json& values = report.data["values"] = nlohmann::ordered_json::object();
+    for (const SettingRow* const row : rows) {
+        try {
+            const Value value = context.GetPrinter().Get(*row);
+            const std::string shown = ForTerminal(FormatValue(*row, value));
+            report.text += rows.size() == 1 ? shown + '\n' : fmt::format("{} {}\n", row->name, shown);
+            values[std::string(row->name)] = JsonValue(*row, value);
+        } catch (const Failure& failure) {
+            report.failure = failure;
+            break;
+        }
+    }
+    return report;
+}
+
+}  // namespace
+
+void AddGet(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command = app.add_subcommand("get", "Print the value of one or more settings");
+    const auto names = std::make_shared<std::vector<std::string>>();
+    command->add_option("KEY", *names, "Setting, such as fax.redials")->required();
+    command->footer(
+        "One KEY prints the bare value, several print lines of key and value.\n\n"
+        "Example: kestrel get fax.redials fax.mode");
+    command->callback([&chosen, names] {
+        chosen = {"get", [names](Context& context) { return Get(context, *names); }};
+    });
+}
+
+}  // namespace cli

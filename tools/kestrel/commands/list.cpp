@@ -1,0 +1,115 @@
+#include <fmt/format.h>
+
+#include "../progress.h"
+#include "../settings.h"
+#include "../text.h"
+#include "commands.h"
+
+namespace cli {
+namespace {
+
+struct ListOptions {
+    std::string pattern;
+    bool showSecrets = false;
+};
+
+constexpr std::string_view kMask = "********";
+
+struct Listed {
+    const SettingRow* row;
+    std::optional<Value> value;      // of a readable setting that was read
+    std::optional<Failure> failure;  // why it was not
+};
+
+// A printer that does not answer once will not answer for the other settings either: each would cost a
+// time-out.
+bool IsHopeless(const Failure& failure) {
+    return failure.exit != ExitCode::kDeviceRefused && failure.exit != ExitCode::kBadReply;
+}
+
+std::vector<Listed> ReadAll(Context& context, const std::vector<const SettingRow*>& rows) {
+    const Printer& printer = context.GetPrinter();
+    Progress progress(rows.size(), !context.Options().json);
+    std::vector<Listed> list;
+    for (const SettingRow* const row : rows) {
+        progress.Step(row->name);
+        Listed& listed = list.emplace_back(Listed{row, {}, {}});
+        if (!IsReadable(*row)) continue;
+        try {
+            listed.value = printer.Get(*row);
+        } catch (const Failure& failure) {
+            if (IsHopeless(failure)) throw;
+            listed.failure = failure;
+        }
+    }
+    return list;
+}
+
+std::string ShownValue(const Listed& listed, bool showSecrets) {
+    if (listed.failure) return "?";
+    if (!listed.value) return "-";
+    const bool masked = !showSecrets && IsSecret(*listed.row);
+    return masked ? std::string(kMask) : ForTerminal(FormatValue(*listed.row, *listed.value));
+}
+
+// What `set` takes; the words also of a setting that can only be read, to know what to expect.
+std::string AllowedColumn(const SettingRow& row) {
+    return IsWritable(row) || FormOf(row) == ValueForm::kWord ? AllowedValues(row) : std::string();
+}
+
+nlohmann::ordered_json ListedJson(const Listed& listed, bool showSecrets) {
+    const SettingRow& row = *listed.row;
+    nlohmann::ordered_json json = {{"key", row.name},
+                                   {"type", TypeName(row)},
+                                   {"readable", IsReadable(row)},
+                                   {"writable", IsWritable(row)}};
+    for (const EnumEntry& entry : Words(row))
+        json["words"].push_back(entry.name);
+    if (listed.value) {
+        const bool masked = !showSecrets && IsSecret(row);
+        json["value"] = masked ? nlohmann::ordered_json(kMask) : JsonValue(row, *listed.value);
+    }
+    if (listed.failure) json["error"] = listed.failure->text;
+    return json;
+}
+
+Report List(Context& context, const ListOptions& options) {
+    const std::vector<const SettingRow*> matching = MatchingSettings(options.pattern);
+    if (matching.empty()) {
+        throw UsageFailure(fmt::format("no setting matches \"{}\"", options.pattern),
+                           NearNamesAdvice(options.pattern));
+    }
+
+    Report report;
+    report.data["settings"] = nlohmann::ordered_json::array();
+    std::vector<std::vector<std::string>> rows = {{"KEY", "TYPE", "ACCESS", "VALUE", "ALLOWED"}};
+    for (const Listed& listed : ReadAll(context, matching)) {
+        const SettingRow& row = *listed.row;
+        rows.push_back({std::string(row.name), std::string(TypeName(row)), AccessName(row),
+                        ShownValue(listed, options.showSecrets), AllowedColumn(row)});
+        report.data["settings"].push_back(ListedJson(listed, options.showSecrets));
+        if (listed.failure && !report.failure) report.failure = listed.failure;
+    }
+    report.text = AlignedTable(rows, context.ResultPaint());
+    return report;
+}
+
+}  // namespace
+
+void AddList(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command =
+        app.add_subcommand("list", "Print settings with type, value and allowed values");
+    const auto options = std::make_shared<ListOptions>();
+    command->add_option("PATTERN", options->pattern,
+                        "Part of a key, or a pattern with * and ? [all settings]");
+    command->add_flag("--show-secrets", options->showSecrets,
+                      "Print keys and pass phrases instead of a mask");
+    command->footer(
+        "A value of - cannot be read, one of ? could not be read this time.\n\n"
+        "Example: kestrel list 'fax.*'");
+    command->callback([&chosen, options] {
+        chosen = {"list", [options](Context& context) { return List(context, *options); }};
+    });
+}
+
+}  // namespace cli

@@ -1,0 +1,85 @@
+#include <fmt/format.h>
+
+#include <array>
+
+#include "../text.h"
+#include "commands.h"
+
+namespace cli {
+namespace {
+
+enum class Argument { kNone, kNo, kYes };
+
+struct Action {
+    std::string_view name;
+    const char* function;
+    Argument argument;
+    std::string_view meaning;
+};
+constexpr std::array<Action, 7> kActions = {{
+    {"calibrate", "CalibrateHead", Argument::kNone, "calibrate the print head"},
+    {"test-page", "PrintTestPage", Argument::kNone, "print a test page"},
+    {"clean", "CleanHead", Argument::kNo, "clean the print head"},
+    {"deep-clean", "CleanHead", Argument::kYes, "clean the print head thoroughly"},
+    {"check-nozzles", "CheckNozzle", Argument::kNone, "print the nozzle check pattern"},
+    {"align", "AlignHead", Argument::kNone, "align the print head"},
+    {"vtoe", "VTOE", Argument::kNone, "run the VTOE procedure"},
+}};
+
+std::string ActionList() {
+    std::string list = "Actions:\n";
+    for (const Action& action : kActions)
+        list += fmt::format("  {:<15} {}\n", action.name, action.meaning);
+    return list;
+}
+
+const Action& FindAction(std::string_view name) {
+    for (const Action& action : kActions) {
+        if (action.name == LowerAscii(name)) return action;
+    }
+    std::string names;
+    for (const Action& action : kActions)
+        names += fmt::format("{}{}", names.empty() ? "" : ", ", action.name);
+    throw UsageFailure(fmt::format("there is no maintenance action \"{}\"", name), "choose one of " + names);
+}
+
+bool Start(const Library& library, const Action& action) {
+    if (action.argument == Argument::kNone) return library.Find<kestrel_bool()>(action.function)() != 0;
+    const kestrel_bool argument = action.argument == Argument::kYes ? 1 : 0;
+    return library.Find<kestrel_bool(kestrel_bool)>(action.function)(argument) != 0;
+}
+
+// A device that answers with another number than the expected one leaves no error code.
+Failure Refused(const Library& library, const Action& action) {
+    const std::string attempt = fmt::format("cannot {}", action.meaning);
+    if (GetLastError() != ERROR_SUCCESS) return FailureOfLastCall(library, attempt, Exchange::kWrite);
+    return {ExitCode::kDeviceRefused,
+            attempt + ": the device refused the action",
+            "look at the printer's display, remedy what it shows and try again",
+            {},
+            {},
+            library.Find<decltype(GetLastResponseNum)>("GetLastResponseNum")()};
+}
+
+Report Maintain(Context& context, const std::string& name) {
+    const Action& action = FindAction(name);
+    const Library& library = context.GetPrinter().GetLibrary();
+    if (!Start(library, action)) throw Refused(library, action);
+    return {fmt::format("{}: done\n", action.name), {{"action", action.name}}, {}};
+}
+
+}  // namespace
+
+void AddMaintenance(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command = app.add_subcommand("maintenance", "Run a maintenance action");
+    const auto name = std::make_shared<std::string>();
+    command->add_option("ACTION", *name, "What to do")->required();
+    command->footer(ActionList() +
+                    "The library allows five seconds for an action; --timeout does not count here.\n\n"
+                    "Example: kestrel maintenance check-nozzles");
+    command->callback([&chosen, name] {
+        chosen = {"maintenance", [name](Context& context) { return Maintain(context, *name); }};
+    });
+}
+
+}  // namespace cli

@@ -1,0 +1,49 @@
+#include <fmt/format.h>
+
+#include "../text.h"
+#include "commands.h"
+
+namespace cli {
+namespace {
+
+struct RawOptions {
+    std::string text;
+    bool hex = false;
+};
+
+Report Raw(Context& context, const RawOptions& options) {
+    const std::optional<std::string> request = BytesFromReadable(options.text);
+    if (!request) {
+        throw UsageFailure("the request has a backslash that stands for nothing",
+                           "write \\xNN for a byte (two hexadecimal digits) and \\\\ for a backslash");
+    }
+    const RawReply reply = context.GetPrinter().Send(*request);
+
+    Report report;
+    report.text = options.hex ? HexDump(reply.bytes) : ReadableBytes(reply.bytes) + '\n';
+    report.data = {{"request", ReadableBytes(*request)},
+                   {"reply", ReadableBytes(reply.bytes)},
+                   {"length", reply.bytes.size()},
+                   {"responseNumber", reply.responseNumber}};
+    return report;
+}
+
+}  // namespace
+
+void AddRaw(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command =
+        app.add_subcommand("raw", "Send one request of the command language as it stands");
+    const auto options = std::make_shared<RawOptions>();
+    command
+        ->add_option("TEXT", options->text, "Request with its terminator; \\xNN is a byte, \\\\ a backslash")
+        ->required();
+    command->add_flag("--hex", options->hex, "Print the reply as a table of hexadecimal bytes");
+    command->footer(
+        "The reply is printed in the same notation.\n\n"
+        "Example: kestrel raw 'DeviceSettings.Fax.Redials?'");
+    command->callback([&chosen, options] {
+        chosen = {"raw", [options](Context& context) { return Raw(context, *options); }};
+    });
+}
+
+}  // namespace cli

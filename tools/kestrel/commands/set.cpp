@@ -1,0 +1,58 @@
+#include <fmt/format.h>
+
+#include "../settings.h"
+#include "../text.h"
+#include "commands.h"
+
+namespace cli {
+namespace {
+
+struct SetOptions {
+    std::string name;
+    std::string written;
+    bool verify = false;
+};
+
+void Verify(Context& context, const SettingRow& row, const Value& wanted) {
+    const Value kept = context.GetPrinter().Get(row);
+    if (kept == wanted) return;
+    // The kept value of a secret is nobody's business here.
+    const std::string shown = IsSecret(row) ? "another value" : fmt::format("\"{}\"", FormatValue(row, kept));
+    throw ValueFailure(fmt::format("the printer acknowledged {} and kept {}", row.name, shown),
+                       "choose a value that the printer supports");
+}
+
+Report Set(Context& context, const SetOptions& options) {
+    const SettingRow& row = FindWritableSetting(options.name);
+    if (options.verify && !IsReadable(row)) {
+        throw UsageFailure(fmt::format("{} cannot be read back", row.name), "leave --verify out");
+    }
+    const Value value = ParseValue(row, options.written);
+    context.GetPrinter().Set(row, value);
+    if (options.verify) Verify(context, row, value);
+
+    Report report;
+    report.data = {{"key", row.name}};
+    if (!IsSecret(row)) report.data["value"] = JsonValue(row, value);
+    report.data["verified"] = options.verify;
+    return report;
+}
+
+}  // namespace
+
+void AddSet(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command = app.add_subcommand("set", "Change a setting");
+    const auto options = std::make_shared<SetOptions>();
+    command->add_option("KEY", options->name, "Setting, such as fax.redials")->required();
+    command->add_option("VALUE", options->written, "yes/no, a number, a word, a dotted address or a text")
+        ->required();
+    command->add_flag("--verify", options->verify, "Read the setting back and compare");
+    command->footer(
+        "`kestrel list KEY` shows the allowed words. A text that begins with a dash follows after --.\n\n"
+        "Example: kestrel set fax.redials 3 --verify");
+    command->callback([&chosen, options] {
+        chosen = {"set", [options](Context& context) { return Set(context, *options); }};
+    });
+}
+
+}  // namespace cli

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+// What the C++ library and the Windows calls leave to each system. One source per system, chosen by the
+// build.
+namespace cli::platform {
+
+enum class Stream { kOut, kError };
+
+// The arguments after the program's name, as UTF-8.
+[[nodiscard]] std::vector<std::string> Arguments(int count, char** values);
+
+[[nodiscard]] bool IsTerminal(Stream stream);
+
+// From now on an interrupt (Ctrl-C) writes the two texts to standard output and standard error and ends the
+// program at once with `exitStatus`, also in the middle of an exchange. To be called before other threads
+// run.
+void EndOnInterrupt(std::string outText, std::string errorText, int exitStatus);
+
+}  // namespace cli::platform

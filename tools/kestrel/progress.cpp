@@ -1,0 +1,35 @@
+#include "progress.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "platform.h"
+
+namespace cli {
+namespace {
+
+constexpr std::size_t kCells = 24;
+constexpr std::string_view kEraseLine = "\r\x1b[K";
+
+}  // namespace
+
+Progress::Progress(std::size_t total, bool wanted)
+    : total_(std::max<std::size_t>(total, 1)),
+      shown_(wanted && total > 1 && platform::IsTerminal(platform::Stream::kError)) {}
+
+Progress::~Progress() {
+    if (shown_) fmt::print(stderr, "{}", kEraseLine);
+}
+
+void Progress::Step(std::string_view what) {
+    if (!shown_) return;
+    const std::size_t filled = kCells * done_ / total_;
+    ++done_;
+    fmt::print(stderr, "{}[{}{}] {}/{} {}", kEraseLine, std::string(filled, '#'),
+               std::string(kCells - filled, '.'), done_, total_, what);
+    std::fflush(stderr);
+}
+
+}  // namespace cli
