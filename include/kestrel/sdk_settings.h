@@ -1,26 +1,26 @@
-/* The printer's settings, one pair of functions each.
+/* The printer's settings: as a rule a getter and a setter each. Included by sdk.h, whose caveats on threads,
+   blocking, texts and buffers hold here too.
 
    Rules for all of them
-   - The functions work on the printer that the calling thread selected with SelectPrinter. Threads share
-     nothing: each selects its own printer.
-   - `timeoutMs` is the time allowed for the exchange in milliseconds. A call blocks at most twice as long,
-     because the printer is told of a changed time-out in an exchange of its own.
+   - The functions work on the printer that the calling thread selected with SelectPrinter.
+   - `timeoutMs` is the time allowed for the exchange with the printer, in milliseconds; a call may block for
+     twice that.
    - The result is 1 for success and 0 for failure. After a failure GetLastError tells why; after a success it
-     is 0. The codes of the exchange, each with what to do, stand in sdk_errors.h. Besides:
-         87 (invalid parameter)     a null pointer or an unlisted number was passed, and nothing has been
-   sent; or the printer answered with a word that has no number SDK_ERROR_BAD_REPLY        the reply holds no
-   value of the setting's type SDK_ERROR_UNEXPECTED_REPLY the reply holds an address that is not four bytes
-   long A reply that was not understood can be had from GetLastBadResponse.
-   - A getter first clears what it writes (0, an empty text), so a failed call leaves that. Enumerated
-   settings are the exception: they stay as they were.
-   - Texts are zero-terminated UTF-16. A getter's buffer has a fixed size that the function is not told: a
-   smaller one is overrun. A longer text is cut, always with a terminator. A setter's text is converted to the
-   system's 8-bit code page; what that lacks becomes its default character.
-   - An address is read as four bytes: a.b.c.d gives a, b, c, d. It is set as one number whose lowest byte
-   goes first: the number that has the bytes a, b, c, d in the memory of a little-endian machine.
+     is 0. Every exchange can end with the codes of sdk_errors.h. These have their cause in a value:
+       - 87 (invalid parameter): a null pointer or a number without a name was passed, and nothing was
+         sent; or the printer answered with a word that has no number.
+       - SDK_ERROR_BAD_REPLY: the reply holds no value of the setting's type.
+       - SDK_ERROR_UNEXPECTED_REPLY: the reply holds an address that is not four bytes long.
+     GetLastBadResponse has the reply that was not understood.
+   - Before a getter sends, it clears what it will write (0, an empty text); a failure leaves that. Enumerated
+     settings are the exception: they are written on success only.
+   - Texts are zero-terminated UTF-16. The buffer of a getter has the fixed size named here, which is
+     not passed: a smaller one is overrun. A longer text is cut, and always terminated.
+   - An address is read as four bytes: a.b.c.d gives a, b, c, d. It is set as one number whose lowest
+     byte goes first: a + b * 0x100 + c * 0x10000 + d * 0x1000000.
    - Booleans are read as 0 or 1; as an argument any other number than 0 is true.
-   - Setters check no ranges: the printer judges the numbers and refuses what it does not support. Where no
-   unit is named here, the unit is the printer's own. */
+   - Setters check no ranges: the printer judges the numbers and refuses what it does not support.
+     Where no unit is named here, the unit is the printer's own. */
 #pragma once
 
 #include "sdk_types.h"
@@ -285,7 +285,7 @@ KESTREL_API kestrel_bool SetWirelessAuthentication(uint32_t value, uint32_t time
 KESTREL_API kestrel_bool GetWirelessSecurityType(uint32_t* value, uint32_t timeoutMs);
 KESTREL_API kestrel_bool SetWirelessSecurityType(uint32_t value, uint32_t timeoutMs);
 
-/* The four encryption keys. `index`: 0 to 3, any other fails with 87 and sends nothing.
+/* The four encryption keys. `index`: 0 to 3; any other fails with 87, sends nothing and writes nothing.
    Buffer: 66 bytes, 32 characters and the terminator. */
 KESTREL_API kestrel_bool GetWirelessSecurityKey(uint32_t index, kestrel_char* text, uint32_t timeoutMs);
 KESTREL_API kestrel_bool SetWirelessSecurityKey(uint32_t index, const kestrel_char* text, uint32_t timeoutMs);

@@ -76,6 +76,8 @@ uint32_t KestrelSDK::Exchange(const void* request, uint32_t requestLength, char*
         const uint32_t error = AnnounceTimeout(timeoutMs, time);
         if (error != NO_ERROR) return error;
     }
+    // The channel would post the beginning of a longer request and wait for its reply to be fetched.
+    if (requestLength > kMaxOplMessage) return SDK_ERROR_SEND_INCOMPLETE;
     if (oplChannel.Send(request, requestLength, time.Milliseconds()) < requestLength)
         return SDK_ERROR_SEND_INCOMPLETE;
     const uint32_t left = time.Milliseconds();

@@ -148,17 +148,20 @@ TEST_F(Registry, Subkeys_are_listed_by_name) {
 }
 
 TEST_F(Registry, A_deleted_tree_takes_its_subkeys_along_and_a_new_key_is_empty) {
-    HKEY child = nullptr;
-    ASSERT_EQ(RegCreateKeyW(key_, TEXT("A\\B"), &child), ERROR_SUCCESS);
-    Set(child, TEXT("v"), "old");
+    HKEY old = nullptr;
+    HKEY fresh = nullptr;
+    ASSERT_EQ(RegCreateKeyW(key_, TEXT("A\\B"), &old), ERROR_SUCCESS);
+    Set(old, TEXT("v"), "old");
     EXPECT_EQ(RegDeleteTreeW(key_, TEXT("a")), ERROR_SUCCESS);
-    EXPECT_EQ(Get(child, TEXT("v")), "error " + std::to_string(ERROR_KEY_DELETED));
-    EXPECT_EQ(Set(child, TEXT("v"), "late"), ERROR_KEY_DELETED);
-    RegCloseKey(child);
-    EXPECT_EQ(RegOpenKeyW(key_, TEXT("A"), &child), ERROR_FILE_NOT_FOUND);
-    ASSERT_EQ(RegCreateKeyW(key_, TEXT("A\\B"), &child), ERROR_SUCCESS);
-    EXPECT_EQ(Get(child, TEXT("v")), "error " + std::to_string(ERROR_FILE_NOT_FOUND));
-    RegCloseKey(child);
+    EXPECT_EQ(RegOpenKeyW(key_, TEXT("A"), &fresh), ERROR_FILE_NOT_FOUND);
+    ASSERT_EQ(RegCreateKeyW(key_, TEXT("A\\B"), &fresh), ERROR_SUCCESS);
+    EXPECT_EQ(Get(fresh, TEXT("v")), "error " + std::to_string(ERROR_FILE_NOT_FOUND));
+    // The handle of before does not reach the key that took the name.
+    EXPECT_EQ(Set(old, TEXT("v"), "late"), ERROR_KEY_DELETED);
+    EXPECT_EQ(Get(old, TEXT("v")), "error " + std::to_string(ERROR_KEY_DELETED));
+    EXPECT_EQ(Get(fresh, TEXT("v")), "error " + std::to_string(ERROR_FILE_NOT_FOUND));
+    RegCloseKey(old);
+    RegCloseKey(fresh);
 }
 
 TEST_F(Registry, The_calls_leave_the_last_error_alone) {

@@ -13,7 +13,7 @@ constexpr DeviceFact kFacts[] = {
     {OplKey::RPID, "RP-0417-2209"},
     {OplKey::RevNumber, "A01"},
     {OplKey::ServiceTag, "7KQ4T1S"},
-    {OplKey::VendorID, "1054", 0, 65535},
+    {OplKey::VendorID, "65520", 0, 65535},
     {OplKey::ProductID, "9900", 0, 65535},
     {OplKey::FriendlyName, "Kestrel 9900"},
     {OplKey::DisplayLanguage, "English"},

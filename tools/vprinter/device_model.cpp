@@ -162,7 +162,7 @@ ValueMap DeviceModel::ChangedValues() const {
     ValueMap values;
     for (size_t i = 0; i < settings_.size(); ++i) {
         const Setting& setting = settings_[i];
-        if (setting.value == initials_[i]) continue;
+        if (!setting.spec.readable || setting.value == initials_[i]) continue;
         const bool isAddress = setting.spec.kind == ValueKind::Address;
         values[std::string(setting.spec.key)] = isAddress ? DottedAddress(setting.value) : setting.value;
     }

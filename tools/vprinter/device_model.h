@@ -44,7 +44,7 @@ class DeviceModel final {
 
     void RestoreDefaults(std::string_view keyPrefix);
 
-    /// The values that differ from the first ones.
+    /// The values that differ from the first ones; what can only be set is an act and leaves none.
     [[nodiscard]] ValueMap ChangedValues() const;
     /// Counts the values taken so far; a change of it is the time to save.
     [[nodiscard]] uint64_t Revision() const { return revision_; }

@@ -137,7 +137,9 @@ LSTATUS RegistryDatabase::Open() {
     if (const LSTATUS failure = MakeFile(path, status->st_mode); failure != ERROR_SUCCESS) return failure;
 
     sqlite3* opened = nullptr;
-    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
+    // Not SQLITE_OPEN_NOFOLLOW: it refuses a link anywhere on the way, such as a linked /home. The folder was
+    // checked.
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX;
     const int result = sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
     connection_.reset(opened);  // also after a failure there is something to close
     LSTATUS outcome = StatusFromSqlite(result);

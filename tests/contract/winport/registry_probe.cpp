@@ -1,28 +1,84 @@
 // A process of its own that uses the registry, for tests that kill it or start it in another environment.
-//   registry_probe create    exits with the result of making a key
-//   registry_probe count     adds one to a number again and again, printing each after it was written
+//   registry_probe create     exits with the result of making a key
+//   registry_probe together   the same in several processes that begin at one moment; exits with the worst
+//   result registry_probe count      writes a growing number again and again, printing each after it was
+//   written registry_probe orphan     the same in a forked child whose parent, which used the registry
+//   before, has ended
+#include <sched.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <windows.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cstdio>
+#include <cstdlib>
+#include <new>
 #include <string_view>
 
 namespace {
 
+LSTATUS Create(HKEY& key) {
+    return RegCreateKeyW(HKEY_CURRENT_USER, TEXT("Probe"), &key);
+}
+
+LSTATUS Write(HKEY key, DWORD number) {
+    return RegSetValueExW(key, TEXT("Count"), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number),
+                          sizeof number);
+}
+
+// Ends when the reader of the output has gone: by the signal, or by the failed flush.
 int Count(HKEY key) {
     for (DWORD number = 1;; ++number) {
-        const LSTATUS status = RegSetValueExW(key, TEXT("Count"), 0, REG_DWORD,
-                                              reinterpret_cast<const BYTE*>(&number), sizeof number);
-        if (status != ERROR_SUCCESS) return status;
+        if (const LSTATUS status = Write(key, number); status != ERROR_SUCCESS) return status;
         std::printf("%u\n", number);
-        if (std::fflush(stdout) != 0) return ERROR_SUCCESS;  // the reader is gone
+        if (std::fflush(stdout) != 0) return ERROR_SUCCESS;
     }
+}
+
+int CountAsOrphan(HKEY key) {
+    if (const LSTATUS status = Write(key, 0); status != ERROR_SUCCESS) return status;
+    const pid_t parent = ::getpid();
+    if (::fork() != 0) return ERROR_SUCCESS;
+    while (::getppid() == parent)
+        ::usleep(500);
+    return Count(key);
+}
+
+// No process may have used the registry before the moment: whoever opens it first makes it.
+int CreateTogether() {
+    void* page =
+        ::mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (page == MAP_FAILED) return EXIT_FAILURE;
+    auto* begin = new (page) std::atomic<int>(0);
+    pid_t children[6];
+    for (pid_t& child : children) {
+        child = ::fork();
+        if (child != 0) continue;
+        while (begin->load() == 0)
+            ::sched_yield();
+        HKEY key = nullptr;
+        ::_exit(Create(key));
+    }
+    ::usleep(2000);
+    begin->store(1);
+    int worst = 0;
+    for (const pid_t child : children) {
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        worst = std::max(worst, WIFEXITED(status) ? WEXITSTATUS(status) : EXIT_FAILURE);
+    }
+    return worst;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    const std::string_view command = argc > 1 ? argv[1] : "create";
+    if (command == "together") return CreateTogether();
     HKEY key = nullptr;
-    const LSTATUS status = RegCreateKeyW(HKEY_CURRENT_USER, TEXT("Probe"), &key);
-    if (status != ERROR_SUCCESS || argc < 2 || std::string_view(argv[1]) != "count") return status;
-    return Count(key);
+    const LSTATUS status = Create(key);
+    if (status != ERROR_SUCCESS || command == "create") return status;
+    return command == "orphan" ? CountAsOrphan(key) : Count(key);
 }

@@ -1,0 +1,37 @@
+# Sourced by demo.sh, test.sh and bench/run: what a fresh Debian 12 lacks is installed, and a preset is built.
+# Expects to be sourced from the repository's root.
+
+say() { printf '\n== %s\n' "$*"; }
+
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then "$@"
+    elif command -v sudo >/dev/null; then sudo "$@"
+    else
+        echo "These packages are missing and only root can install them: run this once as root, or install sudo." >&2
+        return 1
+    fi
+}
+
+# install_packages NAME...: asks nothing of the network when all of them are there.
+install_packages() {
+    local missing=() name
+    for name in "$@"; do
+        dpkg-query -W -f='${Status}' "$name" 2>/dev/null | grep -q 'install ok installed' || missing+=("$name")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    say "Installing ${missing[*]}"
+    as_root apt-get update -qq
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+BUILD_PACKAGES=(g++ cmake ninja-build libsqlite3-dev libcli11-dev nlohmann-json3-dev libfmt-dev)
+TEST_PACKAGES=(libgtest-dev)
+
+# build_preset PRESET [TARGET...]
+build_preset() {
+    local preset=$1
+    shift
+    say "Building ($preset)"
+    cmake --preset "$preset" "${CMAKE_EXTRA[@]}" >/dev/null
+    cmake --build --preset "$preset" ${1:+--target "$@"}
+}
