@@ -13,12 +13,6 @@
 using WideText = std::basic_string<WCHAR>;
 using WideView = std::basic_string_view<WCHAR>;
 
-// A text with embedded terminators, without the one the compiler adds.
-template <std::size_t size>
-WideText Units(const WCHAR (&literal)[size]) {
-    return WideText(literal, size - 1);
-}
-
 // The calls take writable pointers for texts that they only read.
 inline LPWSTR Writable(const WCHAR* text) {
     return const_cast<LPWSTR>(text);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <iterator>
 #include <sstream>
 #include <string>
 
@@ -30,7 +31,8 @@ class ChannelPuppet final {
         PuppetAnswer answer;
         line >> answer.number >> answer.error;
         line.get();
-        std::getline(line, answer.text, '\0');
+        // The rest of the line, whatever bytes it has.
+        answer.text.assign(std::istreambuf_iterator<char>(line), {});
         return answer;
     }
 

@@ -9,7 +9,8 @@ namespace {
 class OwnHome final : public testing::Environment {
   public:
     void SetUp() override {
-        std::string pattern = (std::filesystem::temp_directory_path() / "kestrel-process-XXXXXX").string();
+        // Where kernel objects lie by default too: in memory.
+        std::string pattern = "/dev/shm/kestrel-process-XXXXXX";
         folder_ = mkdtemp(pattern.data());
         setenv("WINPORT_HOME", folder_.c_str(), 1);
     }

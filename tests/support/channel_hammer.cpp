@@ -1,5 +1,6 @@
 // Clients that use one channel as hard as they can: every request is a text of its own, and the reply must be
-// that text. Prints, when the time is over: exchanges, failures by kind, and wrong replies.
+// that text. Says "ready" when its channels are open and begins at the first line of its input, so that many
+// of them begin together. Prints, when the time is over: exchanges, failures by kind, and wrong replies.
 //
 //   channel_hammer NAME THREADS MILLISECONDS
 #include <windows.h>
@@ -10,6 +11,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -58,12 +60,7 @@ void Exchange(OPLChannel& channel, const std::string& request, Counts& counts) {
         ++counts.wrong;
 }
 
-void Hammer(const WideText& name, int thread, Clock::time_point end, Counts& counts) {
-    OPLChannel channel;
-    if (!channel.Open(kwt::ChannelRole::Client, name.c_str())) {
-        ++counts.other;
-        return;
-    }
+void Hammer(OPLChannel& channel, int thread, Clock::time_point end, Counts& counts) {
     const std::string prefix = std::to_string(GetCurrentProcessId()) + '-' + std::to_string(thread) + '-';
     for (uint64_t i = 0; Clock::now() < end; ++i) {
         const Clock::time_point start = Clock::now();
@@ -80,12 +77,20 @@ void Hammer(const WideText& name, int thread, Clock::time_point end, Counts& cou
 int main(int argc, char** argv) {
     if (argc != 4) return 2;
     const std::string name = argv[1];
+    std::vector<std::unique_ptr<OPLChannel>> channels;
+    for (int i = 0; i < std::atoi(argv[2]); ++i) {
+        channels.push_back(std::make_unique<OPLChannel>());
+        if (!channels.back()->Open(kwt::ChannelRole::Client, WideText(name.begin(), name.end()).c_str()))
+            return 1;
+    }
+    std::cout << "ready" << std::endl;
+    std::string go;
+    std::getline(std::cin, go);
     const Clock::time_point end = Clock::now() + std::chrono::milliseconds(std::atoi(argv[3]));
     Counts counts;
     std::vector<std::thread> threads;
-    for (int i = 0; i < std::atoi(argv[2]); ++i)
-        threads.emplace_back([&, i] { Hammer(WideText(name.begin(), name.end()), i, end, counts); });
-    std::cout << "started" << std::endl;
+    for (size_t i = 0; i < channels.size(); ++i)
+        threads.emplace_back([&, i] { Hammer(*channels[i], static_cast<int>(i), end, counts); });
     for (std::thread& thread : threads)
         thread.join();
     std::cout << counts.good << ' ' << counts.abandoned << ' ' << counts.cancelled << ' ' << counts.timedOut

@@ -18,6 +18,7 @@ class ChildProcess final {
     ChildProcess& operator=(ChildProcess&& other) noexcept;
     ~ChildProcess();
 
+    [[nodiscard]] bool WasStarted() const { return id_ >= 0; }
     [[nodiscard]] bool IsRunning();
     [[nodiscard]] unsigned Id() const;
 

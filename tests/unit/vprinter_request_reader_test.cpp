@@ -45,7 +45,8 @@ TEST(VprinterRequestReader, Every_form_is_cut_into_key_and_value) {
 }
 
 TEST(VprinterRequestReader, Commands_of_one_request_come_in_their_order_and_a_block_hides_delimiters) {
-    const std::vector<Command> commands = ReadAll("A?B#4=;\0&?;C=1;"s);
+    const std::string request = "A?B#4=;\0&?;C=1;"s;
+    const std::vector<Command> commands = ReadAll(request);
     ASSERT_EQ(commands.size(), 3u);
     EXPECT_EQ(commands[0].key, "A");
     EXPECT_EQ(commands[1].value, ";\0&?"sv);

@@ -56,7 +56,8 @@ void DeclareCommandLine(CLI::App& app, GlobalOptions& options, Chosen& chosen) {
     app.description("Reads and changes the settings of a printer");
     app.footer(kExitCodes);
     app.set_version_flag("--version", "kestrel " KESTREL_VERSION);
-    app.require_subcommand(1);
+    // At most one, so that a value which happens to be a command's name stays a value.
+    app.require_subcommand(0, 1);
     // Inherited by the commands declared below: they take the global options too.
     app.fallthrough();
     DeclareGlobalOptions(app, options);

@@ -22,8 +22,20 @@ struct KnownText {
 constexpr KnownText kLibraryTexts[] = {KESTREL_SDK_ERRORS(ERROR_ROW)};
 #undef ERROR_ROW
 
-// Codes that only this program meets: of the loader and of the spooler's printer management.
+// Codes that only this program meets, of the loader and of the spooler's printer management; and those of the
+// library's for which a person at the command line needs other words than a programmer.
 constexpr KnownText kOwnTexts[] = {
+    {"SDK_ERROR_SEND_INCOMPLETE", SDK_ERROR_SEND_INCOMPLETE, "no language monitor took the request in time",
+     "check that the printer's language monitor runs and is not busy with another program, or allow more "
+     "time "
+     "with --timeout"},
+    {"SDK_ERROR_BAD_REPLY", SDK_ERROR_BAD_REPLY, "the reply does not hold the value that was asked for",
+     "the printer may not support this setting"},
+    {"SDK_ERROR_UNEXPECTED_REPLY", SDK_ERROR_UNEXPECTED_REPLY,
+     "the reply is incomplete or has another form than expected",
+     "repeat the command; if it fails again, `kestrel raw` shows what the device sends"},
+    {"ERROR_GEN_FAILURE", ERROR_GEN_FAILURE, "the device refused the request",
+     "the reply and its response number give the device's reason"},
     {"ERROR_MOD_NOT_FOUND", ERROR_MOD_NOT_FOUND, "the file, or a library that it needs, is not there",
      "install the product again"},
     {"ERROR_UNKNOWN_PORT", ERROR_UNKNOWN_PORT, "the spooler knows no such port", "check the port's name"},

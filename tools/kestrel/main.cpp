@@ -10,6 +10,8 @@
 namespace cli {
 namespace {
 
+constexpr const char* kHelpAdvice = "run `kestrel --help`, or `kestrel COMMAND --help`";
+
 Failure Interrupted() {
     return {ExitCode::kInterrupted, "interrupted", {}, {}, {}, {}};
 }
@@ -43,7 +45,7 @@ Report RunGuarded(const Chosen& chosen, Context& context) {
 int ReportParseEnd(const CLI::App& app, const CLI::ParseError& end, bool json, bool noColour) {
     if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return app.exit(end);
     Report report;
-    report.failure = UsageFailure(end.what(), "run `kestrel --help`, or `kestrel COMMAND --help`");
+    report.failure = UsageFailure(end.what(), kHelpAdvice);
     return Print("", report, json, noColour);
 }
 
@@ -61,6 +63,11 @@ int Run(int argc, char** argv) {
         app.parse(std::move(arguments));
     } catch (const CLI::ParseError& end) {
         return ReportParseEnd(app, end, json, options.noColour);
+    }
+    if (!chosen.work) {
+        Report report;
+        report.failure = UsageFailure("no command is given", kHelpAdvice);
+        return Print("", report, options.json, options.noColour);
     }
 
     PrepareForInterrupt(options, chosen.name);

@@ -1,7 +1,6 @@
 // The settings of one printer and their values.
 #pragma once
 
-#include <functional>
 #include <map>
 #include <string>
 #include <string_view>

@@ -2,11 +2,15 @@
 // monitor.
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <deque>
 #include <exception>
 #include <fstream>
+#include <future>
 #include <optional>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "vprinter/options.h"
 #include "vprinter/platform.h"

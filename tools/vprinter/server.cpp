@@ -21,6 +21,8 @@ constexpr uint32_t kNoLimit = 0xFFFFFFFF;
 constexpr uint32_t kSendTimeoutMs = 1000;
 constexpr int kMaxFailures = 20;
 constexpr uint32_t kPauseAfterFailureMs = 50;
+// A client that met another's message rests 50 ms and then clears the signal, ours too if it came meanwhile.
+constexpr uint32_t kPauseAfterCancelMs = 75;
 
 WideText ToWide(const std::string& text) {
     const std::u16string wide = std::filesystem::path(text).u16string();
@@ -99,7 +101,12 @@ void PrinterServer::Serve(std::promise<bool> opened) {
     if (!isOpen) Fail(fmt::format("its channel cannot be opened (error {})", GetLastError()));
     opened.set_value(isOpen);
     if (!isOpen) return;
-    ServeRequests();
+    try {
+        ServeRequests();
+    } catch (const std::exception& error) {
+        Fail(error.what());
+    }
+    KeepState();
     channel_.Close();
 }
 
@@ -135,7 +142,7 @@ void PrinterServer::AnswerRequest(std::string_view request) {
     if (stopping_) return;
     SendReply(turn);
     if (shared_.trace.IsOn()) WriteTrace(turn);
-    if (shared_.state != nullptr && model_.Revision() != savedRevision_) SaveState();
+    KeepState();
     if (turn.fault != nullptr && turn.fault->action == FaultAction::CrashAfter) EndAbruptly();
 }
 
@@ -164,6 +171,7 @@ void PrinterServer::SendReply(Turn& turn) {
     if (GetLastError() == ERROR_SHARING_VIOLATION) {
         // The late reply to a client that lives and asks no more would keep every other client from its own.
         channel_.Cancel();
+        static_cast<void>(WaitUnlessStopped(kPauseAfterCancelMs));
         turn.remark = "sent after the unread reply to another client was taken back";
         if (Post(turn) > 0) return;
     }
@@ -202,7 +210,8 @@ void PrinterServer::WriteTrace(const Turn& turn) {
     shared_.trace.Write(exchange);
 }
 
-void PrinterServer::SaveState() {
+void PrinterServer::KeepState() {
+    if (shared_.state == nullptr || model_.Revision() == savedRevision_) return;
     savedRevision_ = model_.Revision();
     if (shared_.state->Save(port_, model_.ChangedValues())) return;
     fmt::print(

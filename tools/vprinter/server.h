@@ -71,7 +71,7 @@ class PrinterServer final {
     [[nodiscard]] uint32_t Post(const Turn& turn);
     [[nodiscard]] bool WaitUnlessStopped(uint32_t milliseconds);
     void WriteTrace(const Turn& turn);
-    void SaveState();
+    void KeepState();
     void Fail(const std::string& what);
 
     std::string port_;

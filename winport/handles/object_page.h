@@ -23,6 +23,8 @@ inline constexpr uint32_t kEventSetCount = 4;  // manual-reset only: the bits fr
 
 // Mutex: `word` names the owner.
 inline constexpr uint32_t kMutexOwner = 0x3FFFFFFF;      // owner's token, 0 when free
+inline constexpr uint32_t kLastToken = kMutexOwner - 1;
+inline constexpr uint32_t kHeirToCome = kMutexOwner;  // as heir: a sleeper has been woken to become it
 inline constexpr uint32_t kMutexAbandoned = 0x40000000;  // free, and its last owner died with it
 inline constexpr uint32_t kMutexSleeper = 0x80000000;    // somebody sleeps on the word
 
@@ -38,11 +40,16 @@ struct ObjectPage {
     // What changes while the object lives has a cache line of its own.
     alignas(64) std::atomic<uint32_t> word;
 
+    // Event: one more than the number of the processor on which it was set last; 0: never set. Whoever waits
+    // on that same processor knows that the setter cannot run while it polls.
+    std::atomic<uint32_t> setterProcessor;
+
     // Mutex: turns. The heir is the one waiter that looks often; the others sleep on `queue` until it has
     // become the owner. An owner may take the mutex again and again for one turn while others wait.
     std::atomic<uint32_t> heir;       // token, 0: nobody waits
     std::atomic<uint32_t> lastOwner;  // token
     std::atomic<uint32_t> turnStart;  // microseconds of the monotonic clock, wraps
+    std::atomic<uint32_t> turnTakes;  // how often the last owner has taken it in this turn
     std::atomic<uint32_t> recursion;  // levels, written by the owner alone
     alignas(64) std::atomic<uint32_t> queue;
     std::atomic<uint32_t> queueSleepers;  // a hint: the killed are still counted

@@ -29,7 +29,6 @@ namespace winport {
 namespace {
 
 constexpr const char* kCounterFile = "tokens";
-constexpr uint32_t kLastToken = kMutexOwner;
 
 struct Store {
     std::recursive_mutex lock;

@@ -6,11 +6,13 @@
 
 #include "winport/handles/handle_table.h"
 #include "winport/sync/futex.h"
+#include "winport/sync/poller.h"
 
 namespace winport {
 
 void EventObject::Set() {
     ObjectPage& page = Page();
+    page.setterProcessor.store(CurrentProcessor(), std::memory_order_relaxed);
     uint32_t before;
     if (page.manualReset == 0) {
         before = page.word.exchange(kEventSignaled, std::memory_order_acq_rel);

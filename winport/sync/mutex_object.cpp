@@ -10,7 +10,8 @@ namespace winport {
 
 namespace {
 
-constexpr uint32_t kTurnUs = 500;
+constexpr uint32_t kTurnTakes = 200;
+constexpr uint32_t kTurnUs = 5'000;
 constexpr Moment kUs = 1'000;
 // How long the heir sleeps between looks: within a turn the release does not wake it.
 constexpr Moment kHeirSleep = 200 * kUs;
@@ -42,8 +43,13 @@ bool MutexObject::MustGiveWay(uint32_t token) const {
     const ObjectPage& page = Page();
     const uint32_t heir = page.heir.load(std::memory_order_relaxed);
     if (heir == 0 || heir == token) return false;
-    if (page.lastOwner.load(std::memory_order_relaxed) != token) return true;
-    return NowUs() - page.turnStart.load(std::memory_order_relaxed) > kTurnUs;
+    return page.lastOwner.load(std::memory_order_relaxed) != token || IsTurnOver();
+}
+
+bool MutexObject::IsTurnOver() const {
+    const ObjectPage& page = Page();
+    return page.turnTakes.load(std::memory_order_relaxed) >= kTurnTakes ||
+           NowUs() - page.turnStart.load(std::memory_order_relaxed) > kTurnUs;
 }
 
 void MutexObject::BeginOwnership(ThreadRecord& thread, uint32_t token) {
@@ -52,7 +58,9 @@ void MutexObject::BeginOwnership(ThreadRecord& thread, uint32_t token) {
     if (page.lastOwner.load(std::memory_order_relaxed) != token) {
         page.lastOwner.store(token, std::memory_order_relaxed);
         page.turnStart.store(NowUs(), std::memory_order_relaxed);
+        page.turnTakes.store(0, std::memory_order_relaxed);
     }
+    page.turnTakes.store(page.turnTakes.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     heldHere_.store(true, std::memory_order_relaxed);
     thread.heldMutexes.push_back(this);
 }
@@ -115,26 +123,24 @@ void MutexObject::Abandon(uint32_t token) {
 
 TakeResult MutexObject::Take(ThreadRecord& thread, uint32_t token, Moment deadline) {
     ObjectPage& page = Page();
-    for (;;) {
-        uint32_t heir = 0;
-        if (page.heir.compare_exchange_strong(heir, token, std::memory_order_acq_rel)) {
+    for (bool queued = false;; queued = true) {
+        uint32_t heir = page.heir.load(std::memory_order_acquire);
+        // A place behind an heir that died is taken over; one that is kept for a sleeper is for sleepers.
+        const bool isDead = queued && heir != 0 && heir != kHeirToCome && IsNamed() && !IsOwnerAlive(heir);
+        const bool isVacant = heir == 0 || (heir == kHeirToCome && queued) || isDead;
+        if (isVacant && page.heir.compare_exchange_strong(heir, token, std::memory_order_acq_rel)) {
             const TakeResult result = WaitAsHeir(thread, token, deadline);
             LeaveHeirship(token);
             return result;
         }
-        // Behind an heir that died, its place is taken over.
-        if (IsNamed() && !IsOwnerAlive(heir)) {
-            page.heir.compare_exchange_strong(heir, 0, std::memory_order_acq_rel);
-            continue;
-        }
-        if (Now() >= deadline) return TakeResult::No;
+        if (Now() >= deadline) return TryTake(thread, token, true);
         SleepInQueue(deadline);
     }
 }
 
 TakeResult MutexObject::WaitAsHeir(ThreadRecord& thread, uint32_t token, Moment deadline) {
     ObjectPage& page = Page();
-    Poller poller(thread.polling);
+    Poller poller(thread.polling, false);
     Moment nextLifeCheck = Now() + kLifeCheck;
     for (;;) {
         TakeResult result;
@@ -154,8 +160,7 @@ TakeResult MutexObject::WaitAsHeir(ThreadRecord& thread, uint32_t token, Moment 
             !page.word.compare_exchange_strong(word, word | kMutexSleeper, std::memory_order_relaxed))
             continue;
         // An owner within its turn does not wake the heir, one that holds the mutex longer does.
-        const uint32_t turn = NowUs() - page.turnStart.load(std::memory_order_relaxed);
-        const Moment look = turn <= kTurnUs ? now + kHeirSleep : nextLifeCheck;
+        const Moment look = IsTurnOver() ? nextLifeCheck : now + kHeirSleep;
         const SleepWord sleep = {&page.word, word | kMutexSleeper};
         SleepOn({&sleep, 1}, std::min(look, deadline));
     }
@@ -174,13 +179,20 @@ void MutexObject::SleepInQueue(Moment deadline) {
     }
 }
 
+// The place is kept for the sleeper that is woken: a thread that has just had its turn must not come before.
 void MutexObject::LeaveHeirship(uint32_t token) {
     ObjectPage& page = Page();
     uint32_t heir = token;
-    if (!page.heir.compare_exchange_strong(heir, 0, std::memory_order_seq_cst)) return;
+    const bool anySleeps = page.queueSleepers.load(std::memory_order_seq_cst) != 0;
+    if (!page.heir.compare_exchange_strong(heir, anySleeps ? kHeirToCome : 0, std::memory_order_seq_cst))
+        return;
     page.queue.fetch_add(1, std::memory_order_seq_cst);
-    if (page.queueSleepers.load(std::memory_order_seq_cst) == 0) return;
-    if (Wake(page.queue, 1) == 0) page.queueSleepers.store(0, std::memory_order_relaxed);
+    if (Wake(page.queue, 1) != 0 || !anySleeps) return;
+    // Only the count was left, of sleepers that were killed or have just gone.
+    page.queueSleepers.store(0, std::memory_order_relaxed);
+    heir = kHeirToCome;
+    page.heir.compare_exchange_strong(heir, 0, std::memory_order_seq_cst);
+    Wake(page.queue, 1);
 }
 
 void MutexObject::End() {

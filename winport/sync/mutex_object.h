@@ -52,6 +52,7 @@ class MutexObject final : public KernelObject {
   private:
     friend void AbandonHeldMutexes(ThreadRecord& thread);
 
+    [[nodiscard]] bool IsTurnOver() const;
     [[nodiscard]] bool MustGiveWay(uint32_t token) const;
     void Abandon(uint32_t token);
     [[nodiscard]] TakeResult WaitAsHeir(ThreadRecord& thread, uint32_t token, Moment deadline);

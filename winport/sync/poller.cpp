@@ -36,9 +36,13 @@ void Pause() {
 
 }  // namespace
 
-Poller::Poller(PollHistory& history) : history_(history) {
+uint32_t CurrentProcessor() {
+    return static_cast<uint32_t>(sched_getcpu() + 1);
+}
+
+Poller::Poller(PollHistory& history, bool setterIsHere) : history_(history) {
     const uint32_t waits = ++history_.waits;
-    polls_ = SeveralProcessors(waits) && (history_.credit > 0 || waits % kRetryEvery == 0);
+    polls_ = !setterIsHere && SeveralProcessors(waits) && (history_.credit > 0 || waits % kRetryEvery == 0);
 }
 
 bool Poller::Again() {

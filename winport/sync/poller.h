@@ -10,10 +10,14 @@ namespace winport {
 
 inline constexpr Moment kPollBudget = 50'000;  // nanoseconds
 
+// One more than the number of the processor that the thread runs on; 0 when that is not known. Cheap.
+[[nodiscard]] uint32_t CurrentProcessor();
+
 class Poller final {
   public:
-    // Decides whether this wait polls at all.
-    explicit Poller(PollHistory& history);
+    // Decides whether this wait polls at all. `setterIsHere`: whoever is waited for last ran on this very
+    // processor, and so cannot run while this thread looks.
+    Poller(PollHistory& history, bool setterIsHere);
 
     // True while the caller should look once more; pauses a little and, later on, gives way to others.
     [[nodiscard]] bool Again();

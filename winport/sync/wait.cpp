@@ -141,13 +141,21 @@ std::optional<DWORD> TakeAllIfFree(std::span<const Waited> all, ThreadRecord& th
     return std::all_of(all.begin(), all.end(), IsFree) ? TakeAll(all, thread) : std::nullopt;
 }
 
+bool IsSetterHere(std::span<const Waited> all) {
+    const uint32_t here = CurrentProcessor();
+    return here != 0 && std::any_of(all.begin(), all.end(), [here](const Waited& waited) {
+               return waited.object->Kind() == ObjectKind::Event &&
+                      waited.object->Page().setterProcessor.load(std::memory_order_relaxed) == here;
+           });
+}
+
 DWORD WaitFor(std::span<const Waited> all, bool waitAll, ThreadRecord& thread, DWORD milliseconds) {
     const auto look = [&] { return waitAll ? TakeAllIfFree(all, thread) : TakeAny(all, thread); };
     const Moment start = Now();
     const Moment deadline =
         milliseconds == INFINITE ? kNever : start + static_cast<Moment>(milliseconds) * kMillisecond;
     const Moment longest = HasMutex(all) ? kMutexLook : kNever;
-    Poller poller(thread.polling);
+    Poller poller(thread.polling, IsSetterHere(all));
     for (;;) {
         std::optional<DWORD> result;
         do {

@@ -24,9 +24,10 @@ struct Listed {
 // A printer that does not answer once will not answer for the other settings either: each would cost a
 // time-out.
 bool IsHopeless(const Failure& failure) {
-    return failure.exit != ExitCode::kDeviceRefused && failure.exit != ExitCode::kBadReply;
+    return failure.exit == ExitCode::kNoAnswer || failure.exit == ExitCode::kOwnFault;
 }
 
+// Ends early, with the reason in the last entry, when going on is hopeless.
 std::vector<Listed> ReadAll(Context& context, const std::vector<const SettingRow*>& rows) {
     const Printer& printer = context.GetPrinter();
     Progress progress(rows.size(), !context.Options().json);
@@ -38,8 +39,8 @@ std::vector<Listed> ReadAll(Context& context, const std::vector<const SettingRow
         try {
             listed.value = printer.Get(*row);
         } catch (const Failure& failure) {
-            if (IsHopeless(failure)) throw;
             listed.failure = failure;
+            if (IsHopeless(failure)) break;
         }
     }
     return list;
@@ -68,6 +69,7 @@ nlohmann::ordered_json ListedJson(const Listed& listed, bool showSecrets) {
     if (listed.value) {
         const bool masked = !showSecrets && IsSecret(row);
         json["value"] = masked ? nlohmann::ordered_json(kMask) : JsonValue(row, *listed.value);
+        if (masked) json["masked"] = true;
     }
     if (listed.failure) json["error"] = listed.failure->text;
     return json;
