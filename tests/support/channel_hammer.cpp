@@ -95,4 +95,6 @@ int main(int argc, char** argv) {
         thread.join();
     std::cout << counts.good << ' ' << counts.abandoned << ' ' << counts.cancelled << ' ' << counts.timedOut
               << ' ' << counts.other << ' ' << counts.wrong << ' ' << counts.longestMs << std::endl;
+    // Closing a client withdraws whatever request is unread, another's too: not before all have finished.
+    std::getline(std::cin, go);
 }

@@ -119,7 +119,8 @@ int Print(std::string_view command, const Report& report, bool json, bool noColo
     }
     const ExitCode exit = report.failure ? report.failure->exit : ExitCode::kDone;
     // A full disk behind a redirection must not look like success.
-    if (std::fflush(stdout) != 0 && exit == ExitCode::kDone) {
+    const bool complete = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    if (!complete && exit == ExitCode::kDone) {
         Write(stderr, "kestrel: the results could not be written to standard output\n");
         return static_cast<int>(ExitCode::kOwnFault);
     }

@@ -55,7 +55,8 @@ void AfterForkInChild() {
     if (!store.inodes.empty() && store.lockFile.Open(KernelObjectDirectory()))
         for (const auto& [name, inode] : store.inodes)
             store.lockFile.TryShared(static_cast<off_t>(inode));
-    store.lock.unlock();
+    // Held since before the fork by a thread that has another number here and could not unlock it.
+    new (&store.lock) std::recursive_mutex;
 }
 
 std::string PathOf(const std::string& fileName) {

@@ -28,11 +28,11 @@ timespec ToTimespec(Moment moment) {
     return {static_cast<time_t>(moment / kSecond), static_cast<long>(moment % kSecond)};
 }
 
-void SleepOnOne(const SleepWord& word, Moment until) {
+bool SleepOnOne(const SleepWord& word, Moment until) {
     const timespec limit = ToTimespec(until);
     // FUTEX_WAIT_BITSET is the form that takes an absolute time of the monotonic clock.
-    syscall(SYS_futex, word.word, FUTEX_WAIT_BITSET, word.expected, until == kNever ? nullptr : &limit,
-            nullptr, FUTEX_BITSET_MATCH_ANY);
+    return syscall(SYS_futex, word.word, FUTEX_WAIT_BITSET, word.expected, until == kNever ? nullptr : &limit,
+                   nullptr, FUTEX_BITSET_MATCH_ANY) == 0;
 }
 
 bool SleepOnAll(std::span<const SleepWord> words, Moment until) {
@@ -43,7 +43,8 @@ bool SleepOnAll(std::span<const SleepWord> words, Moment until) {
     const timespec limit = ToTimespec(until);
     const long result = syscall(SYS_futex_waitv, vector.data(), count, 0u, until == kNever ? nullptr : &limit,
                                 CLOCK_MONOTONIC);
-    return result >= 0 || errno != ENOSYS;
+    if (result < 0 && errno == ENOSYS) return SleepOnOne(words[0], std::min(until, Now() + kShortSleep));
+    return result >= 0;
 }
 
 }  // namespace
@@ -54,11 +55,8 @@ Moment Now() {
     return now.tv_sec * kSecond + now.tv_nsec;
 }
 
-void SleepOn(std::span<const SleepWord> words, Moment until) {
-    if (words.size() == 1)
-        SleepOnOne(words[0], until);
-    else if (!SleepOnAll(words, until))
-        SleepOnOne(words[0], std::min(until, Now() + kShortSleep));
+bool SleepOn(std::span<const SleepWord> words, Moment until) {
+    return words.size() == 1 ? SleepOnOne(words[0], until) : SleepOnAll(words, until);
 }
 
 int Wake(std::atomic<uint32_t>& word, int most) {

@@ -21,8 +21,8 @@ struct SleepWord {
 };
 
 // Sleeps until one of the words is woken or no longer as expected, until the moment, or for no reason at all:
-// the caller looks again. At most 64 words.
-void SleepOn(std::span<const SleepWord> words, Moment until);
+// the caller looks again. True when it was woken. At most 64 words.
+bool SleepOn(std::span<const SleepWord> words, Moment until);
 
 // Returns how many were woken.
 int Wake(std::atomic<uint32_t>& word, int most);

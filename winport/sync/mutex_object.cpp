@@ -123,7 +123,7 @@ void MutexObject::Abandon(uint32_t token) {
 
 TakeResult MutexObject::Take(ThreadRecord& thread, uint32_t token, Moment deadline) {
     ObjectPage& page = Page();
-    for (bool queued = false;; queued = true) {
+    for (bool queued = false;;) {
         uint32_t heir = page.heir.load(std::memory_order_acquire);
         // A place behind an heir that died is taken over; one that is kept for a sleeper is for sleepers.
         const bool isDead = queued && heir != 0 && heir != kHeirToCome && IsNamed() && !IsOwnerAlive(heir);
@@ -134,7 +134,7 @@ TakeResult MutexObject::Take(ThreadRecord& thread, uint32_t token, Moment deadli
             return result;
         }
         if (Now() >= deadline) return TryTake(thread, token, true);
-        SleepInQueue(deadline);
+        queued = SleepInQueue(deadline);
     }
 }
 
@@ -166,17 +166,20 @@ TakeResult MutexObject::WaitAsHeir(ThreadRecord& thread, uint32_t token, Moment 
     }
 }
 
-void MutexObject::SleepInQueue(Moment deadline) {
+bool MutexObject::SleepInQueue(Moment deadline) {
     ObjectPage& page = Page();
     const uint32_t place = page.queue.load(std::memory_order_acquire);
     page.queueSleepers.fetch_add(1, std::memory_order_seq_cst);
+    bool mayInherit = false;
     if (page.heir.load(std::memory_order_seq_cst) != 0) {
         const SleepWord sleep = {&page.queue, place};
-        SleepOn({&sleep, 1}, std::min(Now() + kLifeCheck, deadline));
+        const Moment longest = Now() + kLifeCheck;
+        mayInherit = SleepOn({&sleep, 1}, std::min(longest, deadline)) || Now() >= longest;
     }
     uint32_t sleepers = page.queueSleepers.load(std::memory_order_relaxed);
     while (sleepers != 0 && !page.queueSleepers.compare_exchange_weak(sleepers, sleepers - 1)) {
     }
+    return mayInherit;
 }
 
 // The place is kept for the sleeper that is woken: a thread that has just had its turn must not come before.

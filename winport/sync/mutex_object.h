@@ -56,7 +56,8 @@ class MutexObject final : public KernelObject {
     [[nodiscard]] bool MustGiveWay(uint32_t token) const;
     void Abandon(uint32_t token);
     [[nodiscard]] TakeResult WaitAsHeir(ThreadRecord& thread, uint32_t token, Moment deadline);
-    void SleepInQueue(Moment deadline);
+    // True when the thread was woken to become the heir, or has slept so long that it may see to it itself.
+    [[nodiscard]] bool SleepInQueue(Moment deadline);
     void LeaveHeirship(uint32_t token);
 
     ObjectMemory memory_;
