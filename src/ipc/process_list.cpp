@@ -20,8 +20,8 @@ bool IsProcessRunning(uint32_t processId) {
         const auto size = static_cast<DWORD>(ids.size() * sizeof(DWORD));
         if (!EnumProcesses(ids.data(), size, &bytes)) return false;
     } while (bytes >= ids.size() * sizeof(DWORD));
-    const auto end = ids.begin() + bytes / sizeof(DWORD);
-    return std::find(ids.begin(), end, processId) != end;
+    ids.resize(bytes / sizeof(DWORD));
+    return std::find(ids.begin(), ids.end(), processId) != ids.end();
 }
 
 }  // namespace kwt

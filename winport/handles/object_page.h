@@ -22,9 +22,9 @@ inline constexpr uint32_t kEventSleepers = 2;  // somebody sleeps on the word: a
 inline constexpr uint32_t kEventSetCount = 4;  // manual-reset only: the bits from here up count the sets
 
 // Mutex: `word` names the owner.
-inline constexpr uint32_t kMutexOwner = 0x3FFFFFFF;      // owner's token, 0 when free
+inline constexpr uint32_t kMutexOwner = 0x3FFFFFFF;  // owner's token, 0 when free
 inline constexpr uint32_t kLastToken = kMutexOwner - 1;
-inline constexpr uint32_t kHeirToCome = kMutexOwner;  // as heir: a sleeper has been woken to become it
+inline constexpr uint32_t kHeirToCome = kMutexOwner;     // as heir: a sleeper has been woken to become it
 inline constexpr uint32_t kMutexAbandoned = 0x40000000;  // free, and its last owner died with it
 inline constexpr uint32_t kMutexSleeper = 0x80000000;    // somebody sleeps on the word
 

@@ -239,7 +239,8 @@ typedef struct {
 
 WINPORT_API HANDLE CreateFileMappingW(HANDLE file, LPSECURITY_ATTRIBUTES security, DWORD protection,
                                       DWORD sizeHigh, DWORD sizeLow, LPCWSTR name);
-WINPORT_API LPVOID MapViewOfFile(HANDLE mapping, DWORD access, DWORD offsetHigh, DWORD offsetLow, SIZE_T size);
+WINPORT_API LPVOID MapViewOfFile(HANDLE mapping, DWORD access, DWORD offsetHigh, DWORD offsetLow,
+                                 SIZE_T size);
 WINPORT_API BOOL UnmapViewOfFile(LPCVOID view);
 WINPORT_API SIZE_T VirtualQuery(LPCVOID address, MEMORY_BASIC_INFORMATION* info, SIZE_T size);
 

@@ -12,6 +12,8 @@ inline BOOL Report(DWORD error) {
 }
 
 // An optional text that is not given.
-inline bool IsEmpty(LPCWSTR text) { return text == nullptr || text[0] == u'\0'; }
+inline bool IsEmpty(LPCWSTR text) {
+    return text == nullptr || text[0] == u'\0';
+}
 
 }  // namespace winport

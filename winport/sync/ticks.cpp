@@ -1,5 +1,6 @@
 // Time as the product sees it: milliseconds since the system started.
 #include <time.h>
+#include <unistd.h>
 #include <windows.h>
 
 #include <cerrno>
@@ -19,12 +20,14 @@ DWORD GetTickCount() {
 }
 
 void Sleep(DWORD milliseconds) {
+    if (milliseconds == INFINITE) {
+        for (;;)
+            pause();
+    }
     timespec rest = {static_cast<time_t>(milliseconds / 1000),
                      static_cast<long>(milliseconds % 1000) * 1'000'000};
-    do {
-        while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
-        }
-    } while (milliseconds == INFINITE);
+    while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
+    }
 }
 
 BOOL QueryPerformanceCounter(LARGE_INTEGER* count) {

@@ -1,0 +1,117 @@
+// What lies in the object folder is not always what winport put there.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "handle_support.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path KernelFolder() {
+    AutoEvent(FreshName());  // makes the folder
+    return fs::path(std::getenv("WINPORT_HOME")) / "kernel";
+}
+
+// The file that stands for "Global\<name>".
+fs::path FileOf(const std::string& name) {
+    return KernelFolder() / ("global." + name);
+}
+
+Handle OpenGlobal(const std::string& name) {
+    return AutoEvent(TEXT("Global\\") + WideText(name.begin(), name.end()));
+}
+
+TEST(Object_files, What_a_dead_process_left_is_replaced_whatever_it_is) {
+    for (const std::string& content : {std::string(), std::string("garbage"), std::string(10000, 'x')}) {
+        std::ofstream(FileOf("Stale")) << content;
+        fs::permissions(FileOf("Stale"), fs::perms::owner_read | fs::perms::owner_write);
+        const Handle event = OpenGlobal("Stale");
+        ASSERT_TRUE(event);
+        EXPECT_EQ(0u, GetLastError());
+        EXPECT_EQ(4096u, fs::file_size(FileOf("Stale")));
+    }
+}
+
+TEST(Object_files, A_planted_link_a_folder_and_a_loose_mode_are_refused_with_5_and_left_alone) {
+    const fs::path target = KernelFolder() / "target";
+    std::ofstream(target) << "untouched";
+    fs::create_symlink(target, FileOf("Link"));
+    fs::create_directory(FileOf("Folder"));
+    std::ofstream(FileOf("Loose")) << "x";
+    fs::permissions(FileOf("Loose"), fs::perms::owner_all | fs::perms::others_write);
+    fs::create_hard_link(target, FileOf("Hard"));
+    for (const char* name : {"Link", "Folder", "Loose", "Hard"}) {
+        EXPECT_FALSE(OpenGlobal(name)) << name;
+        EXPECT_EQ(5u, GetLastError()) << name;
+    }
+    std::ifstream file(target);
+    EXPECT_EQ("untouched", std::string(std::istreambuf_iterator<char>(file), {}));
+    for (const char* name : {"Link", "Folder", "Loose", "Hard"})
+        fs::remove(FileOf(name));
+    fs::remove(target);
+}
+
+TEST(Object_files, A_folder_without_room_gives_112_and_leaves_no_file) {
+    const fs::path folder = KernelFolder();
+    signal(SIGXFSZ, SIG_IGN);
+    rlimit before = {};
+    getrlimit(RLIMIT_FSIZE, &before);
+    rlimit small = before;
+    small.rlim_cur = 8192;  // one object fits, a section does not
+    setrlimit(RLIMIT_FSIZE, &small);
+    const Handle section = Section(65803, TEXT("Global\\NoRoom"));
+    const DWORD error = GetLastError();
+    const Handle event = OpenGlobal("Room");
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_FALSE(section);
+    EXPECT_EQ(112u, error);
+    EXPECT_TRUE(event);
+    EXPECT_FALSE(fs::exists(folder / "global.NoRoom"));
+    EXPECT_TRUE(Section(65803, TEXT("Global\\NoRoom")));
+}
+
+TEST(Object_files, No_descriptor_is_kept_for_an_object) {
+    const auto descriptors = [] {
+        return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+    };
+    const Handle first = AutoEvent(FreshName());
+    const auto before = descriptors();
+    std::vector<Handle> many;
+    for (int i = 0; i < 100; ++i)
+        many.push_back(AutoEvent(FreshName()));
+    EXPECT_EQ(before, descriptors());
+}
+
+TEST(Object_files, A_forked_child_shares_the_objects_and_keeps_them_alive) {
+    const WideText name = FreshName();
+    Handle event = ManualEvent(name);
+    const Handle mutex = Mutex(FreshName());
+    WaitForSingleObject(mutex.Get(), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool owns = ReleaseMutex(mutex.Get()) != FALSE;
+        const bool waited = WaitForSingleObject(event.Get(), 5000) == WAIT_OBJECT_0;
+        const Handle own = AutoEvent(FreshName());
+        _exit(!owns && waited && own ? 0 : 1);
+    }
+    SetEvent(event.Get());
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(0, status);
+    EXPECT_TRUE(ReleaseMutex(mutex.Get()));
+}
+
+}  // namespace
