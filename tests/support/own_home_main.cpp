@@ -1,4 +1,5 @@
-// Every test has a home of its own, so that nothing that one leaves can help or disturb another.
+// The main function of a suite: every test has a home of its own, so that nothing that one leaves can help or
+// disturb another.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -10,7 +11,7 @@ class OwnHome final : public testing::Environment {
   public:
     void SetUp() override {
         // Where kernel objects lie by default too: in memory.
-        std::string pattern = "/dev/shm/kestrel-process-XXXXXX";
+        std::string pattern = "/dev/shm/kestrel-test-XXXXXX";
         folder_ = mkdtemp(pattern.data());
         setenv("WINPORT_HOME", folder_.c_str(), 1);
     }
