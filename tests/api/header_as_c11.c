@@ -1,4 +1,5 @@
-/* A program in C that knows the public header alone: what works without a printer gives what is documented. */
+/* A program in C that knows the public header alone: what works without a printer gives what is documented.
+ */
 #include <kestrel/sdk.h>
 #include <stdio.h>
 
