@@ -73,7 +73,12 @@ int Run(int argc, char** argv) {
     PrepareForInterrupt(options, chosen.name);
     Context context(options);
     const Report report = RunGuarded(chosen, context);
-    return Print(chosen.name, report, options.json, options.noColour);
+    const int exitStatus = Print(chosen.name, report, options.json, options.noColour);
+    // Unloading the library closes its channel, and a client's close withdraws whatever request stands there
+    // unread, also that of another program. That is wanted only for a request of our own that was given up.
+    const bool gaveUp = report.failure && report.failure->exit == ExitCode::kNoAnswer;
+    if (!gaveUp) platform::EndWithoutUnloading(exitStatus);
+    return exitStatus;
 }
 
 }  // namespace

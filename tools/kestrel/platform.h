@@ -19,4 +19,8 @@ enum class Stream { kOut, kError };
 // run.
 void EndOnInterrupt(std::string outText, std::string errorText, int exitStatus);
 
+// Ends the program at once: no library is unloaded, nothing is cleaned up, only what has been flushed is
+// written.
+[[noreturn]] void EndWithoutUnloading(int exitStatus);
+
 }  // namespace cli::platform

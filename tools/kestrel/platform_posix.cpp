@@ -52,4 +52,8 @@ void EndOnInterrupt(std::string outText, std::string errorText, int exitStatus) 
     sigaction(SIGINT, &action, nullptr);
 }
 
+void EndWithoutUnloading(int exitStatus) {
+    _exit(exitStatus);
+}
+
 }  // namespace cli::platform

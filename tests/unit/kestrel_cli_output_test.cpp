@@ -1,0 +1,133 @@
+// Texts on their way in and out of the command line, failures, and the product configuration that is written.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "kestrel/durations.h"
+#include "kestrel/failure.h"
+#include "kestrel/output.h"
+#include "kestrel/product_configuration.h"
+#include "kestrel/text.h"
+
+namespace {
+
+using cli::ExitCode;
+using cli::Failure;
+
+TEST(KestrelText, Keeps_every_character_between_utf8_and_utf16) {
+    const std::string text = "a \xC3\xA9 \xE2\x82\xAC \xF0\x9F\x96\xA8";
+    const std::optional<cli::WideText> wide = cli::WideFromUtf8(text);
+    ASSERT_TRUE(wide);
+    EXPECT_EQ(wide->size(), 8u);
+    EXPECT_EQ(cli::Utf8FromWide(*wide), text);
+    EXPECT_EQ(cli::Utf8FromWide(wide->substr(0, 7)), "a \xC3\xA9 \xE2\x82\xAC \xEF\xBF\xBD");
+}
+
+TEST(KestrelText, Shows_bytes_in_a_notation_that_reads_back) {
+    std::string bytes;
+    for (int byte = 0; byte < 256; ++byte)
+        bytes += static_cast<char>(byte);
+    const std::string shown = cli::ReadableBytes(bytes);
+    EXPECT_TRUE(std::all_of(shown.begin(), shown.end(), [](char c) { return c >= 0x20 && c <= 0x7E; }));
+    EXPECT_EQ(cli::BytesFromReadable(shown), bytes);
+    for (const char* wrong : {"\\", "a\\", "\\n", "\\x", "\\x4", "\\xG0"}) {
+        EXPECT_FALSE(cli::BytesFromReadable(wrong)) << wrong;
+    }
+}
+
+TEST(KestrelText, Lets_no_control_character_reach_the_terminal) {
+    EXPECT_EQ(cli::ForTerminal("\x1B[2J\xC3\xA9\xC2\x9B\x7F\xFF"), "\\x1B[2J\xC3\xA9\\x9B\\x7F\\xFF");
+}
+
+TEST(KestrelDurations, Need_a_unit_and_stay_below_the_value_that_means_no_limit) {
+    constexpr std::pair<const char*, std::optional<std::uint32_t>> kCases[] = {
+        {"5s", 5000},
+        {"500ms", 500},
+        {"2m", 120000},
+        {"0ms", 0},
+        {"4294967294ms", 4294967294u},
+        {"5", {}},
+        {"", {}},
+        {"s", {}},
+        {"-1s", {}},
+        {"1.5s", {}},
+        {"5 s", {}},
+        {"5h", {}},
+        {"4294967295ms", {}},
+        {"71583m", {}},
+        {"5sec", {}},
+    };
+    for (const auto& [written, milliseconds] : kCases)
+        EXPECT_EQ(cli::ParseDuration(written), milliseconds) << written;
+}
+
+TEST(KestrelFailures, Give_each_code_one_exit_code_and_an_advice) {
+    using enum ExitCode;
+    constexpr std::pair<std::uint32_t, ExitCode> kCases[] = {
+        {0xE0000001, kOwnFault}, {0xE0000002, kNoAnswer},  {0xE0000003, kNoAnswer},  {0xE0000011, kBadReply},
+        {0xE0000012, kBadReply}, {0xE0000013, kNoPrinter}, {0xE0000014, kNoPrinter}, {0xE0000015, kNoPrinter},
+        {2, kDeviceRefused},     {22, kDeviceRefused},     {23, kDeviceRefused},     {31, kDeviceRefused},
+        {50, kDeviceRefused},    {87, kValueRefused},      {170, kLocked},           {212, kLocked},
+        {1392, kDeviceRefused},  {1460, kNoAnswer},        {1722, kOwnFault},        {1801, kNoPrinter},
+        {4319, kNoAnswer},       {1797, kValueRefused},    {1802, kValueRefused},    {126, kOwnFault},
+        {123456, kOwnFault},
+    };
+    for (const auto& [code, exit] : kCases) {
+        const Failure failure = cli::FailureFromCode(code, "cannot do it", cli::Exchange::kWrite);
+        EXPECT_EQ(failure.exit, exit) << code;
+        EXPECT_FALSE(failure.advice.empty()) << code;
+    }
+    // The device's word is unknown, not the caller's.
+    EXPECT_EQ(cli::FailureFromCode(87, "cannot read it", cli::Exchange::kRead).exit, kBadReply);
+}
+
+TEST(KestrelFailures, Show_code_reply_and_advice_to_people_and_to_scripts) {
+    cli::Report report;
+    report.data["values"]["fax.redials"] = 3;
+    report.failure = cli::FailureFromCode(0xE0000003, "cannot read \xFF", cli::Exchange::kRead);
+    report.failure->badReply = "3400,no;";
+    report.failure->responseNumber = 3400;
+
+    const std::string people = cli::FailureText(*report.failure, cli::Paint(false));
+    for (const char* part : {"cannot read", "[0xE0000003]", "reply: 3400,no;", "response number: 3400"}) {
+        EXPECT_NE(people.find(part), std::string::npos) << part;
+    }
+
+    const auto document = nlohmann::json::parse(cli::JsonDocument("get", report));
+    EXPECT_EQ(document["version"], 1);
+    EXPECT_EQ(document["exitCode"], 4);
+    EXPECT_EQ(document["values"]["fax.redials"], 3);
+    EXPECT_EQ(document["error"]["code"], 0xE0000003);
+    EXPECT_EQ(document["error"]["responseNumber"], 3400);
+}
+
+TEST(KestrelOutput, Aligns_columns_by_characters_not_bytes) {
+    EXPECT_EQ(cli::AlignedTable({{"A", "B"}, {"\xC3\xA9\xC3\xA9", "x"}, {"long", ""}}, cli::Paint(false)),
+              "A     B\n\xC3\xA9\xC3\xA9    x\nlong\n");
+}
+
+TEST(KestrelConfiguration, Repeats_driver_lines_and_leaves_no_placeholder) {
+    const std::string text = cli::ConfigurationText("acme", {"One", "Two"});
+    EXPECT_NE(text.find("[Printers]\r\nOne\r\nTwo\r\n\r\n[Network Printers]\r\nOne\r\nTwo\r\n"),
+              std::string::npos);
+    EXPECT_NE(text.find("Library=ACMESDK.DLL\r\nSignature=ACME\r\n"), std::string::npos);
+    EXPECT_NE(text.find("Two=40,70,60,90,290,330,35,55\r\n"), std::string::npos);
+    EXPECT_EQ(text.find('{'), std::string::npos);
+}
+
+TEST(KestrelConfiguration, Refuses_names_that_its_file_cannot_hold) {
+    const std::string tooLong(260, 'x');
+    for (const std::string& driver :
+         {std::string(), std::string(" x"), std::string("x "), std::string("a=b"), std::string("[x]"),
+          std::string(";x"), std::string("a\nb"), std::string("\xE3\x81\x82"), tooLong}) {
+        EXPECT_THROW(static_cast<void>(cli::ConfigurationText("ACME", {driver})), Failure) << driver;
+    }
+    for (const char* product : {"", "a/b", "..", "A B"}) {
+        EXPECT_THROW(static_cast<void>(cli::ConfigurationText(product, {"One"})), Failure) << product;
+    }
+}
+
+}  // namespace
