@@ -61,11 +61,16 @@ class Channel : public testing::Test {
         CloseHandle(idle);
     }
 
-    // One whole exchange whose reply is `reply`.
-    void ExpectExchange(const std::string& request, const std::string& reply) {
+    // Posts a request, which the server takes and does not answer yet.
+    void Ask(const std::string& request) {
         server_.Begin("receive 5000");
         ASSERT_EQ(request.size(), Send(request));
         ASSERT_EQ(request, server_.End().text);
+    }
+
+    // One whole exchange whose reply is `reply`.
+    void ExpectExchange(const std::string& request, const std::string& reply) {
+        Ask(request);
         ASSERT_EQ(reply.size(), server_.Do("send " + reply + " 1000").number);
         const Received received = Receive();
         EXPECT_EQ(reply, received.text);
@@ -111,9 +116,7 @@ TEST_F(Channel, A_closed_channel_gives_110) {
 
 TEST_F(Channel, A_second_send_without_receive_gives_776_and_the_third_works) {
     OpenBoth();
-    server_.Begin("receive 5000");
-    EXPECT_EQ(1u, Send("a"));
-    server_.End();
+    Ask("a");
     EXPECT_EQ(0u, Send("b"));
     EXPECT_EQ(776u, GetLastError());
     ExpectExchange("c", "done");
@@ -121,9 +124,7 @@ TEST_F(Channel, A_second_send_without_receive_gives_776_and_the_third_works) {
 
 TEST_F(Channel, A_reply_of_another_process_is_left_and_the_receive_gives_up_with_1460) {
     OpenBoth();
-    server_.Begin("receive 5000");
-    Send("question");
-    server_.End();
+    Ask("question");
     EXPECT_EQ(5u, server_.Do("sendto 4194303 0 alien 1000").number);
     EXPECT_EQ(1460u, Receive(200).error);
     EXPECT_EQ(1u, server_.Do("send x 200").number) << "the message of a process that is gone is overwritten";
@@ -132,9 +133,7 @@ TEST_F(Channel, A_reply_of_another_process_is_left_and_the_receive_gives_up_with
 TEST_F(Channel, A_reply_of_another_living_process_blocks_the_section_with_32_until_it_is_cancelled) {
     OpenBoth();
     ChannelPuppet other;
-    server_.Begin("receive 5000");
-    Send("question");
-    server_.End();
+    Ask("question");
     const std::string late = "sendto " + std::to_string(other.Id()) + " 0 late 1000";
     EXPECT_EQ(4u, server_.Do(late).number);
     for (int i = 0; i < 2; ++i) {
@@ -149,9 +148,7 @@ TEST_F(Channel, A_reply_of_another_living_process_blocks_the_section_with_32_unt
 
 TEST_F(Channel, An_aborted_message_is_delivered_with_995) {
     OpenBoth();
-    server_.Begin("receive 5000");
-    Send("question");
-    server_.End();
+    Ask("question");
     server_.Do("sendto " + std::to_string(GetCurrentProcessId()) + " 1 partly 1000");
     const Received received = Receive();
     EXPECT_EQ("partly", received.text);
@@ -160,9 +157,7 @@ TEST_F(Channel, An_aborted_message_is_delivered_with_995) {
 
 TEST_F(Channel, A_broadcast_is_not_taken_by_a_waiting_client_and_does_not_block_the_reply) {
     OpenBoth();
-    server_.Begin("receive 5000");
-    Send("question");
-    server_.End();
+    Ask("question");
     EXPECT_EQ(4u, server_.Do("broadcast news 1000").number);
     EXPECT_EQ(6u, server_.Do("send answer 1000").number);
     EXPECT_EQ("answer", Receive().text);
@@ -170,9 +165,7 @@ TEST_F(Channel, A_broadcast_is_not_taken_by_a_waiting_client_and_does_not_block_
 
 TEST_F(Channel, Cancel_of_another_thread_ends_a_waiting_receive_with_995) {
     OpenBoth();
-    server_.Begin("receive 5000");
-    Send("question");
-    server_.End();
+    Ask("question");
     std::thread canceller([this] {
         Sleep(100);
         client_.Cancel();
@@ -184,13 +177,9 @@ TEST_F(Channel, Cancel_of_another_thread_ends_a_waiting_receive_with_995) {
 
 TEST_F(Channel, A_cancel_without_a_waiting_receive_ends_the_next_one_once) {
     OpenBoth();
-    server_.Begin("receive 5000");
-    Send("question");
-    server_.End();
+    Ask("question");
     client_.Cancel();
-    server_.Begin("receive 5000");
-    Send("next");
-    server_.End();
+    Ask("next");
     server_.Do("send answer 1000");
     EXPECT_EQ(995u, Receive().error);
     ExpectExchange("last", "fine");
@@ -211,9 +200,7 @@ TEST_F(Channel, Cancel_withdraws_an_unread_request_of_whoever_posted_it) {
 
 TEST_F(Channel, A_late_reply_before_the_next_request_is_not_taken_for_its_answer) {
     OpenBoth();
-    server_.Begin("receive 5000");
-    Send("given-up");
-    server_.End();
+    Ask("given-up");
     EXPECT_EQ(1460u, Receive(kShort).error);
     server_.Do("send late 1000");
     ExpectExchange("next", "right");
@@ -222,22 +209,16 @@ TEST_F(Channel, A_late_reply_before_the_next_request_is_not_taken_for_its_answer
 TEST_F(Channel, A_late_reply_after_the_next_request_is_taken_for_its_answer) {
     // The protocol has no sequence numbers; this is why a counterpart drops what was given up.
     OpenBoth();
-    server_.Begin("receive 5000");
-    Send("given-up");
-    server_.End();
+    Ask("given-up");
     EXPECT_EQ(1460u, Receive(kShort).error);
-    server_.Begin("receive 5000");
-    Send("next");
-    server_.End();
+    Ask("next");
     server_.Do("send late 1000");
     EXPECT_EQ("late", Receive().text);
 }
 
 TEST_F(Channel, A_receive_buffer_that_is_too_small_gets_the_beginning) {
     OpenBoth();
-    server_.Begin("receive 5000");
-    Send("question");
-    server_.End();
+    Ask("question");
     server_.Do("send abcdef 1000");
     EXPECT_EQ("abc", Receive(kLong, 3).text);
 }
@@ -306,9 +287,7 @@ TEST_F(Channel, A_server_killed_before_or_after_reading_costs_one_time_out) {
     }
     OpenBoth();
     // The cancels above found nobody waiting: each leaves at most one cancelled receive behind.
-    server_.Begin("receive 5000");
-    Send("x");
-    server_.End();
+    Ask("x");
     server_.Do("send y 1000");
     Receive();
     ExpectExchange("again", "fine");

@@ -173,9 +173,7 @@ HMODULE Load(const std::string& name) {
     WinportModule* module = FindByPath(path);
     if (module == nullptr) module = &Modules().emplace_back(WinportModule{path, nullptr, nullptr, 0, true});
     if (!module->attached) {
-        dlclose(library);
-        if (WinportModule* left = FindByPath(path); left != nullptr && left->library == nullptr)
-            Forget(*left);
+        dlclose(library);  // its destructor makes winport forget the module
         SetLastError(ERROR_DLL_INIT_FAILED);
         return nullptr;
     }

@@ -1,0 +1,94 @@
+// The library under other file names: refused, or a product of its own; and what unloading leaves.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <thread>
+
+#include "kwt/wide_text.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A copy of the library named lib<stem>.so, as Windows programs name it.
+WideText CopyAs(const std::string& stem) {
+    const fs::path folder = std::getenv("WINPORT_HOME");
+    fs::copy_file(KESTREL_LIBRARY, folder / ("lib" + stem + ".so"), fs::copy_options::overwrite_existing);
+    const std::string name = (folder / (stem + ".dll")).string();
+    return WideText(name.begin(), name.end());
+}
+
+uint32_t CallNumber(HMODULE library, const char* name) {
+    void* function = reinterpret_cast<void*>(GetProcAddress(library, name));
+    return reinterpret_cast<uint32_t (*)()>(function)();
+}
+
+TEST(Loading, A_foreign_file_name_is_refused_with_1114_each_time) {
+    for (const char* stem : {"foo", "SDK", "ACMESDKX"}) {
+        const WideText path = CopyAs(stem);
+        for (int i = 0; i < 2; ++i) {
+            EXPECT_EQ(nullptr, LoadLibraryW(path.c_str())) << stem;
+            EXPECT_EQ(1114u, GetLastError()) << stem;
+            EXPECT_EQ(nullptr, GetModuleHandleW(path.c_str())) << stem;
+        }
+    }
+    EXPECT_EQ(nullptr, LoadLibraryW(TEXT("/nowhere/NothingSDK.dll")));
+    EXPECT_EQ(126u, GetLastError());
+}
+
+TEST(Loading, A_copy_of_another_product_loads_and_is_gone_when_freed) {
+    for (const char* stem : {"ACMESDK", "acmesdk"}) {
+        const WideText path = CopyAs(stem);
+        for (int i = 0; i < 2; ++i) {
+            const HMODULE library = LoadLibraryW(path.c_str());
+            ASSERT_NE(nullptr, library) << stem << ' ' << GetLastError();
+            EXPECT_EQ(10u, CallNumber(library, "GetSDKVersion"));
+            EXPECT_EQ(100000u, CallNumber(library, "GetLastResponseNum"));
+            EXPECT_EQ(library, LoadLibraryW(path.c_str()));
+            EXPECT_TRUE(FreeLibrary(library));
+            EXPECT_EQ(library, GetModuleHandleW(path.c_str()));
+            EXPECT_TRUE(FreeLibrary(library));
+            EXPECT_EQ(nullptr, GetModuleHandleW(path.c_str())) << stem;
+        }
+    }
+}
+
+TEST(Loading, A_thread_that_used_the_library_may_outlive_it_and_threads_end_with_their_objects) {
+    const WideText path = CopyAs("ACMESDK");
+    const HMODULE library = LoadLibraryW(path.c_str());
+    ASSERT_NE(nullptr, library);
+    // The status monitor's channel that an object holds open is seen while the object lives.
+    const WideText object = TEXT("Global\\ACMEStatMonClass-01042005RemoteControlChannelServerIdleEvent");
+    const auto isOpen = [&] {
+        HANDLE event = CreateEventW(nullptr, TRUE, FALSE, object.c_str());
+        const bool existed = GetLastError() == ERROR_ALREADY_EXISTS;
+        CloseHandle(event);
+        return existed;
+    };
+    std::thread([&] {
+        EXPECT_FALSE(isOpen());
+        CallNumber(library, "GetLastResponseNum");
+        EXPECT_TRUE(isOpen());
+    }).join();
+    EXPECT_FALSE(isOpen()) << "the object outlived its thread";
+
+    HANDLE freed = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    HANDLE used = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    std::thread survivor([&] {
+        CallNumber(library, "GetLastResponseNum");
+        SetEvent(used);
+        WaitForSingleObject(freed, INFINITE);
+    });
+    WaitForSingleObject(used, INFINITE);
+    EXPECT_TRUE(FreeLibrary(library));
+    SetEvent(freed);
+    survivor.join();
+    CloseHandle(freed);
+    CloseHandle(used);
+}
+
+}  // namespace
