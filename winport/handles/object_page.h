@@ -9,7 +9,15 @@
 
 namespace winport {
 
-enum class ObjectKind : uint32_t { Event = 1, Mutex = 2, Section = 3, File = 4 };
+enum class ObjectKind : uint32_t {
+    Event = 1,
+    Mutex = 2,
+    Section = 3,
+    File = 4,
+    Token = 5,
+    Process = 6,
+    Thread = 7
+};
 
 inline constexpr uint32_t kPageMagic = 0x544A424F;  // "OBJT"
 inline constexpr uint32_t kLayoutVersion = 1;

@@ -48,6 +48,12 @@ typedef BOOL* LPBOOL;
 typedef BYTE* LPBYTE;
 typedef DWORD* LPDWORD;
 typedef LONG* PLONG;
+typedef intptr_t INT_PTR;
+typedef uintptr_t UINT_PTR;
+typedef intptr_t LONG_PTR;
+typedef UINT_PTR WPARAM;
+typedef LONG_PTR LPARAM;
+typedef LONG_PTR LRESULT;
 typedef CHAR* LPSTR;
 typedef const CHAR* LPCSTR;
 typedef const CHAR* LPCCH;
@@ -84,6 +90,7 @@ typedef struct {
 #define ERROR_ACCESS_DENIED 5
 #define ERROR_INVALID_HANDLE 6
 #define ERROR_NOT_ENOUGH_MEMORY 8
+#define ERROR_INVALID_DATA 13
 #define ERROR_OUTOFMEMORY 14
 #define ERROR_BAD_COMMAND 22
 #define ERROR_CRC 23
@@ -103,21 +110,30 @@ typedef struct {
 #define ERROR_BAD_PATHNAME 161
 #define ERROR_BUSY 170
 #define ERROR_ALREADY_EXISTS 183
+#define ERROR_BAD_EXE_FORMAT 193
 #define ERROR_FILENAME_EXCED_RANGE 206
 #define ERROR_LOCKED 212
 #define ERROR_MORE_DATA 234
 #define WAIT_TIMEOUT 258u
+#define ERROR_DIRECTORY 267
 #define ERROR_NO_MORE_ITEMS 259
 #define ERROR_INVALID_ADDRESS 487
 #define ERROR_NOT_OWNER 288
 #define ERROR_ABANDONED_WAIT_0 735
 #define ERROR_OPERATION_ABORTED 995
 #define ERROR_INVALID_FLAGS 1004
+#define ERROR_NO_TOKEN 1008
 #define ERROR_BADDB 1009
 #define ERROR_KEY_DELETED 1018
 #define ERROR_IO_DEVICE 1117
 #define ERROR_DLL_INIT_FAILED 1114
 #define ERROR_UNKNOWN_REVISION 1305
+#define ERROR_BAD_IMPERSONATION_LEVEL 1346
+#define ERROR_BAD_TOKEN_TYPE 1349
+#define ERROR_INVALID_WINDOW_HANDLE 1400
+#define ERROR_INVALID_THREAD_ID 1444
+#define ERROR_RESOURCE_NAME_NOT_FOUND 1814
+#define ERROR_NOT_ENOUGH_QUOTA 1816
 #define ERROR_NO_UNICODE_TRANSLATION 1113
 #define ERROR_NOT_FOUND 1168
 #define ERROR_BAD_CONFIGURATION 1610
@@ -126,6 +142,7 @@ typedef struct {
 #define ERROR_COMMITMENT_LIMIT 1455
 #define ERROR_TIMEOUT 1460
 #define RPC_S_SERVER_UNAVAILABLE 1722
+#define RPC_S_CALL_FAILED_DNE 1727
 #define ERROR_UNKNOWN_PRINTER_DRIVER 1797
 #define ERROR_INVALID_PRINTER_NAME 1801
 #define ERROR_PRINTER_ALREADY_EXISTS 1802
@@ -273,10 +290,6 @@ WINPORT_API DWORD GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR
                                            DWORD capacity, LPCWSTR path);
 WINPORT_API UINT GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT fallback, LPCWSTR path);
 
-/* ---- process/ ---- */
-WINPORT_API DWORD GetCurrentProcessId(void);
-WINPORT_API DWORD GetCurrentThreadId(void);
-
 /* ---- registry/ ---- */
 typedef struct WinportRegistryKey* HKEY;
 typedef HKEY* PHKEY;
@@ -317,5 +330,8 @@ WINPORT_API LSTATUS RegDeleteValueW(HKEY key, LPCWSTR name);
 WINPORT_API LSTATUS RegDeleteTreeW(HKEY key, LPCWSTR subKey);
 WINPORT_API LSTATUS RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD nameLength, LPDWORD reserved,
                                   LPWSTR className, LPDWORD classLength, FILETIME* lastWrite);
+
+#include <processthreadsapi.h>
+#include <winuser.h>
 
 #endif

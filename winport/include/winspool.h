@@ -11,6 +11,7 @@
 #define PRINTER_ATTRIBUTE_DEFAULT 0x4
 #define PRINTER_ATTRIBUTE_LOCAL 0x40
 #define PRINTER_ATTRIBUTE_ENABLE_BIDI 0x800
+#define SERVER_ACCESS_ADMINISTER 0x1
 #define PRINTER_ACCESS_ADMINISTER 0x4
 #define PRINTER_ACCESS_USE 0x8
 #define PRINTER_ALL_ACCESS 0xF000C
@@ -69,6 +70,10 @@ typedef struct {
     LPWSTR pDefaultDataType;
 } DRIVER_INFO_3W;
 
+typedef struct {
+    LPWSTR pName;
+} PORT_INFO_1W;
+
 WINPORT_API BOOL EnumPrintersW(DWORD flags, LPWSTR name, DWORD level, LPBYTE buffer, DWORD size,
                                LPDWORD needed, LPDWORD returned);
 WINPORT_API BOOL OpenPrinterW(LPWSTR name, LPHANDLE printer, LPPRINTER_DEFAULTSW defaults);
@@ -84,5 +89,11 @@ WINPORT_API DWORD DeletePrinterDataW(HANDLE printer, LPWSTR valueName);
 WINPORT_API BOOL GetPrinterDriverDirectoryW(LPWSTR server, LPWSTR environment, DWORD level, LPBYTE buffer,
                                             DWORD size, LPDWORD needed);
 WINPORT_API BOOL AddPrinterDriverExW(LPWSTR server, DWORD level, LPBYTE info, DWORD flags);
+WINPORT_API BOOL EnumPortsW(LPWSTR server, DWORD level, LPBYTE buffer, DWORD size, LPDWORD needed,
+                            LPDWORD returned);
+WINPORT_API BOOL XcvDataW(HANDLE monitor, LPCWSTR request, LPBYTE input, DWORD inputSize, LPBYTE output,
+                          DWORD outputSize, LPDWORD outputNeeded, LPDWORD status);
+WINPORT_API BOOL SetDefaultPrinterW(LPCWSTR name);
+WINPORT_API BOOL GetDefaultPrinterW(LPWSTR buffer, LPDWORD size);
 
 #endif

@@ -8,6 +8,7 @@
 
 #include "winport/module/module_list.h"
 #include "winport/sync/mutex_object.h"
+#include "winport/user/message_queue.h"
 
 namespace winport {
 
@@ -26,6 +27,9 @@ void EndThread(void* value) {
     for (auto& slot : record.tls)
         slot.store(nullptr, std::memory_order_relaxed);
     record.polling = {};
+    record.impersonation.reset();
+    record.cursor = nullptr;
+    ForgetMessages(record);
     record.hazard.store(nullptr, std::memory_order_release);
     current = nullptr;
     record.inUse.store(false, std::memory_order_release);

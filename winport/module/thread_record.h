@@ -7,12 +7,14 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace winport {
 
 class KernelObject;
 class MutexObject;
+class MessageQueue;
 
 inline constexpr DWORD kTlsSlots = 64;
 
@@ -32,6 +34,10 @@ struct ThreadRecord {
     uint32_t ownerToken = 0;  // unique among all threads of all processes of the home; 0: not asked for yet
     std::vector<MutexObject*> heldMutexes;
     PollHistory polling;
+
+    std::optional<SECURITY_IMPERSONATION_LEVEL> impersonation;  // none: it acts as its process
+    HCURSOR cursor = nullptr;
+    MessageQueue* messages = nullptr;  // made at the first call that asks for messages
 
     ThreadRecord* next = nullptr;  // all records, fixed once linked
     std::atomic<bool> inUse{false};
