@@ -18,7 +18,10 @@ class KernelObject {
 
     [[nodiscard]] ObjectKind Kind() const { return kind_; }
     [[nodiscard]] ObjectPage& Page() const { return *page_; }
-    [[nodiscard]] bool CanWait() const { return kind_ == ObjectKind::Event || kind_ == ObjectKind::Mutex; }
+    [[nodiscard]] bool CanWait() const {
+        return kind_ == ObjectKind::Event || kind_ == ObjectKind::Mutex || kind_ == ObjectKind::Process ||
+               kind_ == ObjectKind::Thread;
+    }
 
     void AddReference() { references_.fetch_add(1, std::memory_order_relaxed); }
     // Ends the object with its last reference.

@@ -138,11 +138,23 @@ void NotifyThread(DWORD reason) {
         if (module.attached && module.entry != nullptr) module.entry(&module, reason, nullptr);
 }
 
+}  // namespace
+
+std::string ProgramFolder() {
+    return FolderOf(ProgramPath());
+}
+
+std::string WinportFolder() {
+    return FolderOf(OwnModule().path);
+}
+
+namespace {
+
 // A name without a folder is looked for beside the program, then beside winport, then where the dynamic
 // linker looks.
 void* OpenLibrary(const std::string& name) {
     if (name.find('/') != std::string::npos) return dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
-    for (const std::string& folder : {FolderOf(ProgramPath()), FolderOf(OwnModule().path)}) {
+    for (const std::string& folder : {ProgramFolder(), WinportFolder()}) {
         const std::string path = folder + '/' + name;
         if (access(path.c_str(), F_OK) == 0) return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     }

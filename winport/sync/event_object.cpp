@@ -10,8 +10,7 @@
 
 namespace winport {
 
-void EventObject::Set() {
-    ObjectPage& page = Page();
+void SignalPage(ObjectPage& page) {
     page.setterProcessor.store(CurrentProcessor(), std::memory_order_relaxed);
     uint32_t before;
     if (page.manualReset == 0) {

@@ -8,13 +8,17 @@
 
 namespace winport {
 
+// Sets the event of a page and wakes who sleeps on it. Pages that are no event's own, such as an ended
+// program's, are manual-reset ones.
+void SignalPage(ObjectPage& page);
+
 class EventObject final : public KernelObject {
   public:
     explicit EventObject(ObjectMemory&& memory)
         : KernelObject(ObjectKind::Event, memory.Page()), memory_(std::move(memory)) {}
     static KernelObject* Make(ObjectMemory&& memory) { return new EventObject(std::move(memory)); }
 
-    void Set();
+    void Set() { SignalPage(Page()); }
     void Reset();
 
   protected:

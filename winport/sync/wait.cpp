@@ -25,7 +25,8 @@ Moment DeadlineAfter(DWORD milliseconds) {
     return milliseconds == INFINITE ? kNever : Now() + static_cast<Moment>(milliseconds) * kMillisecond;
 }
 
-// One object of a wait, and what its word was when the wait began.
+// One object of a wait, and what its word was when the wait began. What is no mutex is an event: a program's
+// end is one that is set once.
 struct Waited {
     KernelObject* object = nullptr;
     uint32_t wordAtStart = 0;
@@ -58,7 +59,7 @@ DWORD ResultOf(TakeResult result, DWORD index) {
 // Says in the object's word that somebody sleeps on it. False when the object is to be looked at again.
 bool AnnounceSleep(const Waited& waited, SleepWord& sleep) {
     ObjectPage& page = waited.object->Page();
-    const bool isEvent = waited.object->Kind() == ObjectKind::Event;
+    const bool isEvent = waited.object->Kind() != ObjectKind::Mutex;
     const uint32_t flag = isEvent ? kEventSleepers : kMutexSleeper;
     uint32_t word = page.word.load(std::memory_order_relaxed);
     if (isEvent ? (word & kEventSignaled) != 0 : (word & kMutexOwner) == 0) return false;
@@ -123,7 +124,7 @@ std::optional<DWORD> TakeAll(std::span<const Waited> all, ThreadRecord& thread) 
 
 bool IsFree(const Waited& waited) {
     const uint32_t word = waited.object->Page().word.load(std::memory_order_acquire);
-    if (waited.object->Kind() == ObjectKind::Event) return (word & kEventSignaled) != 0;
+    if (waited.object->Kind() != ObjectKind::Mutex) return (word & kEventSignaled) != 0;
     return (word & kMutexOwner) == 0 || (word & kMutexOwner) == waited.token;
 }
 
