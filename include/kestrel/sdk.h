@@ -32,7 +32,9 @@
    and always terminated. A null pointer is accepted only where that is said. */
 #pragma once
 
+#include "sdk_device.h"
 #include "sdk_errors.h"
+#include "sdk_host.h"
 #include "sdk_settings.h"
 #include "sdk_types.h"
 
@@ -92,6 +94,58 @@ KESTREL_API kestrel_bool SelectPrinter(const kestrel_char* printerName);
      2, 22, 23, 31, 170, 1392, 4319   the printer's own verdict, by the response number of its reply */
 KESTREL_API kestrel_bool SendCmd(const void* request, uint32_t requestLength, void* replyBuffer,
                                  uint32_t replyBufferSize, uint32_t* replyLength, uint32_t timeoutMs);
+
+/* ---- The session with the printer ---- */
+
+/* Takes the printer for this thread: until Unlock, this thread can select no other printer and the requests
+   of other programs may be refused as busy.
+
+   timeoutMs  time allowed for the exchange in milliseconds
+
+   Errors
+     SDK_ERROR_BAD_REPLY         the reply has no response number
+     SDK_ERROR_UNEXPECTED_REPLY  the lock was not granted; GetLastResponseNum has the answer
+     170                         another program holds the lock
+     others                      as of SendCmd */
+KESTREL_API kestrel_bool Lock(uint32_t timeoutMs);
+
+/* Gives the printer back. Until the printer confirms it, it is asked again once a second. Whatever the
+   outcome, this thread may select another printer afterwards.
+
+   timeoutMs  milliseconds within which a new attempt is begun; each attempt is allowed the same time again
+
+   When an attempt fails on a thread that holds the lock, what the language monitor is doing is cancelled, and
+   the last-error value is that of the cancelling: 0 when it succeeded.
+
+   Errors
+     SDK_ERROR_CHANNEL_NOT_OPEN  no printer is selected on this thread
+     1460                        no confirmation in time
+     others                      as of SendCmd */
+KESTREL_API kestrel_bool Unlock(uint32_t timeoutMs);
+
+/* Cancels what the language monitor is doing for this printer, within 5 s. Success means that it answered.
+   Errors are those of SendCmd. */
+KESTREL_API kestrel_bool Cancel(void);
+
+/* Allows the language monitor to answer requests from what it knows already (enable not 0), or makes it ask
+   the printer each time; within 5 s. When it answers but does not comply, the result is 0 with the last-error
+   value 0, and GetLastResponseNum has the answer. Other errors are those of SendCmd. */
+KESTREL_API kestrel_bool EnableCache(kestrel_bool enable);
+
+/* Reads the printer's status, after starting the status monitor if it does not run. A status that is not
+   known yet is asked for again every 2 s, eight times in all, and in the end delivered as it is: the call
+   takes 14 s then, and up to a minute when the printer does not answer.
+
+   record  is cleared first
+   size    its size in bytes, at least 1,052
+
+   Errors
+     87                   record is null or too small; nothing was sent
+     SDK_ERROR_BAD_REPLY  the reply holds no status
+     others               as of SendCmd, from the start of the status monitor (1722: the spooler is not
+                          running), or SDK_ERROR_SEND_INCOMPLETE or SDK_ERROR_NO_REPLY because the
+                          status monitor does not answer */
+KESTREL_API kestrel_bool GetStatus(DeviceStatusRecord* record, uint32_t size);
 
 /* ---- Diagnosis; both leave the last-error value alone ---- */
 

@@ -225,3 +225,45 @@ typedef enum KestrelWirelessState {
     KESTREL_WIRELESS_STATE_ERROR_INITIALIZING_RADIO = 6,
     KESTREL_WIRELESS_STATE_ERROR_CONNECTING_RADIO = 7
 } KestrelWirelessState;
+
+/* ---- Records ---- */
+
+/* The printer's status, 1,052 bytes, as the language monitor sends it. The library reads three fields; the
+   others have the meaning that the language monitor and the status monitor of the product agree on. */
+typedef struct DeviceStatusRecord {
+    uint8_t unspecified0[8];
+    uint32_t state; /* 100000 with an empty text: the status is not known yet */
+    uint8_t unspecified12[728];
+    uint8_t onUsb; /* not 0: the printer is on a USB port */
+    uint8_t unspecified741[19];
+    kestrel_char text[146]; /* a longer text is cut here, without a terminator */
+} DeviceStatusRecord;
+
+#define KESTREL_SPEED_DIAL_RECORDS 60
+#define KESTREL_ONE_TOUCH_RECORDS 5
+#define KESTREL_MAX_ACCESS_POINTS 30
+#define KESTREL_MAX_HOSTS 10
+
+/* A destination of the address book, 184 bytes. Texts are zero-terminated. */
+typedef struct KestrelQuickDial {
+    uint32_t addressType; /* a KestrelAddressType */
+    kestrel_char name[40];
+    kestrel_char address[50]; /* fax number or e-mail address */
+} KestrelQuickDial;
+
+/* An access point as the printer sees it, 372 bytes. */
+typedef struct KestrelAccessPoint {
+    kestrel_char macAddress[18]; /* 00:1B:2C:3D:4E:5F; empty when the printer does not tell it */
+    uint16_t signalStrength;     /* this and the other numbers as the printer reports them */
+    uint16_t beaconInterval;
+    uint16_t capabilities;
+    kestrel_char ssid[33];
+    uint32_t channel;
+    uint32_t encryption;
+    uint8_t reserved[256]; /* zero */
+} KestrelAccessPoint;
+
+/* A host name, 512 bytes. */
+typedef struct KestrelHost {
+    kestrel_char name[256];
+} KestrelHost;

@@ -1,4 +1,5 @@
-// The exported functions of the library itself, of printer selection and of raw access.
+// The exported functions of the library itself, of printer selection, of raw access and of the
+// session with the printer.
 #include <algorithm>
 
 #include "entry/export_call.h"
@@ -31,6 +32,30 @@ kestrel_bool SendCmd(const void* request, uint32_t requestLength, void* replyBuf
                      uint32_t* replyLength, uint32_t timeoutMs) {
     return OnThreadSDK(kFailure, [&](KestrelSDK& sdk) {
         return sdk.SendCmd(request, requestLength, replyBuffer, replyBufferSize, replyLength, timeoutMs);
+    });
+}
+
+kestrel_bool Lock(uint32_t timeoutMs) {
+    return OnThreadSDK(kFailure, [&](KestrelSDK& sdk) { return sdk.Lock(timeoutMs); });
+}
+
+kestrel_bool Unlock(uint32_t timeoutMs) {
+    return OnThreadSDK(kFailure, [&](KestrelSDK& sdk) { return sdk.Unlock(timeoutMs); });
+}
+
+kestrel_bool Cancel() {
+    return OnThreadSDK(kFailure, [](KestrelSDK& sdk) { return sdk.Cancel(); });
+}
+
+kestrel_bool EnableCache(kestrel_bool enable) {
+    return OnThreadSDK(kFailure, [&](KestrelSDK& sdk) { return sdk.EnableCache(enable != 0); });
+}
+
+kestrel_bool GetStatus(DeviceStatusRecord* record, uint32_t size) {
+    return OnThreadSDK(kFailure, [&](KestrelSDK& sdk) {
+        if (record != nullptr && size >= sizeof(*record)) return sdk.GetStatus(record);
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return false;
     });
 }
 

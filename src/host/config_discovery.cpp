@@ -1,7 +1,6 @@
 #include "host/config_discovery.h"
 
-#include <winspool.h>
-
+#include "host/driver_folder.h"
 #include "host/profile_reader.h"
 #include "kwt/object_names.h"
 
@@ -21,16 +20,6 @@ constexpr ModuleEntry kModuleEntries[] = {
 
 constexpr const WCHAR* kFileEndings[] = {TEXT(".INI"), TEXT("XPS.INI")};
 
-/// The folder of the driver files, with a backslash at its end; empty when the spooler does not say.
-WideText DriverFileFolder() {
-    WCHAR directory[MAX_PATH] = {};
-    DWORD needed = 0;
-    if (!GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(directory),
-                                    sizeof(directory), &needed))
-        return {};
-    return WideText(directory) + TEXT("\\3\\");
-}
-
 bool FileExists(const WideText& path) {
     const DWORD attributes = GetFileAttributesW(path.c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
@@ -46,7 +35,7 @@ std::vector<WideText> FindConfigFiles(const WideText& modulePath) {
     std::vector<WideText> files;
     const WideText fileName = InCapitals(FileNamePart(modulePath));
     const ModuleKind kind = FindModuleKind(fileName);
-    const WideText folder = kind != ModuleKind::None ? DriverFileFolder() : WideText();
+    const WideText folder = kind != ModuleKind::None ? host::DriverFileFolder() : WideText();
     if (folder.empty()) return files;
     const WideText stem = fileName.substr(0, fileName.size() - kModuleSuffixLength);
     for (const ModuleEntry& entry : kModuleEntries) {

@@ -11,6 +11,12 @@ std::string& KestrelSDK::NewRequest() {
     return requestText_;
 }
 
+std::string& KestrelSDK::NewQuery(OplKey key) {
+    std::string& request = NewRequest();
+    builder.AppendQuery(request, key);
+    return request;
+}
+
 std::string& KestrelSDK::NewReply() {
     replyText_.clear();
     return replyText_;

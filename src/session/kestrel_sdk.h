@@ -9,11 +9,10 @@
 
 #include "ipc/opl_channel.h"
 #include "ipc/remote_control_channel.h"
+#include "kestrel/sdk_types.h"
 #include "kwt/wide_text.h"
 #include "opl/opl_builder.h"
 #include "opl/opl_parser.h"
-
-class RemainingTime;
 
 class RemainingTime;
 
@@ -57,6 +56,40 @@ class KestrelSDK {
     /// Exchanges `request` and reports the verdict on the reply alone.
     bool SetWithAck(const std::string& request, uint32_t timeoutMs);
 
+    /// Takes the printer for this thread; refused replies give SDK_ERROR_UNEXPECTED_REPLY.
+    bool Lock(uint32_t timeoutMs);
+
+    /// Gives the printer back, asking again until `timeoutMs` has passed; each attempt may take that long as
+    /// well. This thread counts as unlocked afterwards, whatever the outcome.
+    bool Unlock(uint32_t timeoutMs);
+
+    /// Withdraws what the language monitor is doing; true when it gave a good answer.
+    bool Cancel();
+
+    /// Lets the language monitor answer from what it knows already, or not. False with the last-error value 0
+    /// when it answers but does not comply.
+    bool EnableCache(bool enable);
+
+    /// Clears `record`, starts the status monitor if need be, and reads the status. A status that is not
+    /// known yet is asked for again, for up to 14 s and more; in the end it is delivered as it is.
+    bool GetStatus(DeviceStatusRecord* record);
+
+    /// True when the status monitor answers. It is not started.
+    bool PingStatusMonitor();
+    /// Start the status monitor if need be and let it open a window for the selected printer; 31 when it
+    /// refuses.
+    bool ShowStatusMonitor();
+    bool ShowMaintenance();
+    /// The same for the window that belongs to no printer; the status monitor is not started.
+    bool ShowAboutBox();
+
+    /// Asks the printer to order supplies and, when it cannot be asked, the status monitor; 31 when the
+    /// printer refuses. The second way makes the connection count as USB until the next selection.
+    bool OrderSupplies();
+
+    /// Sends the selected printer's name to the status monitor; the reply is the caller's to receive.
+    bool SendPrinterName(RemoteCode code, uint32_t timeoutMs);
+
     /// Keeps a reply that could not be understood for GetLastBadResponse, and sets the last-error value.
     /// Always false, the result of the operation that gives up.
     bool RejectReply(const std::string& reply, uint32_t error);
@@ -65,6 +98,8 @@ class KestrelSDK {
     /// into the other allocates nothing. One operation at a time may use each.
     [[nodiscard]] std::string& NewRequest();
     [[nodiscard]] std::string& NewReply();
+    /// A new request that asks for `key`.
+    [[nodiscard]] std::string& NewQuery(OplKey key);
 
     OPLBuilder builder;
     OPLParser parser;
@@ -88,6 +123,18 @@ class KestrelSDK {
                                     uint32_t& received, uint32_t timeoutMs);
     [[nodiscard]] uint32_t AnnounceTimeout(uint32_t timeoutMs, const RemainingTime& time);
     [[nodiscard]] uint32_t Judge(std::string_view reply);
+
+    /// Unlock but for the record of the lock.
+    [[nodiscard]] bool AskToUnlock(uint32_t timeoutMs);
+
+    /// Lets the status monitor look at the printer before this library does; nothing depends on it.
+    void RequestStatusUpdate();
+    [[nodiscard]] bool QueryStatus(DeviceStatusRecord* record);
+
+    [[nodiscard]] bool ShowOnStartedMonitor(RemoteCode window);
+    /// The outcome of a request to show a window that was sent or not.
+    [[nodiscard]] bool JudgeShown(bool sent);
+    [[nodiscard]] bool OrderThroughStatusMonitor();
 
     /// The steps of a selection; `error` receives the code to report, after success too.
     [[nodiscard]] bool AcceptPrinter(const WideText& name, WideText& port, uint32_t& error);

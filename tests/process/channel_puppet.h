@@ -2,11 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <iterator>
 #include <sstream>
 #include <string>
 
 #include "child_process.h"
+#include "line_text.h"
 
 struct PuppetAnswer {
     uint32_t number = 0;
@@ -27,12 +27,10 @@ class ChannelPuppet final {
     // The same in two steps, for what ends only when the test has done its part.
     void Begin(const std::string& command) { process_.WriteLine(command); }
     PuppetAnswer End() {
-        std::istringstream line(process_.ReadLine().value_or("0 4294967295 no answer"));
+        std::istringstream line(process_.ReadLine().value_or("0 4294967295 no-answer"));
         PuppetAnswer answer;
-        line >> answer.number >> answer.error;
-        line.get();
-        // The rest of the line, whatever bytes it has.
-        answer.text.assign(std::istreambuf_iterator<char>(line), {});
+        line >> answer.number >> answer.error >> answer.text;
+        answer.text = FromWord(answer.text);
         return answer;
     }
 

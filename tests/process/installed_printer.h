@@ -32,6 +32,11 @@ inline CommandResult RunClient(std::vector<std::string> words, const Environment
     return result;
 }
 
+// Plain characters as the library takes them.
+inline WideText Widened(const std::string& text) {
+    return WideText(text.begin(), text.end());
+}
+
 // A thread has an SDK object of its own; what a test does on a fresh one is not disturbed by another's.
 inline void OnFreshThread(const std::function<void()>& body) {
     std::thread(body).join();

@@ -3,13 +3,11 @@
 #include <windows.h>
 
 #include <array>
-#include <atomic>
 #include <cstring>
-#include <mutex>
 #include <optional>
 
-#include "channel_puppet.h"
 #include "installed_printer.h"
+#include "recording_monitor.h"
 #include "settings/catalogue.h"
 
 namespace {
@@ -160,51 +158,6 @@ TEST_F(Settings, Every_row_goes_both_ways) {
         EXPECT_EQ(86, rows);
     });
 }
-
-// A language monitor that writes down every request and answers with what it is given.
-class RecordingMonitor final {
-  public:
-    RecordingMonitor() {
-        puppet_.Do(std::string("open server ") + kChannelName + " 65791");
-        server_ = std::thread([this] { Serve(); });
-    }
-    ~RecordingMonitor() {
-        stop_ = true;
-        server_.join();
-    }
-
-    void Answer(const std::string& reply) {
-        const std::lock_guard guard(lock_);
-        reply_ = reply;
-    }
-    // Requests since the last call.
-    std::vector<std::string> Requests() {
-        const std::lock_guard guard(lock_);
-        return std::exchange(requests_, {});
-    }
-
-  private:
-    void Serve() {
-        while (!stop_) {
-            const std::string request = puppet_.Do("receive 100").text;
-            if (request.empty()) continue;
-            std::string reply;
-            {
-                const std::lock_guard guard(lock_);
-                requests_.push_back(request);
-                reply = reply_;
-            }
-            puppet_.Do("send " + reply + " 1000");
-        }
-    }
-
-    ChannelPuppet puppet_;
-    std::mutex lock_;
-    std::vector<std::string> requests_;
-    std::string reply_ = "0000,X=1;";
-    std::atomic<bool> stop_{false};
-    std::thread server_;
-};
 
 class Wire : public InstalledPrinter {
   protected:

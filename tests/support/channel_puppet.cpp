@@ -4,6 +4,8 @@
 //   open server|client NAME CAPACITY     send TEXT TIMEOUT           receive TIMEOUT
 //   sendto PROCESS ABORTED TEXT TIMEOUT  broadcast TEXT TIMEOUT      cancel
 //   dispatch (echoes on its own thread)  close                       quit
+//
+// TEXT, and the text of the answer, may be any bytes, written as line_text.h says.
 #include <windows.h>
 
 #include <iostream>
@@ -11,6 +13,7 @@
 #include <string>
 
 #include "ipc/opl_channel.h"
+#include "line_text.h"
 
 namespace {
 
@@ -58,16 +61,19 @@ Answer Obey(PuppetChannel& channel, std::istringstream& line) {
     }
     if (verb == "send") {
         line >> text >> timeout;
+        text = FromWord(text);
         return {channel.Send(text.data(), Length(text), timeout), {}};
     }
     if (verb == "sendto") {
         uint32_t process = 0;
         bool aborted = false;
         line >> process >> aborted >> text >> timeout;
+        text = FromWord(text);
         return {channel.SendTo(process, aborted, text.data(), Length(text), timeout), {}};
     }
     if (verb == "broadcast") {
         line >> text >> timeout;
+        text = FromWord(text);
         return {channel.Broadcast(text.data(), Length(text), timeout), {}};
     }
     if (verb == "dispatch") return {channel.StartServerThread(), {}};
@@ -84,6 +90,6 @@ int main() {
         std::istringstream words(line);
         const Answer answer = Obey(channel, words);
         const uint32_t error = GetLastError();
-        std::cout << answer.number << ' ' << error << ' ' << answer.text << std::endl;
+        std::cout << answer.number << ' ' << error << ' ' << AsWord(answer.text) << std::endl;
     }
 }

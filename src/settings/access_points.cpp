@@ -1,0 +1,99 @@
+#include "settings/access_points.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+#include "kestrel/sdk_errors.h"
+#include "kwt/strings.h"
+#include "settings/list_reply.h"
+#include "settings/typed_queries.h"
+
+namespace {
+
+static_assert(sizeof(KestrelAccessPoint) == 372 && offsetof(KestrelAccessPoint, signalStrength) == 36 &&
+              offsetof(KestrelAccessPoint, ssid) == 42 && offsetof(KestrelAccessPoint, channel) == 108);
+
+constexpr size_t kMacBytes = 6;
+
+std::string FormatMac(const std::vector<uint8_t>& bytes) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string text;
+    for (const uint8_t byte : bytes) {
+        if (!text.empty()) text += ':';
+        text += kDigits[byte >> 4];
+        text += kDigits[byte & 15];
+    }
+    return text;
+}
+
+uint32_t ReadNumber(const std::string& item) {
+    int32_t number = 0;
+    return OPLParser::GetIntValue(item, number) ? static_cast<uint32_t>(number) : 0;
+}
+
+void ReadMac(const std::string& item, KestrelAccessPoint& record) {
+    std::vector<uint8_t> bytes;
+    if (!OPLParser::GetBinaryValue(item, bytes) || bytes.size() != kMacBytes) return;
+    kwt::AsciiToWideBuffer(record.macAddress, FormatMac(bytes).c_str(), sizeof(record.macAddress));
+}
+
+void ReadSsid(const std::string& item, KestrelAccessPoint& record) {
+    std::string text;
+    if (!OPLParser::GetValue(item, text) || text == "(null)") return;
+    kwt::AsciiToWideBuffer(record.ssid, text.c_str(), sizeof(record.ssid));
+}
+
+struct Field {
+    std::string_view marker;
+    void (*read)(const std::string& item, KestrelAccessPoint& record);
+};
+
+// A value cannot imitate a marker: its dots come escaped.
+constexpr Field kFields[] = {
+    {"].MacAddr", ReadMac},
+    {"].SignalStrength",
+     [](const std::string& item, KestrelAccessPoint& record) {
+         record.signalStrength = static_cast<uint16_t>(ReadNumber(item));
+     }},
+    {"].BcnInterval",
+     [](const std::string& item, KestrelAccessPoint& record) {
+         record.beaconInterval = static_cast<uint16_t>(ReadNumber(item));
+     }},
+    {"].CapInfo",
+     [](const std::string& item, KestrelAccessPoint& record) {
+         record.capabilities = static_cast<uint16_t>(ReadNumber(item));
+     }},
+    {"].SSID", ReadSsid},
+    {"].Channel",
+     [](const std::string& item, KestrelAccessPoint& record) { record.channel = ReadNumber(item); }},
+    {"].Encryption",
+     [](const std::string& item, KestrelAccessPoint& record) { record.encryption = ReadNumber(item); }},
+};
+
+bool ReadItem(const std::string& item, KestrelAccessPoint* records) {
+    uint32_t index = 0;
+    if (!ReadItemIndex(item, KESTREL_MAX_ACCESS_POINTS, index)) return false;
+    for (const Field& field : kFields) {
+        if (item.find(field.marker) == std::string::npos) continue;
+        field.read(item, records[index]);
+        return true;
+    }
+    SetLastError(SDK_ERROR_UNEXPECTED_REPLY);
+    return false;
+}
+
+}  // namespace
+
+bool StartSearchForAccessPoints(KestrelSDK& sdk, uint32_t timeoutMs) {
+    std::string& request = sdk.NewRequest();
+    sdk.builder.AppendSetBool(request, OplKey::SearchForAccessPoints, true);
+    return SetValue(sdk, request, timeoutMs);
+}
+
+bool GetAccessPoints(KestrelSDK& sdk, KestrelAccessPoint* records, uint32_t timeoutMs) {
+    std::fill_n(records, KESTREL_MAX_ACCESS_POINTS, KestrelAccessPoint{});
+    std::vector<std::string> items;
+    if (!QueryList(sdk, OplKey::AccessPoints, items, timeoutMs)) return false;
+    return std::ranges::all_of(items, [&](const std::string& item) { return ReadItem(item, records); });
+}

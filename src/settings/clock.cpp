@@ -1,0 +1,76 @@
+#include "settings/clock.h"
+
+#include <vector>
+
+#include "host/host_identity.h"
+#include "session/remaining_time.h"
+#include "settings/clock_text.h"
+#include "settings/typed_queries.h"
+
+namespace {
+
+struct ClockField {
+    OplKey key;
+    uint32_t DeviceTime::*value;
+};
+
+// The order in which they are looked for in an item, and set.
+constexpr ClockField kFields[] = {
+    {OplKey::DeviceTimeYear, &DeviceTime::year},     {OplKey::DeviceTimeMonth, &DeviceTime::month},
+    {OplKey::DeviceTimeDay, &DeviceTime::day},       {OplKey::DeviceTimeHour, &DeviceTime::hour},
+    {OplKey::DeviceTimeMinute, &DeviceTime::minute},
+};
+
+bool ReadItem(const std::string& item, DeviceTime& time) {
+    for (const ClockField& field : kFields) {
+        if (item.find(KeyText(field.key)) == std::string::npos) continue;
+        int32_t number = 0;
+        const bool read = OPLParser::GetIntValue(item, number);
+        time.*field.value = static_cast<uint32_t>(number);
+        return read;
+    }
+    return false;
+}
+
+}  // namespace
+
+bool GetDeviceTime(KestrelSDK& sdk, DeviceTime& time, uint32_t timeoutMs) {
+    time = {};
+    std::string& reply = sdk.NewReply();
+    if (!sdk.Query(sdk.NewQuery(OplKey::DeviceTime), reply, timeoutMs)) return false;
+    std::vector<std::string> items;
+    if (!sdk.parser.SplitList(reply, items) || items.size() != std::size(kFields)) return false;
+    for (const std::string& item : items) {
+        if (!ReadItem(item, time)) return false;
+    }
+    return true;
+}
+
+bool SetDeviceTime(KestrelSDK& sdk, const DeviceTime& time, uint32_t timeoutMs) {
+    const RemainingTime remaining(timeoutMs);
+    std::string& request = sdk.NewRequest();
+    for (const ClockField& field : kFields)
+        sdk.builder.AppendSetInt(request, field.key, static_cast<int32_t>(time.*field.value));
+    if (!SetValue(sdk, request, timeoutMs)) return false;
+    uint32_t left = 0;
+    int32_t year = 0;
+    return remaining.IsLeft(left) && QueryInt(sdk, year, sdk.NewQuery(OplKey::DeviceTimeYear), left);
+}
+
+bool GetCurrentTimeRTC(KestrelSDK& sdk, WCHAR* text, uint32_t timeoutMs) {
+    return QueryText(sdk, text, kClockTextBytes, sdk.NewQuery(OplKey::CurrentTimeRTC), timeoutMs);
+}
+
+bool SetCurrentTimeRTC(KestrelSDK& sdk, uint32_t timeoutMs) {
+    uint64_t hostId = 0;
+    if (!host::GetHostId(hostId)) return false;
+    HostClock clock = {};
+    std::string text;
+    if (!ReadHostClock(clock) || !FormatClockText(hostId, clock, text)) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return false;
+    }
+    std::string& request = sdk.NewRequest();
+    sdk.builder.AppendSetText(request, OplKey::CurrentTimeRTC, text);
+    return SetValue(sdk, request, timeoutMs);
+}

@@ -1,0 +1,83 @@
+#include "settings/firmware.h"
+
+#include "kestrel/sdk_errors.h"
+#include "kwt/strings.h"
+#include "session/remaining_time.h"
+#include "settings/typed_queries.h"
+
+namespace {
+
+constexpr uint32_t kCapabilityMs = 5000;
+constexpr uint32_t kNoticeMs = 1000;
+constexpr uint32_t kNoticeReplyMs = 5000;
+constexpr uint32_t kUpgradeMs = 60000;
+
+constexpr uint32_t kDone = 101;
+constexpr uint32_t kUpgradeStarted = 100000;
+
+constexpr size_t kCapabilityBytes = 128;
+constexpr const char* kThroughCommandLanguage = "OPL";
+
+/// Keeps the response number of a reply. A reply without one is kept itself, and false.
+bool TakeResponseNumber(KestrelSDK& sdk, const std::string& reply) {
+    uint32_t number = 0;
+    if (!sdk.parser.GetResponseNumber(reply, number)) return sdk.RejectReply(reply, SDK_ERROR_BAD_REPLY);
+    sdk.lastResponseNum = number;
+    return true;
+}
+
+// The status monitor should not disturb the upgrade; that it does not answer is no reason against it.
+void NotifyStatusMonitor(KestrelSDK& sdk) {
+    uint32_t answer = 0;
+    if (sdk.SendPrinterName(RemoteCode::SFWU, kNoticeMs))
+        sdk.remoteChannel.ReceiveReply(answer, kNoticeReplyMs);
+}
+
+}  // namespace
+
+bool GetFWVersion(KestrelSDK& sdk, uint32_t& lagoon, uint32_t& customer, WCHAR* printer, uint32_t timeoutMs) {
+    const RemainingTime time(timeoutMs);
+    SetLastError(NO_ERROR);
+    lagoon = 0;
+    customer = 0;
+    *printer = 0;
+    uint32_t left = 0;
+    return time.IsLeft(left) && QueryInt32(sdk, lagoon, sdk.NewQuery(OplKey::FWVersionLagoon), left) &&
+           time.IsLeft(left) && QueryInt32(sdk, customer, sdk.NewQuery(OplKey::FWVersionCustomer), left) &&
+           time.IsLeft(left) &&
+           QueryText(sdk, printer, kPrinterVersionBytes, sdk.NewQuery(OplKey::FWVersionPrinter), left);
+}
+
+bool GetCapFWUpgrade(KestrelSDK& sdk, uint8_t& capable, uint32_t timeoutMs) {
+    capable = 0;
+    WCHAR text[kCapabilityBytes / sizeof(WCHAR)];
+    if (!QueryText(sdk, text, sizeof(text), sdk.NewQuery(OplKey::CapFWUpgrade), timeoutMs)) return false;
+    capable = kwt::AsciiString(text).ToByteString() == kThroughCommandLanguage;
+    return true;
+}
+
+bool RefreshFWCapabilities(KestrelSDK& sdk, uint32_t timeoutMs) {
+    std::string& request = sdk.NewRequest();
+    sdk.builder.AppendWord(request, OplWord::ClearFWCaps);
+    std::string& reply = sdk.NewReply();
+    return sdk.Query(request, reply, timeoutMs) && TakeResponseNumber(sdk, reply) &&
+           sdk.lastResponseNum == kDone;
+}
+
+bool UpgradeFW(KestrelSDK& sdk, const WCHAR* path) {
+    if (GetFileAttributesW(path) == INVALID_FILE_ATTRIBUTES) {
+        SetLastError(ERROR_FILE_NOT_FOUND);
+        return false;
+    }
+    uint8_t capable = 0;
+    if (!GetCapFWUpgrade(sdk, capable, kCapabilityMs) || capable == 0) {
+        SetLastError(ERROR_NOT_SUPPORTED);
+        return false;
+    }
+    NotifyStatusMonitor(sdk);
+    std::string& request = sdk.NewRequest();
+    sdk.builder.AppendSetText(request, OplKey::UpgradeFW, kwt::AsciiString(path).ToByteString());
+    std::string& reply = sdk.NewReply();
+    return sdk.Query(request, reply, kUpgradeMs) && TakeResponseNumber(sdk, reply) &&
+           (sdk.lastResponseNum == kDone || sdk.lastResponseNum == kUpgradeStarted);
+}

@@ -1,0 +1,28 @@
+#include "settings/list_reply.h"
+
+#include "kestrel/sdk_errors.h"
+
+namespace {
+constexpr uint32_t kList = 101;
+}
+
+bool QueryList(KestrelSDK& sdk, OplKey key, std::vector<std::string>& items, uint32_t timeoutMs) {
+    std::string& reply = sdk.NewReply();
+    if (!sdk.Query(sdk.NewQuery(key), reply, timeoutMs)) return false;
+    uint32_t number = 0;
+    if (!sdk.parser.GetResponseNumber(reply, number)) return sdk.RejectReply(reply, SDK_ERROR_BAD_REPLY);
+    sdk.lastResponseNum = number;
+    if (number != kList) {
+        SetLastError(SDK_ERROR_UNEXPECTED_REPLY);
+        return false;
+    }
+    // A list without items is a list.
+    if (!sdk.parser.SplitList(reply, items)) items.clear();
+    return true;
+}
+
+bool ReadItemIndex(const std::string& item, uint32_t limit, uint32_t& index) {
+    if (OPLParser::GetIndex(item, index) && index < limit) return true;
+    SetLastError(SDK_ERROR_UNEXPECTED_REPLY);
+    return false;
+}

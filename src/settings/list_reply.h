@@ -1,0 +1,16 @@
+// Lists that come as one reply: response number 101 and one item per field, each key with an index.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "session/kestrel_sdk.h"
+
+/// Asks for the list `key` and sets `items` to what the reply holds, each item a message of its own. False
+/// with SDK_ERROR_BAD_REPLY when the reply has no response number, with SDK_ERROR_UNEXPECTED_REPLY when it
+/// has another than that of a list.
+bool QueryList(KestrelSDK& sdk, OplKey key, std::vector<std::string>& items, uint32_t timeoutMs);
+
+/// The record that an item belongs to. False, with SDK_ERROR_UNEXPECTED_REPLY, when it has none below
+/// `limit`.
+bool ReadItemIndex(const std::string& item, uint32_t limit, uint32_t& index);
