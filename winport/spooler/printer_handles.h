@@ -1,5 +1,5 @@
-// Open printers. Their handles are not kernel handles: CloseHandle and the waits refuse them, and
-// ClosePrinter refuses all others.
+// Open printers and the port monitor's configuration. Their handles are not kernel handles: CloseHandle and
+// the waits refuse them, and ClosePrinter refuses all others.
 #pragma once
 
 #include <windows.h>
@@ -11,8 +11,9 @@
 namespace winport {
 
 struct OpenPrinter {
-    KeyId key = 0;  // 0 for the spooler itself
+    KeyId key = 0;  // 0 for the spooler itself and the port monitor
     DWORD access = 0;
+    bool isPortMonitor = false;
 };
 
 // Null when the table is full.

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "winport/spooler/arguments.h"
+#include "winport/spooler/ports.h"
 #include "winport/spooler/printer_handles.h"
 #include "winport/spooler/printer_record.h"
 #include "winport/spooler/spool_session.h"
@@ -125,9 +126,10 @@ BOOL OpenPrinterW(LPWSTR name, LPHANDLE printer, LPPRINTER_DEFAULTSW defaults) {
     {
         SpoolSession session(Purpose::kRead);
         if (const DWORD failure = session.Error(); failure != ERROR_SUCCESS) return Report(failure);
-        // The monitors' own configuration interface needs a call that is not there.
-        if (wanted.starts_with(u",Xcv")) return Report(ERROR_UNKNOWN_PORT);
-        if (name != nullptr) {
+        if (wanted.starts_with(u",Xcv")) {
+            opened.isPortMonitor = EqualsWithoutCase(wanted, kPortMonitorName);
+            if (!opened.isPortMonitor) return Report(ERROR_UNKNOWN_PORT);
+        } else if (name != nullptr) {
             opened.key = session.FindPrinter(wanted);
             if (opened.key == 0) return Report(ERROR_INVALID_PRINTER_NAME);
         }
@@ -173,7 +175,7 @@ HANDLE AddPrinterW(LPWSTR server, DWORD level, LPBYTE info) {
     if (!IsEmpty(server)) error = ERROR_INVALID_NAME;
     if (level != 2) error = ERROR_INVALID_LEVEL;
     if (info == nullptr) error = ERROR_INVALID_PARAMETER;
-    OpenPrinter added{0, PRINTER_ALL_ACCESS};
+    OpenPrinter added{0, PRINTER_ALL_ACCESS, false};
     if (error == ERROR_SUCCESS)
         error = AddNewPrinter(*reinterpret_cast<const PRINTER_INFO_2W*>(info), added.key);
     if (error != ERROR_SUCCESS) {

@@ -25,7 +25,7 @@ DWORD SpoolSession::Commit() {
 }
 
 KeyId SpoolSession::Printers() {
-    return root_ != 0 ? registry_.Find(root_, u"Printers") : 0;
+    return FindKey(u"Printers");
 }
 
 KeyId SpoolSession::FindPrinter(std::u16string_view name) {
@@ -34,9 +34,12 @@ KeyId SpoolSession::FindPrinter(std::u16string_view name) {
 }
 
 bool SpoolSession::HasDriver(std::u16string_view name) {
-    if (root_ == 0 || !IsKeyName(name)) return false;
-    const KeyId drivers = registry_.Find(root_, DriversPath(ThisEnvironment().name));
+    const KeyId drivers = IsKeyName(name) ? FindKey(DriversPath(ThisEnvironment().name)) : 0;
     return drivers != 0 && registry_.Find(drivers, name) != 0;
+}
+
+KeyId SpoolSession::FindKey(std::u16string_view path) {
+    return root_ != 0 ? registry_.Find(root_, path) : 0;
 }
 
 KeyId SpoolSession::CreateKey(std::u16string_view path) {

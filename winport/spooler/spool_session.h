@@ -3,6 +3,7 @@
 //   Printers\<name>                                         one printer, see printer_record.h
 //   Printers\<name>\PrinterDriverData                       its data values
 //   Environments\<environment>\Drivers\Version-3\<driver>   one driver
+//   Monitors\Standard TCP/IP Port\Ports\<port>             one network port
 //   value "Stopped" (DWORD), not 0                          the spooler does not run: calls fail with 1722
 #pragma once
 
@@ -30,7 +31,9 @@ class SpoolSession final {
     // 0 for an unknown printer. Names are compared without case.
     [[nodiscard]] KeyId FindPrinter(std::u16string_view name);
     [[nodiscard]] bool HasDriver(std::u16string_view name);
-    // A key below the spooler's own, made when it is missing.
+    // A key below the spooler's own; 0 when there is none.
+    [[nodiscard]] KeyId FindKey(std::u16string_view path);
+    // The same, made when it is missing.
     KeyId CreateKey(std::u16string_view path);
 
   private:
