@@ -58,6 +58,10 @@ typedef struct {
 } PRINTER_INFO_2W;
 
 typedef struct {
+    LPWSTR pName;
+} DRIVER_INFO_1W;
+
+typedef struct {
     DWORD cVersion;
     LPWSTR pName;
     LPWSTR pEnvironment;
@@ -89,6 +93,8 @@ WINPORT_API DWORD DeletePrinterDataW(HANDLE printer, LPWSTR valueName);
 WINPORT_API BOOL GetPrinterDriverDirectoryW(LPWSTR server, LPWSTR environment, DWORD level, LPBYTE buffer,
                                             DWORD size, LPDWORD needed);
 WINPORT_API BOOL AddPrinterDriverExW(LPWSTR server, DWORD level, LPBYTE info, DWORD flags);
+WINPORT_API BOOL EnumPrinterDriversW(LPWSTR server, LPWSTR environment, DWORD level, LPBYTE buffer,
+                                     DWORD size, LPDWORD needed, LPDWORD returned);
 WINPORT_API BOOL EnumPortsW(LPWSTR server, DWORD level, LPBYTE buffer, DWORD size, LPDWORD needed,
                             LPDWORD returned);
 WINPORT_API BOOL XcvDataW(HANDLE monitor, LPCWSTR request, LPBYTE input, DWORD inputSize, LPBYTE output,

@@ -4,12 +4,14 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "winport/files/error_map.h"
 #include "winport/files/home.h"
 #include "winport/files/host_file.h"
 #include "winport/spooler/arguments.h"
 #include "winport/spooler/environment.h"
+#include "winport/spooler/packed_records.h"
 #include "winport/spooler/spool_session.h"
 #include "winport/text/utf.h"
 
@@ -121,4 +123,22 @@ BOOL AddPrinterDriverExW(LPWSTR server, DWORD level, LPBYTE info, DWORD flags) {
     const auto& driver = *reinterpret_cast<const DRIVER_INFO_3W*>(info);
     if (const DWORD refused = CheckDriver(driver); refused != ERROR_SUCCESS) return Report(refused);
     return Report(RecordDriver(driver));
+}
+
+BOOL EnumPrinterDriversW(LPWSTR server, LPWSTR environment, DWORD level, LPBYTE buffer, DWORD size,
+                         LPDWORD needed, LPDWORD returned) {
+    if (needed == nullptr || returned == nullptr) return Report(ERROR_INVALID_PARAMETER);
+    *needed = 0;
+    *returned = 0;
+    if (!IsEmpty(server)) return Report(ERROR_INVALID_NAME);
+    if (level != 1) return Report(ERROR_INVALID_LEVEL);
+    const Environment* wanted = FindEnvironment(environment);
+    if (wanted == nullptr) return Report(ERROR_INVALID_ENVIRONMENT);
+    std::vector<std::u16string> names;
+    {
+        SpoolSession session(Purpose::kRead);
+        names = session.Registry().ChildNames(session.FindKey(DriversPath(wanted->name)));
+        if (const DWORD failure = session.Error(); failure != ERROR_SUCCESS) return Report(failure);
+    }
+    return Report(PackNames<DRIVER_INFO_1W>(names, buffer, size, *needed, *returned));
 }

@@ -48,4 +48,16 @@ DWORD Pack(const std::vector<PackedRecord<Info>>& records, LPBYTE buffer, DWORD 
     return ERROR_SUCCESS;
 }
 
+// A list of names, the records of level 1. Puts the number of records into `returned` when they fit.
+template <typename Info>
+DWORD PackNames(const std::vector<std::u16string>& names, LPBYTE buffer, DWORD size, DWORD& needed,
+                DWORD& returned) {
+    std::vector<PackedRecord<Info>> records;
+    for (const std::u16string& name : names)
+        records.push_back({{}, {{&Info::pName, name}}});
+    const DWORD error = Pack(records, buffer, size, needed);
+    if (error == ERROR_SUCCESS) returned = static_cast<DWORD>(records.size());
+    return error;
+}
+
 }  // namespace winport

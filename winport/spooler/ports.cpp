@@ -5,8 +5,10 @@
 #include <winspool.h>
 
 #include <cstring>
+#include <iterator>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "winport/spooler/arguments.h"
@@ -71,10 +73,6 @@ DWORD AnswerRequest(const OpenPrinter& monitor, std::u16string_view request, con
     return AddPort(input, inputSize);
 }
 
-PackedRecord<PORT_INFO_1W> PortRecord(std::u16string_view name) {
-    return {{}, {{&PORT_INFO_1W::pName, std::u16string(name)}}};
-}
-
 }  // namespace
 
 }  // namespace winport
@@ -87,20 +85,14 @@ BOOL EnumPortsW(LPWSTR server, DWORD level, LPBYTE buffer, DWORD size, LPDWORD n
     *returned = 0;
     if (!IsEmpty(server)) return Report(ERROR_INVALID_NAME);
     if (level != 1) return Report(ERROR_INVALID_LEVEL);
-    std::vector<PackedRecord<PORT_INFO_1W>> records;
-    for (const std::u16string_view name : kLocalPorts)
-        records.push_back(PortRecord(name));
+    std::vector<std::u16string> names(std::begin(kLocalPorts), std::end(kLocalPorts));
     {
         SpoolSession session(Purpose::kRead);
-        if (const KeyId ports = session.FindKey(kPortsPath); ports != 0) {
-            for (const std::u16string& name : session.Registry().ChildNames(ports))
-                records.push_back(PortRecord(name));
-        }
+        for (std::u16string& name : session.Registry().ChildNames(session.FindKey(kPortsPath)))
+            names.push_back(std::move(name));
         if (const DWORD failure = session.Error(); failure != ERROR_SUCCESS) return Report(failure);
     }
-    const DWORD error = Pack(records, buffer, size, *needed);
-    if (error == ERROR_SUCCESS) *returned = static_cast<DWORD>(records.size());
-    return Report(error);
+    return Report(PackNames<PORT_INFO_1W>(names, buffer, size, *needed, *returned));
 }
 
 // The call itself succeeds once the monitor has been asked; what the monitor says is the status.

@@ -1,0 +1,139 @@
+#include "command_line.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+
+#include "refusal.h"
+
+namespace printui {
+
+namespace {
+
+struct ActionRow {
+    std::string_view option;
+    Action action;
+    const char* help;
+};
+
+constexpr ActionRow kActions[] = {
+    {"/ia", Action::kInstallDriver, "install the driver of model /m from the file /f"},
+    {"/if", Action::kInstallPrinter, "install a printer of model /m on port /r, and its driver from /f"},
+    {"/y", Action::kMakeDefault, "make printer /n the default printer"},
+};
+
+struct TextRow {
+    std::string_view option;
+    std::string CommandLine::*member;
+    const char* help;
+};
+
+constexpr TextRow kTexts[] = {
+    {"/f", &CommandLine::infPath, "set-up information (INF) file"},
+    {"/m", &CommandLine::model, "printer model, as the file names it"},
+    {"/r", &CommandLine::port, "port name"},
+    {"/b", &CommandLine::baseName, "name of the new printer (without it: the model)"},
+    {"/n", &CommandLine::printer, "name of an installed printer"},
+};
+
+struct FlagRow {
+    std::string_view option;
+    bool CommandLine::*member;
+    const char* help;
+};
+
+constexpr FlagRow kFlags[] = {
+    {"/u", &CommandLine::keepDriver, "keep the model's driver when it is installed already"},
+    {"/q", &CommandLine::quiet, "no messages"},
+};
+
+struct Need {
+    Action action;
+    std::string CommandLine::*member;
+};
+
+constexpr Need kNeeds[] = {
+    {Action::kInstallDriver, &CommandLine::infPath},  {Action::kInstallDriver, &CommandLine::model},
+    {Action::kInstallPrinter, &CommandLine::infPath}, {Action::kInstallPrinter, &CommandLine::model},
+    {Action::kInstallPrinter, &CommandLine::port},    {Action::kMakeDefault, &CommandLine::printer},
+};
+
+Refusal UsageRefusal(std::string text) {
+    return {std::move(text), "Call it without arguments for the list of options.", 2};
+}
+
+std::string LowerAscii(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; });
+    return text;
+}
+
+template <typename Row, std::size_t kCount>
+const Row* FindRow(const Row (&rows)[kCount], std::string_view option) {
+    const auto found =
+        std::find_if(std::begin(rows), std::end(rows), [&](const Row& row) { return row.option == option; });
+    return found != std::end(rows) ? found : nullptr;
+}
+
+// "printui.dll,PrintUIEntry", with or without the ending, wherever the library lies.
+void CheckEntry(const std::string& word) {
+    std::string entry = LowerAscii(word);
+    entry.erase(0, entry.find_last_of("\\/") + 1);
+    if (entry == "printui.dll,printuientry" || entry == "printui,printuientry") return;
+    throw UsageRefusal(
+        fmt::format("\"{}\" is not known; printui.dll,PrintUIEntry is the one entry there is.", word));
+}
+
+void CheckNeeds(const CommandLine& line) {
+    for (const Need& need : kNeeds) {
+        if (need.action != line.action || !(line.*need.member).empty()) continue;
+        const auto row = std::find_if(std::begin(kTexts), std::end(kTexts),
+                                      [&](const TextRow& text) { return text.member == need.member; });
+        throw UsageRefusal(fmt::format("{} (the {}) is missing.", row->option, row->help));
+    }
+}
+
+}  // namespace
+
+CommandLine ParseCommandLine(const std::vector<std::string>& words, bool& quiet) {
+    quiet =
+        std::any_of(words.begin(), words.end(), [](const auto& word) { return LowerAscii(word) == "/q"; });
+    CheckEntry(words.front());
+    CommandLine line;
+    std::optional<Action> action;
+    for (auto word = words.begin() + 1; word != words.end(); ++word) {
+        const std::string option = LowerAscii(*word);
+        if (const ActionRow* row = FindRow(kActions, option)) {
+            if (action) throw UsageRefusal("more than one of /ia, /if and /y is given.");
+            action = row->action;
+        } else if (const FlagRow* flag = FindRow(kFlags, option)) {
+            line.*flag->member = true;
+        } else if (const TextRow* text = FindRow(kTexts, option)) {
+            if (word + 1 == words.end()) throw UsageRefusal(fmt::format("nothing follows {}.", *word));
+            line.*text->member = *++word;
+        } else {
+            throw UsageRefusal(fmt::format("the option \"{}\" is not known.", *word));
+        }
+    }
+    if (!action) throw UsageRefusal("none of /ia, /if and /y is given.");
+    line.action = *action;
+    CheckNeeds(line);
+    return line;
+}
+
+std::string UsageText() {
+    std::string text = "Usage: rundll32 printui.dll,PrintUIEntry ACTION OPTIONS\n\n";
+    const auto add = [&](const auto& rows, const char* value) {
+        for (const auto& row : rows)
+            text += fmt::format("  {:<10} {}\n", fmt::format("{}{}", row.option, value), row.help);
+    };
+    add(kActions, "");
+    text += '\n';
+    add(kTexts, " TEXT");
+    add(kFlags, "");
+    return text;
+}
+
+}  // namespace printui

@@ -1,0 +1,42 @@
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <exception>
+
+#include "command_line.h"
+#include "printers.h"
+#include "refusal.h"
+
+namespace {
+
+using namespace printui;
+
+void Run(const CommandLine& line) {
+    if (line.action == Action::kMakeDefault) return MakeDefault(line.printer);
+    const Driver driver = FindDriver(InfFile::Read(line.infPath), line.infPath, WideFromUtf8(line.model));
+    if (line.action == Action::kInstallDriver) return AddDriver(driver);
+    CheckPort(line.port);
+    if (!line.keepDriver || !HasDriver(driver.model)) AddDriver(driver);
+    AddPrinter(line.baseName.empty() ? line.model : line.baseName, line.port, driver.model);
+}
+
+}  // namespace
+
+int main(int count, char** values) {
+    bool quiet = false;
+    try {
+        if (count < 2) {
+            fmt::print("{}", UsageText());
+            return 2;
+        }
+        Run(ParseCommandLine({values + 1, values + count}, quiet));
+        return 0;
+    } catch (const Refusal& refusal) {
+        if (!quiet) fmt::print(stderr, "rundll32: {}\n{}\n", refusal.text, refusal.advice);
+        return refusal.exitCode;
+    } catch (const std::exception& fault) {
+        if (!quiet)
+            fmt::print(stderr, "rundll32: {}\nThis is a fault of the program: report it.\n", fault.what());
+        return 1;
+    }
+}
