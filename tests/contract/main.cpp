@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "child.h"
 #include "own_home.h"
 
 int main(int argc, char** argv) {
+    if (const auto exitCode = RunAsChild(argc, argv)) return *exitCode;
     testing::InitGoogleTest(&argc, argv);
     const OwnHome home;
     return RUN_ALL_TESTS();

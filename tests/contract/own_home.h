@@ -9,3 +9,6 @@ class OwnHome final {
     OwnHome(const OwnHome&) = delete;
     OwnHome& operator=(const OwnHome&) = delete;
 };
+
+// Sets a variable of this process's environment, for its run-time and the programs that it starts.
+void SetVariable(const char* name, const char* value);

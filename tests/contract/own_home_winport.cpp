@@ -30,3 +30,7 @@ OwnHome::~OwnHome() {
     std::error_code ignored;
     std::filesystem::remove_all(Folder(), ignored);
 }
+
+void SetVariable(const char* name, const char* value) {
+    ::setenv(name, value, 1);
+}

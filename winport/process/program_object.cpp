@@ -42,6 +42,7 @@ DWORD ExitCodeOf(const ProgramObject& process, int status) {
 void* RunWatcher(void* argument) {
     const std::unique_ptr<Watch> watch(static_cast<Watch*>(argument));
     auto& process = static_cast<ProgramObject&>(*watch->process.Get());
+    auto& thread = static_cast<ProgramObject&>(*watch->thread.Get());
     siginfo_t info = {};
     while (::waitid(P_PID, static_cast<id_t>(process.Id()), &info, WEXITED | WNOWAIT) != 0 &&
            errno == EINTR) {
@@ -51,8 +52,10 @@ void* RunWatcher(void* argument) {
     const bool taken = ::waitpid(process.Id(), &status, WNOHANG) == process.Id();
     // A host that ignores SIGCHLD or waits for all its children has taken the code away.
     const DWORD exitCode = taken ? ExitCodeOf(process, status) : 0;
-    process.Finish(exitCode);
-    static_cast<ProgramObject*>(watch->thread.Get())->Finish(exitCode);
+    process.SetExitCode(exitCode);
+    thread.SetExitCode(exitCode);
+    thread.Signal();
+    process.Signal();
     return nullptr;
 }
 
@@ -86,8 +89,7 @@ bool ProgramObject::Terminate(DWORD exitCode) {
     return ::kill(id_, SIGKILL) == 0;
 }
 
-void ProgramObject::Finish(DWORD exitCode) {
-    exitCode_.store(exitCode, std::memory_order_release);
+void ProgramObject::Signal() {
     SignalPage(page_);
 }
 

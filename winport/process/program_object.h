@@ -20,8 +20,10 @@ class ProgramObject final : public KernelObject {
     // Ends the program; false when it has ended already.
     bool Terminate(DWORD exitCode);
 
-    // The program has ended.
-    void Finish(DWORD exitCode);
+    // The program has ended: first the code of both objects is set, then both are signalled, so that whoever
+    // has waited for one finds the other's code.
+    void SetExitCode(DWORD exitCode) { exitCode_.store(exitCode, std::memory_order_release); }
+    void Signal();
     // The code that `Terminate` was given; STILL_ACTIVE when it was not called.
     [[nodiscard]] DWORD WantedExitCode() const { return wantedExitCode_.load(std::memory_order_acquire); }
 

@@ -1,0 +1,152 @@
+// Programs started, watched and ended, also with the account's own token and environment.
+#include <gtest/gtest.h>
+#include <windows.h>
+// The headers below need the one above.
+#include <userenv.h>
+#include <wtsapi32.h>
+
+#include "handle_support.h"
+#include "own_home.h"
+
+namespace {
+
+constexpr DWORD kLong = 10'000;
+
+WideText OwnCommand(const WideText& arguments) {
+    WCHAR path[1024];
+    GetModuleFileNameW(nullptr, path, 1024);
+    return TEXT("\"") + WideText(path) + TEXT("\" --child ") + arguments;
+}
+
+class Program final {
+  public:
+    // With a token: in the environment that the token's account has of itself.
+    explicit Program(WideText commandLine, HANDLE token = nullptr) {
+        STARTUPINFOW startup = {};
+        startup.cb = sizeof startup;
+        SetLastError(77);
+        if (token == nullptr) {
+            started_ = CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS,
+                                      nullptr, nullptr, &startup, &info_);
+        } else {
+            LPVOID environment = nullptr;
+            EXPECT_TRUE(CreateEnvironmentBlock(&environment, token, FALSE));
+            started_ = CreateProcessAsUserW(token, nullptr, commandLine.data(), nullptr, nullptr, FALSE,
+                                            DETACHED_PROCESS | CREATE_UNICODE_ENVIRONMENT, environment,
+                                            nullptr, &startup, &info_);
+            DestroyEnvironmentBlock(environment);
+        }
+        error_ = GetLastError();
+    }
+    ~Program() {
+        if (info_.hProcess != nullptr) CloseHandle(info_.hProcess);
+        if (info_.hThread != nullptr) CloseHandle(info_.hThread);
+    }
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    [[nodiscard]] bool Started() const { return started_ != FALSE; }
+    [[nodiscard]] DWORD Error() const { return error_; }
+    [[nodiscard]] HANDLE Process() const { return info_.hProcess; }
+    [[nodiscard]] HANDLE Thread() const { return info_.hThread; }
+    [[nodiscard]] DWORD ExitCode() const {
+        DWORD code = 77;
+        DWORD threadCode = 78;
+        EXPECT_TRUE(GetExitCodeProcess(info_.hProcess, &code));
+        EXPECT_TRUE(GetExitCodeThread(info_.hThread, &threadCode));
+        EXPECT_EQ(code, threadCode);
+        return code;
+    }
+    DWORD WaitForExitCode() const {
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(info_.hProcess, kLong));
+        return ExitCode();
+    }
+
+  private:
+    PROCESS_INFORMATION info_ = {};
+    BOOL started_ = FALSE;
+    DWORD error_ = 0;
+};
+
+// A primary token of the calling thread's account, as a service makes one.
+Handle OwnToken() {
+    EXPECT_TRUE(ImpersonateSelf(SecurityImpersonation));
+    HANDLE own = nullptr;
+    EXPECT_TRUE(OpenThreadToken(GetCurrentThread(), TOKEN_ALL_ACCESS, TRUE, &own));
+    EXPECT_TRUE(RevertToSelf());
+    const Handle first(own);
+    HANDLE primary = nullptr;
+    EXPECT_TRUE(
+        DuplicateTokenEx(own, MAXIMUM_ALLOWED, nullptr, SecurityImpersonation, TokenPrimary, &primary));
+    return Handle(primary);
+}
+
+}  // namespace
+
+TEST(Programs, Run_to_their_exit_code_and_can_be_waited_for_among_others) {
+    const WideText name = FreshName();
+    const Handle event = ManualEvent(name);
+    const Program program(OwnCommand(TEXT("wait ") + name));
+    ASSERT_TRUE(program.Started()) << program.Error();
+    EXPECT_EQ(program.ExitCode(), STILL_ACTIVE);
+    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(program.Process(), 50));
+    SetEvent(event.Get());
+    const HANDLE all[] = {program.Process(), event.Get(), program.Thread()};
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForMultipleObjects(3, all, TRUE, kLong));
+    EXPECT_EQ(program.ExitCode(), 3u);
+}
+
+TEST(Programs, Can_be_ended_once_with_a_code) {
+    const Program program(OwnCommand(TEXT("wait ") + FreshName()));
+    EXPECT_TRUE(TerminateProcess(program.Process(), 4711));
+    EXPECT_EQ(program.WaitForExitCode(), 4711u);
+    EXPECT_FALSE(TerminateProcess(program.Process(), 1));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+}
+
+TEST(Programs, What_is_not_there_is_refused_with_2_and_has_no_handles) {
+    for (const WCHAR* line :
+         {TEXT("no_such_program_here --x"), TEXT("\"/no/such folder/x.exe\""), TEXT("")}) {
+        const Program program(line);
+        EXPECT_FALSE(program.Started());
+        EXPECT_EQ(program.Error(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+        EXPECT_EQ(program.Process(), nullptr);
+    }
+    DWORD code = 0;
+    EXPECT_EQ(WaitForInputIdle(nullptr, 10), WAIT_FAILED);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+    SetLastError(0);
+    EXPECT_FALSE(GetExitCodeThread(nullptr, &code));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+}
+
+TEST(Programs, Started_as_the_user_see_the_users_environment_instead_of_the_callers) {
+    SetVariable("KESTREL_CONTRACT_OWN", "1");
+    const WideText ask = OwnCommand(TEXT("has KESTREL_CONTRACT_OWN"));
+    EXPECT_EQ(Program(ask).WaitForExitCode(), 1u);
+    const Handle token = OwnToken();
+    EXPECT_EQ(Program(ask, token.Get()).WaitForExitCode(), 0u);
+    EXPECT_EQ(Program(OwnCommand(TEXT("has PATH")), token.Get()).WaitForExitCode(), 1u);
+    HANDLE console = nullptr;
+    ASSERT_TRUE(WTSQueryUserToken(WTSGetActiveConsoleSessionId(), &console));
+    const Handle closing(console);
+}
+
+TEST(Accounts, A_thread_has_a_token_only_while_it_impersonates) {
+    HANDLE token = nullptr;
+    SetLastError(0);
+    EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_ALL_ACCESS, TRUE, &token));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NO_TOKEN));
+    const Handle own = OwnToken();
+    EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_ALL_ACCESS, TRUE, &token));
+    WCHAR user[260];
+    DWORD size = 260;
+    ASSERT_TRUE(GetUserNameW(user, &size));
+    EXPECT_EQ(size, WideText(user).size() + 1);
+    PROFILEINFOW profile = {};
+    profile.dwSize = sizeof profile;
+    profile.lpUserName = user;
+    EXPECT_TRUE(LoadUserProfileW(own.Get(), &profile));
+    EXPECT_NE(profile.hProfile, nullptr);
+    UnloadUserProfile(own.Get(), profile.hProfile);
+}

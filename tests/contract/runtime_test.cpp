@@ -1,0 +1,89 @@
+// Identifiers and the clock.
+#include <gtest/gtest.h>
+#include <windows.h>
+// The headers below need the one above.
+#include <objbase.h>
+#include <rpc.h>
+#include <time.h>
+
+#include <string>
+
+#include "own_home.h"
+#include "support.h"
+
+namespace {
+
+constexpr __time64_t kNoon = 1'341'144'000;  // 2012-07-01 12:00:00 UTC
+
+std::string FreshGuidText() {
+    GUID guid = {};
+    EXPECT_EQ(CoCreateGuid(&guid), S_OK);
+    RPC_WSTR text = nullptr;
+    EXPECT_EQ(UuidToStringW(&guid, &text), RPC_S_OK);
+    std::string narrow;
+    for (const unsigned short* unit = text; *unit != 0; ++unit)
+        narrow.push_back(static_cast<char>(*unit));
+    EXPECT_EQ(RpcStringFreeW(&text), RPC_S_OK);
+    return narrow;
+}
+
+tm Calendar(int year, int month, int day, int hour) {
+    tm time = {};
+    time.tm_year = year - 1900;
+    time.tm_mon = month - 1;
+    time.tm_mday = day;
+    time.tm_hour = hour;
+    time.tm_isdst = -1;
+    return time;
+}
+
+}  // namespace
+
+TEST(Identifiers, Have_five_groups_of_lower_case_digits_and_differ) {
+    const std::string text = FreshGuidText();
+    ASSERT_EQ(text.size(), 36u);
+    EXPECT_EQ(text.find_first_not_of("0123456789abcdef-"), std::string::npos);
+    for (const std::size_t dash : {8, 13, 18, 23})
+        EXPECT_EQ(text[dash], '-');
+    EXPECT_NE(text, FreshGuidText());
+
+    GUID known = {0x0123ABCD, 0x4567, 0x89EF, {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0xF8}};
+    RPC_WSTR wide = nullptr;
+    ASSERT_EQ(UuidToStringW(&known, &wide), RPC_S_OK);
+    EXPECT_EQ(WideText(reinterpret_cast<const WCHAR*>(wide)), TEXT("0123abcd-4567-89ef-0102-0304050607f8"));
+    RpcStringFreeW(&wide);
+}
+
+TEST(Clock, Calendar_times_without_a_zone_are_seconds_since_1970) {
+    tm noon = Calendar(2012, 7, 1, 12);
+    EXPECT_EQ(_mkgmtime64(&noon), kNoon);
+    tm late = Calendar(2136, 12, 31, 23);
+    EXPECT_EQ(_mkgmtime64(&late), 5'270'050'800);
+    tm early = Calendar(1960, 1, 1, 0);
+    EXPECT_EQ(_mkgmtime64(&early), -1);
+    EXPECT_GT(_time64(nullptr), kNoon);
+}
+
+TEST(Clock, The_zone_moves_local_time_and_says_whether_it_knows_daylight_saving) {
+    const struct {
+        const char* zone;
+        int eastOfUtc;  // seconds on that day
+        bool observes;
+    } rows[] = {{"EST5EDT", -4 * 3600, true},
+                {"CET-1CEST", 2 * 3600, true},
+                {"JST-9", 9 * 3600, false},
+                {"UTC0", 0, false}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.zone);
+        SetVariable("TZ", row.zone);
+        _tzset();
+        EXPECT_EQ(_daylight != 0, row.observes);
+        tm local = {};
+        ASSERT_EQ(_localtime64_s(&local, &kNoon), 0);
+        EXPECT_EQ(local.tm_isdst > 0, row.observes);
+        tm asUtc = local;
+        EXPECT_EQ(_mkgmtime64(&asUtc) - _mktime64(&local), row.eastOfUtc);
+    }
+    SetVariable("TZ", "UTC0");
+    _tzset();
+}

@@ -1,0 +1,107 @@
+// The network port monitor, and what the default printer is without its printer.
+#include <gtest/gtest.h>
+#include <windows.h>
+// The headers below need the one above.
+#include <tcpxcv.h>
+#include <winspool.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "support.h"
+
+namespace {
+
+PORT_DATA_1 Port(const WideText& name) {
+    PORT_DATA_1 port = {};
+    name.copy(port.sztPortName, name.size());
+    port.dwVersion = 1;
+    port.dwProtocol = PROTOCOL_RAWTCP_TYPE;
+    port.cbSize = sizeof port;
+    WideText(TEXT("192.168.0.20")).copy(port.sztHostAddress, 12);
+    port.dwPortNumber = 9100;
+    return port;
+}
+
+HANDLE OpenMonitor(DWORD access) {
+    HANDLE monitor = nullptr;
+    PRINTER_DEFAULTSW defaults = {nullptr, nullptr, access};
+    EXPECT_TRUE(OpenPrinterW(Writable(TEXT(",XcvMonitor Standard TCP/IP Port")), &monitor, &defaults));
+    return monitor;
+}
+
+// The status; the call itself must succeed.
+DWORD Ask(HANDLE monitor, const WCHAR* request, PORT_DATA_1 port, DWORD size = sizeof(PORT_DATA_1)) {
+    DWORD needed = 9;
+    DWORD status = 9999;
+    EXPECT_TRUE(
+        XcvDataW(monitor, request, reinterpret_cast<LPBYTE>(&port), size, nullptr, 0, &needed, &status));
+    EXPECT_EQ(needed, 0u);
+    return status;
+}
+
+std::vector<WideText> PortNames() {
+    BYTE buffer[4096];
+    DWORD needed = 0;
+    DWORD count = 0;
+    EXPECT_TRUE(EnumPortsW(nullptr, 1, buffer, sizeof buffer, &needed, &count));
+    std::vector<WideText> names;
+    for (DWORD i = 0; i < count; ++i)
+        names.emplace_back(reinterpret_cast<const PORT_INFO_1W*>(buffer)[i].pName);
+    return names;
+}
+
+}  // namespace
+
+TEST(Ports, A_network_port_is_added_once_and_kept) {
+    const HANDLE monitor = OpenMonitor(SERVER_ACCESS_ADMINISTER);
+    EXPECT_EQ(Ask(monitor, TEXT("AddPort"), Port(TEXT("ZRIJT_192.168.0.20"))), 0u);
+    EXPECT_EQ(Ask(monitor, TEXT("AddPort"), Port(TEXT("zrijt_192.168.0.20"))), 183u);
+    EXPECT_EQ(PortNames().back(), TEXT("ZRIJT_192.168.0.20"));
+    HKEY key = nullptr;
+    ASSERT_EQ(0,
+              RegOpenKeyW(HKEY_LOCAL_MACHINE,
+                          TEXT("SYSTEM\\CurrentControlSet\\Control\\Print\\Monitors\\Standard TCP/IP Port\\")
+                              TEXT("Ports\\ZRIJT_192.168.0.20"),
+                          &key));
+    DWORD number = 0;
+    DWORD size = sizeof number;
+    EXPECT_EQ(0, RegQueryValueExW(key, TEXT("PortNumber"), nullptr, nullptr,
+                                  reinterpret_cast<LPBYTE>(&number), &size));
+    EXPECT_EQ(number, 9100u);
+    RegCloseKey(key);
+    ClosePrinter(monitor);
+}
+
+TEST(Ports, What_describes_no_port_is_refused_by_the_status) {
+    const HANDLE monitor = OpenMonitor(SERVER_ACCESS_ADMINISTER);
+    const struct {
+        DWORD status;
+        std::function<void(PORT_DATA_1&)> spoil;
+    } rows[] = {
+        {87, [](PORT_DATA_1& port) { port.sztPortName[0] = 0; }},
+        {87, [](PORT_DATA_1& port) { port.sztHostAddress[0] = 0; }},
+        {87, [](PORT_DATA_1& port) { port.dwProtocol = 3; }},
+        {124, [](PORT_DATA_1& port) { port.dwVersion = 2; }},
+        {13, [](PORT_DATA_1& port) { port.cbSize = 963; }},
+        {13, [](PORT_DATA_1& port) { std::fill_n(port.sztPortName, 64, WCHAR('x')); }},
+    };
+    for (const auto& row : rows) {
+        PORT_DATA_1 port = Port(TEXT("Spoiled"));
+        row.spoil(port);
+        EXPECT_EQ(Ask(monitor, TEXT("AddPort"), port), row.status);
+    }
+    EXPECT_EQ(Ask(monitor, TEXT("AddPort"), Port(TEXT("Short")), 963), 13u);
+    EXPECT_EQ(Ask(monitor, TEXT("PaintPort"), Port(TEXT("Unknown"))), 87u);
+    const HANDLE user = OpenMonitor(PRINTER_ACCESS_USE);
+    EXPECT_EQ(Ask(user, TEXT("AddPort"), Port(TEXT("User"))), 5u);
+    ClosePrinter(user);
+    ClosePrinter(monitor);
+    DWORD needed = 0;
+    DWORD status = 0;
+    EXPECT_FALSE(XcvDataW(monitor, TEXT("AddPort"), nullptr, 0, nullptr, 0, &needed, &status));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+    EXPECT_EQ(PortNames().size(), 4u) << "a refused port was kept";
+}

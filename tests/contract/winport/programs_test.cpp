@@ -1,0 +1,116 @@
+// How programs are found, called and left alone.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <windows.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "support.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class FoundPrograms : public testing::Test {
+  protected:
+    void MakeProgram(const WideText& name, const std::string& body, mode_t mode = 0700) {
+        ::chmod(fs::path(folder_.WriteFile(name, body)).c_str(), mode);
+    }
+
+    // The last-error value of the start; 0 once the program has ended well.
+    DWORD Run(WideText commandLine, DWORD flags = DETACHED_PROCESS) {
+        STARTUPINFOW startup = {};
+        PROCESS_INFORMATION info = {};
+        if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, flags, nullptr,
+                            folder_.Path(TEXT(".")).c_str(), &startup, &info))
+            return GetLastError();
+        EXPECT_EQ(WaitForInputIdle(info.hProcess, 0), 0u);
+        EXPECT_EQ(WaitForSingleObject(info.hThread, 10'000), WAIT_OBJECT_0);
+        DWORD code = 77;
+        EXPECT_TRUE(GetExitCodeProcess(info.hProcess, &code));
+        // Nothing is left of it in the process table.
+        EXPECT_EQ(::waitpid(static_cast<pid_t>(info.dwProcessId), nullptr, WNOHANG), -1);
+        EXPECT_EQ(errno, ECHILD);
+        CloseHandle(info.hProcess);
+        CloseHandle(info.hThread);
+        return code;
+    }
+
+    std::string Output() {
+        std::ifstream file(fs::path(folder_.Path(TEXT("out"))));
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    }
+
+    TempFolder folder_;
+};
+
+TEST_F(FoundPrograms, Arguments_arrive_as_the_run_time_of_Windows_takes_them_apart) {
+    MakeProgram(TEXT("show.exe"), "#!/bin/sh\nprintf '[%s]' \"$@\" > out\n");
+    const WideText program = TEXT("\"") + folder_.Path(TEXT("show.exe")) + TEXT("\" ");
+    const struct {
+        const WCHAR* arguments;
+        const char* expected;
+    } rows[] = {
+        {TEXT("\"abc\" d  e"), "[abc][d][e]"},
+        {TEXT("a\\\\\\b d\"e f\"g h"), "[a\\\\\\b][de fg][h]"},
+        {TEXT("a\\\\\\\"b c d"), "[a\\\"b][c][d]"},
+        {TEXT("a\\\\\\\\\"b c\" d e"), "[a\\\\b c][d][e]"},
+        {TEXT("\"\" x"), "[][x]"},
+        {TEXT("/f \"C:\\my drivers\\a.inf\" /m \"ZR IJ\""), "[/f][C:\\my drivers\\a.inf][/m][ZR IJ]"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(Run(program + row.arguments), 0u);
+        EXPECT_EQ(Output(), row.expected);
+    }
+}
+
+TEST_F(FoundPrograms, A_path_with_blanks_needs_no_quotes_and_the_ending_may_be_missing_or_too_much) {
+    folder_.MakeFolder(TEXT("my 3"));
+    MakeProgram(TEXT("my 3/mon itor.exe"), "#!/bin/sh\nprintf '%s' \"$#$1\" > out\n");
+    MakeProgram(TEXT("my 3/plain"), "#!/bin/sh\nprintf plain > out\n");
+    const WideText folder = folder_.Path(TEXT("my 3"));
+    const struct {
+        WideText line;
+        const char* expected;
+    } rows[] = {
+        {folder + TEXT("\\mon itor.exe a"), "1a"},
+        {folder + TEXT("\\mon itor b"), "1b"},
+        {folder + TEXT("/plain.EXE"), "plain"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(Run(row.line), 0u);
+        EXPECT_EQ(Output(), row.expected);
+    }
+}
+
+TEST_F(FoundPrograms, A_detached_one_has_its_own_session_and_no_descriptor_of_its_starter) {
+    MakeProgram(TEXT("probe"),
+                "#!/bin/sh\nls /proc/$$/fd -l | grep -c -e /contract -e pipe > out\n"
+                "[ \"$(cut -d' ' -f6 /proc/$$/stat)\" = $$ ] && echo own >> out\n"
+                "[ \"$(readlink /proc/$$/fd/0)\" = /dev/null ] && echo null >> out\nexit 0\n");
+    int ends[2] = {};
+    ASSERT_EQ(::pipe(ends), 0);
+    EXPECT_EQ(Run(folder_.Path(TEXT("probe"))), 0u);
+    // The one is the script itself, which its shell reads.
+    EXPECT_EQ(Output(), "1\nown\nnull\n");
+    ::close(ends[0]);
+    ::close(ends[1]);
+}
+
+TEST_F(FoundPrograms, What_cannot_be_run_is_refused_at_once) {
+    MakeProgram(TEXT("locked"), "#!/bin/sh\n", 0600);
+    MakeProgram(TEXT("text"), "not a program\n");
+    MakeProgram(TEXT("fine"), "#!/bin/sh\nkill -9 $$\n");
+    EXPECT_EQ(Run(folder_.Path(TEXT("locked"))), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(Run(folder_.Path(TEXT("text"))), static_cast<DWORD>(ERROR_BAD_EXE_FORMAT));
+    EXPECT_EQ(Run(folder_.Path(TEXT("fine")), 0x4), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(Run(folder_.Path(TEXT("fine"))), 128u + 9u);
+}
+
+}  // namespace
