@@ -1,0 +1,11 @@
+# Debian's package googletest has the sources: they are built for Windows here.
+if(NOT TARGET GTest::gtest)
+  set(INSTALL_GTEST OFF)
+  add_subdirectory(/usr/src/googletest "${PROJECT_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL)
+  foreach(library gtest gmock)
+    if(NOT TARGET GTest::${library})
+      add_library(GTest::${library} ALIAS ${library})
+    endif()
+  endforeach()
+endif()
+set(GTest_FOUND TRUE)

@@ -1,0 +1,3 @@
+set(KESTREL_TRIPLET x86_64-w64-mingw32)
+set(CMAKE_SYSTEM_PROCESSOR AMD64)
+include("${CMAKE_CURRENT_LIST_DIR}/toolchain.cmake")
