@@ -44,7 +44,7 @@ inline void OnFreshThread(const std::function<void()>& body) {
 
 class InstalledPrinter : public testing::Test {
   protected:
-    InstalledPrinter() : home_(std::getenv("WINPORT_HOME")) {
+    InstalledPrinter() : home_(std::getenv("KESTREL_TEST_FOLDER")) {
         EXPECT_EQ(0, RunClient({"setup"}).code);
         AddPrinter("P", "USB001");
     }
@@ -53,12 +53,15 @@ class InstalledPrinter : public testing::Test {
         if (printer_.WasStarted()) {
             EXPECT_EQ(0, printer_.Wait()) << "the virtual printer did not end cleanly";
         }
+        for (const std::string& name : added_)
+            EXPECT_EQ(0, RunClient({"printers", "remove", name}).code);
     }
 
-    static void AddPrinter(const std::string& name, const std::string& port, const std::string& extra = "") {
+    void AddPrinter(const std::string& name, const std::string& port, const std::string& extra = "") {
         std::vector<std::string> words = {"printers", "add", name, "--port", port};
         if (!extra.empty()) words.push_back(extra);
         EXPECT_EQ(0, RunClient(words).code);
+        added_.push_back(name);
     }
 
     // `faults`: the rules of a fault script; none starts a printer that does everything right.
@@ -76,5 +79,6 @@ class InstalledPrinter : public testing::Test {
     }
 
     std::filesystem::path home_;
+    std::vector<std::string> added_;
     ChildProcess printer_;
 };

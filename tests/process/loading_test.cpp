@@ -14,10 +14,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A copy of the library named lib<stem>.so, as Windows programs name it.
+// A copy of the library under the name <stem>.dll, by which programs load it.
 WideText CopyAs(const std::string& stem) {
-    const fs::path folder = std::getenv("WINPORT_HOME");
-    fs::copy_file(KESTREL_LIBRARY, folder / ("lib" + stem + ".so"), fs::copy_options::overwrite_existing);
+    const fs::path folder = std::getenv("KESTREL_TEST_FOLDER");
+    const fs::path original = KESTREL_LIBRARY;
+    const std::string prefix = original.extension() == ".so" ? "lib" : "";
+    fs::copy_file(original, folder / (prefix + stem + original.extension().string()),
+                  fs::copy_options::overwrite_existing);
     const std::string name = (folder / (stem + ".dll")).string();
     return WideText(name.begin(), name.end());
 }

@@ -2,6 +2,8 @@
 #include <kestrel/sdk.h>
 #include <windows.h>
 
+#include <nlohmann/json.hpp>
+
 #include "channel_puppet.h"
 #include "installed_printer.h"
 
@@ -80,11 +82,11 @@ TEST_F(Selection, Holds_for_its_own_thread_alone) {
 }
 
 TEST(Configuration, Missing_empty_or_half_written_fails_the_selection) {
-    const std::filesystem::path folder =
-        std::filesystem::path(std::getenv("WINPORT_HOME")) / "state/spool/drivers/x64/3";
-    ASSERT_EQ(0, RunClient({"setup"}).code);
+    const CommandResult setup = RunClient({"setup", "--json"});
+    ASSERT_EQ(0, setup.code);
+    const std::filesystem::path file =
+        nlohmann::json::parse(setup.output).at("result").at("configuration").get<std::string>();
     ASSERT_EQ(0, RunClient({"printers", "add", "P", "--port", "USB001"}).code);
-    const std::filesystem::path file = folder / "ZRIJ9900.INI";
     std::ifstream stream(file);
     const std::string whole((std::istreambuf_iterator<char>(stream)), {});
     ASSERT_GT(whole.size(), 100u);
@@ -96,6 +98,7 @@ TEST(Configuration, Missing_empty_or_half_written_fails_the_selection) {
     }
     std::filesystem::remove(file);
     EXPECT_EQ(70, RunClient({"-p", "P", "get", "fax.redials"}).code);
+    EXPECT_EQ(0, RunClient({"printers", "remove", "P"}).code);
 }
 
 class Exchange : public InstalledPrinter {

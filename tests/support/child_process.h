@@ -2,12 +2,12 @@
 #pragma once
 
 #include <chrono>
+#include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
-using Environment = std::vector<std::pair<std::string, std::string>>;
+#include "running_program.h"
 
 class ChildProcess final {
   public:
@@ -18,9 +18,9 @@ class ChildProcess final {
     ChildProcess& operator=(ChildProcess&& other) noexcept;
     ~ChildProcess();
 
-    [[nodiscard]] bool WasStarted() const { return id_ >= 0; }
+    [[nodiscard]] bool WasStarted() const { return program_ != nullptr; }
     [[nodiscard]] bool IsRunning();
-    [[nodiscard]] unsigned Id() const;
+    [[nodiscard]] unsigned Id() const { return program_->Id(); }
 
     void WriteLine(const std::string& line);
     // One line without its end; nothing when the time is over or the child has closed its output.
@@ -36,13 +36,7 @@ class ChildProcess final {
     int Wait(std::chrono::milliseconds patience = std::chrono::seconds(10));
 
   private:
-    int id_ = -1;
-    int input_ = -1;
-    int output_ = -1;
+    std::unique_ptr<RunningProgram> program_;
     std::string pending_;
     std::optional<int> exitCode_;
-
-    bool FillPending(std::chrono::milliseconds patience);
-    void Reap(int status);
-    void CloseAll();
 };
