@@ -85,7 +85,7 @@ TEST(Configuration, Missing_empty_or_half_written_fails_the_selection) {
     const CommandResult setup = RunClient({"setup", "--json"});
     ASSERT_EQ(0, setup.code);
     const std::filesystem::path file =
-        nlohmann::json::parse(setup.output).at("result").at("configuration").get<std::string>();
+        nlohmann::json::parse(setup.output).at("configuration").get<std::string>();
     ASSERT_EQ(0, RunClient({"printers", "add", "P", "--port", "USB001"}).code);
     std::ifstream stream(file);
     const std::string whole((std::istreambuf_iterator<char>(stream)), {});
