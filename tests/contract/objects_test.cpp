@@ -106,16 +106,6 @@ TEST(Objects, An_object_dies_with_its_last_handle) {
     }
 }
 
-TEST(Objects, An_event_made_anew_is_not_signalled) {
-    const WideText name = FreshName();
-    {
-        const Handle event = ManualEvent(name);
-        SetEvent(event.Get());
-    }
-    const Handle anew = ManualEvent(name);
-    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(anew.Get(), 0));
-}
-
 TEST(Objects, A_closed_or_foreign_handle_is_refused_with_6) {
     const Handle event = AutoEvent();
     const Handle mutex = Mutex();

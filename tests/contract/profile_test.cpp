@@ -114,16 +114,6 @@ TEST(Profile, Values_lose_their_blanks_and_one_pair_of_quotes) {
         EXPECT_EQ(Value(path, TEXT("PRINTERS"), row.key), row.value);
 }
 
-TEST(Profile, A_missing_key_gives_the_default) {
-    const TempFolder folder;
-    const WideText path = folder.WriteFile(TEXT("p.ini"), kFile);
-    WCHAR buffer[8];
-    EXPECT_EQ(
-        GetPrivateProfileStringW(TEXT("Printers"), TEXT("absent"), TEXT("other"), buffer, 8, path.c_str()),
-        5u);
-    EXPECT_EQ(WideText(buffer), TEXT("other"));
-}
-
 TEST(Profile, Every_line_ending_and_byte_order_mark_is_read) {
     const TempFolder folder;
     const auto wide = [](const std::string& text, bool bigEndian) {
@@ -185,14 +175,6 @@ TEST(Profile, A_file_that_cannot_be_read_gives_nothing_and_the_reason) {
         EXPECT_EQ(GetLastError(), row.error);
         EXPECT_EQ(Value(row.path, TEXT("S"), TEXT("k")), WideText());
     }
-}
-
-TEST(Profile, A_changed_file_is_read_anew) {
-    const TempFolder folder;
-    const WideText path = folder.WriteFile(TEXT("p.ini"), "[S]\nk=1\n");
-    EXPECT_EQ(Value(path, TEXT("S"), TEXT("k")), TEXT("1"));
-    folder.WriteFile(TEXT("p.ini"), "[S]\nk=2\n");
-    EXPECT_EQ(Value(path, TEXT("S"), TEXT("k")), TEXT("2"));
 }
 
 TEST(Profile, Numbers_are_read_as_far_as_they_go) {

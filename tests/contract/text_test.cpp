@@ -127,13 +127,6 @@ TEST(Text, Refused_arguments_leave_their_error) {
     }
 }
 
-TEST(Text, Success_leaves_the_last_error_alone) {
-    char narrow[8] = {};
-    SetLastError(77);
-    WideCharToMultiByte(CP_ACP, 0, TEXT("abc"), -1, narrow, 8, nullptr, nullptr);
-    EXPECT_EQ(GetLastError(), 77u);
-}
-
 // Each of the following groups runs in a process of its own that was started in that page.
 
 TEST(Code_page_932, Characters_take_one_or_two_bytes) {

@@ -21,14 +21,6 @@ void RunOnThread(const std::function<void()>& body) {
     std::thread(body).join();
 }
 
-TEST(Events, An_auto_reset_event_lets_one_wait_through) {
-    const Handle event = AutoEvent();
-    EXPECT_TRUE(SetEvent(event.Get()));
-    EXPECT_TRUE(SetEvent(event.Get()));
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event.Get(), 0));
-    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(event.Get(), 0));
-}
-
 TEST(Events, A_manual_reset_event_stays_until_it_is_reset) {
     const Handle event = ManualEvent();
     SetEvent(event.Get());
@@ -113,17 +105,6 @@ TEST(Mutexes, Levels_are_counted_and_only_the_owner_releases) {
     EXPECT_TRUE(ReleaseMutex(mutex.Get()));
     EXPECT_FALSE(ReleaseMutex(mutex.Get()));
     EXPECT_EQ(288u, GetLastError());
-}
-
-TEST(Mutexes, Two_handles_to_one_name_are_one_mutex) {
-    const WideText name = FreshName();
-    const Handle first = Mutex(name);
-    const Handle second = Mutex(name);
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(first.Get(), 0));
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(second.Get(), 0));
-    EXPECT_TRUE(ReleaseMutex(second.Get()));
-    EXPECT_TRUE(ReleaseMutex(first.Get()));
-    EXPECT_FALSE(ReleaseMutex(first.Get()));
 }
 
 TEST(Mutexes, The_creator_that_asks_owns_a_new_mutex_but_not_an_existing_one) {

@@ -1,0 +1,190 @@
+// Installing drivers and printers from set-up information files: by the library, as a set-up program does it,
+// and by the tool itself.
+#include <gtest/gtest.h>
+#include <kestrel/sdk.h>
+#include <windows.h>
+// The headers below need the one above.
+#include <winspool.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "child_process.h"
+#include "kwt/wide_text.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kInf[] = R"(; Printers of two machine kinds
+[Version]
+Signature   = "$Windows NT$"
+Class       = Printer
+Provider    = %Maker%
+
+[Manufacturer]
+%Maker% = Models, NTx86, NTamd64
+
+[Models.NTx86]
+"Model 32" = Model_32, USBPRINT\Model32
+
+[Models.NTamd64]
+%Nine% = Model_9900, \
+         USBPRINT\Model9900      ; continued
+
+[Model_9900]
+CopyFiles   = @DRV.DLL
+DataSection = Shared
+DriverFile  = "DRV.DLL"
+
+[shared]
+DataFile        = DRV.INI
+LanguageMonitor = %Monitor%
+
+[Model_32]
+CopyFiles = @OLD.DLL
+
+[Strings]
+Maker   = "ZR"
+Nine    = "ZR ""Nine"" 9900"
+Monitor = "ZR Monitor,MON.DLL"
+)";
+
+std::string Utf16(const std::string& text) {
+    std::string bytes = "\xFF\xFE";
+    for (const char c : text)
+        bytes.append({c, '\0'});
+    return bytes;
+}
+
+WideText Wide(const std::string& text) {
+    return WideText(text.begin(), text.end());
+}
+
+class InstallTool : public testing::Test {
+  protected:
+    std::string Write(const std::string& name, const std::string& bytes) const {
+        const fs::path path = fs::path(std::getenv("WINPORT_HOME")) / name;
+        std::ofstream(path, std::ios::binary) << bytes;
+        return path.string();
+    }
+
+    struct Result {
+        int code;
+        std::string output;
+    };
+    static Result Run(std::vector<std::string> words) {
+        words.insert(words.begin(), {"/bin/sh", "-c", "exec \"$0\" \"$@\" 2>&1", INSTALL_TOOL});
+        ChildProcess tool(words);
+        Result result{0, tool.ReadAll()};
+        result.code = tool.Wait();
+        return result;
+    }
+    static Result RunEntry(std::vector<std::string> words) {
+        words.insert(words.begin(), "printui.dll,PrintUIEntry");
+        return Run(words);
+    }
+
+    // A text of the spooler's record of a driver; "-" without driver or text.
+    static WideText DriverText(const WideText& model, const WCHAR* value) {
+        const WideText drivers =
+            TEXT("SYSTEM\\CurrentControlSet\\Control\\Print\\Environments\\Linux x64\\Drivers\\Version-3\\");
+        HKEY key = nullptr;
+        if (RegOpenKeyW(HKEY_LOCAL_MACHINE, (drivers + model).c_str(), &key) != 0) return TEXT("-");
+        WCHAR text[64] = TEXT("-");
+        DWORD size = sizeof(text);
+        RegQueryValueExW(key, value, nullptr, nullptr, reinterpret_cast<LPBYTE>(text), &size);
+        RegCloseKey(key);
+        return text;
+    }
+    static WideText PortOf(const WCHAR* printer) {
+        HANDLE handle = nullptr;
+        if (!OpenPrinterW(const_cast<LPWSTR>(printer), &handle, nullptr)) return TEXT("-");
+        alignas(PRINTER_INFO_2W) BYTE record[4096];
+        DWORD needed = 0;
+        EXPECT_TRUE(GetPrinterW(handle, 2, record, sizeof(record), &needed));
+        ClosePrinter(handle);
+        return reinterpret_cast<const PRINTER_INFO_2W*>(record)->pPortName;
+    }
+};
+
+TEST_F(InstallTool, The_library_makes_a_network_port_and_a_default_printer_on_it) {
+    const WideText inf = Wide(Write("with blank.inf", kInf));
+    kestrel_char port[64] = {};
+    ASSERT_TRUE(AddNetPort(TEXT("192.168.0.20"), 9100, port));
+    EXPECT_EQ(WideText(port), TEXT("ZRIJT_192.168.0.20"));
+    EXPECT_TRUE(AddDriverInstance(TEXT("Office"), inf.c_str(), TEXT("Model 32"), port, true));
+    EXPECT_EQ(PortOf(TEXT("Office")), TEXT("ZRIJT_192.168.0.20"));
+    WCHAR chosen[16] = {};
+    DWORD size = 16;
+    EXPECT_TRUE(GetDefaultPrinterW(chosen, &size));
+    EXPECT_EQ(WideText(chosen), TEXT("Office"));
+}
+
+TEST_F(InstallTool, A_driver_is_taken_from_every_encoding_and_from_shared_sections) {
+    const WideText nine = TEXT("ZR \"Nine\" 9900");
+    for (const std::string& bytes : {std::string(kInf), Utf16(kInf), "\xEF\xBB\xBF" + std::string(kInf)}) {
+        const std::string inf = Write("a.inf", bytes);
+        EXPECT_EQ(RunEntry({"/ia", "/f", inf, "/m", "zr \"nine\" 9900"}).code, 0);
+        EXPECT_EQ(DriverText(nine, TEXT("Driver")), TEXT("DRV.DLL"));
+        EXPECT_EQ(DriverText(nine, TEXT("Data File")), TEXT("DRV.INI"));
+        EXPECT_EQ(DriverText(nine, TEXT("Configuration File")), TEXT("DRV.DLL"));
+        EXPECT_EQ(DriverText(nine, TEXT("Monitor")), TEXT("ZR Monitor"));
+        HKEY drivers = nullptr;
+        RegOpenKeyW(HKEY_LOCAL_MACHINE, TEXT("SYSTEM\\CurrentControlSet\\Control\\Print"), &drivers);
+        EXPECT_EQ(RegDeleteTreeW(drivers, TEXT("Environments")), 0);
+        RegCloseKey(drivers);
+    }
+}
+
+TEST_F(InstallTool, An_installed_driver_is_kept_when_asked_and_else_replaced) {
+    const std::string inf = Write("a.inf", kInf);
+    EXPECT_EQ(RunEntry({"/ia", "/f", inf, "/m", "Model 32"}).code, 0);
+    EXPECT_EQ(DriverText(TEXT("Model 32"), TEXT("Driver")), TEXT("Model_32"));
+    Write("a.inf", std::string(kInf) + "[Model_32]\nDriverFile=NEW.DLL\n");
+    EXPECT_EQ(RunEntry({"/if", "/u", "/f", inf, "/m", "Model 32", "/r", "USB001", "/b", "One"}).code, 0);
+    EXPECT_EQ(DriverText(TEXT("Model 32"), TEXT("Driver")), TEXT("Model_32"));
+    EXPECT_EQ(RunEntry({"/if", "/f", inf, "/m", "Model 32", "/r", "LPT1:"}).code, 0);
+    EXPECT_EQ(DriverText(TEXT("Model 32"), TEXT("Driver")), TEXT("NEW.DLL"));
+    EXPECT_EQ(PortOf(TEXT("One")), TEXT("USB001"));
+    EXPECT_EQ(PortOf(TEXT("Model 32")), TEXT("LPT1:"));
+}
+
+TEST_F(InstallTool, Refusals_say_what_happened_and_change_nothing) {
+    const std::string inf = Write("a.inf", kInf);
+    const std::string home = std::getenv("WINPORT_HOME");
+    const std::string other = Write("fax.inf", "[Version]\nSignature=$Chicago$\nClass=Fax\n");
+    const struct {
+        std::vector<std::string> words;
+        int code;
+        const char* text;
+    } rows[] = {
+        {{"/ia", "/f", home + "/none.inf", "/m", "Model 32"}, 1, "no such file"},
+        {{"/ia", "/f", home, "/m", "Model 32"}, 1, "folder"},
+        {{"/ia", "/f", INSTALL_TOOL, "/m", "Model 32"}, 1, "not a text"},
+        {{"/ia", "/f", Write("s.inf", "[S]\na=b\n"), "/m", "Model 32"}, 1, "no set-up information file"},
+        {{"/ia", "/f", other, "/m", "Model 32"}, 1, "not about printers"},
+        {{"/ia", "/f", inf, "/m", "Model 33"}, 1, "\"Model 32\""},
+        {{"/if", "/f", inf, "/m", "Model 32", "/r", "IP_10.0.0.1", "/b", "New"}, 1, "no port"},
+        {{"/y", "/n", "Nobody"}, 1, "no printer"},
+        {{"/q", "/y", "/n", "Nobody"}, 1, ""},
+        {{"/ia", "/f", inf}, 2, "/m"},
+        {{"/ia", "/xyz"}, 2, "/xyz"},
+        {{"/ia", "/if"}, 2, "more than one"},
+        {{"/f", inf}, 2, "none of"},
+    };
+    for (const auto& row : rows) {
+        const Result result = RunEntry(row.words);
+        EXPECT_EQ(result.code, row.code) << row.words.back();
+        EXPECT_NE(result.output.find(row.text), std::string::npos) << result.output;
+        EXPECT_EQ(result.output.empty(), *row.text == '\0') << result.output;
+    }
+    EXPECT_EQ(Run({"shell32.dll,Control_RunDLL"}).code, 2);
+    EXPECT_EQ(DriverText(TEXT("Model 32"), TEXT("Driver")), TEXT("-"));
+    EXPECT_EQ(PortOf(TEXT("New")), TEXT("-"));
+}
+
+}  // namespace
