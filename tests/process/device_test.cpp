@@ -3,6 +3,8 @@
 #include <kestrel/sdk.h>
 #include <windows.h>
 
+#include <nlohmann/json.hpp>
+
 #include <array>
 #include <cstdlib>
 #include <cstring>
@@ -290,6 +292,58 @@ TEST_F(Device, The_clock_of_this_computer_reaches_the_printer_with_its_zone_and_
         EXPECT_TRUE(GetCurrentTimeRTC(out.records, kLong));
         EXPECT_EQ(WideText(28, TEXT('F')), Text(out.records));
     });
+}
+
+class Identity : public Device {
+  protected:
+    static constexpr const char* kRequest = "DeviceSettings.System.RTCTime=";
+
+    // The identity that is sent with the clock.
+    std::string Sent16() {
+        EXPECT_TRUE(SetCurrentTimeRTC(kLong)) << GetLastError();
+        const Requests sent = Sent();
+        return sent.empty() ? std::string() : sent.back().substr(std::strlen(kRequest), 16);
+    }
+    // What the configuration says of the place where it is kept.
+    void KeepIdentityAt(const std::string& place) {
+        const CommandResult setup = RunClient({"setup", "--json"});
+        const std::string file = nlohmann::json::parse(setup.output).at("configuration").get<std::string>();
+        std::ifstream stream(file, std::ios::binary);
+        std::string text((std::istreambuf_iterator<char>(stream)), {});
+        const size_t section = text.find("[Host ID]");
+        const size_t begin = text.find("RegDir", section);
+        ASSERT_NE(std::string::npos, begin);
+        text.replace(begin, text.find('\n', begin) - begin, "RegDir=" + place);
+        std::ofstream(file, std::ios::binary) << text;
+    }
+};
+
+TEST_F(Identity, One_of_another_form_is_replaced_and_then_kept_in_little_endian_order) {
+    KeepIdentityAt(".DEFAULT\\Software\\Kestrel Tests");
+    HKEY key = nullptr;
+    ASSERT_EQ(0, RegCreateKeyExW(HKEY_USERS, TEXT(".DEFAULT\\Software\\Kestrel Tests"), 0, nullptr, 0, KEY_ALL_ACCESS,
+                                 nullptr, &key, nullptr));
+    struct Stored {
+        DWORD type;
+        DWORD size;
+        bool kept;
+    };
+    const BYTE bytes[] = {1, 2, 3, 4, 5, 6, 7, 0xAB, 9};
+    WithPrinter([&] {
+        for (const Stored row : {Stored{REG_BINARY, 8, true}, Stored{REG_BINARY, 4, false},
+                                 Stored{REG_BINARY, 9, false}, Stored{REG_SZ, 8, false}}) {
+            RegSetValueExW(key, TEXT("HostID"), 0, row.type, bytes, row.size);
+            const std::string sent = Sent16();
+            EXPECT_EQ(row.kept, sent == "AB07060504030201") << row.size;
+            EXPECT_EQ(sent, Sent16());
+        }
+    });
+    RegCloseKey(key);
+}
+
+TEST_F(Identity, One_that_cannot_be_kept_is_another_at_each_call) {
+    KeepIdentityAt("\\Not a key");
+    WithPrinter([&] { EXPECT_NE(Sent16(), Sent16()); });
 }
 
 TEST_F(Device, Firmware_versions_come_within_one_time_out) {
