@@ -21,23 +21,33 @@ void DeclareGlobalOptions(CLI::App& app, GlobalOptions& options) {
     app.add_option("--product", options.product, "Prefix of the product's file names")
         ->capture_default_str()
         ->type_name("PREFIX");
-    app.add_option_function<std::string>(
-           "--timeout",
-           [&options](const std::string& written) {
-               const auto milliseconds = ParseDuration(written);
-               if (!milliseconds) {
-                   throw CLI::ValidationError("--timeout",
-                                              "\"" + written + "\" is no time; write 500ms, 5s or 2m");
-               }
-               options.timeoutMs = *milliseconds;
-           },
-           "Time for each exchange with the printer: 500ms, 5s, 2m [5s]")
-        ->type_name("TIME");
+    AddTimeOption(
+        app, "--timeout",
+        [&options](std::chrono::milliseconds time) {
+            options.timeoutMs = static_cast<std::uint32_t>(time.count());
+        },
+        "Time for each exchange with the printer: 500ms, 5s, 2m [5s]");
     app.add_flag("--json", options.json, "One JSON document on standard output, errors inside");
     app.add_flag("--no-color", options.noColour, "No colours, also on a terminal");
 }
 
 }  // namespace
+
+CLI::Option* AddTimeOption(CLI::App& app, const std::string& name,
+                           std::function<void(std::chrono::milliseconds)> take, const std::string& help) {
+    return app
+        .add_option_function<std::string>(
+            name,
+            [name, take](const std::string& written) {
+                const auto milliseconds = ParseDuration(written);
+                if (!milliseconds) {
+                    throw CLI::ValidationError(name, "\"" + written + "\" is no time; write 500ms, 5s or 2m");
+                }
+                take(std::chrono::milliseconds(*milliseconds));
+            },
+            help)
+        ->type_name("TIME");
+}
 
 const Library& Context::GetLibrary() {
     if (!library_) library_ = std::make_unique<Library>(options_.product);
@@ -62,8 +72,9 @@ void DeclareCommandLine(CLI::App& app, GlobalOptions& options, Chosen& chosen) {
     app.fallthrough();
     DeclareGlobalOptions(app, options);
 
-    constexpr std::array kCommands = {AddSetup, AddPrinters,    AddGet,     AddSet,     AddList,
-                                      AddRaw,   AddMaintenance, AddVersion, AddComplete};
+    constexpr std::array kCommands = {AddSetup, AddPrinters,    AddGet,     AddSet,    AddList,
+                                      AddRaw,   AddMaintenance, AddLock,    AddUnlock, AddCancel,
+                                      AddCache, AddVersion,     AddComplete};
     for (const auto add : kCommands)
         add(app, chosen);
 }

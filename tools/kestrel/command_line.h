@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -44,6 +45,10 @@ struct Chosen final {
     std::string name;
     std::function<Report(Context&)> work;
 };
+
+// An option whose value is a time: 500ms, 5s, 2m.
+CLI::Option* AddTimeOption(CLI::App& app, const std::string& name,
+                           std::function<void(std::chrono::milliseconds)> take, const std::string& help);
 
 // Declares the global options and every command.
 void DeclareCommandLine(CLI::App& app, GlobalOptions& options, Chosen& chosen);

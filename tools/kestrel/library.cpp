@@ -66,4 +66,15 @@ Failure FailureOfLastCall(const Library& library, const std::string& attempt, Ex
     return failure;
 }
 
+Failure FailureOfLastCall(const Library& library, const Attempt& attempt) {
+    if (GetLastError() != ERROR_SUCCESS) return FailureOfLastCall(library, attempt.text, attempt.direction);
+    const CodelessFailure& codeless = attempt.codeless;
+    return {codeless.exit,
+            fmt::format("{}: {}", attempt.text, codeless.text),
+            codeless.advice,
+            {},
+            {},
+            library.Find<decltype(GetLastResponseNum)>("GetLastResponseNum")()};
+}
+
 }  // namespace cli

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +20,13 @@ enum class Stream { kOut, kError };
 // program at once with `exitStatus`, also in the middle of an exchange. To be called before other threads
 // run.
 void EndOnInterrupt(std::string outText, std::string errorText, int exitStatus);
+
+// How a wait for the user ended. kEnter stands for the end of standard input as well.
+enum class WaitEnd { kTime, kEnter, kInterrupt };
+
+// Waits for an interrupt, and for the time if one is given, else for a line of standard input. An interrupt
+// does not end the program here.
+[[nodiscard]] WaitEnd WaitForUser(std::optional<std::chrono::milliseconds> time);
 
 // Ends the program at once: no library is unloaded, nothing is cleaned up, only what has been flushed is
 // written.

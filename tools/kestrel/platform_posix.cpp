@@ -1,5 +1,6 @@
 #include "platform.h"
 
+#include <poll.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -33,6 +34,34 @@ void OnInterrupt(int) {
     _exit(lastWords->exitStatus);
 }
 
+// Lets an interrupt end a wait and nothing else, as long as it lives. The signal is blocked outside the wait
+// itself, so that none is missed between the look at it and the wait.
+class InterruptEndsWait final {
+  public:
+    InterruptEndsWait() {
+        sigset_t interrupt;
+        sigemptyset(&interrupt);
+        sigaddset(&interrupt, SIGINT);
+        sigprocmask(SIG_BLOCK, &interrupt, &maskBefore_);
+        struct sigaction ignoring {};
+        ignoring.sa_handler = [](int) {};
+        sigemptyset(&ignoring.sa_mask);
+        sigaction(SIGINT, &ignoring, &actionBefore_);
+    }
+    ~InterruptEndsWait() {
+        sigaction(SIGINT, &actionBefore_, nullptr);
+        sigprocmask(SIG_SETMASK, &maskBefore_, nullptr);
+    }
+    InterruptEndsWait(const InterruptEndsWait&) = delete;
+    InterruptEndsWait& operator=(const InterruptEndsWait&) = delete;
+
+    [[nodiscard]] const sigset_t* MaskOfWait() const { return &maskBefore_; }
+
+  private:
+    sigset_t maskBefore_{};
+    struct sigaction actionBefore_ {};
+};
+
 }  // namespace
 
 std::vector<std::string> Arguments(int count, char** values) {
@@ -50,6 +79,20 @@ void EndOnInterrupt(std::string outText, std::string errorText, int exitStatus) 
     action.sa_handler = OnInterrupt;
     sigemptyset(&action.sa_mask);
     sigaction(SIGINT, &action, nullptr);
+}
+
+WaitEnd WaitForUser(std::optional<std::chrono::milliseconds> time) {
+    const InterruptEndsWait interruptEndsWait;
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    timespec limit{};
+    if (time) {
+        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(*time);
+        limit.tv_sec = seconds.count();
+        limit.tv_nsec = std::chrono::nanoseconds(*time - seconds).count();
+    }
+    const int ready = ppoll(&input, time ? 0 : 1, time ? &limit : nullptr, interruptEndsWait.MaskOfWait());
+    if (ready < 0) return WaitEnd::kInterrupt;
+    return ready > 0 ? WaitEnd::kEnter : WaitEnd::kTime;
 }
 
 void EndWithoutUnloading(int exitStatus) {

@@ -13,6 +13,10 @@ void AddSet(CLI::App& app, Chosen& chosen);
 void AddList(CLI::App& app, Chosen& chosen);
 void AddRaw(CLI::App& app, Chosen& chosen);
 void AddMaintenance(CLI::App& app, Chosen& chosen);
+void AddLock(CLI::App& app, Chosen& chosen);
+void AddUnlock(CLI::App& app, Chosen& chosen);
+void AddCancel(CLI::App& app, Chosen& chosen);
+void AddCache(CLI::App& app, Chosen& chosen);
 void AddVersion(CLI::App& app, Chosen& chosen);
 void AddComplete(CLI::App& app, Chosen& chosen);
 

@@ -49,22 +49,12 @@ bool Start(const Library& library, const Action& action) {
     return library.Find<kestrel_bool(kestrel_bool)>(action.function)(argument) != 0;
 }
 
-// A device that answers with another number than the expected one leaves no error code.
-Failure Refused(const Library& library, const Action& action) {
-    const std::string attempt = fmt::format("cannot {}", action.meaning);
-    if (GetLastError() != ERROR_SUCCESS) return FailureOfLastCall(library, attempt, Exchange::kWrite);
-    return {ExitCode::kDeviceRefused,
-            attempt + ": the device refused the action",
-            "look at the printer's display, remedy what it shows and try again",
-            {},
-            {},
-            library.Find<decltype(GetLastResponseNum)>("GetLastResponseNum")()};
-}
-
 Report Maintain(Context& context, const std::string& name) {
     const Action& action = FindAction(name);
     const Library& library = context.GetPrinter().GetLibrary();
-    if (!Start(library, action)) throw Refused(library, action);
+    if (!Start(library, action)) {
+        throw FailureOfLastCall(library, Attempt{fmt::format("cannot {}", action.meaning)});
+    }
     return {fmt::format("{}: done\n", action.name), {{"action", action.name}}, {}};
 }
 

@@ -1,0 +1,110 @@
+#include <fmt/format.h>
+
+#include <cstdio>
+
+#include "../platform.h"
+#include "commands.h"
+
+namespace cli {
+namespace {
+
+constexpr CodelessFailure kNotComplied = {
+    ExitCode::kDeviceRefused, "the language monitor did not comply",
+    "the response number gives its reason; a language monitor without a cache has nothing to switch"};
+
+struct EndWord {
+    platform::WaitEnd end;
+    const char* word;
+};
+constexpr EndWord kEndWords[] = {{platform::WaitEnd::kTime, "time"},
+                                 {platform::WaitEnd::kEnter, "enter"},
+                                 {platform::WaitEnd::kInterrupt, "interrupt"}};
+
+const char* WordOf(platform::WaitEnd end) {
+    for (const EndWord& row : kEndWords) {
+        if (row.end == end) return row.word;
+    }
+    return "";
+}
+
+void GiveBack(const Library& library, std::uint32_t timeoutMs) {
+    Demand<decltype(Unlock)>(library, "Unlock", {"cannot unlock the printer"}, timeoutMs);
+}
+
+// The lock is this process's: it lasts as long as the process waits here.
+Report HoldLock(Context& context, std::optional<std::chrono::milliseconds> time) {
+    const Library& library = context.GetPrinter().GetLibrary();
+    const std::uint32_t timeoutMs = context.Options().timeoutMs;
+    Demand<decltype(Lock)>(library, "Lock", {"cannot lock the printer"}, timeoutMs);
+    if (!context.Options().json) {
+        fmt::print(stderr, "locked; {}\n",
+                   time ? "Ctrl-C unlocks before the time is over" : "Enter or Ctrl-C unlocks");
+    }
+    const platform::WaitEnd end = platform::WaitForUser(time);
+    GiveBack(library, timeoutMs);
+    return {"unlocked\n", {{"endedBy", WordOf(end)}}, {}};
+}
+
+Report UnlockPrinter(Context& context) {
+    GiveBack(context.GetPrinter().GetLibrary(), context.Options().timeoutMs);
+    return {"unlocked\n", nlohmann::ordered_json::object(), {}};
+}
+
+Report CancelWork(Context& context) {
+    Demand<decltype(Cancel)>(context.GetPrinter().GetLibrary(), "Cancel",
+                             {"cannot cancel what the language monitor is doing"});
+    return {"cancelled\n", nlohmann::ordered_json::object(), {}};
+}
+
+Report SwitchCache(Context& context, bool on) {
+    const char* const word = on ? "on" : "off";
+    Demand<decltype(EnableCache)>(
+        context.GetPrinter().GetLibrary(), "EnableCache",
+        {fmt::format("cannot switch the cache {}", word), Exchange::kWrite, kNotComplied},
+        static_cast<kestrel_bool>(on));
+    return {fmt::format("cache {}\n", word), {{"cache", on}}, {}};
+}
+
+}  // namespace
+
+void AddLock(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command = app.add_subcommand("lock", "Keep the printer for oneself for a while");
+    const auto time = std::make_shared<std::optional<std::chrono::milliseconds>>();
+    AddTimeOption(
+        *command, "--hold", [time](std::chrono::milliseconds written) { *time = written; },
+        "How long: 30s, 2m [until Enter or Ctrl-C]");
+    command->footer(
+        "The lock belongs to this process and ends with it.\n\n"
+        "Example: kestrel lock --hold 30s");
+    command->callback([&chosen, time] {
+        chosen = {"lock", [time](Context& context) { return HoldLock(context, *time); }};
+    });
+}
+
+void AddUnlock(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command = app.add_subcommand("unlock", "Give the printer back");
+    command->footer(
+        "Asks once a second until the printer confirms it or the time is over.\n\n"
+        "Example: kestrel --timeout 10s unlock");
+    command->callback([&chosen] { chosen = {"unlock", UnlockPrinter}; });
+}
+
+void AddCancel(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command =
+        app.add_subcommand("cancel", "Cancel what the language monitor is doing for the printer");
+    command->footer("Five seconds are allowed.\n\nExample: kestrel cancel");
+    command->callback([&chosen] { chosen = {"cancel", CancelWork}; });
+}
+
+void AddCache(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command =
+        app.add_subcommand("cache", "Allow the language monitor to answer from what it knows, or not");
+    const auto word = std::make_shared<std::string>();
+    command->add_option("STATE", *word, "on or off")->required()->check(CLI::IsMember({"on", "off"}));
+    command->footer("Five seconds are allowed.\n\nExample: kestrel cache off");
+    command->callback([&chosen, word] {
+        chosen = {"cache", [word](Context& context) { return SwitchCache(context, *word == "on"); }};
+    });
+}
+
+}  // namespace cli
