@@ -18,6 +18,12 @@ std::string AllLetters() {
     return all;
 }
 
+uint32_t Milliseconds(const json& value) {
+    if (!value.is_number_unsigned() || value.get<uint64_t>() > UINT32_MAX)
+        throw UserError("expected a number of milliseconds instead of " + value.dump());
+    return value.get<uint32_t>();
+}
+
 void ApplyWish(const WishName& name, const json& codes, Settings& settings) {
     for (const json& code : codes.is_array() ? codes : json::array({codes}))
         settings.Apply(name.wish, code.get<std::string>());
@@ -28,9 +34,9 @@ void ApplyKey(const std::string& key, const json& value, Settings& settings) {
         if (key == name.key) return ApplyWish(name, value, settings);
     if (key == "slow") {
         for (const auto& [code, milliseconds] : value.items())
-            settings.Delay(code, milliseconds.get<uint32_t>());
+            settings.Delay(code, Milliseconds(milliseconds));
     } else if (key == "exitAfter") {
-        settings.exitAfterMs = value.get<uint32_t>();
+        settings.exitAfterMs = Milliseconds(value);
     } else if (key == "log") {
         settings.logFile = value.get<std::string>();
     } else {
