@@ -119,6 +119,7 @@ std::string ConfigurationText(const std::string& product, const std::vector<std:
 
     std::string filledTemplate(kProductTemplate);
     ReplaceAll(filledTemplate, "{product}", UpperAscii(product));
+    ReplaceAll(filledTemplate, "{prefix}", product);
     ReplaceAll(filledTemplate, "{signature}", signature);
 
     std::string text;

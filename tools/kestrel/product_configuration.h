@@ -9,7 +9,8 @@ namespace cli {
 
 // The file that tells the library which drivers are the product's: <driver directory>/3/<PRODUCT>.INI.
 
-// Every section and key, with {product}, {signature} and {driver} to be filled in (product.ini).
+// Every section and key, with {product} (in capitals), {prefix} (the product as given), {signature} and
+// {driver} to be filled in (product.ini).
 extern const std::string_view kProductTemplate;
 
 // The file's name is in capitals: the library looks for it so, and file names may be case-sensitive.

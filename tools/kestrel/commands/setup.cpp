@@ -1,13 +1,20 @@
+#include <windows.h>
+
 #include <fmt/format.h>
 
 #include <array>
+#include <filesystem>
+#include <system_error>
 
+#include "../failure.h"
 #include "../product_configuration.h"
 #include "../spooler.h"
 #include "commands.h"
 
 namespace cli {
 namespace {
+
+namespace fs = std::filesystem;
 
 struct WrittenWords {
     Written written;
@@ -22,6 +29,60 @@ constexpr std::array<WrittenWords, 3> kWrittenWords = {{
     {Written::kReplaced, "replaced", "replaced the product configuration (the old one is kept as .bak)"},
 }};
 
+// The status monitor that is built with this client, and the ending of its name behind the product's prefix.
+constexpr const char* kStatusMonitor = KESTREL_PRODUCT "MUI.exe";
+constexpr const char* kStatusMonitorEnding = "MUI.exe";
+// Loaded from beside the program that needs it; there is none on Windows.
+constexpr const char* kSystemLibrary = "libwinport.so";
+
+fs::path OwnFolder() {
+    WCHAR path[MAX_PATH];
+    const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
+    return fs::path(std::basic_string_view<WCHAR>(path, length)).parent_path();
+}
+
+// A file in use is not written to but replaced; whoever runs it keeps the old one.
+void CopyProgram(const fs::path& from, const fs::path& to) {
+    std::error_code error;
+    if (fs::equivalent(from, to, error)) return;
+    fs::path fresh = to;
+    fresh += ".new";
+    fs::copy_file(from, fresh, fs::copy_options::overwrite_existing, error);
+    if (!error) fs::rename(fresh, to, error);
+    if (!error) return;
+    throw Failure{ExitCode::kOwnFault,
+                  fmt::format("{} cannot be copied to {}: {}", from.string(), to.string(), error.message()),
+                  "run `kestrel setup` with an account that may write to the driver directory",
+                  {},
+                  {},
+                  {}};
+}
+
+// The library starts the program from the folder of the product configuration, by the name in it. Empty when
+// there is none beside this client.
+fs::path InstallStatusMonitor(const std::string& product) {
+    const fs::path source = OwnFolder();
+    std::error_code error;
+    if (!fs::exists(source / kStatusMonitor, error)) return {};
+    const fs::path target = ConfigurationPath(product).parent_path();
+    const fs::path program = target / (product + kStatusMonitorEnding);
+    if (fs::exists(source / kSystemLibrary, error))
+        CopyProgram(source / kSystemLibrary, target / kSystemLibrary);
+    CopyProgram(source / kStatusMonitor, program);
+    return program;
+}
+
+void ReportStatusMonitor(const fs::path& program, Report& report) {
+    if (program.empty()) {
+        report.data["statusMonitor"] = nullptr;
+        report.text += fmt::format("no status monitor is installed: there is no {} beside this program\n",
+                                   kStatusMonitor);
+        return;
+    }
+    report.data["statusMonitor"] = program.string();
+    report.text += fmt::format("the status monitor is installed as {}\n", program.string());
+}
+
 Report Setup(const Context& context, std::vector<std::string> drivers) {
     const std::string& product = context.Options().product;
     if (drivers.empty()) drivers.push_back(product + std::string(kDefaultDriverEnding));
@@ -32,6 +93,7 @@ Report Setup(const Context& context, std::vector<std::string> drivers) {
     Report report;
     report.text = fmt::format("{} {}\n", words.sentence, path.string());
     report.data = {{"configuration", path.string()}, {"written", words.word}, {"drivers", drivers}};
+    ReportStatusMonitor(InstallStatusMonitor(product), report);
     for (const std::string& driver : drivers) {
         AddDriver(driver, product);
         report.text += fmt::format("the driver \"{}\" is installed\n", driver);
@@ -43,7 +105,8 @@ Report Setup(const Context& context, std::vector<std::string> drivers) {
 
 void AddSetup(CLI::App& app, Chosen& chosen) {
     CLI::App* const command = app.add_subcommand(
-        "setup", "Put the product configuration and the driver where the driver installer would");
+        "setup",
+        "Put the product configuration, the status monitor and the driver where the driver installer would");
     const auto drivers = std::make_shared<std::vector<std::string>>();
     command->add_option("--driver", *drivers, "Driver of the product; repeatable [PREFIX Series]")
         ->type_name("NAME")
