@@ -17,6 +17,13 @@ void AddLock(CLI::App& app, Chosen& chosen);
 void AddUnlock(CLI::App& app, Chosen& chosen);
 void AddCancel(CLI::App& app, Chosen& chosen);
 void AddCache(CLI::App& app, Chosen& chosen);
+void AddClock(CLI::App& app, Chosen& chosen);
+void AddFirmware(CLI::App& app, Chosen& chosen);
+void AddCapabilities(CLI::App& app, Chosen& chosen);
+void AddIdentity(CLI::App& app, Chosen& chosen);
+void AddSupplies(CLI::App& app, Chosen& chosen);
+void AddMonitor(CLI::App& app, Chosen& chosen);
+void AddInstall(CLI::App& app, Chosen& chosen);
 void AddVersion(CLI::App& app, Chosen& chosen);
 void AddComplete(CLI::App& app, Chosen& chosen);
 

@@ -1,0 +1,118 @@
+#include <fmt/format.h>
+
+#include <array>
+#include <charconv>
+
+#include "../text.h"
+#include "commands.h"
+
+namespace cli {
+namespace {
+
+struct WallTime {
+    std::uint32_t year = 0;
+    std::uint32_t month = 0;
+    std::uint32_t day = 0;
+    std::uint32_t hour = 0;
+    std::uint32_t minute = 0;
+};
+
+std::string Text(const WallTime& time) {
+    return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}", time.year, time.month, time.day, time.hour,
+                       time.minute);
+}
+
+constexpr CodelessFailure kNoCompleteTime = {ExitCode::kBadReply,
+                                             "the printer's answer is not a complete time",
+                                             "set the clock with `kestrel clock sync` and try again"};
+
+Report ShowClock(Context& context) {
+    const Library& library = context.GetPrinter().GetLibrary();
+    const std::uint32_t timeoutMs = context.Options().timeoutMs;
+    WallTime time;
+    Demand<decltype(GetDeviceTime)>(library, "GetDeviceTime",
+                                    {"cannot read the clock", Exchange::kRead, kNoCompleteTime}, &time.year,
+                                    &time.month, &time.day, &time.hour, &time.minute, timeoutMs);
+    std::array<kestrel_char, 29> text{};
+    Demand<decltype(GetCurrentTimeRTC)>(library, "GetCurrentTimeRTC",
+                                        {"cannot read the clock text", Exchange::kRead}, text.data(),
+                                        timeoutMs);
+    const std::string rtc = Utf8FromWide(text.data());
+    return {fmt::format("{}\nclock text {}\n", Text(time), ForTerminal(rtc)),
+            {{"time", Text(time)}, {"clockText", rtc}},
+            {}};
+}
+
+// YYYY-MM-DD HH:MM, also with a T between; the printer judges the numbers.
+WallTime ParseTime(const std::string& written) {
+    struct Part {
+        std::size_t begin;
+        std::size_t length;
+        std::uint32_t WallTime::*field;
+    };
+    static constexpr std::array<Part, 5> kParts = {{{0, 4, &WallTime::year},
+                                                    {5, 2, &WallTime::month},
+                                                    {8, 2, &WallTime::day},
+                                                    {11, 2, &WallTime::hour},
+                                                    {14, 2, &WallTime::minute}}};
+    static constexpr std::string_view kForm = "0000-00-00 00:00";
+    WallTime time;
+    bool fits = written.size() == kForm.size() && (written[10] == ' ' || written[10] == 'T');
+    for (const std::size_t position : {4U, 7U, 13U})
+        fits = fits && written[position] == kForm[position];
+    for (const Part& part : kParts) {
+        if (!fits) break;
+        const char* const begin = written.data() + part.begin;
+        const auto [end, error] = std::from_chars(begin, begin + part.length, time.*part.field);
+        fits = error == std::errc() && end == begin + part.length;
+    }
+    if (fits) return time;
+    throw ValueFailure(fmt::format("\"{}\" is no time", written), "write it as \"2026-11-24 18:30\"");
+}
+
+Report SetClock(Context& context, const std::string& written) {
+    const WallTime time = ParseTime(written);
+    Demand<decltype(SetDeviceTime)>(context.GetPrinter().GetLibrary(), "SetDeviceTime",
+                                    {"cannot set the clock"}, static_cast<std::uint16_t>(time.year),
+                                    static_cast<std::uint8_t>(time.month),
+                                    static_cast<std::uint8_t>(time.day), static_cast<std::uint8_t>(time.hour),
+                                    static_cast<std::uint8_t>(time.minute), context.Options().timeoutMs);
+    return {fmt::format("the clock is set to {}\n", Text(time)), {{"time", Text(time)}}, {}};
+}
+
+Report SyncClock(Context& context) {
+    Demand<decltype(SetCurrentTimeRTC)>(
+        context.GetPrinter().GetLibrary(), "SetCurrentTimeRTC",
+        {"cannot set the clock from this computer's",
+         Exchange::kWrite,
+         {ExitCode::kOwnFault, "this computer has no identity", "check the rights on the registry"}},
+        context.Options().timeoutMs);
+    return {"the clock is that of this computer\n", nlohmann::ordered_json::object(), {}};
+}
+
+}  // namespace
+
+void AddClock(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command = app.add_subcommand("clock", "Read and set the printer's clock");
+    command->require_subcommand(1);
+
+    CLI::App* const show = command->add_subcommand("show", "Print the time and the clock text");
+    show->footer("Example: kestrel clock show");
+    show->callback([&chosen] { chosen = {"clock show", ShowClock}; });
+
+    CLI::App* const set = command->add_subcommand("set", "Set the time");
+    const auto written = std::make_shared<std::string>();
+    set->add_option("TIME", *written, "YYYY-MM-DD HH:MM")->required();
+    set->footer("Example: kestrel clock set '2026-11-24 18:30'");
+    set->callback([&chosen, written] {
+        chosen = {"clock set", [written](Context& context) { return SetClock(context, *written); }};
+    });
+
+    CLI::App* const sync = command->add_subcommand("sync", "Set the time to that of this computer");
+    sync->footer(
+        "The printer also learns the time zone and the identity of this computer.\n\n"
+        "Example: kestrel clock sync");
+    sync->callback([&chosen] { chosen = {"clock sync", SyncClock}; });
+}
+
+}  // namespace cli

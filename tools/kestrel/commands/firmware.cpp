@@ -1,0 +1,84 @@
+#include <fmt/format.h>
+
+#include <array>
+#include <filesystem>
+
+#include "../text.h"
+#include "../waiting.h"
+#include "commands.h"
+
+namespace cli {
+namespace {
+
+struct Versions {
+    std::uint32_t lagoon = 0;
+    std::uint32_t customer = 0;
+    std::array<kestrel_char, 64> printer{};
+};
+
+Report ShowFirmware(Context& context) {
+    Versions versions;
+    Demand<decltype(GetFWVersion)>(context.GetPrinter().GetLibrary(), "GetFWVersion",
+                                   {"cannot read the firmware's versions", Exchange::kRead}, &versions.lagoon,
+                                   &versions.customer, versions.printer.data(), context.Options().timeoutMs);
+    const std::string printer = Utf8FromWide(versions.printer.data());
+    return {fmt::format("printer   {}\ncustomer  {}\nlagoon    {}\n", ForTerminal(printer), versions.customer,
+                        versions.lagoon),
+            {{"printer", printer}, {"customer", versions.customer}, {"lagoon", versions.lagoon}},
+            {}};
+}
+
+constexpr CodelessFailure kFileRefused = {
+    ExitCode::kDeviceRefused, "the printer refused the file",
+    "check that the file is an upgrade for this model; the response number gives the printer's reason"};
+
+// A relative path means nothing to the language monitor, which opens the file.
+Report Upgrade(Context& context, const std::string& written) {
+    const std::string path = std::filesystem::absolute(written).string();
+    const WideText wide = WideArgument(path, "path");
+    const Library& library = context.GetPrinter().GetLibrary();
+    const Waiting waiting("handing over the file", !context.Options().json);
+    Demand<decltype(UpgradeFW)>(
+        library, "UpgradeFW",
+        {fmt::format("cannot upgrade the firmware from {}", path), Exchange::kWrite, kFileRefused},
+        wide.c_str());
+    const std::uint32_t number = library.Find<decltype(GetLastResponseNum)>("GetLastResponseNum")();
+    return {"the printer has taken the file and goes on by itself; `kestrel status` shows how far it is\n",
+            {{"file", path}, {"responseNumber", number}},
+            {}};
+}
+
+Report Refresh(Context& context) {
+    Demand<decltype(RefreshFWCapabilities)>(
+        context.GetPrinter().GetLibrary(), "RefreshFWCapabilities",
+        {"the language monitor does not forget the firmware's capabilities"}, context.Options().timeoutMs);
+    return {"the firmware's capabilities will be asked for anew\n", nlohmann::ordered_json::object(), {}};
+}
+
+}  // namespace
+
+void AddFirmware(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command = app.add_subcommand("firmware", "Print the firmware's versions, upgrade it");
+    command->require_subcommand(1);
+
+    CLI::App* const show = command->add_subcommand("show", "Print the versions");
+    show->footer("Example: kestrel firmware show");
+    show->callback([&chosen] { chosen = {"firmware show", ShowFirmware}; });
+
+    CLI::App* const upgrade = command->add_subcommand("upgrade", "Hand an upgrade file to the printer");
+    const auto path = std::make_shared<std::string>();
+    upgrade->add_option("FILE", *path, "Upgrade file")->required();
+    upgrade->footer(
+        "Up to 72 s are allowed; --timeout does not count here.\n\n"
+        "Example: kestrel firmware upgrade zr9900.fw");
+    upgrade->callback([&chosen, path] {
+        chosen = {"firmware upgrade", [path](Context& context) { return Upgrade(context, *path); }};
+    });
+
+    CLI::App* const refresh =
+        command->add_subcommand("refresh", "Have the firmware's capabilities asked for anew");
+    refresh->footer("Example: kestrel firmware refresh");
+    refresh->callback([&chosen] { chosen = {"firmware refresh", Refresh}; });
+}
+
+}  // namespace cli

@@ -1,0 +1,145 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+
+#include "../spooler.h"
+#include "../text.h"
+#include "commands.h"
+
+namespace cli {
+namespace {
+
+constexpr std::size_t kPortNameUnits = 64;
+constexpr std::uint32_t kRawPrinting = 9100;
+
+struct NetPort {
+    std::string host;
+    std::uint32_t number = kRawPrinting;
+    std::string name;
+};
+
+Report InstallPort(Context& context, const NetPort& port) {
+    const WideText host = WideArgument(port.host, "host");
+    const WideText wanted = WideArgument(port.name, "port name");
+    if (wanted.size() >= kPortNameUnits) {
+        throw ValueFailure(fmt::format("a port name of {} characters is too long", wanted.size()),
+                           fmt::format("use at most {}", kPortNameUnits - 1));
+    }
+    std::array<kestrel_char, kPortNameUnits> name{};
+    std::copy(wanted.begin(), wanted.end(), name.begin());
+    Demand<decltype(AddNetPort)>(context.GetLibrary(), "AddNetPort",
+                                 {fmt::format("cannot make a port for {}", port.host)}, host.c_str(),
+                                 port.number, name.data());
+    const std::string made = Utf8FromWide(name.data());
+    return {fmt::format("the port {} leads to {}, TCP port {}\n", made, port.host, port.number),
+            {{"port", made}, {"host", port.host}, {"number", port.number}},
+            {}};
+}
+
+struct NewPrinter {
+    std::string name;
+    std::string inf;
+    std::string model;
+    std::string port;
+    bool makeDefault = false;
+};
+
+// The library runs the system's own tool, which does not tell it what came of it.
+void RequirePrinter(const NewPrinter& printer) {
+    const std::vector<InstalledPrinter> printers = InstalledPrinters();
+    const bool made = std::any_of(printers.begin(), printers.end(), [&](const InstalledPrinter& installed) {
+        return installed.name == printer.name;
+    });
+    if (made) return;
+    throw Failure{ExitCode::kDeviceRefused,
+                  fmt::format("the printer user interface has not made the printer \"{}\"", printer.name),
+                  fmt::format("check that {} names the model \"{}\" and that the port {} exists", printer.inf,
+                              printer.model, printer.port),
+                  {},
+                  {},
+                  {}};
+}
+
+// A relative path means nothing to the program that reads the file.
+WideText InfPath(const std::string& written) {
+    return WideArgument(std::filesystem::absolute(written).string(), "set-up information file");
+}
+
+Report InstallDriver(Context& context, const NewPrinter& driver) {
+    const WideText model = WideArgument(driver.model, "model");
+    Demand<decltype(AddDriverFiles)>(context.GetLibrary(), "AddDriverFiles",
+                                     {fmt::format("cannot install the driver \"{}\"", driver.model)},
+                                     InfPath(driver.inf).c_str(), model.c_str());
+    return {fmt::format("the printer user interface has run for the driver \"{}\"\n", driver.model),
+            {{"model", driver.model}, {"inf", driver.inf}},
+            {}};
+}
+
+Report InstallQueue(Context& context, const NewPrinter& printer) {
+    const WideText name = WideArgument(printer.name, "printer name");
+    const WideText model = WideArgument(printer.model, "model");
+    const WideText port = WideArgument(printer.port, "port name");
+    Demand<decltype(AddDriverInstance)>(context.GetLibrary(), "AddDriverInstance",
+                                        {fmt::format("cannot install the printer \"{}\"", printer.name)},
+                                        name.c_str(), InfPath(printer.inf).c_str(), model.c_str(),
+                                        port.c_str(), static_cast<kestrel_bool>(printer.makeDefault));
+    RequirePrinter(printer);
+    return {fmt::format("installed the printer \"{}\" on {}\n", printer.name, printer.port),
+            {{"name", printer.name}, {"port", printer.port}, {"default", printer.makeDefault}},
+            {}};
+}
+
+void DeclarePort(CLI::App& install, Chosen& chosen) {
+    CLI::App* const command = install.add_subcommand("port", "Make a network port for a printer's address");
+    const auto port = std::make_shared<NetPort>();
+    command->add_option("HOST", port->host, "IPv4 address or host name")->required();
+    command->add_option("--number", port->number, "TCP port")->capture_default_str();
+    command->add_option("--name", port->name, "Name of the port [formed from the host]");
+    command->footer("Example: kestrel install port 192.168.0.20");
+    command->callback([&chosen, port] {
+        chosen = {"install port", [port](Context& context) { return InstallPort(context, *port); }};
+    });
+}
+
+void AddModelOptions(CLI::App& command, NewPrinter& printer) {
+    command.add_option("FILE", printer.inf, "Set-up information file of the driver")->required();
+    command.add_option("MODEL", printer.model, "Model in that file")->required();
+}
+
+void DeclareDriver(CLI::App& install, Chosen& chosen) {
+    CLI::App* const command = install.add_subcommand("driver", "Install a printer driver");
+    const auto driver = std::make_shared<NewPrinter>();
+    AddModelOptions(*command, *driver);
+    command->footer("Example: kestrel install driver zr.inf \"ZR 9900\"");
+    command->callback([&chosen, driver] {
+        chosen = {"install driver", [driver](Context& context) { return InstallDriver(context, *driver); }};
+    });
+}
+
+void DeclareQueue(CLI::App& install, Chosen& chosen) {
+    CLI::App* const command = install.add_subcommand("printer", "Install a printer with its driver");
+    const auto printer = std::make_shared<NewPrinter>();
+    command->add_option("NAME", printer->name, "Name of the new printer")->required();
+    AddModelOptions(*command, *printer);
+    command->add_option("PORT", printer->port, "Port that the printer is attached to")->required();
+    command->add_flag("--default", printer->makeDefault, "Make it the default printer");
+    command->footer("Example: kestrel install printer Office zr.inf \"ZR 9900\" USB001");
+    command->callback([&chosen, printer] {
+        chosen = {"install printer", [printer](Context& context) { return InstallQueue(context, *printer); }};
+    });
+}
+
+}  // namespace
+
+void AddInstall(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command =
+        app.add_subcommand("install", "Install ports, drivers and printers as a set-up program does");
+    command->require_subcommand(1);
+    DeclarePort(*command, chosen);
+    DeclareDriver(*command, chosen);
+    DeclareQueue(*command, chosen);
+}
+
+}  // namespace cli

@@ -1,0 +1,78 @@
+#include <fmt/format.h>
+
+#include <array>
+
+#include "commands.h"
+
+namespace cli {
+namespace {
+
+struct Window {
+    const char* name;
+    const char* function;
+    const char* shown;
+    const char* help;
+    bool ofPrinter;
+};
+constexpr std::array<Window, 3> kWindows = {{
+    {"show", "ShowStatusMonitor", "the status window", "Open the status window; starts the monitor", true},
+    {"maintenance", "ShowMaintenance", "the maintenance window",
+     "Open the maintenance window; starts the monitor", true},
+    {"about", "ShowAboutBox", "the about box", "Open the about box of a monitor that runs", false},
+}};
+
+Report Show(Context& context, const Window& window) {
+    const Library& library = window.ofPrinter ? context.GetPrinter().GetLibrary() : context.GetLibrary();
+    Demand<kestrel_bool()>(library, window.function,
+                           {fmt::format("the status monitor does not open {}", window.shown)});
+    return {fmt::format("the status monitor has opened {}\n", window.shown), {{"window", window.name}}, {}};
+}
+
+// The mode belongs to the product whose configuration a selection has loaded.
+Report Mode(Context& context, const std::string& wanted) {
+    const Library& library = context.GetPrinter().GetLibrary();
+    if (!wanted.empty()) {
+        Demand<decltype(SetStatusMonitorDisplayMode)>(
+            library, "SetStatusMonitorDisplayMode",
+            {"cannot store the display mode",
+             Exchange::kWrite,
+             {ExitCode::kOwnFault, "the registry refuses it", "check the rights on the user's registry"}},
+            wanted == "always" ? 1 : 0);
+    }
+    const bool always =
+        library.Find<decltype(GetStatusMonitorDisplayMode)>("GetStatusMonitorDisplayMode")() != 0;
+    const char* const word = always ? "always" : "off";
+    return {fmt::format("{}\n", word), {{"mode", word}}, {}};
+}
+
+void DeclareMode(CLI::App& monitor, Chosen& chosen) {
+    CLI::App* const command =
+        monitor.add_subcommand("mode", "Print or set whether the status window is always shown");
+    const auto wanted = std::make_shared<std::string>();
+    command->add_option("MODE", *wanted, "always or off [print it]")->check(CLI::IsMember({"always", "off"}));
+    command->footer("Example: kestrel monitor mode off");
+    command->callback([&chosen, wanted] {
+        chosen = {"monitor mode", [wanted](Context& context) { return Mode(context, *wanted); }};
+    });
+}
+
+}  // namespace
+
+void AddMonitor(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command = app.add_subcommand("monitor", "Let the status monitor open its windows");
+    command->require_subcommand(1);
+    for (const Window& window : kWindows) {
+        CLI::App* const open = command->add_subcommand(window.name, window.help);
+        open->footer(
+            fmt::format("Six seconds are allowed, and the start takes one more; --timeout does not "
+                        "count here.\n\nExample: kestrel monitor {}",
+                        window.name));
+        open->callback([&chosen, &window] {
+            chosen = {fmt::format("monitor {}", window.name),
+                      [&window](Context& context) { return Show(context, window); }};
+        });
+    }
+    DeclareMode(*command, chosen);
+}
+
+}  // namespace cli
