@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
-#include <psapi.h>
 #include <windows.h>
+// The header below needs the one above.
+#include <psapi.h>
 
 #include <algorithm>
 #include <thread>
