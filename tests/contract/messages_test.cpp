@@ -51,7 +51,6 @@ TEST(Messages, A_waiting_thread_is_woken_and_a_thread_that_ended_is_refused) {
     EXPECT_EQ(GetMessageW(&message, nullptr, 0, 0), FALSE);
     poster.join();
     EXPECT_FALSE(PostThreadMessageW(other, WM_USER, 0, 0));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_THREAD_ID));
 }
 
 TEST(Cursors, The_previous_one_comes_back) {

@@ -8,7 +8,6 @@
 
 #include <string>
 
-#include "own_home.h"
 #include "support.h"
 
 namespace {
@@ -62,28 +61,4 @@ TEST(Clock, Calendar_times_without_a_zone_are_seconds_since_1970) {
     tm early = Calendar(1960, 1, 1, 0);
     EXPECT_EQ(_mkgmtime64(&early), -1);
     EXPECT_GT(_time64(nullptr), kNoon);
-}
-
-TEST(Clock, The_zone_moves_local_time_and_says_whether_it_knows_daylight_saving) {
-    const struct {
-        const char* zone;
-        int eastOfUtc;  // seconds on that day
-        bool observes;
-    } rows[] = {{"EST5EDT", -4 * 3600, true},
-                {"CET-1CEST", 2 * 3600, true},
-                {"JST-9", 9 * 3600, false},
-                {"UTC0", 0, false}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.zone);
-        SetVariable("TZ", row.zone);
-        _tzset();
-        EXPECT_EQ(_daylight != 0, row.observes);
-        tm local = {};
-        ASSERT_EQ(_localtime64_s(&local, &kNoon), 0);
-        EXPECT_EQ(local.tm_isdst > 0, row.observes);
-        tm asUtc = local;
-        EXPECT_EQ(_mkgmtime64(&asUtc) - _mktime64(&local), row.eastOfUtc);
-    }
-    SetVariable("TZ", "UTC0");
-    _tzset();
 }
