@@ -27,8 +27,12 @@ class VprinterResponder : public ::testing::Test {
         return std::string(responder_.Answer(request, client));
     }
 
+    uint64_t tickMs_ = 1'000'000;
+    int64_t localSeconds_ = 0;  // the beginning of 2000
     DeviceModel model_;
-    Responder responder_{model_, [](uint32_t processId) { return processId != kDead; }};
+    Responder responder_{model_,
+                         {[](uint32_t processId) { return processId != kDead; }, [this] { return tickMs_; },
+                          [this] { return localSeconds_; }}};
 };
 
 TEST_F(VprinterResponder, Settings_are_read_set_and_judged_by_their_type) {
@@ -134,7 +138,7 @@ TEST_F(VprinterResponder, A_client_has_given_up_after_the_time_out_that_it_annou
 }
 
 TEST_F(VprinterResponder, Restoring_defaults_goes_back_to_the_first_values) {
-    ASSERT_EQ(model_.SetInitial(OplKey::FriendlyName, "mine"), "");
+    ASSERT_EQ(model_.SetInitial(KeyText(OplKey::FriendlyName), "mine"), "");
     Ask("DeviceSettings.System.Name=yours;DeviceSettings.Fax.Redials=9;"
         "DeviceNetwork.WiFiSettings.Mac_Configuration.Channel=11;");
     EXPECT_EQ(model_.ChangedValues().size(), 3u);

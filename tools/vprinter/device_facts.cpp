@@ -6,6 +6,7 @@ namespace vprinter {
 namespace {
 
 constexpr int32_t kAny = std::numeric_limits<int32_t>::max();
+constexpr bool kLive = true;
 
 constexpr DeviceFact kFacts[] = {
     // Identity and system
@@ -17,15 +18,18 @@ constexpr DeviceFact kFacts[] = {
     {OplKey::ProductID, "9900", 0, 65535},
     {OplKey::FriendlyName, "Kestrel 9900"},
     {OplKey::DisplayLanguage, "English"},
-    {OplKey::RestoreDefaults, "All"},
+    {OplKey::RestoreDefaults, "All", 0, 0, kLive},
     {OplKey::CameraMode, "Nominal"},
-    {OplKey::CurrentTimeRTC, "0000000000000000000000000000"},
-    {OplKey::DeviceTimeYear, "2012", 2000, 2139},
-    {OplKey::DeviceTimeMonth, "1", 1, 12},
-    {OplKey::DeviceTimeDay, "1", 1, 31},
-    {OplKey::DeviceTimeHour, "0", 0, 23},
-    {OplKey::DeviceTimeMinute, "0", 0, 59},
     {OplKey::NetworkReset, "NO"},
+
+    // Clock
+    {OplKey::DeviceTime, "", 0, 0, kLive},
+    {OplKey::DeviceTimeYear, "2012", 2000, 2136, kLive},
+    {OplKey::DeviceTimeMonth, "1", 1, 12, kLive},
+    {OplKey::DeviceTimeDay, "1", 1, 31, kLive},
+    {OplKey::DeviceTimeHour, "0", 0, 23, kLive},
+    {OplKey::DeviceTimeMinute, "0", 0, 59, kLive},
+    {OplKey::CurrentTimeRTC, "", 0, 0, kLive},
 
     // Firmware and capabilities
     {OplKey::FWVersionLagoon, "417", 0, kAny},
@@ -34,6 +38,7 @@ constexpr DeviceFact kFacts[] = {
     {OplKey::CapFWUpgrade, "OPL"},
     {OplKey::CapRBNVer, "B"},
     {OplKey::CapTOFEdgeOverride, "YES"},
+    {OplKey::Configuration, "", 0, 0, kLive},
     {OplKey::GCPConfigured, "NO"},
     {OplKey::PennantConfigured, "NO"},
 
@@ -131,6 +136,17 @@ constexpr DeviceFact kFacts[] = {
     {OplKey::WirelessSpeed, "54", 0, kAny},
     {OplKey::WirelessRSSIdBm, "-52", -120, 0},
     {OplKey::WirelessRSSI, "Good"},
+
+    // Access points and network diagnostics; the time-out of one ping in seconds
+    {OplKey::SearchForAccessPoints, "NO", 0, 0, kLive},
+    {OplKey::NumAccessPoints, "0", 0, 30, kLive},
+    {OplKey::AccessPoints, "", 0, 0, kLive},
+    {OplKey::PingAddress, "0.0.0.0", 0, 0, kLive},
+    {OplKey::PingCount, "0", 0, 255, kLive},
+    {OplKey::PingTimeout, "0", 0, 255, kLive},
+    {OplKey::NumOfPingExecuted, "0", 0, 255, kLive},
+    {OplKey::NumOfPingSuccess, "0", 0, 255, kLive},
+    {OplKey::MDNSHostList, "", 0, 0, kLive},
 };
 
 }  // namespace

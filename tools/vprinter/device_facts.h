@@ -15,6 +15,7 @@ struct DeviceFact {
     std::string_view initial;  // as people write it; addresses dotted
     int32_t lowest = 0;        // of a number
     int32_t highest = 0;
+    bool live = false;  // made when it is asked, or something happens when it is set
 };
 
 /// One row for each key that the printer answers; a key without a row is unknown to it.

@@ -56,7 +56,7 @@ struct Judgement {
 };
 
 Judgement JudgeNumber(const SettingSpec& spec, std::string_view text) {
-    int32_t number = 0;
+    int64_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (error != std::errc() || end != text.data() + text.size() || number < spec.lowest ||
         number > spec.highest) {
@@ -131,6 +131,18 @@ Setting* DeviceModel::Find(std::string_view key) {
     return position == positions_.end() ? nullptr : &settings_[position->second];
 }
 
+int64_t DeviceModel::Number(std::string_view key) const {
+    const std::string& text = Value(key);
+    int64_t number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number;
+}
+
+void DeviceModel::Change(std::string_view key, std::string_view value) {
+    const std::string problem = SetFromText(*Find(key), value);
+    if (!problem.empty()) throw std::logic_error(fmt::format("{} changed to {}: {}", key, value, problem));
+}
+
 std::string DeviceModel::Set(Setting& setting, std::string_view value, bool binary) {
     const bool isAddress = setting.spec.kind == ValueKind::Address;
     if (binary != isAddress) return isAddress ? "Expected a binary block" : "Expected no binary block";
@@ -145,16 +157,21 @@ std::string DeviceModel::SetFromText(Setting& setting, std::string_view text) {
     return std::move(judgement.problem);
 }
 
-std::string DeviceModel::SetInitial(OplKey id, std::string_view text) {
-    const auto setting = std::ranges::find(settings_, id, [](const Setting& s) { return s.spec.id; });
-    std::string problem = SetFromText(*setting, text);
-    if (problem.empty()) initials_[static_cast<size_t>(setting - settings_.begin())] = setting->value;
+std::string DeviceModel::Check(const Setting& setting, std::string_view text) {
+    return JudgePeoplesText(setting.spec, text).problem;
+}
+
+std::string DeviceModel::SetInitial(std::string_view key, std::string_view text) {
+    const size_t position = positions_.at(key);
+    std::string problem = SetFromText(settings_[position], text);
+    if (problem.empty()) initials_[position] = settings_[position].value;
     return problem;
 }
 
 void DeviceModel::RestoreDefaults(std::string_view keyPrefix) {
     for (size_t i = 0; i < settings_.size(); ++i) {
-        if (settings_[i].spec.key.starts_with(keyPrefix)) Store(settings_[i], initials_[i]);
+        const SettingSpec& spec = settings_[i].spec;
+        if (spec.writable && spec.key.starts_with(keyPrefix)) Store(settings_[i], initials_[i]);
     }
 }
 
@@ -162,7 +179,8 @@ ValueMap DeviceModel::ChangedValues() const {
     ValueMap values;
     for (size_t i = 0; i < settings_.size(); ++i) {
         const Setting& setting = settings_[i];
-        if (!setting.spec.readable || setting.value == initials_[i]) continue;
+        const bool act = setting.spec.writable && !setting.spec.readable;
+        if (act || setting.spec.live || setting.value == initials_[i]) continue;
         const bool isAddress = setting.spec.kind == ValueKind::Address;
         values[std::string(setting.spec.key)] = isAddress ? DottedAddress(setting.value) : setting.value;
     }

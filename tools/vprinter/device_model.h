@@ -30,6 +30,15 @@ class DeviceModel final {
 
     /// Null when the printer has no such setting. Allocates nothing.
     [[nodiscard]] Setting* Find(std::string_view key);
+    /// Of a key that the printer has.
+    [[nodiscard]] const Setting& Get(std::string_view key) const {
+        return settings_[positions_.find(key)->second];
+    }
+    [[nodiscard]] const std::string& Value(std::string_view key) const { return Get(key).value; }
+    [[nodiscard]] int64_t Number(std::string_view key) const;
+    [[nodiscard]] bool Flag(std::string_view key) const { return Value(key) == "YES"; }
+    /// For what the printer does of its own accord; the value has to fit.
+    void Change(std::string_view key, std::string_view value);
 
     /// Sets from what a request carries: `value` still escaped, or the bytes of a binary block. Returns what
     /// is wrong with it, in the words of a reply text; empty when the value has been taken.
@@ -38,12 +47,16 @@ class DeviceModel final {
     /// The same from a text as people write it (addresses dotted, nothing escaped).
     [[nodiscard]] std::string SetFromText(Setting& setting, std::string_view text);
 
-    /// A first value of this printer's own, which its resets go back to.
-    [[nodiscard]] std::string SetInitial(OplKey id, std::string_view text);
+    /// What `SetFromText` would find wrong.
+    [[nodiscard]] static std::string Check(const Setting& setting, std::string_view text);
 
+    /// A first value of this printer's own, which its resets go back to.
+    [[nodiscard]] std::string SetInitial(std::string_view key, std::string_view text);
+
+    /// Of the settings that can be set.
     void RestoreDefaults(std::string_view keyPrefix);
 
-    /// The values that differ from the first ones; what can only be set is an act and leaves none.
+    /// The values that differ from the first ones; what is live leaves none, nor what can only be set.
     [[nodiscard]] ValueMap ChangedValues() const;
     /// Counts the values taken so far; a change of it is the time to save.
     [[nodiscard]] uint64_t Revision() const { return revision_; }

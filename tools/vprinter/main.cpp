@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "vprinter/condition.h"
+#include "vprinter/control_file.h"
 #include "vprinter/options.h"
 #include "vprinter/platform.h"
 #include "vprinter/server.h"
@@ -20,6 +22,8 @@
 namespace {
 
 using namespace vprinter;
+
+constexpr std::string_view kUsbPort = "USB";
 
 /// Ends the program with an exit code of its own.
 struct Refusal {
@@ -51,10 +55,13 @@ FaultScript LoadFaults(const Options& options) {
 DeviceModel MakeModel(const Options& options, const std::string& port, const StateFile* state) {
     DeviceModel model;
     if (!options.modelName.empty()) {
-        const std::string problem = model.SetInitial(OplKey::FriendlyName, options.modelName);
+        const std::string problem = model.SetInitial(KeyText(OplKey::FriendlyName), options.modelName);
         if (!problem.empty()) throw UserError("--model-name: " + problem);
     }
+    if (!port.starts_with(kUsbPort)) static_cast<void>(model.SetInitial(condition::kConnection, "Network"));
     if (state != nullptr) state->Restore(port, model);
+    const std::string problem = ControlFile(options.controlFile, port).Apply(model);
+    if (!problem.empty()) throw UserError(problem);
     return model;
 }
 
@@ -107,8 +114,9 @@ class Printers final {
                             port, options_.product)};
         }
         StateFile* const state = state_ ? &*state_ : nullptr;
-        servers_.emplace_back(port, channelName, MakeModel(options_, port, state), faults.For(port),
-                              PrinterServer::Shared{trace_, state, [this] { end_.Raise(); }});
+        servers_.emplace_back(
+            port, channelName, MakeModel(options_, port, state), faults.For(port),
+            PrinterServer::Shared{trace_, state, options_.controlFile, [this] { end_.Raise(); }});
     }
 
     const Options& options_;

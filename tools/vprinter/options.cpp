@@ -13,6 +13,8 @@ constexpr const char* kExamples = R"(Examples:
       one printer on port USB001; each exchange is shown while you look at it
   kestrel-vprinter --port USB001 --port USB002 --state printers.json
       two printers whose settings outlive the program
+  kestrel-vprinter --port USB001 --control now.json
+      write {"USB001": {"ink.black": 5, "status.error": "Paper_Jam"}} to now.json while it runs
   kestrel-vprinter --port USB001 --faults slow.json --trace json --trace-file trace.jsonl
       a printer that misbehaves as slow.json says; every exchange becomes a line of trace.jsonl
 
@@ -21,7 +23,7 @@ the program.
 
 Exit codes:
   0   ended as asked
-  2   the command line, a fault script or a state file cannot be used
+  2   the command line, a fault script, a state or a control file cannot be used
   4   another virtual printer serves the port already
   70  a fault of this program or of the system)";
 
@@ -63,6 +65,9 @@ void Declare(CLI::App& app, Options& options) {
                    "JSON file of rules: what the printer does wrong, and when")
         ->type_name("FILE");
     app.add_option("--state", options.stateFile, "JSON file that keeps the settings between runs")
+        ->type_name("FILE");
+    app.add_option("--control", options.controlFile,
+                   "JSON file that changes the printers while they run, whenever it is written")
         ->type_name("FILE");
     app.add_option("--trace", "text, json or none (text on a terminal, json for a file, else none)")
         ->type_name("FORMAT")

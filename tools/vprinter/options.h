@@ -22,6 +22,7 @@ struct Options {
     std::string modelName;
     std::string faultsFile;
     std::string stateFile;
+    std::string controlFile;
     TraceFormat traceFormat = TraceFormat::None;
     std::string traceFile;
     bool showSecrets = false;

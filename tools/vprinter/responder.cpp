@@ -7,6 +7,10 @@
 #include <iterator>
 
 #include "ipc/opl_channel.h"
+#include "opl/value_escape.h"
+#include "vprinter/condition.h"
+#include "vprinter/reply_items.h"
+#include "vprinter/status_block.h"
 
 namespace vprinter {
 namespace {
@@ -14,6 +18,7 @@ namespace {
 constexpr uint32_t kBusy = 1999;
 constexpr uint32_t kBadCommand = 3400;
 constexpr uint32_t kBadValue = 3450;
+constexpr uint32_t kNotReached = 100003;
 
 constexpr size_t kMaxSubject = 100;
 
@@ -39,6 +44,7 @@ struct Responder::WordRow {
     std::string_view text;
     uint32_t number;  // of the good reply
     bool (Responder::*carryOut)(const WordRow& row, const Command& command);
+    bool needsDevice = false;  // the language monitor cannot answer by itself
 };
 
 const Responder::WordRow Responder::kWords[] = {
@@ -47,24 +53,32 @@ const Responder::WordRow Responder::kWords[] = {
     {WordText(OplWord::LockPrinter), 2, &Responder::Lock},
     {WordText(OplWord::UnlockPrinter), 3, &Responder::Unlock},
     {WordText(OplWord::ClearFWCaps), 101, &Responder::Acknowledge},
-    {WordText(OplWord::CalibrateHead), 96, &Responder::Acknowledge},
-    {WordText(OplWord::PrintTestPage), 96, &Responder::Acknowledge},
-    {WordText(OplWord::CleanHead), 96, &Responder::Acknowledge},
-    {WordText(OplWord::CleanHeadThoroughly), 96, &Responder::Acknowledge},
-    {WordText(OplWord::CheckNozzle), 96, &Responder::Acknowledge},
-    {WordText(OplWord::AlignHead), 96, &Responder::Acknowledge},
-    {WordText(OplWord::VTOE), 96, &Responder::Acknowledge},
+    {WordText(OplWord::CalibrateHead), 96, &Responder::Acknowledge, true},
+    {WordText(OplWord::PrintTestPage), 96, &Responder::Acknowledge, true},
+    {WordText(OplWord::CleanHead), 96, &Responder::Acknowledge, true},
+    {WordText(OplWord::CleanHeadThoroughly), 96, &Responder::Acknowledge, true},
+    {WordText(OplWord::CheckNozzle), 96, &Responder::Acknowledge, true},
+    {WordText(OplWord::AlignHead), 96, &Responder::Acknowledge, true},
+    {WordText(OplWord::VTOE), 96, &Responder::Acknowledge, true},
+    {WordText(OplWord::OrderInk), 0, &Responder::OrderSupplies, true},
+    {WordText(OplWord::GetStatus), 0, &Responder::GetStatus},
+    {WordText(OplWord::GetCapabilities), 0, &Responder::GetCapabilities},
     {KeyText(OplKey::TimeoutParam), 0, &Responder::AnnounceTimeout},
     {KeyText(OplKey::Cache), 101, &Responder::SwitchCache},
+    {KeyText(OplKey::UpgradeFW), 101, &Responder::UpgradeFirmware, true},
 };
 
-Responder::Responder(DeviceModel& model, ProcessCheck isRunning)
-    : model_(model), isRunning_(std::move(isRunning)) {}
+Responder::Responder(DeviceModel& model, Surroundings surroundings)
+    : model_(model),
+      online_(model.Get(condition::kOnline)),
+      surroundings_(std::move(surroundings)),
+      live_(model, surroundings_) {}
 
 std::string_view Responder::Answer(std::string_view request, uint32_t clientProcessId) {
-    if (request.ends_with('?')) {
+    if (live_.Upgrade().IsUnderWay()) live_.Upgrade().Advance();
+    if (request.ends_with('?') && IsOnline()) {
         const Setting* const setting = model_.Find(request.substr(0, request.size() - 1));
-        if (setting != nullptr && setting->spec.readable) return setting->reply;
+        if (setting != nullptr && setting->spec.readable && !setting->spec.live) return setting->reply;
     }
     client_ = clientProcessId;
     return AnswerCommands(request);
@@ -87,27 +101,33 @@ std::string_view Responder::AnswerCommands(std::string_view request) {
 
 bool Responder::CarryOut(const Command& command) {
     if (command.kind == CommandKind::Malformed) return Refuse(kBadCommand, command.fault, command.text);
-    if (Setting* const setting = model_.Find(command.key)) return CarryOutOnSetting(*setting, command);
+    Setting* const setting = model_.Find(command.key);
+    const bool reachable = setting != nullptr && setting->spec.IsReachable();
     const std::string_view text = command.kind == CommandKind::Set ? command.key : command.text;
     const auto word = std::ranges::find(kWords, text, &WordRow::text);
-    if (word == std::end(kWords)) return Refuse(kBadCommand, "Unknown", command.text);
-    return (this->*word->carryOut)(*word, command);
+    if (!reachable && word == std::end(kWords)) return Refuse(kBadCommand, "Unknown", command.text);
+    if ((reachable || word->needsDevice) && !IsOnline()) {
+        return Refuse(kNotReached, "The device does not answer", command.key);
+    }
+    return reachable ? CarryOutOnSetting(*setting, command) : (this->*word->carryOut)(*word, command);
 }
 
 bool Responder::CarryOutOnSetting(Setting& setting, const Command& command) {
     if (command.kind == CommandKind::Word)
         return Refuse(kBadCommand, "Neither a query nor a set", command.key);
-    if (command.kind == CommandKind::Query) {
-        if (!setting.spec.readable) return Refuse(kBadCommand, "Cannot be read", command.key);
-        return Done(0, setting.Item());
-    }
+    if (command.kind == CommandKind::Query) return ReadSetting(setting, command);
     if (!setting.spec.writable) return Refuse(kBadCommand, "Cannot be set", command.key);
-    const std::string problem = model_.Set(setting, command.value, command.kind == CommandKind::BinarySet);
+    std::string problem = model_.Set(setting, command.value, command.kind == CommandKind::BinarySet);
+    if (problem.empty() && setting.spec.live) problem = live_.Act(setting);
     if (!problem.empty()) return Refuse(kBadValue, problem, command.key);
-    if (setting.spec.id == OplKey::RestoreDefaults) {
-        model_.RestoreDefaults(setting.value == "Network" ? "DeviceNetwork." : "");
-    }
     return Done(0, setting.Item());
+}
+
+bool Responder::ReadSetting(const Setting& setting, const Command& command) {
+    if (!setting.spec.readable) return Refuse(kBadCommand, "Cannot be read", command.key);
+    if (!setting.spec.live) return Done(0, setting.Item());
+    const LiveDevice::Reading reading = live_.Read(setting);
+    return Done(reading.number, reading.items);
 }
 
 bool Responder::Done(uint32_t number, std::string_view item) {
@@ -158,7 +178,30 @@ bool Responder::Unlock(const WordRow& row, const Command& command) {
 }
 
 bool Responder::IsLockedByAnother() {
-    return lockHolder_ != 0 && lockHolder_ != client_ && isRunning_(lockHolder_);
+    return lockHolder_ != 0 && lockHolder_ != client_ && surroundings_.isRunning(lockHolder_);
+}
+
+bool Responder::GetStatus(const WordRow& row, const Command& command) {
+    const std::string block = StatusBlock(model_, live_.Upgrade().Percent());
+    return Done(row.number, ReplyItems().Block(command.key, block).Take());
+}
+
+bool Responder::GetCapabilities(const WordRow& row, const Command& command) {
+    return Done(row.number, ReplyItems().Block(command.key, CapabilityBlock(model_)).Take());
+}
+
+bool Responder::OrderSupplies(const WordRow& row, const Command& command) {
+    const bool taken = model_.Flag(condition::kOrdersSupplies);
+    return Done(row.number, ReplyItems().Text(command.key, taken ? "TRUE" : "FALSE").Take());
+}
+
+bool Responder::UpgradeFirmware(const WordRow& row, const Command& command) {
+    std::string path;
+    opl::AppendEscaped(path, command.value);
+    if (const auto refusal = live_.Upgrade().Begin(path)) {
+        return Refuse(refusal->number, refusal->text, command.key);
+    }
+    return Done(row.number, command.key);
 }
 
 }  // namespace vprinter

@@ -1,33 +1,33 @@
 // What a printer answers: one reply for each request, however many commands that holds.
 //
 //   good            0000,Key=value;    several commands: 0000,Key=value&Key2=value2;
+//   lists           0101,Key[0].Field=value&Key[0].Field2=value2;
 //   special words   number of the word's own, such as 0096,Maintenance=001;
 //   refused         3400,...;  a command that the printer does not know or cannot carry out
 //                   3450,...;  a value that it does not take
-//                   1999,...;  another client has locked the printer
+//                   1999,...;  another client has locked the printer, or its firmware is being replaced
+//                   100003,...;  the language monitor does not reach the device
 //
 // Commands are carried out in their order; the first one that is refused ends the request and its refusal is
 // the reply, while what the commands before it changed stays changed.
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 
 #include "vprinter/device_model.h"
+#include "vprinter/live_device.h"
 #include "vprinter/request_reader.h"
 #include "vprinter/session_table.h"
+#include "vprinter/surroundings.h"
 
 namespace vprinter {
 
 /// Belongs to the printer's serving thread.
 class Responder final {
   public:
-    using ProcessCheck = std::function<bool(uint32_t processId)>;
-
-    /// `isRunning` tells a client that holds the lock from one that died with it.
-    Responder(DeviceModel& model, ProcessCheck isRunning);
+    explicit Responder(DeviceModel& model, Surroundings surroundings = RealSurroundings());
 
     /// The reply, valid until the next call. A query of one setting allocates nothing.
     [[nodiscard]] std::string_view Answer(std::string_view request, uint32_t clientProcessId);
@@ -45,6 +45,8 @@ class Responder final {
     /// Adds the command's item to the reply; false when the command was refused.
     [[nodiscard]] bool CarryOut(const Command& command);
     [[nodiscard]] bool CarryOutOnSetting(Setting& setting, const Command& command);
+    [[nodiscard]] bool ReadSetting(const Setting& setting, const Command& command);
+    [[nodiscard]] bool IsOnline() const { return online_.value == "YES"; }
     [[nodiscard]] bool Done(uint32_t number, std::string_view item);
     [[nodiscard]] bool Refuse(uint32_t number, std::string_view text, std::string_view subject);
 
@@ -54,9 +56,15 @@ class Responder final {
     [[nodiscard]] bool Lock(const WordRow& row, const Command& command);
     [[nodiscard]] bool Unlock(const WordRow& row, const Command& command);
     [[nodiscard]] bool IsLockedByAnother();
+    [[nodiscard]] bool GetStatus(const WordRow& row, const Command& command);
+    [[nodiscard]] bool GetCapabilities(const WordRow& row, const Command& command);
+    [[nodiscard]] bool OrderSupplies(const WordRow& row, const Command& command);
+    [[nodiscard]] bool UpgradeFirmware(const WordRow& row, const Command& command);
 
     DeviceModel& model_;
-    ProcessCheck isRunning_;
+    const Setting& online_;
+    Surroundings surroundings_;
+    LiveDevice live_;
     SessionTable sessions_;
     uint32_t lockHolder_ = 0;  // process id
 

@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <memory>
 
-#include "ipc/process_list.h"
 #include "kwt/object_names.h"
 #include "vprinter/platform.h"
 
@@ -69,9 +68,10 @@ PrinterServer::PrinterServer(std::string port, WideText channelName, DeviceModel
     : port_(std::move(port)),
       channelName_(std::move(channelName)),
       model_(std::move(model)),
-      responder_(model_, kwt::IsProcessRunning),
+      responder_(model_),
       faults_(std::move(faults)),
       shared_(std::move(shared)),
+      control_(shared_.controlFile, port_),
       savedRevision_(model_.Revision()) {}
 
 PrinterServer::~PrinterServer() {
@@ -137,6 +137,7 @@ void PrinterServer::AnswerRequest(std::string_view request) {
         turn.time = std::chrono::system_clock::now();
         turn.received = Clock::now();
     }
+    ApplyControl();
     turn.fault = faults_.Next(request);
     CarryOut(turn);
     if (stopping_) return;
@@ -208,6 +209,11 @@ void PrinterServer::WriteTrace(const Turn& turn) {
     exchange.duration = Clock::now() - turn.received;
     exchange.remark = turn.remark;
     shared_.trace.Write(exchange);
+}
+
+void PrinterServer::ApplyControl() {
+    const std::string problem = control_.Apply(model_);
+    if (!problem.empty()) fmt::print(stderr, "kestrel-vprinter: {}\n", problem);
 }
 
 void PrinterServer::KeepState() {

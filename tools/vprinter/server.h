@@ -11,6 +11,7 @@
 
 #include "ipc/opl_channel.h"
 #include "kwt/win_mutex.h"
+#include "vprinter/control_file.h"
 #include "vprinter/device_model.h"
 #include "vprinter/fault_script.h"
 #include "vprinter/responder.h"
@@ -41,6 +42,7 @@ class PrinterServer final {
     struct Shared {
         Trace& trace;
         StateFile* state;                 // null: nothing is kept
+        std::string controlFile;          // empty: nothing changes from outside
         std::function<void()> onFailure;  // a printer cannot go on; called on its thread
     };
 
@@ -71,6 +73,7 @@ class PrinterServer final {
     [[nodiscard]] uint32_t Post(const Turn& turn);
     [[nodiscard]] bool WaitUnlessStopped(uint32_t milliseconds);
     void WriteTrace(const Turn& turn);
+    void ApplyControl();
     void KeepState();
     void Fail(const std::string& what);
 
@@ -80,6 +83,7 @@ class PrinterServer final {
     Responder responder_;
     FaultScript faults_;
     Shared shared_;
+    ControlFile control_;
     uint64_t savedRevision_;
 
     OPLChannel channel_;

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "settings/catalogue.h"
+#include "vprinter/address_book.h"
+#include "vprinter/condition.h"
 #include "vprinter/device_facts.h"
 
 namespace vprinter {
@@ -49,6 +51,7 @@ SettingSpec MakeSpec(const DeviceFact& fact) {
     spec.key = row.text;
     spec.readable = row.CanQuery();
     spec.writable = row.CanSet();
+    spec.live = fact.live;
     spec.initial = fact.initial;
     spec.lowest = fact.lowest;
     spec.highest = fact.highest;
@@ -73,6 +76,8 @@ std::vector<SettingSpec> PrinterSettings() {
     for (const DeviceFact& fact : DeviceFacts()) {
         specs.push_back(MakeSpec(fact));
     }
+    AppendAddressBook(specs);
+    AppendConditions(specs);
     return specs;
 }
 

@@ -8,6 +8,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "vprinter/byte_text.h"
 #include "vprinter/user_error.h"
 
 namespace vprinter {
@@ -17,38 +18,6 @@ using nlohmann::json;
 namespace fs = std::filesystem;
 
 constexpr int kVersion = 1;
-
-// Values are bytes of the printer's 8-bit code, JSON texts are UTF-8: each byte travels as the character of
-// that number.
-std::string ToUtf8(std::string_view bytes) {
-    std::string text;
-    for (const char c : bytes) {
-        const auto byte = static_cast<uint8_t>(c);
-        if (byte < 0x80) {
-            text += c;
-        } else {
-            text += static_cast<char>(0xC0 | (byte >> 6));
-            text += static_cast<char>(0x80 | (byte & 0x3F));
-        }
-    }
-    return text;
-}
-
-/// Characters beyond U+00FF, which nothing of ours writes, become question marks.
-std::string FromUtf8(std::string_view text) {
-    std::string bytes;
-    for (size_t i = 0; i < text.size(); ++i) {
-        const auto lead = static_cast<uint8_t>(text[i]);
-        if (lead < 0x80) {
-            bytes += text[i];
-        } else if ((lead == 0xC2 || lead == 0xC3) && i + 1 < text.size()) {
-            bytes += static_cast<char>((lead << 6) | (text[++i] & 0x3F));
-        } else if (lead >= 0xC0) {
-            bytes += '?';
-        }
-    }
-    return bytes;
-}
 
 }  // namespace
 

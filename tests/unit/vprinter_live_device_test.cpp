@@ -1,0 +1,203 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "vprinter/control_file.h"
+#include "vprinter/responder.h"
+
+namespace vprinter {
+namespace {
+
+using namespace std::literals;
+
+constexpr uint32_t kClient = 100;
+
+class VprinterLiveDevice : public ::testing::Test {
+  protected:
+    void TearDown() override { std::filesystem::remove(path_); }
+
+    std::string Ask(std::string_view request) { return std::string(responder_.Answer(request, kClient)); }
+    std::string Value(std::string_view key) {
+        const std::string reply = Ask(std::string(key) + "?");
+        return reply.substr(reply.find('=') + 1, reply.size() - reply.find('=') - 2);
+    }
+    /// The 1,316 bytes of the status block.
+    std::string Status() { return Ask("ZRGetStatus?").substr(std::strlen("0000,ZRGetStatus#1316="), 1316); }
+    static uint32_t NumberAt(const std::string& block, size_t offset) {
+        uint32_t number = 0;
+        std::memcpy(&number, block.data() + offset, sizeof(number));
+        return number;
+    }
+    std::string Control(std::string_view text) {
+        std::ofstream(path_) << text;
+        return control_.Apply(model_);
+    }
+
+    std::string path_ = ::testing::TempDir() + "vprinter_live." +
+                        ::testing::UnitTest::GetInstance()->current_test_info()->name();
+    uint64_t tickMs_ = 1'000'000;
+    int64_t localSeconds_ = 394'459'200;  // 2012-07-01 12:00:00
+    DeviceModel model_;
+    Responder responder_{
+        model_,
+        {[](uint32_t) { return true; }, [this] { return tickMs_; }, [this] { return localSeconds_; }}};
+    ControlFile control_{path_, "USB001"};
+};
+
+TEST_F(VprinterLiveDevice, The_status_block_has_its_size_and_tells_the_condition) {
+    EXPECT_EQ(Ask("ZRGetStatus?").size(), "0000,ZRGetStatus#1316=;"s.size() + 1316);
+    std::string block = Status();
+    EXPECT_EQ(NumberAt(block, 8), 0u);
+    EXPECT_EQ(NumberAt(block, 20), 75u);
+    EXPECT_EQ(block[740], 1);
+    EXPECT_EQ(block.substr(760, 12), "R\0e\0a\0d\0y\0\0\0"s);
+
+    EXPECT_EQ(Control(R"({"USB001": {"status.error": "Paper_Jam", "status.connection": "Network",
+                          "ink.black": 5}, "USB002": {"nonsense": 1}})"),
+              "");
+    block = Status();
+    EXPECT_EQ(NumberAt(block, 8), 2u);
+    EXPECT_EQ(NumberAt(block, 20), 5u);
+    EXPECT_EQ(block[740], 0);
+
+    EXPECT_EQ(Control(R"({"*": {"status.known": false, "status.text": "unseen"}})"), "");
+    block = Status();
+    EXPECT_EQ(NumberAt(block, 8), 100000u);
+    EXPECT_EQ(block.substr(760, 2), "\0\0"s);
+    EXPECT_EQ(NumberAt(Ask("ZRGetCapabilities?").substr(std::strlen("0000,ZRGetCapabilities#48=")), 0), 48u);
+}
+
+TEST_F(VprinterLiveDevice, A_control_file_is_taken_whole_or_refused_with_the_reason) {
+    const struct {
+        std::string_view text;
+        std::string_view reason;
+    } cases[] = {
+        {R"({"USB001": {"ink.cyan": 1, "ink.black": 101}})", "ink.black: Expected a number from 0 to 100"},
+        {R"({"USB001": {"ink.cyan": 1, "ink.gold": 5}})", "ink.gold: there is nothing of this name"},
+        {R"({"USB001": {"ink.cyan": [1]}})", "is not taken"},
+        {"{", "is not taken"},
+    };
+    for (const auto& expected : cases)
+        EXPECT_NE(Control(expected.text).find(expected.reason), std::string::npos) << expected.text;
+    EXPECT_EQ(model_.Value("ink.cyan"), "60");
+    EXPECT_EQ(Ask("ink.cyan?"), "3400,Unknown: ink.cyan_;");
+    EXPECT_EQ(Control(R"({"USB001": {"device.online": false, "device.orders-supplies": false}})"), "");
+    EXPECT_EQ(model_.ChangedValues().size(), 2u);
+    EXPECT_TRUE(Ask("DeviceSettings.Fax.Redials?").starts_with("100003,"));
+    EXPECT_TRUE(Ask("Maintenance=001?").starts_with("100003,"));
+    EXPECT_EQ(Ask("ZRPing?"), "0000,ZRPing;");
+    EXPECT_EQ(Control(R"({"USB001": {"device.online": true}, "*": {}})"), "");
+    EXPECT_EQ(Ask("OrderInk?"), "0000,OrderInk=FALSE;");
+}
+
+TEST_F(VprinterLiveDevice, The_clock_runs_from_what_was_set) {
+    const std::string time = "DeviceSettings.System.Time";
+    EXPECT_EQ(Ask(time + "?"), "0000," + time + ".Year=2012&" + time + ".Month=7&" + time + ".Day=1&" + time +
+                                   ".Hour=12&" + time + ".Minute=0;");
+    localSeconds_ += 30 * 86'400;  // the 31st: the month that is set next is shorter
+    EXPECT_EQ(Ask(time + ".Year=2011;" + time + ".Month=2;" + time + ".Day=28;" + time + ".Hour=23;" + time +
+                  ".Minute=59;")
+                  .substr(0, 5),
+              "0000,");
+    localSeconds_ += 60;
+    EXPECT_EQ(Ask(time + "?"), "0000," + time + ".Year=2011&" + time + ".Month=3&" + time + ".Day=1&" + time +
+                                   ".Hour=0&" + time + ".Minute=0;");
+    EXPECT_TRUE(Ask(time + ".Month=2;" + time + ".Day=29;").starts_with("3450,Expected a day from 1 to 28"));
+
+    const std::string rtc = "DeviceSettings.System.RTCTime";
+    EXPECT_TRUE(Ask(rtc + "=0123456789ABCDEF1782EA30112C;").starts_with("0000,"));
+    localSeconds_ += 16;
+    EXPECT_EQ(Value(rtc), "0123456789ABCDEF1782EA40112C");
+    EXPECT_EQ(Value(time + ".Year"), "2012");
+    for (const std::string bad : {"0123456789ABCDEF1782EA30112", "0123456789abcdef1782EA30112C", ""})
+        EXPECT_TRUE(Ask(rtc + "=" + bad + ";").starts_with("3450,")) << bad;
+}
+
+TEST_F(VprinterLiveDevice, The_address_book_takes_the_whole_list_in_one_request) {
+    const std::string base = "DeviceSettings.AddressBook.SpeedDialRecords.NamedSingleEntry";
+    std::string request;
+    for (int i = 0; i < 60; ++i) {
+        const std::string record = base + "[" + std::to_string(i) + "]";
+        request += record + ".AddressType=Email;" + record + ".Name=" + std::string(39, 'n') + ";" + record +
+                   ".Address=" + std::string(49, 'a') + ";";
+    }
+    const std::string reply = Ask(request);
+    EXPECT_TRUE(reply.starts_with("0000,"));
+    EXPECT_LE(reply.size(), 65'791u);
+    EXPECT_EQ(model_.ChangedValues().size(), 180u);
+    EXPECT_EQ(Value(base + "[59].AddressType"), "Email");
+    const std::string oneTouch = "DeviceSettings.AddressBook.OneTouchDialRecords.NamedSingleEntry";
+    EXPECT_EQ(Value(oneTouch + "[4].AddressType"), "(null)");
+    for (const std::string& bad : {base + "[60].Name?", oneTouch + "[5].Name?"})
+        EXPECT_TRUE(Ask(bad).starts_with("3400,")) << bad;
+    for (const std::string& bad : {"[0].AddressType=Phone;"s, "[0].Name=" + std::string(40, 'n') + ";",
+                                   "[0].Address=" + std::string(50, 'a') + ";"})
+        EXPECT_TRUE(Ask(base + bad).starts_with("3450,")) << bad;
+}
+
+TEST_F(VprinterLiveDevice, Access_points_pings_and_hosts_come_with_time) {
+    const std::string points = "DeviceNetwork.WiFiAccessPoints.";
+    EXPECT_EQ(Ask(points + "GetAccessPoints?"), "0101,;");
+    ASSERT_EQ(Control(R"({"USB001": {"search.networks": "one, t.w=o", "search.seconds": 2,
+                          "network.hosts": "a.local"}})"),
+              "");
+    Ask(points + "SearchAccessPoints=YES;");
+    EXPECT_EQ(Value(points + "AccessPointsFound"), "0");
+    tickMs_ += 1000;
+    EXPECT_EQ(Value(points + "AccessPointsFound"), "1");
+    tickMs_ += 1000;
+    const std::string list = Ask(points + "GetAccessPoints?");
+    EXPECT_TRUE(list.starts_with("0101," + points + "GetAccessPoints[0].MacAddr#6="));
+    EXPECT_NE(list.find("[1].SSID=t\x1Cw\x1Eo&"), std::string::npos);
+
+    const std::string network = "DeviceNetwork.Network.";
+    Ask(network + "SetPing.Ip_Addr[0]#4=\x0A\0\0\1;"s + network + "SetPing.NumOfPing=4;" + network +
+        "SetPing.TimeoutOfPing=2;");
+    EXPECT_EQ(Value(network + "GetPingResult.NumOfPingExecuted"), "0");
+    tickMs_ += 450;
+    EXPECT_EQ(Value(network + "GetPingResult.NumOfPingExecuted"), "2");
+    tickMs_ += 60'000;
+    EXPECT_EQ(Value(network + "GetPingResult.NumOfPingSuccess"), "4");
+    EXPECT_EQ(Ask(network + "GetMDNSHostList?"), "0101," + network + "GetMDNSHostList[0]=a\x1Clocal;");
+
+    ASSERT_EQ(Control(R"({"*": {"DeviceNetwork.WiFiStatus.CurrentState": "Disconnected"}})"), "");
+    EXPECT_EQ(Value(network + "GetPingResult.NumOfPingExecuted"), "4");
+    EXPECT_EQ(Value(network + "GetPingResult.NumOfPingSuccess"), "0");
+    EXPECT_EQ(Value(network + "GetMDNSHostList"), "(null)");
+}
+
+TEST_F(VprinterLiveDevice, An_upgrade_takes_a_firmware_file_and_its_time) {
+    std::string path = path_;
+    for (char& c : path)
+        if (c == '.') c = '\x1C';
+    const std::string request = "ZRUpgradeFW=" + path + ";";
+    EXPECT_TRUE(Ask(request).starts_with("100113,"));
+    for (const std::string_view bad :
+         {"", "ZRFW 1 9900.2210.420", "ZRFW 2 9900.2210.420\n", "ZRFW 1 9900.2210\n",
+          "ZRFW 1 8800.2210.420\n", "ZRFW 1 9900.2210.420x\n"}) {
+        std::ofstream(path_) << bad;
+        EXPECT_TRUE(Ask(request).starts_with("100114,")) << bad;
+    }
+    std::ofstream(path_) << "ZRFW 1 9900.2210.420\nand the rest";
+    EXPECT_EQ(Ask(request), "0101,ZRUpgradeFW;");
+    EXPECT_TRUE(Ask(request).starts_with("1999,"));
+    tickMs_ += 2500;
+    EXPECT_EQ(NumberAt(Status(), 8), 101u);
+    EXPECT_EQ(NumberAt(Status(), 12), 50u);
+    EXPECT_EQ(Value("DeviceSettings.System.Version.Lagoon"), "417");
+    tickMs_ += 2500;
+    EXPECT_EQ(Value("DeviceSettings.System.Version.Lagoon"), "420");
+    EXPECT_EQ(Value("DeviceSettings.System.Version.Printer"),
+              "9900\x1C"
+              "2210\x1C"
+              "420");
+    EXPECT_EQ(NumberAt(Status(), 12), 0xFFFFFFFFu);
+    Ask("DeviceSettings.System.RestoreDefaults=All;");
+    EXPECT_EQ(Value("DeviceSettings.System.Version.Lagoon"), "420");
+}
+
+}  // namespace
+}  // namespace vprinter

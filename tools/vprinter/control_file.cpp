@@ -1,0 +1,76 @@
+#include "vprinter/control_file.h"
+
+#include <fmt/format.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <utility>
+#include <vector>
+
+#include "vprinter/byte_text.h"
+#include "vprinter/user_error.h"
+
+namespace vprinter {
+namespace {
+
+using nlohmann::json;
+namespace fs = std::filesystem;
+
+constexpr const char* kEveryPrinter = "*";
+
+using Changes = std::vector<std::pair<Setting*, std::string>>;
+
+std::string TextOf(const json& value) {
+    if (value.is_boolean()) return value.get<bool>() ? "YES" : "NO";
+    if (value.is_number_integer()) return value.dump();
+    return FromUtf8(value.get<std::string>());
+}
+
+void CollectChanges(const json& values, DeviceModel& model, Changes& changes) {
+    for (const auto& [key, value] : values.items()) {
+        Setting* const setting = model.Find(key);
+        if (setting == nullptr) throw UserError(key + ": there is nothing of this name");
+        if (setting->spec.live) throw UserError(key + ": the printer makes this value itself");
+        std::string text = TextOf(value);
+        const std::string problem = model.Check(*setting, text);
+        if (!problem.empty()) throw UserError(fmt::format("{}: {}", key, problem));
+        changes.emplace_back(setting, std::move(text));
+    }
+}
+
+}  // namespace
+
+std::string ControlFile::Apply(DeviceModel& model) {
+    if (path_.empty() || !IsWrittenAnew()) return {};
+    std::ifstream file(path_, std::ios::binary);
+    Changes changes;
+    try {
+        const json document = json::parse(file);
+        for (const std::string& name : {std::string(kEveryPrinter), port_}) {
+            if (document.contains(name)) CollectChanges(document.at(name), model, changes);
+        }
+    } catch (const json::exception& problem) {
+        return fmt::format(
+            "{} is not taken ({}); expected text such as {{\"{}\": {{\"ink.black\": 5}}}}; correct and write "
+            "it again",
+            path_, problem.what(), port_);
+    } catch (const UserError& problem) {
+        return fmt::format("{} is not taken, printer {}, {}; correct and write it again", path_, port_,
+                           problem.what());
+    }
+    for (const auto& [setting, text] : changes)
+        static_cast<void>(model.SetFromText(*setting, text));
+    return {};
+}
+
+bool ControlFile::IsWrittenAnew() {
+    std::error_code error;
+    const fs::file_time_type writtenAt = fs::last_write_time(path_, error);
+    const uintmax_t size = error ? 0 : fs::file_size(path_, error);
+    if (error || (writtenAt == writtenAt_ && size == size_)) return false;
+    writtenAt_ = writtenAt;
+    size_ = size;
+    return true;
+}
+
+}  // namespace vprinter
