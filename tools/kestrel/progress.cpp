@@ -32,4 +32,19 @@ void Progress::Step(std::string_view what) {
     std::fflush(stderr);
 }
 
+WaitLine::WaitLine(std::string what, bool wanted)
+    : what_(std::move(what)), shown_(wanted && platform::IsTerminal(platform::Stream::kError)) {}
+
+WaitLine::~WaitLine() {
+    if (shown_) fmt::print(stderr, "{}", kEraseLine);
+}
+
+void WaitLine::Show(std::string_view state) const {
+    if (!shown_) return;
+    const auto passed = std::chrono::steady_clock::now() - start_;
+    fmt::print(stderr, "{}{}: {} ({} s)", kEraseLine, what_, state,
+               std::chrono::duration_cast<std::chrono::seconds>(passed).count());
+    std::fflush(stderr);
+}
+
 }  // namespace cli

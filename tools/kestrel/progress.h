@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -20,6 +21,23 @@ class Progress final {
   private:
     std::size_t total_;
     std::size_t done_ = 0;
+    bool shown_;
+};
+
+// A line on standard error while something is waited for: seconds passed and how far it is. Silent when
+// nobody watches.
+class WaitLine final {
+  public:
+    WaitLine(std::string what, bool wanted);
+    ~WaitLine();
+    WaitLine(const WaitLine&) = delete;
+    WaitLine& operator=(const WaitLine&) = delete;
+
+    void Show(std::string_view state) const;
+
+  private:
+    std::string what_;
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
     bool shown_;
 };
 

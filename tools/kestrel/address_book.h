@@ -1,0 +1,45 @@
+#pragma once
+
+#include <kestrel/sdk_types.h>
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace cli {
+
+struct AddressList final {
+    std::string_view name;
+    std::size_t records;
+    const char* getter;
+    const char* setter;
+};
+inline constexpr std::array<AddressList, 2> kAddressLists = {{
+    {"speed-dial", KESTREL_SPEED_DIAL_RECORDS, "GetQuickDialNumbers", "SetQuickDialNumbers"},
+    {"one-touch", KESTREL_ONE_TOUCH_RECORDS, "GetQuickDialButtons", "SetQuickDialButtons"},
+}};
+[[nodiscard]] const AddressList& FindAddressList(std::string_view name);
+
+// A record as people write it.
+struct AddressEntry final {
+    std::string type;  // none, fax, email
+    std::string name;
+    std::string address;
+};
+
+// The printer writes "(null)" for a text that it does not have; that counts as empty.
+[[nodiscard]] AddressEntry EntryFrom(const KestrelQuickDial& record);
+[[nodiscard]] bool IsEmpty(const KestrelQuickDial& record);
+
+// Throws a value failure for an unknown type, a text that is too long, or one that the code page lacks.
+[[nodiscard]] KestrelQuickDial RecordFrom(const AddressEntry& entry);
+
+// Lines number,type,name,address under a heading; empty records are left out.
+[[nodiscard]] std::string CsvFromRecords(const std::vector<KestrelQuickDial>& records);
+
+// Reads the same back, with or without the heading; a whole list, empty where the file says nothing. Throws a
+// value failure that names the row.
+[[nodiscard]] std::vector<KestrelQuickDial> RecordsFromCsv(std::string_view text, const AddressList& list);
+
+}  // namespace cli

@@ -1,0 +1,264 @@
+// What the printer finds in its networks: access points, answers to pings, hosts.
+#include <fmt/format.h>
+
+#include <array>
+#include <thread>
+
+#include "../progress.h"
+#include "../settings.h"
+#include "../text.h"
+#include "commands.h"
+
+namespace cli {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+constexpr milliseconds kPollInterval{500};
+// A search that has found nothing new for so long has found what there is.
+constexpr milliseconds kQuietEnd{3000};
+
+std::uint32_t AskNumber(const Library& library, const char* function, const char* what,
+                        std::uint32_t timeoutMs) {
+    std::uint32_t number = 0;
+    Demand<kestrel_bool(std::uint32_t*, std::uint32_t)>(
+        library, function, {fmt::format("cannot read the number of {}", what), Exchange::kRead}, &number,
+        timeoutMs);
+    return number;
+}
+
+// --- wifi ---
+
+void WaitForSearch(Context& context, const Library& library, milliseconds limit) {
+    const WaitLine line("searching access points", !context.Options().json);
+    const Clock::time_point end = Clock::now() + limit;
+    Clock::time_point lastNews = Clock::now();
+    std::uint32_t found = 0;
+    while (Clock::now() < end && (found == 0 || Clock::now() - lastNews < kQuietEnd)) {
+        line.Show(fmt::format("{} found", found));
+        std::this_thread::sleep_for(kPollInterval);
+        const std::uint32_t now =
+            AskNumber(library, "GetNumAccessPoints", "access points", context.Options().timeoutMs);
+        if (now != found) lastNews = Clock::now();
+        found = now;
+    }
+}
+
+Report Scan(Context& context, milliseconds limit) {
+    const Library& library = context.GetPrinter().GetLibrary();
+    const std::uint32_t timeoutMs = context.Options().timeoutMs;
+    Demand<decltype(StartSearchForAccessPoints)>(library, "StartSearchForAccessPoints",
+                                                 {"cannot start the search for access points"}, timeoutMs);
+    WaitForSearch(context, library, limit);
+
+    std::vector<KestrelAccessPoint> points(KESTREL_MAX_ACCESS_POINTS);
+    Demand<decltype(GetAccessPoints)>(library, "GetAccessPoints",
+                                      {"cannot read the access points", Exchange::kRead}, points.data(),
+                                      timeoutMs);
+    Report report;
+    report.data["accessPoints"] = nlohmann::ordered_json::array();
+    std::vector<std::vector<std::string>> rows = {{"SSID", "MAC ADDRESS", "CHANNEL", "SIGNAL", "ENCRYPTION"}};
+    for (const KestrelAccessPoint& point : points) {
+        const std::string ssid = Utf8FromWide(point.ssid);
+        const std::string address = Utf8FromWide(point.macAddress);
+        // A hidden network has no name; an empty record has no address either.
+        if (ssid.empty() && address.empty()) continue;
+        rows.push_back({ForTerminal(ssid), ForTerminal(address), std::to_string(point.channel),
+                        std::to_string(point.signalStrength), std::to_string(point.encryption)});
+        report.data["accessPoints"].push_back({{"ssid", ssid},
+                                               {"macAddress", address},
+                                               {"channel", point.channel},
+                                               {"signalStrength", point.signalStrength},
+                                               {"beaconInterval", point.beaconInterval},
+                                               {"capabilities", point.capabilities},
+                                               {"encryption", point.encryption}});
+    }
+    report.text =
+        rows.size() > 1 ? AlignedTable(rows, context.ResultPaint()) : "no access point was found\n";
+    return report;
+}
+
+constexpr std::array<const char*, 9> kShownSettings = {
+    "wireless.radio",         "wireless.state",         "wireless.ssid",
+    "wireless.mode",          "wireless.channel",       "wireless.authentication",
+    "wireless.security-type", "wireless.speed",         "wireless.rssi-dbm"};
+
+Report ShowWifi(Context& context) {
+    Report report;
+    std::vector<std::vector<std::string>> rows = {{"KEY", "VALUE"}};
+    nlohmann::ordered_json& values = report.data["values"] = nlohmann::ordered_json::object();
+    for (const char* const name : kShownSettings) {
+        const SettingRow& row = FindReadableSetting(name);
+        const Value value = context.GetPrinter().Get(row);
+        rows.push_back({name, ForTerminal(FormatValue(row, value))});
+        values[name] = JsonValue(row, value);
+    }
+    report.text = AlignedTable(rows, context.ResultPaint());
+    return report;
+}
+
+// In the order in which they are set: the network before what protects it.
+struct WifiOption {
+    const char* option;
+    const char* setting;
+    const char* help;
+};
+constexpr std::array<WifiOption, 6> kWifiOptions = {{
+    {"--ssid", "wireless.ssid", "Name of the network"},
+    {"--mode", "wireless.mode", "Direct or through an access point"},
+    {"--channel", "wireless.channel", "Radio channel"},
+    {"--authentication", "wireless.authentication", "How the printer joins"},
+    {"--security", "wireless.security-type", "Encryption"},
+    {"--pass-phrase", "wireless.pass-phrase", "Pass phrase of the network"},
+}};
+using WifiValues = std::array<std::string, kWifiOptions.size()>;
+
+Report SetWifi(Context& context, const WifiValues& written) {
+    struct Change {
+        const SettingRow* row;
+        Value value;
+    };
+    // All are understood before the first is sent.
+    std::vector<Change> changes;
+    for (std::size_t i = 0; i < kWifiOptions.size(); ++i) {
+        if (written[i].empty()) continue;
+        const SettingRow& row = FindWritableSetting(kWifiOptions[i].setting);
+        changes.push_back({&row, ParseValue(row, written[i])});
+    }
+    if (changes.empty()) throw UsageFailure("nothing is given to set", "give at least --ssid");
+
+    Report report;
+    report.data["set"] = nlohmann::ordered_json::array();
+    for (const Change& change : changes) {
+        try {
+            context.GetPrinter().Set(*change.row, change.value);
+        } catch (const Failure& failure) {
+            report.failure = failure;
+            break;
+        }
+        report.data["set"].push_back(change.row->name);
+    }
+    return report;
+}
+
+// --- ping ---
+
+struct PingOptions {
+    std::string address;
+    std::uint32_t count = 4;
+    std::uint32_t wait = 2;
+};
+
+Report Ping(Context& context, const PingOptions& options) {
+    const SettingRow& addressRow = FindSetting("ip.static.address");
+    const auto address = static_cast<std::uint32_t>(ParseValue(addressRow, options.address).number);
+    const Library& library = context.GetPrinter().GetLibrary();
+    const std::uint32_t timeoutMs = context.Options().timeoutMs;
+    Demand<decltype(SetPing)>(library, "SetPing", {fmt::format("cannot ping {}", options.address)}, address,
+                              static_cast<std::uint8_t>(options.count),
+                              static_cast<std::uint8_t>(options.wait), timeoutMs);
+
+    std::uint32_t sent = 0;
+    {
+        const WaitLine line("pinging " + options.address, !context.Options().json);
+        // The printer counts the time of a ping in its own unit, which is taken for a second here.
+        const Clock::time_point end =
+            Clock::now() + std::chrono::seconds(options.count * (options.wait + 1)) + kQuietEnd;
+        while (sent < options.count && Clock::now() < end) {
+            line.Show(fmt::format("{} of {} sent", sent, options.count));
+            std::this_thread::sleep_for(kPollInterval);
+            sent = AskNumber(library, "GetNumOfPingExecuted", "pings sent", timeoutMs);
+        }
+    }
+    const std::uint32_t answered = AskNumber(library, "GetNumOfPingSuccess", "pings answered", timeoutMs);
+    Report report{fmt::format("{}: {} pings sent, {} answered\n", options.address, sent, answered),
+                  {{"address", options.address}, {"sent", sent}, {"answered", answered}},
+                  {}};
+    if (answered == 0) {
+        report.failure = Failure{ExitCode::kDeviceRefused,
+                                 fmt::format("{} did not answer the printer", options.address),
+                                 "check the address and the printer's network settings",
+                                 {},
+                                 {},
+                                 {}};
+    }
+    return report;
+}
+
+// --- hosts ---
+
+Report Hosts(Context& context) {
+    std::vector<KestrelHost> hosts(KESTREL_MAX_HOSTS);
+    Demand<decltype(GetMDNSHostList)>(context.GetPrinter().GetLibrary(), "GetMDNSHostList",
+                                      {"cannot read the hosts", Exchange::kRead}, hosts.data(),
+                                      context.Options().timeoutMs);
+    Report report;
+    report.data["hosts"] = nlohmann::ordered_json::array();
+    for (const KestrelHost& host : hosts) {
+        const std::string name = Utf8FromWide(host.name);
+        if (name.empty()) continue;
+        report.text += ForTerminal(name) + '\n';
+        report.data["hosts"].push_back(name);
+    }
+    if (report.text.empty()) report.text = "the printer has found no host\n";
+    return report;
+}
+
+}  // namespace
+
+void AddWifi(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command = app.add_subcommand("wifi", "The printer's wireless network");
+    command->require_subcommand(1);
+
+    CLI::App* const show = command->add_subcommand("show", "Print the wireless settings and state");
+    show->footer("Example: kestrel wifi show");
+    show->callback([&chosen] { chosen = {"wifi show", ShowWifi}; });
+
+    CLI::App* const scan = command->add_subcommand("scan", "Let the printer search access points");
+    const auto limit = std::make_shared<milliseconds>(15000);
+    AddTimeOption(
+        *scan, "--wait", [limit](milliseconds time) { *limit = time; }, "Longest search [15s]");
+    scan->footer(
+        "The search ends earlier when nothing new has been found for 3 seconds. The encryption is the\n"
+        "printer's own number.\n\nExample: kestrel wifi scan");
+    scan->callback([&chosen, limit] {
+        chosen = {"wifi scan", [limit](Context& context) { return Scan(context, *limit); }};
+    });
+
+    CLI::App* const set = command->add_subcommand("set", "Change several wireless settings");
+    const auto values = std::make_shared<WifiValues>();
+    for (std::size_t i = 0; i < kWifiOptions.size(); ++i)
+        set->add_option(kWifiOptions[i].option, (*values)[i], kWifiOptions[i].help)->type_name("VALUE");
+    set->footer(
+        "`kestrel list wireless` shows the allowed words.\n\n"
+        "Example: kestrel wifi set --ssid Office --security WPA2_PSK_AES --pass-phrase \"open sesame\"");
+    set->callback([&chosen, values] {
+        chosen = {"wifi set", [values](Context& context) { return SetWifi(context, *values); }};
+    });
+}
+
+void AddPing(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command = app.add_subcommand("ping", "Let the printer ping an address");
+    const auto options = std::make_shared<PingOptions>();
+    command->add_option("ADDRESS", options->address, "Dotted address")->required();
+    command->add_option("--count", options->count, "How many pings")
+        ->capture_default_str()
+        ->check(CLI::Range(1, 255));
+    command->add_option("--wait", options->wait, "Time that the printer waits for each answer, in its own unit")
+        ->capture_default_str()
+        ->check(CLI::Range(1, 255));
+    command->footer("Without any answer the exit code is 1.\n\nExample: kestrel ping 192.168.0.1");
+    command->callback([&chosen, options] {
+        chosen = {"ping", [options](Context& context) { return Ping(context, *options); }};
+    });
+}
+
+void AddHosts(CLI::App& app, Chosen& chosen) {
+    CLI::App* const command =
+        app.add_subcommand("hosts", "Print the hosts that the printer found by multicast DNS");
+    command->footer("Example: kestrel hosts");
+    command->callback([&chosen] { chosen = {"hosts", Hosts}; });
+}
+
+}  // namespace cli
