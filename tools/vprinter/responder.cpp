@@ -109,6 +109,8 @@ bool Responder::CarryOut(const Command& command) {
     if ((reachable || word->needsDevice) && !IsOnline()) {
         return Refuse(kNotReached, "The device does not answer", command.key);
     }
+    const bool isAction = reachable ? command.kind != CommandKind::Query : word->needsDevice;
+    if (isAction && IsLockedByAnother()) return RefuseAsLocked();
     return reachable ? CarryOutOnSetting(*setting, command) : (this->*word->carryOut)(*word, command);
 }
 
@@ -166,15 +168,19 @@ bool Responder::SwitchCache(const WordRow& row, const Command& command) {
 }
 
 bool Responder::Lock(const WordRow& row, const Command& command) {
-    if (IsLockedByAnother()) return Refuse(kBusy, "Locked by process", std::to_string(lockHolder_));
+    if (IsLockedByAnother()) return RefuseAsLocked();
     lockHolder_ = client_;
     return Acknowledge(row, command);
 }
 
 bool Responder::Unlock(const WordRow& row, const Command& command) {
-    if (IsLockedByAnother()) return Refuse(kBusy, "Locked by process", std::to_string(lockHolder_));
+    if (IsLockedByAnother()) return RefuseAsLocked();
     lockHolder_ = 0;
     return Acknowledge(row, command);
+}
+
+bool Responder::RefuseAsLocked() {
+    return Refuse(kBusy, "Locked by process", std::to_string(lockHolder_));
 }
 
 bool Responder::IsLockedByAnother() {

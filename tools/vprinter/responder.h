@@ -56,6 +56,7 @@ class Responder final {
     [[nodiscard]] bool Lock(const WordRow& row, const Command& command);
     [[nodiscard]] bool Unlock(const WordRow& row, const Command& command);
     [[nodiscard]] bool IsLockedByAnother();
+    [[nodiscard]] bool RefuseAsLocked();
     [[nodiscard]] bool GetStatus(const WordRow& row, const Command& command);
     [[nodiscard]] bool GetCapabilities(const WordRow& row, const Command& command);
     [[nodiscard]] bool OrderSupplies(const WordRow& row, const Command& command);
