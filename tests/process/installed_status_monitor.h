@@ -1,0 +1,58 @@
+// The status monitor of an installed product, started by the test or by the library.
+#pragma once
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "installed_printer.h"
+
+class InstalledStatusMonitor : public InstalledPrinter {
+  protected:
+    InstalledStatusMonitor() {
+        program_ = nlohmann::json::parse(RunClient({"setup", "--json"}).output)
+                       .at("statusMonitor")
+                       .get<std::string>();
+    }
+    ~InstalledStatusMonitor() override {
+        if (std::filesystem::exists(program_)) {
+            EXPECT_NE(70, StopMonitor());
+        }
+    }
+
+    [[nodiscard]] ChildProcess Launch(std::vector<std::string> options) const {
+        options.insert(options.begin(), program_.string());
+        return ChildProcess(options);
+    }
+    void StartMonitor(const std::vector<std::string>& options = {}) {
+        monitor_ = Launch(options);
+        ASSERT_EQ("ready: ZRIJ9900MUI", monitor_.ReadLine());
+    }
+    // 0 when one ran.
+    int StopMonitor() const { return Launch({"--stop"}).Wait(); }
+
+    // For the one that the library starts; it does not stay if all else fails.
+    void Configure(const std::string& settings = "{}") const {
+        nlohmann::json document = nlohmann::json::parse(settings);
+        document["exitAfter"] = 60000;
+        std::ofstream(std::filesystem::path(program_).replace_extension(".json")) << document;
+    }
+    // What that one has logged.
+    [[nodiscard]] std::string Log() const {
+        std::ostringstream text;
+        text << std::ifstream(home_ / "state/ZRIJ9900MUI.log").rdbuf();
+        return text.str();
+    }
+
+    std::filesystem::path program_;
+    ChildProcess monitor_;
+};
+
+inline size_t Count(const std::string& text, const std::string& part) {
+    size_t count = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
+        ++count;
+    return count;
+}
