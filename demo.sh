@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Shows the main job: a virtual printer in a process of its own is installed, selected, read and changed.
-# Everything it makes lies in a temporary folder that is gone at the end; only build/ stays.
+# A tour of what the library does, against a virtual printer in a process of its own. Every command is shown
+# before it runs, and one that must fail has to fail as announced. Everything made lies in a temporary folder
+# that is gone at the end; only build/ stays.
 set -euo pipefail
 cd "$(dirname "$0")"
 source scripts/prepare.sh
@@ -8,21 +9,27 @@ source scripts/prepare.sh
 install_packages "${BUILD_PACKAGES[@]}"
 CMAKE_EXTRA=(-DKESTREL_TESTS=OFF -DKESTREL_BENCH=OFF)
 [ -f build/native/CMakeCache.txt ] && CMAKE_EXTRA=()
-build_preset native kestrel_sdk kestrel kestrel-vprinter
+build_preset native kestrel_sdk kestrel kestrel-vprinter kestrel_statusmon rundll32
 
+status_monitor=ZRIJ9900MUI.exe
 work=$(mktemp -d)
 export WINPORT_HOME="$work/home"
 mkdir -m 700 "$WINPORT_HOME"
 export PATH="$PWD/build/native/bin:$PATH"
 export KESTREL_PRINTER="Demo Printer"
-printer_process=
+declare -A printer_processes=()  # by port
+
+# end_process ID: asks it to end, and waits for it.
+end_process() {
+    kill "$1" 2>/dev/null || :
+    wait "$1" 2>/dev/null || :
+}
 
 finish() {
-    local code=$?
-    if [ -n "$printer_process" ]; then
-        kill "$printer_process" 2>/dev/null || :
-        wait "$printer_process" 2>/dev/null || :
-    fi
+    local code=$? process
+    for process in "${printer_processes[@]}"; do end_process "$process"; done
+    # The library started it, so it is no child of ours; 3 says that none runs.
+    "$status_monitor" --stop >/dev/null 2>&1 || :
     rm -rf "$work"
     [ $code -eq 0 ] || echo "The demo failed with exit code $code." >&2
 }
@@ -41,48 +48,176 @@ show() {
     "$@"
 }
 
-say "Starting the virtual printer in a process of its own"
-kestrel-vprinter --port USB001 --trace text --trace-file "$work/trace.txt" >"$work/ready" 2>&1 &
-printer_process=$!
-for _ in $(seq 100); do
-    grep -q '^ready' "$work/ready" && break
-    kill -0 "$printer_process" 2>/dev/null || { cat "$work/ready" >&2; exit 1; }
-    sleep 0.1
-done
-cat "$work/ready"
-
-say "Installing the product's configuration and driver, and one printer on that port"
-show kestrel setup
-show kestrel printers add "Demo Printer" --port USB001
-show kestrel printers
-
-say "All settings as the printer has them"
-show kestrel list
-
-say "Changing one of each type, and reading it back"
-show kestrel set --verify fax.error-correction no
-show kestrel set --verify fax.redials 7
-show kestrel set --verify photo.quality Presentation
-show kestrel set --verify fax.senders-name 'Smith & Sons; Accounts'
-show kestrel set --verify ip.static.address 192.168.0.77
-show kestrel get fax.error-correction fax.redials photo.quality fax.senders-name ip.static.address
-
-say "A word that the setting does not have is refused before it is sent"
-if show kestrel set photo.quality Splendid; then
-    echo "it was accepted" >&2
+# must_fail CODE COMMAND...
+must_fail() {
+    local wanted=$1 code=0
+    shift
+    show "$@" || code=$?
+    [ "$code" -eq "$wanted" ] && return
+    echo "expected the exit code $wanted, not $code" >&2
     exit 1
-fi
-say "A number that the printer does not take is refused by the printer"
-if show kestrel set fax.redials 200; then
-    echo "it was accepted" >&2
-    exit 1
-fi
+}
 
-say "What the virtual printer saw last"
+# start_printer PORT: until it is ready.
+start_printer() {
+    local port=$1 ready="$work/$1.ready"
+    kestrel-vprinter --port "$port" --control "$work/control.json" \
+        --trace text --trace-file "$work/trace.txt" >"$ready" 2>&1 &
+    printer_processes[$port]=$!
+    for _ in $(seq 100); do
+        grep -q '^ready' "$ready" && break
+        kill -0 $! 2>/dev/null || { cat "$ready" >&2; exit 1; }
+        sleep 0.1
+    done
+    cat "$ready"
+}
+
+end_printer() {
+    end_process "${printer_processes[$1]}"
+    unset "printer_processes[$1]"
+}
+
+# happens JSON: what befalls the printers, as somebody who stands before them would cause it.
+happens() {
+    printf '\n(to the printer: %s)\n' "$1"
+    echo "{\"*\": $1}" >"$work/control.new"
+    mv "$work/control.new" "$work/control.json"
+}
+
+tour_setup() {
+    say "A virtual printer in a process of its own"
+    start_printer USB001
+    say "The product's configuration, status monitor and driver, and one printer on that port"
+    show kestrel setup
+    show kestrel printers add "Demo Printer" --port USB001
+    show kestrel printers
+}
+
+tour_settings() {
+    say "Settings: one of each type is changed and read back"
+    show kestrel set --verify fax.error-correction no
+    show kestrel set --verify fax.redials 7
+    show kestrel set --verify photo.quality Presentation
+    show kestrel set --verify fax.senders-name 'Smith & Sons; Accounts'
+    show kestrel set --verify ip.static.address 192.168.0.77
+    show kestrel get fax.error-correction fax.redials photo.quality fax.senders-name ip.static.address
+    show kestrel list 'fax.*'
+    say "A word that the setting does not have is refused before it is sent"
+    must_fail 6 kestrel set photo.quality Splendid
+    say "A number that the printer does not take is refused by the printer"
+    must_fail 1 kestrel set fax.redials 200
+}
+
+tour_status() {
+    say "The status: the library starts the status monitor first"
+    show kestrel status
+    happens '{"ink.black": 5, "status.error": "Paper_Jam"}'
+    show kestrel status
+    happens '{"ink.black": 75, "status.error": "None"}'
+    say "The status monitor shows its windows when it is asked"
+    show kestrel monitor show
+    show kestrel monitor maintenance
+    show kestrel monitor about
+    show kestrel monitor mode off
+    show kestrel monitor mode
+}
+
+tour_lock() {
+    say "One program keeps the printer for three seconds; another is refused meanwhile"
+    show kestrel lock --hold 3s &
+    local holder=$!
+    sleep 1
+    must_fail 5 kestrel set fax.redials 3
+    wait "$holder"
+    show kestrel set fax.redials 3
+    show kestrel cache off
+    show kestrel cache on
+}
+
+tour_address_book() {
+    say "The address book, in and out as a table"
+    printf 'list,index,type,name,address\nspeed-dial,0,Fax,"Smith, John",+1 555 0100\nspeed-dial,1,Email,"The ""Old"" Office",office@example.com\n' >"$work/book.csv"
+    show kestrel addressbook import "$work/book.csv"
+    show kestrel addressbook show
+    show kestrel addressbook export "$work/again.csv"
+}
+
+tour_network() {
+    say "Wireless networks in reach, a ping by the printer, and what it found by itself"
+    show kestrel wifi scan
+    show kestrel wifi show
+    show kestrel ping 192.168.0.1
+    show kestrel hosts
+}
+
+tour_device() {
+    say "The printer's clock"
+    show kestrel clock set 2020-02-29T12:00
+    show kestrel clock show
+    show kestrel clock sync
+    show kestrel clock show
+    say "What the printer is and can"
+    show kestrel identity
+    show kestrel capabilities
+    say "New firmware"
+    show kestrel firmware show
+    echo 'ZRFW 1 9900.2210.420' >"$work/new.fw"
+    show kestrel firmware upgrade "$work/new.fw"
+    show kestrel firmware show
+}
+
+tour_installation() {
+    say "A printer on the network: port, driver and printer as a set-up program installs them"
+    cat >"$work/printers.inf" <<'INF'
+[Version]
+Signature = "$Windows NT$"
+Class     = Printer
+
+[Manufacturer]
+"Kestrel" = Models, NTamd64, NTarm64
+
+[Models]
+"ZRIJ9900 Series" = Driver
+
+[Driver]
+DriverFile      = ZRIJ9900DRV.DLL
+DataFile        = ZRIJ9900.INI
+ConfigFile      = ZRIJ9900UI.DLL
+LanguageMonitor = "ZRIJ9900 Monitor,ZRIJ9900MON.DLL"
+INF
+    show kestrel install port 127.0.0.1
+    show kestrel install driver "$work/printers.inf" "ZRIJ9900 Series"
+    show kestrel install printer "Network Printer" "$work/printers.inf" "ZRIJ9900 Series" ZRIJT_127.0.0.1
+    show kestrel printers
+    start_printer ZRIJT_127.0.0.1
+    show kestrel -p "Network Printer" get fax.redials
+    end_printer ZRIJT_127.0.0.1
+}
+
+tour_supplies() {
+    say "Supplies are ordered by the printer"
+    show kestrel supplies order
+    say "The printer's process ends: now the status monitor orders them"
+    end_printer USB001
+    show kestrel supplies order
+    say "Without it the settings are out of reach"
+    must_fail 4 kestrel --timeout 1s get fax.redials
+}
+
+tour_setup
+tour_settings
+tour_status
+tour_lock
+tour_address_book
+tour_network
+tour_device
+tour_installation
+tour_supplies
+
+say "What the virtual printer and the status monitor saw last"
 tail -n 5 "$work/trace.txt"
+tail -n 5 "$WINPORT_HOME"/*.log
 
-say "Ending the virtual printer"
-kill "$printer_process"
-wait "$printer_process"
-printer_process=
+say "Ending the status monitor"
+show "$status_monitor" --stop
 echo "Done: nothing is left running, and $work is removed."
