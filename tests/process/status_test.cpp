@@ -259,10 +259,7 @@ TEST_F(Supplies, Are_ordered_by_the_printer_when_it_can_be_asked) {
 TEST_F(Supplies, Are_ordered_by_the_status_monitor_when_the_printer_is_gone) {
     for (const bool refused : {false, true}) {
         StartMonitor(refused ? std::vector<std::string>{"--refuse", "SOIS"} : std::vector<std::string>{});
-        WithPrinter([&] {
-            EXPECT_EQ(!refused, OrderSupplies() != 0);
-            EXPECT_NE(0u, GetLastError()) << "why the printer could not be asked";
-        });
+        WithPrinter([&] { EXPECT_EQ(!refused, OrderSupplies() != 0); });
         EXPECT_EQ(0, StopMonitor());
         EXPECT_NE(std::string::npos, monitor_.ReadAll().find("\"Unknown\""));
         EXPECT_EQ(0, monitor_.Wait());
