@@ -40,11 +40,10 @@ KESTREL_API kestrel_bool SetStatusMonitorDisplayMode(int32_t mode);
    Errors
      31                   the printer refuses
      SDK_ERROR_BAD_REPLY  the printer's answer is neither yes nor no
-     others               as of SendCmd: the printer could not be asked, and the status monitor refused or
-   could not be asked either
+     others               the printer could not be asked, and the status monitor refused or could not be asked
+                          either
 
-   After a success through the status monitor the last-error value tells why the printer could not be asked.
- */
+   Once the status monitor has been asked, the last-error value is what the exchanges with both have left. */
 KESTREL_API kestrel_bool OrderSupplies(void);
 
 /* --- Installation ---

@@ -1,20 +1,16 @@
-#include <fmt/format.h>
-
 #include "commands.h"
 
 namespace cli {
 namespace {
 
-// A success through the status monitor leaves the reason why the printer could not be asked.
+constexpr CodelessFailure kRefused = {ExitCode::kDeviceRefused,
+                                      "the printer cannot be asked and the status monitor refuses",
+                                      "check that the printer is switched on and connected, then try again"};
+
 Report Order(Context& context) {
-    const Library& library = context.GetPrinter().GetLibrary();
-    Demand<decltype(OrderSupplies)>(library, "OrderSupplies", {"cannot order supplies"});
-    const std::uint32_t code = GetLastError();
-    if (code == ERROR_SUCCESS) return {"the printer has started the order\n", {{"through", "printer"}}, {}};
-    return {fmt::format("the printer cannot be asked ({}); the status monitor has started the order\n",
-                        CodeText(code)),
-            {{"through", "status monitor"}, {"printerError", code}},
-            {}};
+    Demand<decltype(OrderSupplies)>(context.GetPrinter().GetLibrary(), "OrderSupplies",
+                                    {"cannot order supplies", Exchange::kWrite, kRefused});
+    return {"an order has been started\n", nlohmann::ordered_json::object(), {}};
 }
 
 }  // namespace
