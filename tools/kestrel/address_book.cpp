@@ -32,8 +32,9 @@ void SetField(kestrel_char (&field)[units], const std::string& text, const char*
                            fmt::format("write at most {} characters", units - 1));
     }
     if (!AnsiFromWide(wide)) {
-        throw ValueFailure(fmt::format("the {} \"{}\" has characters that the printer cannot take", what, text),
-                           "write it with the characters of the system's code page");
+        throw ValueFailure(
+            fmt::format("the {} \"{}\" has characters that the printer cannot take", what, text),
+            "write it with the characters of the system's code page");
     }
     std::copy(wide.begin(), wide.end(), std::begin(field));
 }
@@ -72,7 +73,8 @@ bool IsEmpty(const KestrelQuickDial& record) {
 KestrelQuickDial RecordFrom(const AddressEntry& entry) {
     const auto type = std::find(kTypes.begin(), kTypes.end(), LowerAscii(entry.type));
     if (type == kTypes.end()) {
-        throw ValueFailure(fmt::format("\"{}\" is no type of address", entry.type), "choose none, fax or email");
+        throw ValueFailure(fmt::format("\"{}\" is no type of address", entry.type),
+                           "choose none, fax or email");
     }
     KestrelQuickDial record{};
     record.addressType = static_cast<std::uint32_t>(type - kTypes.begin());

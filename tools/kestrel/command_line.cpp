@@ -72,9 +72,10 @@ void DeclareCommandLine(CLI::App& app, GlobalOptions& options, Chosen& chosen) {
     app.fallthrough();
     DeclareGlobalOptions(app, options);
 
-    constexpr std::array kCommands = {AddSetup,    AddPrinters,    AddGet,      AddSet,          AddList,
-                                      AddRaw,      AddMaintenance, AddLock,     AddUnlock,       AddCancel,
-                                      AddCache,    AddClock,       AddFirmware, AddCapabilities, AddIdentity,
+    constexpr std::array kCommands = {AddSetup,    AddPrinters,    AddStatus,   AddGet,          AddSet,
+                                      AddList,     AddAddressBook, AddRaw,      AddMaintenance,  AddLock,
+                                      AddUnlock,   AddCancel,      AddCache,    AddWifi,         AddPing,
+                                      AddHosts,    AddClock,       AddFirmware, AddCapabilities, AddIdentity,
                                       AddSupplies, AddMonitor,     AddInstall,  AddVersion,      AddComplete};
     for (const auto add : kCommands)
         add(app, chosen);

@@ -74,8 +74,9 @@ class CsvReader final {
     }
 
     [[noreturn]] void Refuse(std::string_view what) const {
-        throw ValueFailure(fmt::format("line {}: {}", line_, what),
-                           "put a field with commas, quotes or line ends into quotes and double the quotes in it");
+        throw ValueFailure(
+            fmt::format("line {}: {}", line_, what),
+            "put a field with commas, quotes or line ends into quotes and double the quotes in it");
     }
 
     std::string_view rest_;

@@ -20,7 +20,8 @@ struct FileOptions {
 std::uint32_t ListTimeout(const Context& context, const AddressList& list) {
     constexpr std::uint64_t kLongest = 600000;
     const std::uint64_t whole = std::uint64_t{context.Options().timeoutMs} * list.records;
-    return static_cast<std::uint32_t>(std::min(whole, std::max<std::uint64_t>(kLongest, context.Options().timeoutMs)));
+    return static_cast<std::uint32_t>(
+        std::min(whole, std::max<std::uint64_t>(kLongest, context.Options().timeoutMs)));
 }
 
 constexpr CodelessFailure kOutOfTime = {ExitCode::kNoAnswer, "the time for the whole list ran out",
@@ -47,14 +48,16 @@ Report Show(Context& context, const std::string& only) {
     std::vector<std::vector<std::string>> rows = {{"LIST", "NUMBER", "TYPE", "NAME", "ADDRESS"}};
     for (const AddressList& list : kAddressLists) {
         if (!only.empty() && list.name != only) continue;
-        nlohmann::ordered_json& entries = report.data[std::string(list.name)] = nlohmann::ordered_json::array();
+        nlohmann::ordered_json& entries = report.data[std::string(list.name)] =
+            nlohmann::ordered_json::array();
         const std::vector<KestrelQuickDial> records = ReadList(context, list);
         for (std::size_t i = 0; i < records.size(); ++i) {
             if (IsEmpty(records[i])) continue;
             const AddressEntry entry = EntryFrom(records[i]);
             rows.push_back({std::string(list.name), std::to_string(i), entry.type, ForTerminal(entry.name),
                             ForTerminal(entry.address)});
-            entries.push_back({{"number", i}, {"type", entry.type}, {"name", entry.name}, {"address", entry.address}});
+            entries.push_back(
+                {{"number", i}, {"type", entry.type}, {"name", entry.name}, {"address", entry.address}});
         }
     }
     report.text = rows.size() > 1 ? AlignedTable(rows, context.ResultPaint()) : "the address book is empty\n";

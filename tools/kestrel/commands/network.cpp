@@ -7,6 +7,7 @@
 #include "../progress.h"
 #include "../settings.h"
 #include "../text.h"
+#include "../values.h"
 #include "commands.h"
 
 namespace cli {
@@ -74,15 +75,14 @@ Report Scan(Context& context, milliseconds limit) {
                                                {"capabilities", point.capabilities},
                                                {"encryption", point.encryption}});
     }
-    report.text =
-        rows.size() > 1 ? AlignedTable(rows, context.ResultPaint()) : "no access point was found\n";
+    report.text = rows.size() > 1 ? AlignedTable(rows, context.ResultPaint()) : "no access point was found\n";
     return report;
 }
 
 constexpr std::array<const char*, 9> kShownSettings = {
-    "wireless.radio",         "wireless.state",         "wireless.ssid",
-    "wireless.mode",          "wireless.channel",       "wireless.authentication",
-    "wireless.security-type", "wireless.speed",         "wireless.rssi-dbm"};
+    "wireless.radio",         "wireless.state",   "wireless.ssid",
+    "wireless.mode",          "wireless.channel", "wireless.authentication",
+    "wireless.security-type", "wireless.speed",   "wireless.rssi-dbm"};
 
 Report ShowWifi(Context& context) {
     Report report;
@@ -232,7 +232,7 @@ void AddWifi(CLI::App& app, Chosen& chosen) {
         set->add_option(kWifiOptions[i].option, (*values)[i], kWifiOptions[i].help)->type_name("VALUE");
     set->footer(
         "`kestrel list wireless` shows the allowed words.\n\n"
-        "Example: kestrel wifi set --ssid Office --security WPA2_PSK_AES --pass-phrase \"open sesame\"");
+        "Example: kestrel wifi set --ssid Office --security WPA2PSK_AES --pass-phrase \"open sesame\"");
     set->callback([&chosen, values] {
         chosen = {"wifi set", [values](Context& context) { return SetWifi(context, *values); }};
     });
@@ -245,7 +245,8 @@ void AddPing(CLI::App& app, Chosen& chosen) {
     command->add_option("--count", options->count, "How many pings")
         ->capture_default_str()
         ->check(CLI::Range(1, 255));
-    command->add_option("--wait", options->wait, "Time that the printer waits for each answer, in its own unit")
+    command
+        ->add_option("--wait", options->wait, "Time that the printer waits for each answer, in its own unit")
         ->capture_default_str()
         ->check(CLI::Range(1, 255));
     command->footer("Without any answer the exit code is 1.\n\nExample: kestrel ping 192.168.0.1");
