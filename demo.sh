@@ -136,10 +136,15 @@ tour_lock() {
 
 tour_address_book() {
     say "The address book, in and out as a table"
-    printf 'list,index,type,name,address\nspeed-dial,0,Fax,"Smith, John",+1 555 0100\nspeed-dial,1,Email,"The ""Old"" Office",office@example.com\n' >"$work/book.csv"
+    cat >"$work/book.csv" <<'CSV'
+number,type,name,address
+0,fax,"Smith, John",+1 555 0100
+7,email,"The ""Old"" Office",office@example.com
+CSV
     show kestrel addressbook import "$work/book.csv"
     show kestrel addressbook show
-    show kestrel addressbook export "$work/again.csv"
+    show kestrel addressbook set 2 fax "Head office" 0301234567
+    show kestrel addressbook export
 }
 
 tour_network() {
@@ -152,7 +157,7 @@ tour_network() {
 
 tour_device() {
     say "The printer's clock"
-    show kestrel clock set 2020-02-29T12:00
+    show kestrel clock set '2020-02-29 12:00'
     show kestrel clock show
     show kestrel clock sync
     show kestrel clock show
@@ -216,7 +221,7 @@ tour_supplies
 
 say "What the virtual printer and the status monitor saw last"
 tail -n 5 "$work/trace.txt"
-tail -n 5 "$WINPORT_HOME"/*.log
+tail -n 5 "$WINPORT_HOME/state/ZRIJ9900MUI.log"
 
 say "Ending the status monitor"
 show "$status_monitor" --stop
