@@ -15,6 +15,13 @@ using namespace std::literals;
 
 constexpr uint32_t kClient = 100;
 
+/// A path as the library sends it, escaped and in the ANSI code page.
+std::string SentPath(std::string path) {
+    for (char& c : path)
+        if (c == '.') c = '\x1C';
+    return path;
+}
+
 class VprinterLiveDevice : public ::testing::Test {
   protected:
     void TearDown() override { std::filesystem::remove(path_); }
@@ -164,16 +171,16 @@ TEST_F(VprinterLiveDevice, Access_points_pings_and_hosts_come_with_time) {
     EXPECT_EQ(Ask(network + "GetMDNSHostList?"), "0101," + network + "GetMDNSHostList[0]=a\x1Clocal;");
 
     ASSERT_EQ(Control(R"({"*": {"DeviceNetwork.WiFiStatus.CurrentState": "Disconnected"}})"), "");
-    EXPECT_EQ(Value(network + "GetPingResult.NumOfPingExecuted"), "4");
+    EXPECT_EQ(Value(network + "GetPingResult.NumOfPingSuccess"), "4") << "those made before stay answered";
+    Ask(network + "SetPing.NumOfPing=4;");
+    tickMs_ += 4100;  // two time-outs
+    EXPECT_EQ(Value(network + "GetPingResult.NumOfPingExecuted"), "2");
     EXPECT_EQ(Value(network + "GetPingResult.NumOfPingSuccess"), "0");
     EXPECT_EQ(Value(network + "GetMDNSHostList"), "(null)");
 }
 
 TEST_F(VprinterLiveDevice, An_upgrade_takes_a_firmware_file_and_its_time) {
-    std::string path = path_;
-    for (char& c : path)
-        if (c == '.') c = '\x1C';
-    const std::string request = "ZRUpgradeFW=" + path + ";";
+    const std::string request = "ZRUpgradeFW=" + SentPath(path_) + ";";
     EXPECT_TRUE(Ask(request).starts_with("100113,"));
     for (const std::string_view bad :
          {"", "ZRFW 1 9900.2210.420", "ZRFW 2 9900.2210.420\n", "ZRFW 1 9900.2210\n",
@@ -197,6 +204,14 @@ TEST_F(VprinterLiveDevice, An_upgrade_takes_a_firmware_file_and_its_time) {
     EXPECT_EQ(NumberAt(Status(), 12), 0xFFFFFFFFu);
     Ask("DeviceSettings.System.RestoreDefaults=All;");
     EXPECT_EQ(Value("DeviceSettings.System.Version.Lagoon"), "420");
+}
+
+TEST_F(VprinterLiveDevice, A_firmware_path_is_text_of_the_ANSI_code_page_with_either_separator) {
+    path_ += "_\xE2\x82\xAC";  // the euro sign, 0x80 in that page
+    std::ofstream(path_) << "ZRFW 1 9900.2210.420\n";
+    std::string sent = SentPath(path_.substr(0, path_.size() - 3)) + "\x80";
+    sent[sent.rfind('/')] = '\\';
+    EXPECT_EQ(Ask("ZRUpgradeFW=" + sent + ";"), "0101,ZRUpgradeFW;");
 }
 
 }  // namespace

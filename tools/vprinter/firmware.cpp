@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "kwt/strings.h"
 #include "vprinter/condition.h"
 
 namespace vprinter {
@@ -44,11 +45,14 @@ std::optional<FirmwareVersion> ReadFirmwareLine(std::string_view beginning) {
     return at == lineEnd ? std::optional(version) : std::nullopt;
 }
 
-std::optional<std::string> ReadBeginning(std::string_view path) {
-    // Each byte of the printer's 8-bit code is the character of that number.
+std::optional<std::string> ReadBeginning(const std::string& path) {
+    // The client has put the path into the ANSI code page. A slash separates folders on every system.
+    const kwt::WideString wide(path.c_str());
+    const WCHAR* const text = wide.GetBuffer();
+    if (text == nullptr) return std::nullopt;
     std::u16string name;
-    for (const char c : path)
-        name += static_cast<char16_t>(static_cast<uint8_t>(c));
+    for (const WCHAR* unit = text; *unit != 0; ++unit)
+        name += *unit == TEXT('\\') ? u'/' : static_cast<char16_t>(*unit);
     std::ifstream file(std::filesystem::path(name), std::ios::binary);
     std::string text(kMaxLine, '\0');
     file.read(text.data(), static_cast<std::streamsize>(text.size()));
@@ -58,7 +62,7 @@ std::optional<std::string> ReadBeginning(std::string_view path) {
     return text;
 }
 
-std::optional<FirmwareUpgrade::Refusal> FirmwareUpgrade::Begin(std::string_view path) {
+std::optional<FirmwareUpgrade::Refusal> FirmwareUpgrade::Begin(const std::string& path) {
     if (IsUnderWay()) return Refusal{kBusy, "An upgrade is under way"};
     const std::optional<std::string> beginning = ReadBeginning(path);
     if (!beginning) return Refusal{kNoSuchFile, "The firmware file cannot be read"};

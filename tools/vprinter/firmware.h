@@ -26,8 +26,8 @@ struct FirmwareVersion {
 /// The version that the first line of a firmware file names; nothing when it is none.
 [[nodiscard]] std::optional<FirmwareVersion> ReadFirmwareLine(std::string_view beginning);
 
-/// The first bytes of a file; nothing when it cannot be read.
-[[nodiscard]] std::optional<std::string> ReadBeginning(std::string_view path);
+/// The first bytes of a file, whose path is text of the ANSI code page; nothing when it cannot be read.
+[[nodiscard]] std::optional<std::string> ReadBeginning(const std::string& path);
 
 class FirmwareUpgrade final {
   public:
@@ -40,7 +40,7 @@ class FirmwareUpgrade final {
         std::string text;
     };
     /// Begins an upgrade from the file at `path`.
-    [[nodiscard]] std::optional<Refusal> Begin(std::string_view path);
+    [[nodiscard]] std::optional<Refusal> Begin(const std::string& path);
 
     [[nodiscard]] bool IsUnderWay() const { return next_.has_value(); }
     /// Ends an upgrade whose time has come.

@@ -11,7 +11,7 @@ constexpr uint32_t kList = 101;
 
 struct LiveDevice::Row {
     OplKey key;
-    std::string (LiveDevice::*read)() const;
+    std::string (LiveDevice::*read)();
     std::string (LiveDevice::*act)(const Setting& setting);
     uint32_t number = 0;
 };
@@ -47,7 +47,7 @@ const LiveDevice::Row& LiveDevice::RowOf(const Setting& setting) {
     return *std::ranges::find(kRows, setting.spec.id, &Row::key);
 }
 
-LiveDevice::Reading LiveDevice::Read(const Setting& setting) const {
+LiveDevice::Reading LiveDevice::Read(const Setting& setting) {
     const Row& row = RowOf(setting);
     return {row.number, (this->*row.read)()};
 }
@@ -57,24 +57,24 @@ std::string LiveDevice::Act(const Setting& setting) {
 }
 
 // Both values are asked one by one afterwards; this reply names those that the printer has.
-std::string LiveDevice::ReadConfiguration() const {
+std::string LiveDevice::ReadConfiguration() {
     ReplyItems items;
     for (const OplKey key : {OplKey::GCPConfigured, OplKey::PennantConfigured})
         items.Text(KeyText(key), model_.Value(KeyText(key)));
     return items.Take();
 }
 
-std::string LiveDevice::ReadAccessPointsFound() const {
+std::string LiveDevice::ReadAccessPointsFound() {
     return ReplyItems()
         .Number(KeyText(OplKey::NumAccessPoints), static_cast<int64_t>(network_.AccessPointsFound()))
         .Take();
 }
 
-std::string LiveDevice::ReadPingsExecuted() const {
+std::string LiveDevice::ReadPingsExecuted() {
     return ReplyItems().Number(KeyText(OplKey::NumOfPingExecuted), network_.PingsExecuted()).Take();
 }
 
-std::string LiveDevice::ReadPingsAnswered() const {
+std::string LiveDevice::ReadPingsAnswered() {
     return ReplyItems().Number(KeyText(OplKey::NumOfPingSuccess), network_.PingsAnswered()).Take();
 }
 

@@ -23,7 +23,7 @@ class LiveDevice final {
         uint32_t number = 0;  // response number
         std::string items;
     };
-    [[nodiscard]] Reading Read(const Setting& setting) const;
+    [[nodiscard]] Reading Read(const Setting& setting);
 
     /// What follows from the value that a live setting has just taken. Returns what is wrong with the value
     /// after all; empty for nothing.
@@ -36,15 +36,15 @@ class LiveDevice final {
     static const Row kRows[];
     [[nodiscard]] static const Row& RowOf(const Setting& setting);
 
-    [[nodiscard]] std::string ReadTime() const { return clock_.TimeItems(); }
-    [[nodiscard]] std::string ReadYear() const { return clock_.YearItem(); }
-    [[nodiscard]] std::string ReadClockText() const { return clock_.ClockText(); }
-    [[nodiscard]] std::string ReadConfiguration() const;
-    [[nodiscard]] std::string ReadAccessPointsFound() const;
-    [[nodiscard]] std::string ReadAccessPoints() const { return network_.AccessPointItems(); }
-    [[nodiscard]] std::string ReadPingsExecuted() const;
-    [[nodiscard]] std::string ReadPingsAnswered() const;
-    [[nodiscard]] std::string ReadHosts() const { return network_.HostItems(); }
+    [[nodiscard]] std::string ReadTime() { return clock_.TimeItems(); }
+    [[nodiscard]] std::string ReadYear() { return clock_.YearItem(); }
+    [[nodiscard]] std::string ReadClockText() { return clock_.ClockText(); }
+    [[nodiscard]] std::string ReadConfiguration();
+    [[nodiscard]] std::string ReadAccessPointsFound();
+    [[nodiscard]] std::string ReadAccessPoints() { return network_.AccessPointItems(); }
+    [[nodiscard]] std::string ReadPingsExecuted();
+    [[nodiscard]] std::string ReadPingsAnswered();
+    [[nodiscard]] std::string ReadHosts() { return network_.HostItems(); }
 
     [[nodiscard]] std::string RestoreDefaults(const Setting& setting);
     [[nodiscard]] std::string SetTimeField(const Setting& setting);

@@ -57,23 +57,32 @@ std::string NetworkActivity::AccessPointItems() const {
 }
 
 void NetworkActivity::Ping() {
-    pingBegan_ = tickMs_();
+    lastPingAt_ = tickMs_();
+    pingsExecuted_ = 0;
+    answeredPercents_ = 0;
 }
 
-uint32_t NetworkActivity::PingsExecuted() const {
-    if (!pingBegan_) return 0;
-    uint64_t intervalMs = kAnsweredPingMs;
-    if (!IsConnected() || model_.Number(condition::kPingAnswered) == 0) {
-        intervalMs =
-            static_cast<uint64_t>(std::max<int64_t>(model_.Number(KeyText(OplKey::PingTimeout)), 1)) * 1000;
+void NetworkActivity::AdvancePings() {
+    if (!lastPingAt_) return;
+    const int64_t answered = IsConnected() ? model_.Number(condition::kPingAnswered) : 0;
+    const int64_t timeoutSeconds = std::max<int64_t>(model_.Number(KeyText(OplKey::PingTimeout)), 1);
+    const uint64_t intervalMs = answered > 0 ? kAnsweredPingMs : static_cast<uint64_t>(timeoutSeconds) * 1000;
+    const int64_t count = model_.Number(KeyText(OplKey::PingCount));
+    while (pingsExecuted_ < count && MsSince(*lastPingAt_) >= intervalMs) {
+        *lastPingAt_ += intervalMs;
+        ++pingsExecuted_;
+        answeredPercents_ += static_cast<uint32_t>(answered);
     }
-    const auto count = static_cast<uint64_t>(model_.Number(KeyText(OplKey::PingCount)));
-    return static_cast<uint32_t>(std::min(MsSince(*pingBegan_) / intervalMs, count));
 }
 
-uint32_t NetworkActivity::PingsAnswered() const {
-    if (!IsConnected()) return 0;
-    return PingsExecuted() * static_cast<uint32_t>(model_.Number(condition::kPingAnswered)) / 100;
+uint32_t NetworkActivity::PingsExecuted() {
+    AdvancePings();
+    return pingsExecuted_;
+}
+
+uint32_t NetworkActivity::PingsAnswered() {
+    AdvancePings();
+    return answeredPercents_ / 100;
 }
 
 std::string NetworkActivity::HostItems() const {

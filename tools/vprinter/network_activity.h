@@ -25,19 +25,25 @@ class NetworkActivity final {
     /// Begins to ping with what has been set last; each of the three settings of a ping calls for this, so
     /// that their order is of no account.
     void Ping();
-    [[nodiscard]] uint32_t PingsExecuted() const;
-    [[nodiscard]] uint32_t PingsAnswered() const;
+    /// Both only ever count up until the next `Ping`: a network that goes or comes in the middle concerns the
+    /// pings still to be made.
+    [[nodiscard]] uint32_t PingsExecuted();
+    [[nodiscard]] uint32_t PingsAnswered();
 
     [[nodiscard]] std::string HostItems() const;
 
   private:
     [[nodiscard]] bool IsConnected() const;
+    /// Makes the pings whose time has come.
+    void AdvancePings();
     [[nodiscard]] uint64_t MsSince(uint64_t tick) const { return tickMs_() - tick; }
 
     const DeviceModel& model_;
     std::function<uint64_t()> tickMs_;
     std::optional<uint64_t> searchBegan_;
-    std::optional<uint64_t> pingBegan_;
+    std::optional<uint64_t> lastPingAt_;
+    uint32_t pingsExecuted_ = 0;
+    uint32_t answeredPercents_ = 0;  // 100 for each ping that is surely answered
 };
 
 }  // namespace vprinter
