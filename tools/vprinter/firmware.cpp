@@ -48,10 +48,9 @@ std::optional<FirmwareVersion> ReadFirmwareLine(std::string_view beginning) {
 std::optional<std::string> ReadBeginning(const std::string& path) {
     // The client has put the path into the ANSI code page. A slash separates folders on every system.
     const kwt::WideString wide(path.c_str());
-    const WCHAR* const text = wide.GetBuffer();
-    if (text == nullptr) return std::nullopt;
+    if (wide.GetBuffer() == nullptr) return std::nullopt;
     std::u16string name;
-    for (const WCHAR* unit = text; *unit != 0; ++unit)
+    for (const WCHAR* unit = wide.GetBuffer(); *unit != 0; ++unit)
         name += *unit == TEXT('\\') ? u'/' : static_cast<char16_t>(*unit);
     std::ifstream file(std::filesystem::path(name), std::ios::binary);
     std::string text(kMaxLine, '\0');
