@@ -167,7 +167,10 @@ tour_device() {
     say "New firmware"
     show kestrel firmware show
     echo 'ZRFW 1 9900.2210.420' >"$work/new.fw"
+    happens '{"upgrade.seconds": 2}'
     show kestrel firmware upgrade "$work/new.fw"
+    show kestrel status
+    sleep 2
     show kestrel firmware show
 }
 
