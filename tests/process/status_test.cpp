@@ -90,7 +90,6 @@ TEST_F(Status, Is_asked_for_every_two_seconds_until_it_is_known) {
         const auto start = Clock::now();
         EXPECT_TRUE(GetStatus(&guarded.record, sizeof(guarded.record)));
         EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(4000));
-        EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(5500));
         EXPECT_EQ('x', guarded.record.text[0]);
         printer.join();
         size_t asked = 0;

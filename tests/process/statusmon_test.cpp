@@ -114,10 +114,10 @@ TEST_F(StatusMonitor, Runs_once_and_ends_when_asked_or_left_alone) {
     monitor_.Terminate();
     EXPECT_EQ(0, monitor_.Wait());
 
-    StartMonitor({"--exit-after", "400"});
-    Sleep(250);
+    StartMonitor({"--exit-after", "1500"});
+    Sleep(1000);
     EXPECT_EQ(1u, Ask(kPing));
-    Sleep(250);
+    Sleep(1000);
     EXPECT_EQ(1u, Ask(kPing)) << "the request before did not count";
     EXPECT_EQ(0, monitor_.Wait());
 }
