@@ -267,7 +267,7 @@ TEST_F(Device, The_clock_of_this_computer_reaches_the_printer_with_its_zone_and_
         bool observes;
         const char* digits;
     };
-    Zone zones[] = {{"TZ=JST-9", 540, false, "021C"}, {"TZ=XXX+5", -300, false, "112C"}};
+    Zone zones[] = {{"TZ=JST-9", 540, false, "021C"}, {"TZ=EST5", -300, false, "112C"}};
     WithPrinter([&] {
         std::string identity;
         for (Zone& zone : zones) {
