@@ -11,10 +11,11 @@ CMAKE_EXTRA=(-DKESTREL_TESTS=OFF -DKESTREL_BENCH=OFF)
 [ -f build/native/CMakeCache.txt ] && CMAKE_EXTRA=()
 build_preset native kestrel_sdk kestrel kestrel-vprinter kestrel_statusmon rundll32
 
-status_monitor=ZRIJ9900MUI.exe
+status_monitor=ZRIJ9900MUI
 work=$(mktemp -d)
 export WINPORT_HOME="$work/home"
 mkdir -m 700 "$WINPORT_HOME"
+monitor_log="$WINPORT_HOME/state/$status_monitor.log"
 export PATH="$PWD/build/native/bin:$PATH"
 export KESTREL_PRINTER="Demo Printer"
 declare -A printer_processes=()  # by port
@@ -27,9 +28,9 @@ end_process() {
 
 finish() {
     local code=$? process
-    for process in "${printer_processes[@]}"; do end_process "$process"; done
+    for process in $(jobs -p); do end_process "$process"; done
     # The library started it, so it is no child of ours; 3 says that none runs.
-    "$status_monitor" --stop >/dev/null 2>&1 || :
+    "$status_monitor.exe" --stop >/dev/null 2>&1 || :
     rm -rf "$work"
     [ $code -eq 0 ] || echo "The demo failed with exit code $code." >&2
 }
@@ -58,18 +59,24 @@ must_fail() {
     exit 1
 }
 
-# start_printer PORT: until it is ready.
-start_printer() {
-    local port=$1 ready="$work/$1.ready"
-    kestrel-vprinter --port "$port" --control "$work/control.json" \
-        --trace text --trace-file "$work/trace.txt" >"$ready" 2>&1 &
-    printer_processes[$port]=$!
+# wait_for TEXT FILE: until the file has it.
+wait_for() {
     for _ in $(seq 100); do
-        grep -q '^ready' "$ready" && break
-        kill -0 $! 2>/dev/null || { cat "$ready" >&2; exit 1; }
+        grep -q "$1" "$2" 2>/dev/null && return
         sleep 0.1
     done
-    cat "$ready"
+    echo "\"$1\" did not come within 10 s:" >&2
+    cat "$2" >&2
+    exit 1
+}
+
+# start_printer PORT: until it is ready.
+start_printer() {
+    kestrel-vprinter --port "$1" --control "$work/control.json" \
+        --trace text --trace-file "$work/trace.txt" >"$work/$1.ready" 2>&1 &
+    printer_processes[$1]=$!
+    wait_for '^ready' "$work/$1.ready"
+    cat "$work/$1.ready"
 }
 
 end_printer() {
@@ -126,7 +133,7 @@ tour_lock() {
     say "One program keeps the printer for three seconds; another is refused meanwhile"
     show kestrel lock --hold 3s &
     local holder=$!
-    sleep 1
+    wait_for LockPrinter "$work/trace.txt"
     must_fail 5 kestrel set fax.redials 3
     wait "$holder"
     show kestrel set fax.redials 3
@@ -167,10 +174,9 @@ tour_device() {
     say "New firmware"
     show kestrel firmware show
     echo 'ZRFW 1 9900.2210.420' >"$work/new.fw"
-    happens '{"upgrade.seconds": 2}'
+    happens '{"upgrade.seconds": 3}'
     show kestrel firmware upgrade "$work/new.fw"
-    show kestrel status
-    sleep 2
+    show kestrel status --watch --interval 1s --for 5s
     show kestrel firmware show
 }
 
@@ -208,6 +214,7 @@ tour_supplies() {
     say "The printer's process ends: now the status monitor orders them"
     end_printer USB001
     show kestrel supplies order
+    show tail -n 1 "$monitor_log"
     say "Without it the settings are out of reach"
     must_fail 4 kestrel --timeout 1s get fax.redials
 }
@@ -224,8 +231,8 @@ tour_supplies
 
 say "What the virtual printer and the status monitor saw last"
 tail -n 5 "$work/trace.txt"
-tail -n 5 "$WINPORT_HOME/state/ZRIJ9900MUI.log"
+tail -n 5 "$monitor_log"
 
 say "Ending the status monitor"
-show "$status_monitor" --stop
+show "$status_monitor.exe" --stop
 echo "Done: nothing is left running, and $work is removed."
