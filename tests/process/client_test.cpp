@@ -1,11 +1,11 @@
 // The command-line client as its users meet it: results, refusals, exit codes.
 #include <nlohmann/json.hpp>
 
-#include "installed_printer.h"
+#include "installed_status_monitor.h"
 
 namespace {
 
-class Client : public InstalledPrinter {
+class Client : public InstalledStatusMonitor {
   protected:
     static CommandResult Run(std::vector<std::string> words) {
         words.insert(words.begin(), {"-p", "P"});
@@ -68,6 +68,78 @@ TEST_F(Client, Secrets_are_masked_in_lists_and_shown_when_asked_for) {
     EXPECT_EQ(std::string::npos, Run({"list"}).output.find("open sesame"));
     EXPECT_EQ(std::string::npos, Run({"--json", "list"}).output.find("open sesame"));
     EXPECT_EQ("open sesame\n", Run({"get", "wireless.pass-phrase"}).output);
+}
+
+TEST_F(Client, Every_family_of_the_library_has_its_commands) {
+    StartMonitor();
+    const std::filesystem::path book = home_ / "book.csv";
+    const std::filesystem::path upgrade = home_ / "new.fw";
+    std::ofstream(book) << "1,fax,\"Smith, Al\",0301\n2,email,Eva,eva@example.org\n";
+    std::ofstream(upgrade) << "ZRFW 1 2.7.1\n";
+    std::ofstream(home_ / "control.json") << R"({"*":{"search.seconds":1,"upgrade.seconds":1}})";
+    StartPrinter("", {"--control", (home_ / "control.json").string()});
+
+    struct Case {
+        std::vector<std::string> words;
+        int code;
+        const char* expected;  // a part of the output
+    };
+    const Case cases[] = {
+        {{"status"}, 0, "ink         black     75 % enough\n"},
+        {{"--json", "status", "--watch", "--interval", "10ms", "--for", "50ms"}, 0, "\"afterMs\""},
+        {{"status", "--for", "1s"}, 2, ""},
+        {{"addressbook", "show"}, 0, "the address book is empty\n"},
+        {{"addressbook", "import", book.string()}, 0, "wrote 2 records of the speed-dial list\n"},
+        {{"addressbook", "set", "--list", "one-touch", "4", "fax", "Office", "12"}, 0, ""},
+        {{"addressbook", "set", "60", "fax", "Office", "12"}, 6, ""},
+        {{"addressbook", "show"}, 0, "one-touch   4       fax    Office"},
+        {{"addressbook", "export"}, 0, "1,fax,\"Smith, Al\",0301\r\n2,email,Eva,eva@example.org\r\n"},
+        {{"addressbook", "import", "/nowhere/book.csv"}, 6, ""},
+        {{"wifi", "show"}, 0, "wireless.state           Connected\n"},
+        {{"wifi", "scan"}, 0, "guests 2.4 GHz"},
+        {{"wifi", "set", "--ssid", "Office", "--security", "WPA2PSK_AES"}, 0, ""},
+        {{"wifi", "set", "--security", "Splendid", "--ssid", "Other"}, 6, ""},
+        {{"get", "wireless.ssid"}, 0, "Office\n"},
+        {{"ping", "--count", "2", "--wait", "1", "10.0.0.1"}, 0, "10.0.0.1: 2 pings sent, 2 answered\n"},
+        {{"ping", "10.0.0"}, 6, ""},
+        {{"hosts"}, 0, "kestrel-9900.local\nworkshop-pc.local\n"},
+        {{"clock", "set", "2020-02-29 12:00"}, 0, ""},
+        {{"clock", "show"}, 0, "2020-02-29 12:0"},
+        {{"clock", "set", "tomorrow"}, 6, ""},
+        {{"clock", "sync"}, 0, ""},
+        {{"firmware", "upgrade", book.string()}, 1, ""},
+        {{"firmware", "upgrade", "/nowhere/new.fw"}, 1, ""},
+        {{"firmware", "upgrade", upgrade.string()}, 0, "the printer has taken the file"},
+        {{"capabilities"}, 0, "firmware upgrade   yes\n"},
+        {{"identity"}, 0, "USB vendor "},
+        {{"supplies", "order"}, 0, ""},
+        {{"monitor", "show"}, 0, ""},
+        {{"monitor", "about"}, 0, ""},
+        {{"cache", "off"}, 0, ""},
+        {{"cancel"}, 0, ""},
+        {{"lock", "--hold", "10ms"}, 0, "unlocked\n"},
+        {{"install", "port", "127.0.0.1"}, 0, "ZRIJT_127.0.0.1\n"},
+    };
+    for (const Case& row : cases) {
+        const CommandResult result = Run(row.words);
+        EXPECT_EQ(row.code, result.code) << row.words.front() << ' ' << row.words.back();
+        EXPECT_NE(std::string::npos, result.output.find(row.expected)) << result.output;
+    }
+}
+
+TEST_F(Client, A_lock_lasts_until_its_holder_is_told) {
+    StartPrinter();
+    ChildProcess holder({KESTREL_CLIENT, "-p", "P", "--json", "lock"});
+    int code = 0;
+    for (int i = 0; i < 50 && code != 5; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        code = Run({"set", "fax.redials", "7"}).code;
+    }
+    EXPECT_EQ(5, code) << "a locked printer takes nothing from others";
+    holder.WriteLine("");
+    EXPECT_NE(std::string::npos, holder.ReadAll().find("\"endedBy\": \"enter\""));
+    EXPECT_EQ(0, holder.Wait());
+    EXPECT_EQ(0, Run({"set", "fax.redials", "7"}).code);
 }
 
 }  // namespace

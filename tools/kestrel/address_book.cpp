@@ -31,10 +31,11 @@ void SetField(kestrel_char (&field)[units], const std::string& text, const char*
         throw ValueFailure(fmt::format("the {} \"{}\" is too long", what, text),
                            fmt::format("write at most {} characters", units - 1));
     }
-    if (!AnsiFromWide(wide)) {
+    // Control codes carry the command language's own characters on the wire and would come back as those.
+    if (!AnsiFromWide(wide) || ForTerminal(text) != text) {
         throw ValueFailure(
             fmt::format("the {} \"{}\" has characters that the printer cannot take", what, text),
-            "write it with the characters of the system's code page");
+            "write it with the characters of the system's code page, without control characters");
     }
     std::copy(wide.begin(), wide.end(), std::begin(field));
 }

@@ -14,10 +14,12 @@ struct AddressList final {
     std::size_t records;
     const char* getter;
     const char* setter;
+    const char* recordSetter;  // none: a record can only be written with the whole list
 };
 inline constexpr std::array<AddressList, 2> kAddressLists = {{
-    {"speed-dial", KESTREL_SPEED_DIAL_RECORDS, "GetQuickDialNumbers", "SetQuickDialNumbers"},
-    {"one-touch", KESTREL_ONE_TOUCH_RECORDS, "GetQuickDialButtons", "SetQuickDialButtons"},
+    {"speed-dial", KESTREL_SPEED_DIAL_RECORDS, "GetQuickDialNumbers", "SetQuickDialNumbers", nullptr},
+    {"one-touch", KESTREL_ONE_TOUCH_RECORDS, "GetQuickDialButtons", "SetQuickDialButtons",
+     "SetQuickDialButton"},
 }};
 [[nodiscard]] const AddressList& FindAddressList(std::string_view name);
 

@@ -23,7 +23,18 @@ _kestrel() {
         set:*) choices='--verify' ;;
         maintenance:maintenance) choices='calibrate test-page clean deep-clean check-nozzles align vtoe' ;;
         printers:printers) choices='add remove' ;;
-        :*) choices='setup printers get set list raw maintenance version complete --version' ;;
+        cache:cache) choices='on off' ;;
+        addressbook:addressbook) choices='show set export import' ;;
+        wifi:wifi) choices='show scan set' ;;
+        clock:clock) choices='show set sync' ;;
+        firmware:firmware) choices='show upgrade refresh' ;;
+        supplies:supplies) choices='order' ;;
+        monitor:monitor) choices='show maintenance about mode' ;;
+        monitor:mode) choices='always off' ;;
+        install:install) choices='port driver printer' ;;
+        :*) choices='setup printers status get set list raw maintenance lock unlock cancel cache addressbook wifi
+                     ping hosts clock firmware capabilities identity supplies monitor install version complete
+                     --version' ;;
     esac
     [[ $current != -* ]] || choices+=" $global"
     mapfile -t COMPREPLY < <(compgen -W "$choices" -- "$current")

@@ -72,23 +72,9 @@ Value ParseWord(const SettingRow& row, std::string_view written) {
 }
 
 Value ParseAddress(const SettingRow& row, std::string_view written) {
-    std::uint32_t packed = 0;
-    std::string_view rest = written;
-    for (int i = 0; i < 4; ++i) {
-        std::uint8_t part = 0;
-        const char* const end = rest.data() + rest.size();
-        const auto [stop, error] = std::from_chars(rest.data(), end, part);
-        const bool wellEnded = i == 3 ? stop == end : stop != end && *stop == '.';
-        // A leading zero is read as octal by some programs and as decimal by others: too risky for an
-        // address.
-        const bool leadingZero = stop - rest.data() > 1 && rest.front() == '0';
-        if (error != std::errc() || !wellEnded || leadingZero) {
-            Refuse(row, written, "it is not an address of four numbers");
-        }
-        packed |= std::uint32_t{part} << (8 * i);
-        rest.remove_prefix(static_cast<std::size_t>(stop - rest.data()) + (i == 3 ? 0 : 1));
-    }
-    return {packed, {}};
+    const std::optional<std::uint32_t> address = ParseDottedAddress(written);
+    if (!address) Refuse(row, written, "it is not an address of four numbers");
+    return {*address, {}};
 }
 
 Value ParseText(const SettingRow& row, std::string_view written) {
@@ -116,6 +102,23 @@ const EnumEntry* WordOf(const SettingRow& row, std::int64_t number) {
 }
 
 }  // namespace
+
+std::optional<std::uint32_t> ParseDottedAddress(std::string_view written) {
+    std::uint32_t packed = 0;
+    for (int i = 0; i < 4; ++i) {
+        std::uint8_t part = 0;
+        const char* const end = written.data() + written.size();
+        const auto [stop, error] = std::from_chars(written.data(), end, part);
+        const bool wellEnded = i == 3 ? stop == end : stop != end && *stop == '.';
+        // A leading zero is read as octal by some programs and as decimal by others: too risky for an
+        // address.
+        const bool leadingZero = stop - written.data() > 1 && written.front() == '0';
+        if (error != std::errc() || !wellEnded || leadingZero) return {};
+        packed |= std::uint32_t{part} << (8 * i);
+        written.remove_prefix(static_cast<std::size_t>(stop - written.data()) + (i == 3 ? 0 : 1));
+    }
+    return packed;
+}
 
 Value ParseValue(const SettingRow& row, std::string_view written) {
     switch (FormOf(row)) {

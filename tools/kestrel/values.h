@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -22,6 +23,9 @@ struct Value final {
 // or number of the table, a dotted address, a text that fits and that the code page holds. Throws a value
 // failure that names what is allowed.
 [[nodiscard]] Value ParseValue(const SettingRow& row, std::string_view written);
+
+// Four decimal numbers with dots, the first one lowest; none for anything else.
+[[nodiscard]] std::optional<std::uint32_t> ParseDottedAddress(std::string_view written);
 
 // As `get` prints it, and as ParseValue reads it back. A number that the table does not know stays a number.
 [[nodiscard]] std::string FormatValue(const SettingRow& row, const Value& value);

@@ -70,17 +70,25 @@ struct SetOptions {
     AddressEntry entry;
 };
 
-// The speed-dial list can only be written whole, so the other records are read before.
+void WriteRecord(Context& context, const AddressList& list, std::uint32_t number,
+                 const KestrelQuickDial& record) {
+    if (list.recordSetter == nullptr) {
+        std::vector<KestrelQuickDial> records = ReadList(context, list);
+        records[number] = record;
+        return WriteList(context, list, records);
+    }
+    Demand<decltype(SetQuickDialButton)>(context.GetPrinter().GetLibrary(), list.recordSetter,
+                                         {fmt::format("cannot write record {}", number)}, number, &record,
+                                         context.Options().timeoutMs);
+}
+
 Report Set(Context& context, const SetOptions& options) {
     const AddressList& list = FindAddressList(options.list);
     if (options.number >= list.records) {
         throw ValueFailure(fmt::format("the {} list has no record {}", list.name, options.number),
                            fmt::format("choose 0 to {}", list.records - 1));
     }
-    const KestrelQuickDial record = RecordFrom(options.entry);
-    std::vector<KestrelQuickDial> records = ReadList(context, list);
-    records[options.number] = record;
-    WriteList(context, list, records);
+    WriteRecord(context, list, options.number, RecordFrom(options.entry));
     return {{}, {{"list", list.name}, {"number", options.number}}, {}};
 }
 

@@ -151,11 +151,14 @@ struct PingOptions {
 };
 
 Report Ping(Context& context, const PingOptions& options) {
-    const SettingRow& addressRow = FindSetting("ip.static.address");
-    const auto address = static_cast<std::uint32_t>(ParseValue(addressRow, options.address).number);
+    const std::optional<std::uint32_t> address = ParseDottedAddress(options.address);
+    if (!address) {
+        throw ValueFailure(fmt::format("\"{}\" is no address", options.address),
+                           "write four numbers with dots: 192.168.0.1");
+    }
     const Library& library = context.GetPrinter().GetLibrary();
     const std::uint32_t timeoutMs = context.Options().timeoutMs;
-    Demand<decltype(SetPing)>(library, "SetPing", {fmt::format("cannot ping {}", options.address)}, address,
+    Demand<decltype(SetPing)>(library, "SetPing", {fmt::format("cannot ping {}", options.address)}, *address,
                               static_cast<std::uint8_t>(options.count),
                               static_cast<std::uint8_t>(options.wait), timeoutMs);
 
