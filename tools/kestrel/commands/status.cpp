@@ -50,12 +50,14 @@ Report Watch(Context& context, const StatusOptions& options) {
             }
         } catch (const Failure& failure) {
             report.failure = failure;
-            break;
+            return report;
         }
         if (changes.empty() || changes.back().at("status") != now)
             changes.push_back({{"afterMs", passed().count()}, {"status", now}});
-        if (options.end && passed() >= *options.end) break;
+        if (options.end && passed() >= *options.end) return report;
     } while (platform::WaitForUser(options.interval) == platform::WaitEnd::kTime);
+    // The same end as that of an interrupt in the middle of a question.
+    report.failure = Failure{ExitCode::kInterrupted, "interrupted", {}, {}, {}, {}};
     return report;
 }
 
