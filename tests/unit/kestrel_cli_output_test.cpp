@@ -43,25 +43,13 @@ TEST(KestrelText, Lets_no_control_character_reach_the_terminal) {
 }
 
 TEST(KestrelDurations, Need_a_unit_and_stay_below_the_value_that_means_no_limit) {
-    constexpr std::pair<const char*, std::optional<std::uint32_t>> kCases[] = {
-        {"5s", 5000},
-        {"500ms", 500},
-        {"2m", 120000},
-        {"0ms", 0},
-        {"4294967294ms", 4294967294u},
-        {"5", {}},
-        {"", {}},
-        {"s", {}},
-        {"-1s", {}},
-        {"1.5s", {}},
-        {"5 s", {}},
-        {"5h", {}},
-        {"4294967295ms", {}},
-        {"71583m", {}},
-        {"5sec", {}},
+    constexpr std::pair<const char*, std::uint32_t> kCases[] = {
+        {"5s", 5000}, {"500ms", 500}, {"2m", 120000}, {"0ms", 0}, {"4294967294ms", 4294967294u},
     };
     for (const auto& [written, milliseconds] : kCases)
         EXPECT_EQ(cli::ParseDuration(written), milliseconds) << written;
+    for (const char* wrong : {"5", "", "s", "-1s", "1.5s", "5 s", "5h", "4294967295ms", "71583m", "5sec"})
+        EXPECT_FALSE(cli::ParseDuration(wrong)) << wrong;
 }
 
 TEST(KestrelFailures, Give_each_code_one_exit_code_and_an_advice) {
@@ -120,9 +108,8 @@ TEST(KestrelConfiguration, Repeats_driver_lines_and_leaves_no_placeholder) {
 
 TEST(KestrelConfiguration, Refuses_names_that_its_file_cannot_hold) {
     const std::string tooLong(260, 'x');
-    for (const std::string& driver :
-         {std::string(), std::string(" x"), std::string("x "), std::string("a=b"), std::string("[x]"),
-          std::string(";x"), std::string("a\nb"), std::string("\xE3\x81\x82"), tooLong}) {
+    for (const std::string driver :
+         {"", " x", "x ", "a=b", "[x]", ";x", "a\nb", "\xE3\x81\x82", tooLong.c_str()}) {
         EXPECT_THROW(static_cast<void>(cli::ConfigurationText("ACME", {driver})), Failure) << driver;
     }
     for (const char* product : {"", "a/b", "..", "A B"}) {

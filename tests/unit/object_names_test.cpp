@@ -44,15 +44,6 @@ constexpr Prefix kPrefixes[] = {
     {TEXT("A.exeMUI.EXE"), TEXT("A.exe"), TEXT("A.DLLMUI.EXE")},
 };
 
-constexpr const WCHAR* kRefused[] = {
-    TEXT(""),
-    TEXT("SDK.DLL"),
-    TEXT("C:\\ZR\\mon.dll"),
-    TEXT("foo.dll"),
-    TEXT("C:\\ZRSDK.DLL\\foo.dll"),
-    TEXT("ZRSDK.EXE"),
-};
-
 }  // namespace
 
 TEST(ObjectNames, All_names_are_formed_from_the_file_name) {
@@ -73,7 +64,8 @@ TEST(ObjectNames, The_prefix_is_the_file_name_less_seven_characters) {
 }
 
 TEST(ObjectNames, A_file_that_is_no_module_of_a_product_is_refused) {
-    for (const WCHAR* path : kRefused) {
+    for (const WCHAR* path : {TEXT(""), TEXT("SDK.DLL"), TEXT("C:\\ZR\\mon.dll"), TEXT("foo.dll"),
+                              TEXT("C:\\ZRSDK.DLL\\foo.dll"), TEXT("ZRSDK.EXE")}) {
         ObjectNameTable table;
         EXPECT_FALSE(table.Build(path));
         EXPECT_EQ(table[ObjectName::CommandChannelBase], TEXT(""));

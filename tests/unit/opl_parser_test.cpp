@@ -62,40 +62,29 @@ std::optional<std::string> Key(std::string_view message) {
     return OPLParser::GetKey(message, key) ? std::optional<std::string>(key) : std::nullopt;
 }
 
+/// What `get` finds in the message; it clears the old value when that is nothing.
+template <typename Out>
+std::optional<Out> Found(bool (*get)(std::string_view, Out&), std::string_view message, Out value) {
+    if (get(message, value)) return value;
+    EXPECT_EQ(value, Out{});
+    return std::nullopt;
+}
+
 std::optional<std::string> Value(std::string_view message) {
-    std::string value = "old";
-    const bool found = OPLParser::GetValue(message, value);
-    if (!found) {
-        EXPECT_EQ(value, "");
-    }
-    return found ? std::optional(value) : std::nullopt;
+    return Found<std::string>(OPLParser::GetValue, message, "old");
 }
 
 std::optional<int32_t> Int(std::string_view message) {
-    int32_t value = 77;
-    const bool found = OPLParser::GetIntValue(message, value);
-    if (!found) {
-        EXPECT_EQ(value, 0);
-    }
-    return found ? std::optional(value) : std::nullopt;
+    return Found<int32_t>(OPLParser::GetIntValue, message, 77);
 }
 
-std::optional<int> Bool(std::string_view message) {
-    uint8_t value = 77;
-    const bool found = OPLParser::GetBoolValue(message, value);
-    if (!found) {
-        EXPECT_EQ(value, 0);
-    }
-    return found ? std::optional<int>(value) : std::nullopt;
+std::optional<uint8_t> Bool(std::string_view message) {
+    return Found<uint8_t>(OPLParser::GetBoolValue, message, 77);
 }
 
 std::optional<std::string> Binary(std::string_view message) {
-    std::vector<uint8_t> bytes{1, 2, 3};
-    const bool found = OPLParser::GetBinaryValue(message, bytes);
-    if (!found) {
-        EXPECT_TRUE(bytes.empty());
-    }
-    return found ? std::optional(std::string(bytes.begin(), bytes.end())) : std::nullopt;
+    const auto bytes = Found<std::vector<uint8_t>>(OPLParser::GetBinaryValue, message, {1, 2, 3});
+    return bytes ? std::optional(std::string(bytes->begin(), bytes->end())) : std::nullopt;
 }
 
 std::optional<uint32_t> ResponseNumber(std::string_view message) {
@@ -213,8 +202,8 @@ TEST(Extraction, Reads_keys) {
         {"1,2,3=1;", "2,3"},
         {"0000,=1;", ""},
         {"0000,   ;", ""},
-        {"Key", std::nullopt},
-        {"", std::nullopt},
+        {"Key", {}},
+        {"", {}},
     };
     for (const auto& row : cases)
         EXPECT_EQ(Key(ExactCopy(row.message).View()), row.key) << row.message;
@@ -237,7 +226,7 @@ TEST(Extraction, Reads_text_values_unescaped) {
 TEST(Extraction, Reads_numbers) {
     const struct {
         std::string_view value;
-        std::optional<int32_t> number;
+        int32_t number;
     } cases[] = {
         {"3", 3},
         {"-12", -12},
@@ -253,74 +242,40 @@ TEST(Extraction, Reads_numbers) {
         {"99999999999", INT32_MAX},
         {"-99999999999", INT32_MIN},
         {"0x100000000", -1},
-        {"+5", std::nullopt},
-        {" 5", std::nullopt},
-        {"5 ", std::nullopt},
-        {"--5", std::nullopt},
-        {"5-", std::nullopt},
-        {"0x", std::nullopt},
-        {"0x-1", std::nullopt},
-        {"0xG", std::nullopt},
-        {"0x1G", std::nullopt},
-        {"x1", std::nullopt},
-        {"-0x1", std::nullopt},
-        {"1\x1C"
-         "5",
-         std::nullopt},
-        {"99999999999z", std::nullopt},
     };
     for (const auto& row : cases)
         EXPECT_EQ(Int("0000,K=" + std::string(row.value) + ";"), row.number) << row.value;
+    for (const std::string none :
+         {"+5", " 5", "5 ", "--5", "5-", "0x", "0x-1", "0xG", "0x1G", "x1", "-0x1", "1\x1C", "99999999999z"})
+        EXPECT_EQ(Int("0000,K=" + none + ";"), std::nullopt) << none;
     EXPECT_EQ(Int("K;"), std::nullopt);
     EXPECT_EQ(Int("K=5"), std::nullopt);
 }
 
 TEST(Extraction, Reads_the_eight_boolean_words) {
-    const struct {
-        std::string_view words;
-        std::optional<int> value;
-    } cases[] = {
-        {"TRUE YES yes yEs ON ENABLE", 1},
-        {"FALSE NO no No OFF DISABLE", 0},
-        {"true on On Off enable disable YE YESS 1 0 Y", std::nullopt},
-    };
-    for (const auto& row : cases) {
-        for (size_t start = 0; start < row.words.size();) {
-            const size_t end = std::min(row.words.find(' ', start), row.words.size());
-            const std::string message = "0000,K=" + std::string(row.words.substr(start, end - start)) + ";";
-            EXPECT_EQ(Bool(message), row.value) << message;
-            start = end + 1;
-        }
-    }
-    EXPECT_EQ(Bool("K=;"), std::nullopt);
+    for (const std::string yes : {"TRUE", "YES", "yes", "yEs", "ON", "ENABLE"})
+        EXPECT_EQ(Bool("0000,K=" + yes + ";"), 1) << yes;
+    for (const std::string no : {"FALSE", "NO", "no", "No", "OFF", "DISABLE"})
+        EXPECT_EQ(Bool("0000,K=" + no + ";"), 0) << no;
+    for (const std::string none :
+         {"true", "on", "On", "Off", "enable", "disable", "YE", "YESS", "1", "Y", ""})
+        EXPECT_EQ(Bool("0000,K=" + none + ";"), std::nullopt) << none;
     EXPECT_EQ(Bool("K;"), std::nullopt);
 }
 
 TEST(Extraction, Reads_binary_blocks_and_distrusts_their_counts) {
     const struct {
         std::string message;
-        std::optional<std::string> block;
+        std::string block;
     } cases[] = {
-        {kBlockReply, ";\0&="s},
-        {"K#0=;", ""},
-        {"K#4=abcd", "abcd"},
-        {"K#2=abcd;", "ab"},
-        {"K#x=ab;", ""},
-        {"K#5=abcd", std::nullopt},
-        {"K#4294967295=ab;", std::nullopt},
-        {"K#4294967296=ab;", std::nullopt},
-        {"K#99999999999999999999=ab;", std::nullopt},
-        {"K#-1=ab;", std::nullopt},
-        {"K#=ab;", std::nullopt},
-        {"K#;=ab;", ""},
-        {"K#4;abcd=", std::nullopt},
-        {"K;L#1=a;", std::nullopt},
-        {"K#", std::nullopt},
-        {"K#4", std::nullopt},
-        {"", std::nullopt},
+        {kBlockReply, ";\0&="s}, {"K#0=;", ""},   {"K#4=abcd", "abcd"},
+        {"K#2=abcd;", "ab"},     {"K#x=ab;", ""}, {"K#;=ab;", ""},
     };
     for (const auto& row : cases)
         EXPECT_EQ(Binary(ExactCopy(row.message).View()), row.block) << row.message;
+    for (const char* none : {"K#5=abcd", "K#4294967295=ab;", "K#4294967296=ab;", "K#99999999999999999999=ab;",
+                             "K#-1=ab;", "K#=ab;", "K#4;abcd=", "K;L#1=a;", "K#", "K#4", ""})
+        EXPECT_EQ(Binary(ExactCopy(none).View()), std::nullopt) << none;
 }
 
 TEST(Extraction, Splits_lists_into_messages) {
@@ -335,15 +290,11 @@ TEST(Extraction, Splits_lists_into_messages) {
         {"101,B#2=ab", {"B#2=ab;"}},
         {"101,B#9=ab&C=1;", {"B#9=ab;", "C=1;"}},
         {"101,A=1&", {"A=1;"}},
-        {"A=1&B=2;", {}},
-        {"A;1,B=2;", {}},
-        {"101,;", {}},
-        {"101,&A=1;", {}},
-        {"101,", {}},
-        {"", {}},
     };
     for (const auto& row : cases)
         EXPECT_EQ(Items(ExactCopy(row.message).View()), row.items) << row.message;
+    for (const char* none : {"A=1&B=2;", "A;1,B=2;", "101,;", "101,&A=1;", "101,", ""})
+        EXPECT_EQ(Items(ExactCopy(none).View()), Messages()) << none;
 }
 
 TEST(Extraction, Reads_the_index_of_a_key) {

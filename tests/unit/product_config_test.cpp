@@ -5,10 +5,13 @@
 #include <winspool.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/config_discovery.h"
@@ -18,69 +21,49 @@ namespace {
 
 using Path = std::filesystem::path;
 
-enum class Need { Required, Optional };
+using Config = CProductConfig;
+using Getter = const WideText& (Config::*)() const;
 
 struct Line {
     const char* section;
     const char* text;
-    Need need;
+    bool required;
+    Getter getter = nullptr;  // of what follows the '='
 };
 
 // A complete file, line by line; sections are kept together.
 constexpr Line kCompleteFile[] = {
-    {"Printers", "ZR One", Need::Required},
-    {"Network Printers", "ZR Net=x", Need::Required},
-    {"L-Path Printers", "ZR L", Need::Optional},
-    {"C-Path Printers", "ZR C", Need::Optional},
-    {"Display Icons", "ZR One= -12abc", Need::Optional},
-    {"Printer Maintenance", "ZR One=1,2,3", Need::Optional},
-    {"Status Monitor", "Executable=ZRMUI.EXE", Need::Required},
-    {"Status Monitor", "DisplayRegDir=Software\\ZR\\Display", Need::Required},
-    {"Status Monitor", "ProductRoot=ZRIJ", Need::Required},
-    {"Job Control", "Directory=ZR\\Jobs/Now", Need::Required},
-    {"Job Control", "Filename=jobs.dat", Need::Required},
-    {"ModelName For URL", "ZR One=zr-one", Need::Optional},
-    {"Diagnostic", "Directory=ZR\\Diagnostic", Need::Required},
-    {"Diagnostic", "Filename=diagnostic.txt", Need::Required},
-    {"Logging", "Registry=Software\\ZR\\Logging", Need::Required},
-    {"FW Updater", "InstallRegDir=ZR\\Updater", Need::Required},
-    {"FW Updater", "Executable=updater.exe", Need::Required},
-    {"Harbor Desk", "InstallRegDir=ZR\\Desk", Need::Required},
-    {"Harbor Desk", "Executable=desk.exe", Need::Required},
-    {"Host ID", "RegKey=HostID", Need::Required},
-    {"Host ID", "RegDir=.DEFAULT\\ZR", Need::Required},
-    {"SDK", "Signature=ZRIJ", Need::Required},
-    {"UIPSETTINGS", "UIPLANG=1031", Need::Optional},
+    {"Printers", "ZR One", true},
+    {"Network Printers", "ZR Net=x", true},
+    {"L-Path Printers", "ZR L", false},
+    {"C-Path Printers", "ZR C", false},
+    {"Display Icons", "ZR One= -12abc", false},
+    {"Printer Maintenance", "ZR One=1,2,3", false},
+    {"Status Monitor", "Executable=ZRMUI.EXE", true, &Config::GetStatusMonitorExecutable},
+    {"Status Monitor", "DisplayRegDir=Software\\ZR\\Display", true, &Config::GetDisplayRegDir},
+    {"Status Monitor", "ProductRoot=ZRIJ", true, &Config::GetProductRoot},
+    {"Job Control", "Directory=ZR\\Jobs/Now", true, &Config::GetJobControlDirectory},
+    {"Job Control", "Filename=jobs.dat", true, &Config::GetJobControlFilename},
+    {"ModelName For URL", "ZR One=zr-one", false},
+    {"ModelName For URL", "ZR Three=Unknown", false},
+    {"Diagnostic", "Directory=ZR\\Diagnostic", true, &Config::GetDiagnosticDirectory},
+    {"Diagnostic", "Filename=diagnostic.txt", true, &Config::GetDiagnosticFilename},
+    {"Logging", "Registry=Software\\ZR\\Logging", true, &Config::GetLoggingRegistry},
+    {"FW Updater", "InstallRegDir=ZR\\Updater", true, &Config::GetFWUpdaterInstallRegDir},
+    {"FW Updater", "Executable=updater.exe", true, &Config::GetFWUpdaterExecutable},
+    {"Harbor Desk", "InstallRegDir=ZR\\Desk", true, &Config::GetHarborDeskInstallRegDir},
+    {"Harbor Desk", "Executable=desk.exe", true, &Config::GetHarborDeskExecutable},
+    {"Host ID", "RegKey=HostID", true, &Config::GetHostIdRegKey},
+    {"Host ID", "RegDir=.DEFAULT\\ZR", true, &Config::GetHostIdRegDir},
+    {"SDK", "Signature=ZRIJ", true, &Config::GetSignature},
+    {"UIPSETTINGS", "UIPLANG=1031", false},
 };
 
-struct Getter {
-    const WideText& (CProductConfig::*get)() const;
-    const WCHAR* expected;
-};
-
-constexpr Getter kGetters[] = {
-    {&CProductConfig::GetStatusMonitorExecutable, TEXT("ZRMUI.EXE")},
-    {&CProductConfig::GetDisplayRegDir, TEXT("Software\\ZR\\Display")},
-    {&CProductConfig::GetProductRoot, TEXT("ZRIJ")},
-    {&CProductConfig::GetJobControlDirectory, TEXT("ZR\\Jobs/Now")},
-    {&CProductConfig::GetJobControlFilename, TEXT("jobs.dat")},
-    {&CProductConfig::GetJobControlRoot, TEXT("ZR")},
-    {&CProductConfig::GetJobControlLeaf, TEXT("Now")},
-    {&CProductConfig::GetDiagnosticDirectory, TEXT("ZR\\Diagnostic")},
-    {&CProductConfig::GetDiagnosticFilename, TEXT("diagnostic.txt")},
-    {&CProductConfig::GetLoggingRegistry, TEXT("Software\\ZR\\Logging")},
-    {&CProductConfig::GetFWUpdaterInstallRegDir, TEXT("ZR\\Updater")},
-    {&CProductConfig::GetFWUpdaterExecutable, TEXT("updater.exe")},
-    {&CProductConfig::GetHarborDeskInstallRegDir, TEXT("ZR\\Desk")},
-    {&CProductConfig::GetHarborDeskExecutable, TEXT("desk.exe")},
-    {&CProductConfig::GetHostIdRegKey, TEXT("HostID")},
-    {&CProductConfig::GetHostIdRegDir, TEXT(".DEFAULT\\ZR")},
-    {&CProductConfig::GetSignature, TEXT("ZRIJ")},
-    {&CProductConfig::GetUIPLibraryName, TEXT("ZRIJUIP.dll")},
-    {&CProductConfig::GetMUIName, TEXT("ZRIJMUI")},
-    {&CProductConfig::GetHelpFileName, TEXT("ZRIJ.chm")},
-    {&CProductConfig::GetPREName, TEXT("ZRIJPRE")},
-    {&CProductConfig::GetPREExecutable, TEXT("ZRIJPRE.exe")},
+constexpr std::pair<Getter, const WCHAR*> kDerived[] = {
+    {&Config::GetJobControlRoot, TEXT("ZR")},          {&Config::GetJobControlLeaf, TEXT("Now")},
+    {&Config::GetUIPLibraryName, TEXT("ZRIJUIP.dll")}, {&Config::GetMUIName, TEXT("ZRIJMUI")},
+    {&Config::GetHelpFileName, TEXT("ZRIJ.chm")},      {&Config::GetPREName, TEXT("ZRIJPRE")},
+    {&Config::GetPREExecutable, TEXT("ZRIJPRE.exe")},
 };
 
 std::vector<Line> CompleteFile() {
@@ -117,12 +100,9 @@ class ProductConfig : public testing::Test {
     CProductConfig config_;
 };
 
-struct Maintenance {
-    const WCHAR* text;
-    std::array<int32_t, 8> values;
-};
+using Maintenance = std::array<int32_t, 8>;
 
-constexpr Maintenance kMaintenance[] = {
+constexpr std::pair<const WCHAR*, Maintenance> kMaintenance[] = {
     {TEXT("1,2,3"), {1, 2, 60, 90, 290, 330, 35, 3}},
     {TEXT("0,20000,50,x,5,6,7,8,9"), {40, 70, 50, 90, 5, 6, 7, 8}},
     {TEXT("11,12,13,14,15,16,17,18"), {11, 12, 13, 14, 15, 16, 17, 18}},
@@ -130,24 +110,6 @@ constexpr Maintenance kMaintenance[] = {
     {TEXT(",,,,,,,10000"), {40, 70, 60, 90, 290, 330, 35, 10000}},
     {TEXT("1,10001"), {1, 70, 60, 90, 290, 330, 35, 55}},
     {TEXT("-1, 2 ,+3,"), {40, 2, 3, 90, 290, 330, 35, 55}},
-};
-
-struct Number {
-    const WCHAR* text;
-    int32_t value;
-};
-
-constexpr Number kNumbers[] = {
-    {TEXT(""), 0},
-    {TEXT("12"), 12},
-    {TEXT(" \t+7x"), 7},
-    {TEXT("-5"), -5},
-    {TEXT("- 5"), 0},
-    {TEXT("0x10"), 0},
-    {TEXT("+-5"), 0},
-    {TEXT("x12"), 0},
-    {TEXT("2147483647"), 2147483647},
-    {TEXT("99999999999999999999"), 2147483647},
 };
 
 struct Directory {
@@ -171,8 +133,14 @@ constexpr Directory kDirectories[] = {
 
 TEST_F(ProductConfig, A_complete_file_gives_every_value) {
     ASSERT_TRUE(Load(CompleteFile()));
-    for (const Getter& getter : kGetters)
-        EXPECT_EQ((config_.*getter.get)(), getter.expected);
+    for (const Line& line : kCompleteFile) {
+        if (line.getter == nullptr) continue;
+        const std::string_view text = line.text;
+        const std::string_view value = text.substr(text.find('=') + 1);
+        EXPECT_EQ((config_.*line.getter)(), WideText(value.begin(), value.end())) << text;
+    }
+    for (const auto& [getter, expected] : kDerived)
+        EXPECT_EQ((config_.*getter)(), expected);
     EXPECT_EQ(config_.GetConfigFilePath(), path_.string<WCHAR>());
     EXPECT_EQ(config_.GetUIPLanguage(), 1031);
 }
@@ -198,26 +166,18 @@ TEST_F(ProductConfig, A_driver_without_entries_of_its_own_gets_the_defaults) {
     MaintenanceSettings settings;
     EXPECT_TRUE(config_.GetMaintenanceSettings(TEXT("ZR One"), settings));
     EXPECT_EQ(settings.driver, TEXT("ZR One"));
-    EXPECT_EQ(settings.values, kMaintenance[0].values);
+    EXPECT_EQ(settings.values, kMaintenance[0].second);
     EXPECT_TRUE(config_.GetMaintenanceSettings(TEXT("ZR Two"), settings));
     EXPECT_EQ(settings.driver, TEXT("Unknown"));
-    EXPECT_EQ(settings.values, (std::array<int32_t, 8>{40, 70, 60, 90, 290, 330, 35, 55}));
+    EXPECT_EQ(settings.values, (Maintenance{40, 70, 60, 90, 290, 330, 35, 55}));
 
     WideText model;
     EXPECT_TRUE(config_.GetModelNameForURL(TEXT("ZR One"), model));
     EXPECT_EQ(model, TEXT("zr-one"));
-    EXPECT_FALSE(config_.GetModelNameForURL(TEXT("ZR Two"), model));
-    EXPECT_EQ(model, TEXT("Unknown"));
-}
-
-TEST_F(ProductConfig, A_model_name_of_Unknown_counts_as_none) {
-    std::vector<Line> lines = CompleteFile();
-    for (Line& line : lines)
-        if (std::string(line.section) == "ModelName For URL") line.text = "ZR One=Unknown";
-    ASSERT_TRUE(Load(lines));
-    WideText model;
-    EXPECT_FALSE(config_.GetModelNameForURL(TEXT("ZR One"), model));
-    EXPECT_EQ(model, TEXT("Unknown"));
+    for (const WCHAR* unknown : {TEXT("ZR Two"), TEXT("ZR Three")}) {
+        EXPECT_FALSE(config_.GetModelNameForURL(unknown, model));
+        EXPECT_EQ(model, TEXT("Unknown"));
+    }
 }
 
 TEST_F(ProductConfig, Exactly_the_required_lines_are_required) {
@@ -226,7 +186,7 @@ TEST_F(ProductConfig, Exactly_the_required_lines_are_required) {
         lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(missing));
         Write(path_, lines);
         CProductConfig config;
-        EXPECT_EQ(config.Load(path_.string<WCHAR>()), kCompleteFile[missing].need == Need::Optional)
+        EXPECT_EQ(config.Load(path_.string<WCHAR>()), !kCompleteFile[missing].required)
             << kCompleteFile[missing].text;
     }
 }
@@ -279,13 +239,23 @@ TEST_F(ProductConfig, The_job_control_directory_needs_a_first_and_a_last_compone
 }
 
 TEST(ProductConfigValues, Maintenance_values_fall_back_to_their_defaults) {
-    for (const Maintenance& row : kMaintenance)
-        EXPECT_EQ(ParseMaintenanceValues(row.text), row.values);
+    for (const auto& [text, values] : kMaintenance)
+        EXPECT_EQ(ParseMaintenanceValues(text), values);
 }
 
 TEST(ProductConfigValues, Numbers_are_read_as_far_as_they_are_decimal) {
-    for (const Number& row : kNumbers)
-        EXPECT_EQ(ParseInteger(row.text), row.value);
+    constexpr std::pair<const WCHAR*, int32_t> kNumbers[] = {
+        {TEXT(""), 0},
+        {TEXT("12"), 12},
+        {TEXT(" \t+7x"), 7},
+        {TEXT("-5"), -5},
+        {TEXT("2147483647"), 2147483647},
+        {TEXT("99999999999999999999"), 2147483647},
+    };
+    for (const auto& [text, value] : kNumbers)
+        EXPECT_EQ(ParseInteger(text), value);
+    for (const WCHAR* none : {TEXT("- 5"), TEXT("0x10"), TEXT("+-5"), TEXT("x12")})
+        EXPECT_EQ(ParseInteger(none), 0);
 }
 
 // The product of these tests is one that nobody has installed.

@@ -54,26 +54,26 @@ TEST(VprinterRequestReader, Commands_of_one_request_come_in_their_order_and_a_bl
 }
 
 TEST(VprinterRequestReader, A_malformed_command_ends_the_request) {
-    for (const std::string& bad : {"A"s,
-                                   ";"s,
-                                   "?"s,
-                                   "=1;"s,
-                                   "A;"s,
-                                   "A&B?"s,
-                                   "A=1"s,
-                                   "A=1&2;"s,
-                                   "A\n?"s,
-                                   "A\x80=1;"s,
-                                   "A#=;"s,
-                                   "A#x=1;"s,
-                                   "A#-1=1;"s,
-                                   "A#2=1;"s,
-                                   "A#1=12;"s,
-                                   "A#1=1"s,
-                                   "A#1"s,
-                                   "A#"s,
-                                   "A#4294967295=x;"s,
-                                   "A#99999999999999999999=x;"s}) {
+    for (const std::string bad : {"A",
+                                  ";",
+                                  "?",
+                                  "=1;",
+                                  "A;",
+                                  "A&B?",
+                                  "A=1",
+                                  "A=1&2;",
+                                  "A\n?",
+                                  "A\x80=1;",
+                                  "A#=;",
+                                  "A#x=1;",
+                                  "A#-1=1;",
+                                  "A#2=1;",
+                                  "A#1=12;",
+                                  "A#1=1",
+                                  "A#1",
+                                  "A#",
+                                  "A#4294967295=x;",
+                                  "A#99999999999999999999=x;"}) {
         const std::string request = "Z?" + bad;
         const std::vector<Command> commands = ReadAll(request);
         ASSERT_EQ(commands.size(), 2u) << bad;

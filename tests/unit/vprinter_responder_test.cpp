@@ -8,7 +8,6 @@
 
 #include "opl/opl_parser.h"
 #include "opl/vocabulary.h"
-#include "settings/catalogue.h"
 #include "vprinter/state_file.h"
 #include "vprinter/user_error.h"
 
@@ -150,44 +149,27 @@ TEST_F(VprinterResponder, Restoring_defaults_goes_back_to_the_first_values) {
     EXPECT_TRUE(model_.ChangedValues().empty());
 }
 
-// The product and its virtual printer share one catalogue: every row has to work between them.
-TEST_F(VprinterResponder, Every_setting_of_the_catalogue_is_answered_with_a_value_of_its_type) {
-    for (const SettingRow& row : Catalogue()) {
-        if (row.key.empty() || row.getter == nullptr) continue;
-        const std::string reply = Ask(std::string(row.key) + "?");
-        SCOPED_TRACE(reply);
-        OPLParser parser;
-        uint32_t number = 1;
-        EXPECT_TRUE(parser.GetResponseNumber(reply, number));
-        EXPECT_EQ(number, 0u);
-        std::string_view key;
-        EXPECT_TRUE(parser.GetKey(reply, key));
-        EXPECT_EQ(key, row.key);
-        if (row.setter != nullptr) {
-            EXPECT_EQ(Ask(reply.substr(5)), reply) << "a value read can be set";
-        }
-    }
-}
-
 // Hostile requests: every text gets exactly one reply that the product's own framer takes.
 TEST_F(VprinterResponder, Every_reply_is_one_whole_message) {
     uint32_t state = 1;
-    const std::string_view pieces[] = {"DeviceSettings.Fax.Redials",
-                                       "ZRCache",
-                                       "Maintenance",
-                                       "=",
-                                       "?",
-                                       ";",
-                                       "#",
-                                       "&",
-                                       ",",
-                                       "4",
-                                       "TRUE",
-                                       "\xFF",
-                                       "\x01",
-                                       "3400",
-                                       "[1].Name",
-                                       " "};
+    constexpr std::string_view pieces[] = {
+        "DeviceSettings.Fax.Redials",
+        "ZRCache",
+        "Maintenance",
+        "=",
+        "?",
+        ";",
+        "#",
+        "&",
+        ",",
+        "4",
+        "TRUE",
+        "\xFF",
+        "\x01",
+        "3400",
+        "[1].Name",
+        " ",
+    };
     for (int round = 0; round < 5000; ++round) {
         std::string request;
         for (int i = 0; i < 8; ++i) {
