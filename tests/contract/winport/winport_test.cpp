@@ -100,37 +100,29 @@ TEST_F(State, Folders_are_made_closed_to_others) {
     EXPECT_EQ(status.st_mode & 07777, 0700u);
 }
 
-TEST_F(State, A_folder_open_to_others_is_refused) {
-    const fs::path home = Host(TEXT("home"));
-    fs::create_directories(home / "winport");
-    ::chmod((home / "winport").c_str(), 0750);
-    EXPECT_EQ(RunIn(home), ERROR_ACCESS_DENIED);
-}
-
-TEST_F(State, A_link_or_a_file_in_the_folders_place_is_refused) {
-    const fs::path linked = Host(TEXT("linked"));
-    fs::create_directories(linked / "elsewhere");
-    ::chmod((linked / "elsewhere").c_str(), 0700);
-    fs::create_directory_symlink(linked / "elsewhere", linked / "winport");
-    EXPECT_EQ(RunIn(linked), ERROR_ACCESS_DENIED);
+TEST_F(State, What_others_could_have_put_in_the_folders_place_is_refused) {
+    const auto folder = [this](WideView home, mode_t mode) {
+        const fs::path path = Host(home) / "winport";
+        fs::create_directories(path);
+        ::chmod(path.c_str(), mode);
+        return path;
+    };
+    folder(TEXT("open"), 0750);
+    folder_.MakeFolder(TEXT("linked"));
+    fs::create_directory_symlink(folder(TEXT("elsewhere"), 0700), Host(TEXT("linked")) / "winport");
     folder_.MakeFolder(TEXT("filed"));
     folder_.WriteFile(TEXT("filed/winport"), "");
-    EXPECT_EQ(RunIn(Host(TEXT("filed"))), ERROR_ACCESS_DENIED);
+    for (const WCHAR* home : {TEXT("open"), TEXT("linked"), TEXT("filed")})
+        EXPECT_EQ(RunIn(Host(home)), ERROR_ACCESS_DENIED);
+    if (::geteuid() != 0) return;  // only root can give a folder away
+    ASSERT_EQ(::chown(folder(TEXT("given"), 0700).c_str(), 65534, 65534), 0);
+    EXPECT_EQ(RunIn(Host(TEXT("given"))), ERROR_ACCESS_DENIED);
 }
 
 TEST_F(State, A_link_above_the_folder_is_followed) {
     fs::create_directory_symlink(folder_.MakeFolder(TEXT("real")), Host(TEXT("link")));
     EXPECT_EQ(RunIn(Host(TEXT("link"))), 0);
     EXPECT_TRUE(fs::exists(Host(TEXT("real")) / "winport/registry.db"));
-}
-
-TEST_F(State, A_folder_of_another_account_is_refused) {
-    if (::geteuid() != 0) GTEST_SKIP() << "only root can give a folder away";
-    const fs::path home = Host(TEXT("home"));
-    fs::create_directories(home / "winport");
-    ::chmod((home / "winport").c_str(), 0700);
-    ASSERT_EQ(::chown((home / "winport").c_str(), 65534, 65534), 0);
-    EXPECT_EQ(RunIn(home), ERROR_ACCESS_DENIED);
 }
 
 TEST_F(State, A_chosen_home_may_be_shared_and_its_files_follow_its_mode) {
