@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds and runs the tests. Everything that it needs is installed first.
-#   ./test.sh            all suites that this machine can run
+#   ./test.sh            the Linux build, and the Windows builds as far as this machine can run them
 #   ./test.sh --native   the Linux build alone
 set -euo pipefail
 cd "$(dirname "$0")"
@@ -11,12 +11,42 @@ case "${1:-}" in
     *) echo "usage: ./test.sh [--native]" >&2; exit 2 ;;
 esac
 
+results=()
+# run_suites PRESET JOBS: a failure is counted at the end, so that the other suites are run as well.
+run_suites() {
+    say "Running the suites ($1)"
+    local report="$PWD/build/$1/results.xml"
+    rm -f "$report"
+    if ! ctest --preset "$1" -j"$2" --output-junit "$report"; then
+        say "Some of them failed ($1); the other suites are run all the same"
+    fi
+    results+=("$1=$report")
+}
+
 install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" binutils python3
 CMAKE_EXTRA=(-DKESTREL_TESTS=ON -DKESTREL_BENCH=OFF)
 build_preset native
 
 say "Checking who includes whom"
 python3 scripts/check_includes.py
+run_suites native 2
 
-say "Running the native suites"
-ctest --preset native -j2
+if [ "${1:-}" != --native ]; then
+    source scripts/windows.sh
+    install_packages "${WINDOWS_BUILD_PACKAGES[@]}"
+    for preset in win64 win32; do
+        build_preset "$preset"
+        say "Checking the file of the library ($preset)"
+        python3 scripts/check_dll.py "build/$preset/bin"
+    done
+    find_runnable
+    if [ ${#RUNNABLE[@]} -gt 0 ]; then
+        start_wine
+        trap stop_wine EXIT
+        # One after the other: all of them live in one prefix.
+        for preset in "${RUNNABLE[@]}"; do run_suites "$preset" 1; done
+    fi
+fi
+
+say "All suites"
+python3 scripts/summarize.py "${results[@]}"

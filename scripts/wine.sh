@@ -1,7 +1,7 @@
 #!/bin/sh
-# Runs a Windows program under Wine as every test and demo here does; the prefix is that of WINEPREFIX.
-export WINEDEBUG="${WINEDEBUG:--all}" LC_ALL="${LC_ALL:-C.UTF-8}"
-# No debugger window after a crash, no offers to install anything; a winspool.drv beside the program goes first.
-export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=;winedbg.exe=d;winspool.drv=n,b}"
-unset DISPLAY
-exec wine "$@"
+# Runs a Windows program under Wine; the environment is that of scripts/windows.sh. A 64-bit program is started by
+# its own loader: the general one would put a process in between, which a kill would hit instead.
+case $1 in
+    */win64/*) exec /usr/lib/wine/wine64 "$@" ;;
+    *) exec /usr/lib/wine/wine "$@" ;;
+esac
