@@ -83,16 +83,16 @@ std::vector<std::string_view> NearNames(std::string_view name) {
     const std::string lower = LowerAscii(name);
     const std::size_t limit = std::max<std::size_t>(2, LastPart(lower).size() / 3);
 
-    std::vector<std::pair<std::size_t, std::string_view>> near;
+    std::vector<std::pair<std::size_t, std::string_view>> similar;
     for (const SettingRow& row : Catalogue()) {
         const std::size_t remoteness = Remoteness(lower, row.name);
-        if (remoteness <= limit) near.emplace_back(remoteness, row.name);
+        if (remoteness <= limit) similar.emplace_back(remoteness, row.name);
     }
-    std::stable_sort(near.begin(), near.end(),
+    std::stable_sort(similar.begin(), similar.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
 
     std::vector<std::string_view> names;
-    for (const auto& entry : near)
+    for (const auto& entry : similar)
         names.push_back(entry.second);
     names.resize(std::min(names.size(), kMost));
     return names;
@@ -195,8 +195,8 @@ std::vector<const SettingRow*> MatchingSettings(std::string_view pattern) {
 
 std::string NearNamesAdvice(std::string_view name) {
     std::string advice;
-    for (const std::string_view near : NearNames(name)) {
-        advice += (advice.empty() ? "did you mean " : " or ") + std::string(near);
+    for (const std::string_view similar : NearNames(name)) {
+        advice += (advice.empty() ? "did you mean " : " or ") + std::string(similar);
     }
     return advice.empty() ? "`kestrel list` prints all settings" : advice + "?";
 }

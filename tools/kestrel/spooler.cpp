@@ -55,7 +55,7 @@ std::vector<InstalledPrinter> InstalledPrinters() {
     return printers;
 }
 
-void AddPrinter(const InstalledPrinter& printer) {
+void InstallPrinter(const InstalledPrinter& printer) {
     WideText name = WideArgument(printer.name, "printer name");
     WideText port = WideArgument(printer.port, "port name");
     WideText driver = WideArgument(printer.driver, "driver name");

@@ -16,7 +16,7 @@ struct InstalledPrinter final {
 
 [[nodiscard]] std::vector<InstalledPrinter> InstalledPrinters();
 
-void AddPrinter(const InstalledPrinter& printer);
+void InstallPrinter(const InstalledPrinter& printer);
 void RemovePrinter(const std::string& name);
 
 // Makes the driver known to the spooler; one that is known already is no failure.

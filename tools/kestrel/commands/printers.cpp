@@ -42,7 +42,7 @@ Report Add(const Context& context, InstalledPrinter printer) {
         }
         printer.driver = drivers.front();
     }
-    AddPrinter(printer);
+    InstallPrinter(printer);
     return {fmt::format("added the printer \"{}\" on {} with the driver \"{}\"\n", printer.name, printer.port,
                         printer.driver),
             {{"name", printer.name},
