@@ -6,6 +6,7 @@
 #include <shellapi.h>
 
 #include <cstdio>
+#include <thread>
 #include <utility>
 
 #include "text.h"
@@ -24,6 +25,35 @@ const LastWords* lastWords = nullptr;
 void WriteAll(DWORD stream, const std::string& text) {
     DWORD written = 0;
     WriteFile(GetStdHandle(stream), text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+}
+
+/// An event of this process alone.
+class OwnEvent final {
+  public:
+    OwnEvent() : handle_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
+    ~OwnEvent() { CloseHandle(handle_); }
+    OwnEvent(const OwnEvent&) = delete;
+    OwnEvent& operator=(const OwnEvent&) = delete;
+
+    [[nodiscard]] HANDLE Get() const { return handle_; }
+
+  private:
+    const HANDLE handle_;
+};
+
+// Never destroyed: a thread of the system's, or one that waits for input, may still use them at the end.
+OwnEvent& Interrupted() {
+    static OwnEvent& event = *new OwnEvent;
+    return event;
+}
+OwnEvent& LineEntered() {
+    static OwnEvent& event = *new OwnEvent;
+    return event;
+}
+
+BOOL WINAPI OnWaitInterrupted(DWORD) {
+    SetEvent(Interrupted().Get());
+    return TRUE;
 }
 
 // On a thread of the system's own.
@@ -54,6 +84,24 @@ void EndOnInterrupt(std::string outText, std::string errorText, int exitStatus) 
     static const LastWords words{std::move(outText), std::move(errorText), exitStatus};
     lastWords = &words;
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
+}
+
+// A pipe cannot be waited for, so that a thread reads it; the program does not wait for that one at its end.
+WaitEnd WaitForUser(std::optional<std::chrono::milliseconds> time) {
+    SetConsoleCtrlHandler(OnWaitInterrupted, TRUE);
+    if (!time) {
+        std::thread([] {
+            for (int letter = 0; letter != EOF && letter != '\n';)
+                letter = std::getchar();
+            SetEvent(LineEntered().Get());
+        }).detach();
+    }
+    const HANDLE events[] = {Interrupted().Get(), LineEntered().Get()};
+    const DWORD limit = time ? static_cast<DWORD>(time->count()) : INFINITE;
+    const DWORD ended = WaitForMultipleObjects(2, events, FALSE, limit);
+    SetConsoleCtrlHandler(OnWaitInterrupted, FALSE);
+    if (ended == WAIT_OBJECT_0) return WaitEnd::kInterrupt;
+    return ended == WAIT_OBJECT_0 + 1 ? WaitEnd::kEnter : WaitEnd::kTime;
 }
 
 void EndWithoutUnloading(int exitStatus) {
