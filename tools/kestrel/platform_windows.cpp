@@ -41,13 +41,14 @@ class OwnEvent final {
     const HANDLE handle_;
 };
 
-// Never destroyed: a thread of the system's, or one that waits for input, may still use them at the end.
+// In use until the end, which is without unloading: a thread of the system, or one that waits for input, sets
+// them.
 OwnEvent& Interrupted() {
-    static OwnEvent& event = *new OwnEvent;
+    static OwnEvent event;
     return event;
 }
 OwnEvent& LineEntered() {
-    static OwnEvent& event = *new OwnEvent;
+    static OwnEvent event;
     return event;
 }
 
