@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "handle_support.h"
+#include "support.h"
 
 namespace {
 
@@ -215,16 +216,22 @@ TEST(Waits, An_abandoned_mutex_shows_its_place) {
     EXPECT_TRUE(ReleaseMutex(mutex.Get()));
 }
 
-TEST(Waits, Odd_arguments_are_refused_with_87) {
+TEST(Waits, For_all_of_one_object_twice_is_refused_with_87__not_on_Wine) {
+    if (OnWine()) GTEST_SKIP() << "Wine 8 does not look whether a handle stands twice";
     const Handle event = AutoEvent(FreshName());
     const HANDLE twice[] = {event.Get(), event.Get()};
+    EXPECT_EQ(WAIT_FAILED, WaitForMultipleObjects(2, twice, TRUE, 0));
+    EXPECT_EQ(87u, GetLastError());
+}
+
+TEST(Waits, Odd_arguments_are_refused_with_87) {
+    const Handle event = AutoEvent(FreshName());
     std::vector<HANDLE> many(65, event.Get());
     const auto refused = [](DWORD result) {
         EXPECT_EQ(WAIT_FAILED, result);
         EXPECT_EQ(87u, GetLastError());
     };
-    refused(WaitForMultipleObjects(2, twice, TRUE, 0));
-    refused(WaitForMultipleObjects(0, twice, FALSE, 0));
+    refused(WaitForMultipleObjects(0, many.data(), FALSE, 0));
     refused(WaitForMultipleObjects(65, many.data(), FALSE, 0));
 }
 
