@@ -15,6 +15,7 @@ constexpr WCHAR kDriver[] = TEXT("Kestrel Contract Driver");
 class Spooler : public testing::Test {
   protected:
     Spooler() {
+        RemoveLeftovers();
         DRIVER_INFO_3W driver = {};
         driver.cVersion = 3;
         driver.pName = Writable(kDriver);
@@ -26,6 +27,15 @@ class Spooler : public testing::Test {
     }
     ~Spooler() override {
         for (const HANDLE printer : added_) {
+            DeletePrinter(printer);
+            ClosePrinter(printer);
+        }
+    }
+
+    // Of a run that ended in the middle: the registry of a Wine prefix outlives it.
+    static void RemoveLeftovers() {
+        for (const WideText& name : Names()) {
+            const HANDLE printer = Open(name.c_str());
             DeletePrinter(printer);
             ClosePrinter(printer);
         }
