@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "on_wine.h"
 #include "support.h"
 
 namespace {

@@ -13,12 +13,6 @@
 using WideText = std::basic_string<WCHAR>;
 using WideView = std::basic_string_view<WCHAR>;
 
-// Where Wine is known to differ, a case ends with this and its reason.
-inline bool OnWine() {
-    const HMODULE system = GetModuleHandleW(TEXT("ntdll.dll"));
-    return system != nullptr && GetProcAddress(system, "wine_get_version") != nullptr;
-}
-
 // The calls take writable pointers for texts that they only read.
 inline LPWSTR Writable(const WCHAR* text) {
     return const_cast<LPWSTR>(text);

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "handle_support.h"
-#include "support.h"
+#include "on_wine.h"
 
 namespace {
 

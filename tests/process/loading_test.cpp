@@ -19,8 +19,9 @@ WideText CopyAs(const std::string& stem) {
     const fs::path folder = std::getenv("KESTREL_TEST_FOLDER");
     const fs::path original = KESTREL_LIBRARY;
     const std::string prefix = original.extension() == ".so" ? "lib" : "";
-    fs::copy_file(original, folder / (prefix + stem + original.extension().string()),
-                  fs::copy_options::overwrite_existing);
+    const fs::path copy = folder / (prefix + stem + original.extension().string());
+    fs::remove(copy);
+    fs::copy_file(original, copy);
     const std::string name = (folder / (stem + ".dll")).string();
     return WideText(name.begin(), name.end());
 }

@@ -160,7 +160,9 @@ Written WriteConfiguration(const fs::path& path, const std::string& text) {
     if (existed) {
         fs::path kept = path;
         kept += ".bak";
-        fs::copy_file(path, kept, fs::copy_options::overwrite_existing, error);
+        // Overwriting takes any two files for the same one in the C++ library of the Windows build.
+        fs::remove(kept, error);
+        fs::copy_file(path, kept, error);
         if (error) ThrowUnwritable(kept, error.message());
     }
     fs::rename(fresh, path, error);

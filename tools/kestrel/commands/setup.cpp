@@ -47,7 +47,9 @@ void CopyProgram(const fs::path& from, const fs::path& to) {
     if (fs::equivalent(from, to, error)) return;
     fs::path fresh = to;
     fresh += ".new";
-    fs::copy_file(from, fresh, fs::copy_options::overwrite_existing, error);
+    // Overwriting takes any two files for the same one in the C++ library of the Windows build.
+    fs::remove(fresh, error);
+    fs::copy_file(from, fresh, error);
     if (!error) fs::rename(fresh, to, error);
     if (!error) return;
     throw Failure{ExitCode::kOwnFault,
