@@ -17,35 +17,15 @@ namespace {
 using namespace std::string_literals;
 using Requests = std::vector<std::string>;
 
-const kestrel_char* const kPrinter = TEXT("P");
 constexpr uint32_t kBadReply = 0xE0000011;
 constexpr uint32_t kUnexpectedReply = 0xE0000012;
 const std::string kSpeedDial = "DeviceSettings.AddressBook.SpeedDialRecords.NamedSingleEntry";
 const std::string kOneTouch = "DeviceSettings.AddressBook.OneTouchDialRecords.NamedSingleEntry";
 
-template <size_t n>
-WideText Text(const kestrel_char (&field)[n]) {
-    return WideText(field, std::find(field, field + n, kestrel_char{0}));
-}
-
-// Memory behind an output that must stay as it was.
-template <typename Record, size_t n>
-struct Guarded {
-    Record records[n];
-    uint8_t guard[16];
-
-    Guarded() { std::memset(static_cast<void*>(this), 0xA5, sizeof(*this)); }
-    ~Guarded() {
-        for (const uint8_t byte : guard)
-            EXPECT_EQ(0xA5, byte);
-    }
-};
-
 class Device : public InstalledPrinter {
   protected:
     void WithPrinter(const std::function<void()>& body) {
-        OnFreshThread([&] {
-            ASSERT_TRUE(SelectPrinter(kPrinter));
+        InstalledPrinter::WithPrinter([&] {
             uint8_t value = 0;
             GetFaxRedials(&value, kLong);  // announces the time-out, so that only the requests follow
             monitor_.Requests();
@@ -512,6 +492,7 @@ TEST_F(Device, Lock_and_unlock_follow_the_response_number) {
         EXPECT_EQ("ZRCache=TRUE;", sent.at(1));
         EXPECT_EQ("UnlockPrinter?", sent.at(2));
         EXPECT_EQ("UnlockPrinter?", sent.at(3));
+        EXPECT_EQ("ZRCache=FALSE;", sent.at(sent.size() - 3));
         EXPECT_EQ("ZRCancel?", sent.back());
     });
 }

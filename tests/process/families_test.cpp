@@ -11,22 +11,8 @@
 
 namespace {
 
-const kestrel_char* const kPrinter = TEXT("P");
-
-template <size_t n>
-WideText Text(const kestrel_char (&field)[n]) {
-    return WideText(field, std::find(field, field + n, kestrel_char{0}));
-}
-
 class Families : public InstalledPrinter {
   protected:
-    void WithPrinter(const std::function<void()>& body) {
-        OnFreshThread([&] {
-            ASSERT_TRUE(SelectPrinter(kPrinter)) << GetLastError();
-            body();
-        });
-    }
-
     // What befalls the printer while it runs.
     void Happens(const std::string& json) {
         std::ofstream(home_ / "control.new") << "{\"*\": " << json << "}";
@@ -139,37 +125,12 @@ TEST_F(Families, Firmware_is_upgraded_from_a_good_file_only) {
     });
 }
 
-TEST_F(Families, Identity_and_capabilities_are_told) {
-    StartChangeablePrinter();
-    Happens(R"({"DeviceSettings.System.Configuration.isGCPConfigured": true})");
-    WithPrinter([] {
-        uint32_t vendor = 0;
-        uint32_t product = 0;
-        EXPECT_TRUE(GetVendorProductIDs(&vendor, &product, kLong));
-        EXPECT_EQ(65520u, vendor);
-        EXPECT_EQ(9900u, product);
-        uint8_t flag = 0;
-        EXPECT_TRUE(GetGCPConfigured(&flag, kLong)) << GetLastError();
-        EXPECT_EQ(1, flag);
-        EXPECT_TRUE(GetPennantConfigured(&flag, kLong)) << GetLastError();
-        EXPECT_EQ(0, flag);
-        uint32_t version = 0;
-        EXPECT_TRUE(GetCapRBNVer(&version, kLong));
-        EXPECT_EQ(66u, version);
-        EXPECT_TRUE(GetCapTOFEdgeOverride(&flag, kLong));
-        EXPECT_TRUE(GetCapFWUpgrade(&flag, kLong));
-        EXPECT_EQ(1, flag);
-        uint8_t block[48];
-        EXPECT_TRUE(GetCapabilities(block, sizeof(block), 0)) << GetLastError();
-        EXPECT_EQ(48, block[0]);
-    });
-}
-
 TEST_F(Families, A_lock_keeps_other_programs_out_until_it_is_given_back_or_its_holder_dies) {
     StartPrinter();
-    ChildProcess holder({KESTREL_CLIENT, "-p", "P", "lock"});
+    ChildProcess holder({KESTREL_CLIENT, "-p", "P", "--json", "lock"});
     EXPECT_TRUE(Comes(5, [] { return RunClient({"-p", "P", "set", "fax.redials", "4"}).code == 5; }));
     holder.WriteLine("");
+    EXPECT_NE(std::string::npos, holder.ReadAll().find("\"endedBy\": \"enter\""));
     EXPECT_EQ(0, holder.Wait());
     WithPrinter([] { EXPECT_TRUE(SetFaxRedials(4, kLong)) << GetLastError(); });
     ChildProcess victim({KESTREL_CLIENT, "-p", "P", "lock"});

@@ -2,7 +2,10 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <kestrel/sdk.h>
+#include <windows.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -15,6 +18,7 @@
 #include "kwt/wide_text.h"
 
 inline constexpr uint32_t kLong = 5000;
+inline constexpr const kestrel_char* kPrinter = TEXT("P");
 inline constexpr const char* kChannelName = "ZRIJ9900StatMonClass-01042005OPLChannelUSB001";
 
 struct CommandResult {
@@ -35,6 +39,11 @@ inline CommandResult RunClient(std::vector<std::string> words, const Environment
 // Plain characters as the library takes them.
 inline WideText Widened(const std::string& text) {
     return WideText(text.begin(), text.end());
+}
+
+template <size_t n>
+WideText Text(const kestrel_char (&field)[n]) {
+    return WideText(field, std::find(field, field + n, kestrel_char{0}));
 }
 
 // A thread has an SDK object of its own; what a test does on a fresh one is not disturbed by another's.
@@ -62,6 +71,14 @@ class InstalledPrinter : public testing::Test {
         if (!extra.empty()) words.push_back(extra);
         EXPECT_EQ(0, RunClient(words).code);
         added_.push_back(name);
+    }
+
+    // On a fresh thread, with the printer selected.
+    static void WithPrinter(const std::function<void()>& body) {
+        OnFreshThread([&] {
+            ASSERT_TRUE(SelectPrinter(kPrinter)) << GetLastError();
+            body();
+        });
     }
 
     // `faults`: the rules of a fault script; none starts a printer that does everything right.

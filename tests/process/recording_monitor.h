@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <atomic>
+#include <cstring>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -12,6 +13,19 @@
 
 #include "channel_puppet.h"
 #include "installed_printer.h"
+
+// Memory behind an output that must stay as it was.
+template <typename Record, size_t n>
+struct Guarded {
+    Record records[n];
+    uint8_t guard[16];
+
+    Guarded() { std::memset(static_cast<void*>(this), 0xA5, sizeof(*this)); }
+    ~Guarded() {
+        for (const uint8_t byte : guard)
+            EXPECT_EQ(0xA5, byte);
+    }
+};
 
 class RecordingMonitor final {
   public:

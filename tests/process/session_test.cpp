@@ -11,7 +11,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-const kestrel_char* const kPrinter = TEXT("P");
 constexpr uint32_t kShort = 300;
 
 class Selection : public InstalledPrinter {};
@@ -103,14 +102,6 @@ TEST(Configuration, Missing_empty_or_half_written_fails_the_selection) {
 
 class Exchange : public InstalledPrinter {
   protected:
-    // Runs with the printer selected on a thread of its own.
-    void WithPrinter(const std::function<void()>& body) {
-        OnFreshThread([&] {
-            ASSERT_TRUE(SelectPrinter(kPrinter)) << GetLastError();
-            body();
-        });
-    }
-
     static uint32_t ErrorOfGet(uint32_t timeout) {
         uint8_t value = 0;
         return GetFaxRedials(&value, timeout) ? 0 : GetLastError();

@@ -30,27 +30,8 @@ std::string BlockReply(uint32_t state, char text) {
     return "0000,Status#1316=" + block + ";";
 }
 
-// A record between bytes that must stay as they were.
-struct GuardedRecord {
-    uint8_t before[16];
-    DeviceStatusRecord record;
-    uint8_t after[16];
-
-    GuardedRecord() { std::memset(static_cast<void*>(this), 0xA5, sizeof(*this)); }
-    [[nodiscard]] bool IsIntact() const {
-        const std::string guard(16, '\xA5');
-        return std::memcmp(before, guard.data(), 16) == 0 && std::memcmp(after, guard.data(), 16) == 0;
-    }
-};
-
 class Status : public InstalledStatusMonitor {
   protected:
-    void WithPrinter(const std::function<void()>& body) {
-        OnFreshThread([&] {
-            ASSERT_TRUE(SelectPrinter(TEXT("P"))) << GetLastError();
-            body();
-        });
-    }
     static void StopSpooler(DWORD stopped) {
         HKEY key = nullptr;
         ASSERT_EQ(ERROR_SUCCESS,
@@ -66,13 +47,12 @@ TEST_F(Status, Comes_from_the_language_monitor_once_the_status_monitor_is_told) 
     RecordingMonitor language;
     language.Answer(BlockReply(5, 0));
     WithPrinter([&] {
-        GuardedRecord guarded;
-        EXPECT_TRUE(GetStatus(&guarded.record, sizeof(guarded.record))) << GetLastError();
-        EXPECT_TRUE(guarded.IsIntact());
-        const auto* bytes = reinterpret_cast<const uint8_t*>(&guarded.record);
-        EXPECT_EQ(5u, guarded.record.state);
+        Guarded<DeviceStatusRecord, 1> out;
+        EXPECT_TRUE(GetStatus(out.records, sizeof(out.records))) << GetLastError();
+        const auto* bytes = reinterpret_cast<const uint8_t*>(out.records);
+        EXPECT_EQ(5u, out.records[0].state);
         EXPECT_EQ(1051 % 251, bytes[1051]);
-        EXPECT_FALSE(GetStatus(&guarded.record, 1051));
+        EXPECT_FALSE(GetStatus(out.records, 1051));
         EXPECT_EQ(87u, GetLastError());
     });
     EXPECT_NE(std::string::npos, monitor_.ReadLine().value_or("").find("UpSt")) << "pinged, or not told";
@@ -87,11 +67,11 @@ TEST_F(Status, Is_asked_for_every_two_seconds_until_it_is_known) {
             Sleep(3000);  // two blocks that say nothing, then one with a text
             language.Answer(BlockReply(kNotKnownYet, 'x'));
         });
-        GuardedRecord guarded;
+        Guarded<DeviceStatusRecord, 1> out;
         const auto start = Clock::now();
-        EXPECT_TRUE(GetStatus(&guarded.record, sizeof(guarded.record)));
+        EXPECT_TRUE(GetStatus(out.records, sizeof(out.records)));
         EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(4000));
-        EXPECT_EQ('x', guarded.record.text[0]);
+        EXPECT_EQ('x', out.records[0].text[0]);
         printer.join();
         size_t asked = 0;
         for (const std::string& request : language.Requests())
@@ -105,12 +85,11 @@ TEST_F(Status, A_reply_without_a_block_fails_eight_times_and_clears_the_record) 
     RecordingMonitor language;
     language.Answer("0000,Status=1;");
     WithPrinter([&] {
-        GuardedRecord guarded;
-        EXPECT_FALSE(GetStatus(&guarded.record, sizeof(guarded.record)));
+        Guarded<DeviceStatusRecord, 1> out;
+        EXPECT_FALSE(GetStatus(out.records, sizeof(out.records)));
         EXPECT_EQ(kBadReply, GetLastError());
-        EXPECT_TRUE(guarded.IsIntact());
         const DeviceStatusRecord zeros = {};
-        EXPECT_EQ(0, std::memcmp(&zeros, &guarded.record, sizeof(zeros)));
+        EXPECT_EQ(0, std::memcmp(&zeros, out.records, sizeof(zeros)));
     });
 }
 
@@ -119,8 +98,8 @@ TEST_F(Status, Starts_the_status_monitor_of_the_driver_folder) {
     RecordingMonitor language;
     language.Answer(BlockReply(5, 0));
     WithPrinter([] {
-        GuardedRecord guarded;
-        EXPECT_TRUE(GetStatus(&guarded.record, sizeof(guarded.record))) << GetLastError();
+        Guarded<DeviceStatusRecord, 1> out;
+        EXPECT_TRUE(GetStatus(out.records, sizeof(out.records))) << GetLastError();
     });
     EXPECT_EQ(1u, Count(Log(), "Ping")) << Log();
     EXPECT_EQ(1u, Count(Log(), "UpSt")) << Log();
@@ -132,8 +111,8 @@ TEST_F(Status, Without_a_spooler_nothing_is_started__not_on_Wine) {
     Configure();
     WithPrinter([] {
         StopSpooler(1);
-        GuardedRecord guarded;
-        EXPECT_FALSE(GetStatus(&guarded.record, sizeof(guarded.record)));
+        Guarded<DeviceStatusRecord, 1> out;
+        EXPECT_FALSE(GetStatus(out.records, sizeof(out.records)));
         EXPECT_EQ(1722u, GetLastError());
         EXPECT_FALSE(ShowStatusMonitor());
         EXPECT_EQ(1460u, GetLastError()) << "the ping decides";

@@ -14,13 +14,9 @@
 
 namespace {
 
-using namespace std::string_literals;
-
-const OPLBuilder builder;
-
 std::string SetInt(OplKey key, int32_t value) {
     std::string out;
-    builder.AppendSetInt(out, key, value);
+    OPLBuilder().AppendSetInt(out, key, value);
     return out.substr(KeyText(key).size());
 }
 
@@ -42,58 +38,6 @@ TEST(OPLBuilder, Numbers_have_the_width_and_the_sign_of_their_key) {
     };
     for (const auto& row : cases)
         EXPECT_EQ(SetInt(row.key, row.value), row.expected) << KeyText(row.key) << ' ' << row.value;
-}
-
-TEST(OPLBuilder, Booleans_use_the_words_of_their_key) {
-    std::string out;
-    builder.AppendSetBool(out, OplKey::CallWaiting, true);
-    builder.AppendSetBool(out, OplKey::CallWaiting, false);
-    builder.AppendSetBool(out, OplKey::Cache, true);
-    builder.AppendSetBool(out, OplKey::Cache, false);
-    EXPECT_EQ(out,
-              "DeviceSettings.Fax.CallWaiting=YES;DeviceSettings.Fax.CallWaiting=NO;"
-              "ZRCache=TRUE;ZRCache=FALSE;");
-}
-
-TEST(OPLBuilder, Text_is_escaped_and_an_address_is_not) {
-    std::string out;
-    builder.AppendSetText(out, OplKey::UpgradeFW, "a;b=c");
-    EXPECT_EQ(out,
-              "ZRUpgradeFW=a\x1D"
-              "b\x1E"
-              "c;");
-
-    out.clear();
-    builder.AppendSetAddress(out, OplKey::StaticIPAddress, 0x0100A8C0);
-    EXPECT_EQ(out, "DeviceNetwork.WiFiSettings.TCP_Configuration.Static.IP_Address#4=\xC0\xA8\x00\x01;"s);
-
-    out.clear();
-    builder.AppendSetAddress(out, OplKey::PingAddress, 0x3D3B2623);
-    EXPECT_EQ(out, "DeviceNetwork.Network.SetPing.Ip_Addr[0]#4=#&;=;");
-}
-
-TEST(OPLBuilder, Operations_append_in_call_order) {
-    std::string out = "kept;";
-    builder.AppendSetInt(out, OplKey::PingCount, 4);
-    builder.AppendQuery(out, OplKey::FaxRedials);
-    builder.AppendWord(out, OplWord::GetStatus);
-    builder.AppendCleanHead(out, false);
-    builder.AppendCleanHead(out, true);
-    EXPECT_EQ(out,
-              "kept;DeviceNetwork.Network.SetPing.NumOfPing=4;DeviceSettings.Fax.Redials?ZRGetStatus?"
-              "Maintenance=003?Maintenance=004?");
-}
-
-TEST(OPLBuilder, Record_fields_carry_their_index) {
-    std::string out;
-    builder.AppendRecordQuery(out, OplRecordList::SpeedDial, 2, OplRecordField::Name);
-    builder.AppendRecordSet(out, OplRecordList::OneTouch, 59, OplRecordField::AddressType, "Fax");
-    builder.AppendRecordSet(out, OplRecordList::OneTouch, 0, OplRecordField::Address, "a.b");
-    EXPECT_EQ(out,
-              "DeviceSettings.AddressBook.SpeedDialRecords.NamedSingleEntry[2].Name?"
-              "DeviceSettings.AddressBook.OneTouchDialRecords.NamedSingleEntry[59].AddressType=Fax;"
-              "DeviceSettings.AddressBook.OneTouchDialRecords.NamedSingleEntry[0].Address=a\x1C"
-              "b;");
 }
 
 TEST(ValueEscape, Exchanges_the_seven_structure_characters_with_their_codes_and_keeps_the_rest) {

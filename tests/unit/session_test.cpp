@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "kestrel/sdk_errors.h"
 #include "session/kestrel_sdk.h"
@@ -12,11 +13,7 @@
 
 namespace {
 
-struct Verdict {
-    uint32_t number;
-    uint32_t error;
-};
-constexpr Verdict kVerdicts[] = {
+constexpr std::pair<uint32_t, uint32_t> kVerdicts[] = {
     {0, 0},         {1, 0},         {101, 0},     {1000, 0},      {1001, 31},        {1998, 31},
     {1999, 170},    {2000, 31},     {3400, 22},   {3401, 31},     {3450, 23},        {3999, 31},
     {4000, 0},      {4199, 0},      {4200, 31},   {99999, 31},    {100000, 0},       {100001, 31},
@@ -43,11 +40,7 @@ constexpr Clock kClocks[] = {
     {1000, 0xFFFFFFFFu, 1001, 0xFFFFFFFEu},
 };
 
-struct Announcement {
-    uint32_t timeoutMs;
-    int32_t number;
-};
-constexpr Announcement kAnnouncements[] = {
+constexpr std::pair<uint32_t, int32_t> kAnnouncements[] = {
     {0, 0},
     {1, 0},
     {19, 18},
@@ -68,8 +61,8 @@ class Session : public testing::Test {
 }  // namespace
 
 TEST(Judgement, Every_response_number_has_its_verdict) {
-    for (const Verdict& verdict : kVerdicts)
-        EXPECT_EQ(ErrorOfResponse(verdict.number), verdict.error) << verdict.number;
+    for (const auto& [number, error] : kVerdicts)
+        EXPECT_EQ(ErrorOfResponse(number), error) << number;
 }
 
 TEST(RemainingTimes, Nothing_is_left_when_the_time_is_up_or_the_count_has_wrapped) {
@@ -78,8 +71,8 @@ TEST(RemainingTimes, Nothing_is_left_when_the_time_is_up_or_the_count_has_wrappe
 }
 
 TEST(TimeoutAnnouncement, The_number_is_95_percent_and_wraps_to_negative) {
-    for (const Announcement& row : kAnnouncements)
-        EXPECT_EQ(AnnouncedTimeout(row.timeoutMs), row.number) << row.timeoutMs;
+    for (const auto& [timeoutMs, number] : kAnnouncements)
+        EXPECT_EQ(AnnouncedTimeout(timeoutMs), number) << timeoutMs;
 }
 
 TEST(TimeoutAnnouncement, The_number_is_that_of_the_product_in_double_precision) {
@@ -89,14 +82,6 @@ TEST(TimeoutAnnouncement, The_number_is_that_of_the_product_in_double_precision)
         const auto expected = static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint64_t>(product)));
         ASSERT_EQ(AnnouncedTimeout(static_cast<uint32_t>(timeoutMs)), expected) << timeoutMs;
     }
-}
-
-TEST_F(Session, A_fresh_object_has_no_printer_and_no_reply) {
-    EXPECT_FALSE(sdk_->oplChannel.IsOpen());
-    EXPECT_EQ(sdk_->lastResponseNum, 100000u);
-    EXPECT_LT(sdk_->connectionKind, 0);
-    EXPECT_TRUE(sdk_->wakeUpPending);
-    EXPECT_FALSE(sdk_->printerLocked);
 }
 
 TEST_F(Session, Without_a_printer_a_request_fails_and_forgets_the_last_bad_reply) {
@@ -122,32 +107,4 @@ TEST_F(Session, Without_a_printer_a_request_fails_and_forgets_the_last_bad_reply
 TEST_F(Session, A_missing_request_is_an_invalid_parameter) {
     EXPECT_FALSE(sdk_->SendCmd(nullptr, 1, nullptr, 0, nullptr, 100));
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
-}
-
-TEST_F(Session, A_printer_on_a_list_of_ports_cannot_be_asked) {
-    ASSERT_TRUE(sdk_->oplChannel.Open(kwt::ChannelRole::Client, TEXT("KestrelUnitTestUSB001,USB002")));
-    EXPECT_FALSE(sdk_->SetWithAck("A=1;", 100));
-    EXPECT_EQ(GetLastError(), SDK_ERROR_PORT_LIST);
-    EXPECT_EQ(sdk_->lastTimeoutSent, 0u);
-}
-
-TEST_F(Session, A_request_that_nobody_takes_is_incomplete_and_announced_once) {
-    ASSERT_TRUE(sdk_->oplChannel.Open(kwt::ChannelRole::Client, TEXT("KestrelUnitTestNobody")));
-    EXPECT_FALSE(sdk_->SetWithAck("A=1;", 20));
-    EXPECT_EQ(GetLastError(), SDK_ERROR_SEND_INCOMPLETE);
-    EXPECT_EQ(sdk_->lastTimeoutSent, 20u);
-    EXPECT_FALSE(sdk_->SetWithAck("A=1;", 20));
-    EXPECT_EQ(GetLastError(), SDK_ERROR_SEND_INCOMPLETE);
-}
-
-TEST_F(Session, Selection_refuses_names_of_other_computers_and_locked_threads_before_it_asks_the_spooler) {
-    sdk_->printerName = TEXT("old");
-    sdk_->driverName = TEXT("old driver");
-    sdk_->printerLocked = true;
-    EXPECT_FALSE(sdk_->SelectPrinter(TEXT("\\\\server\\printer")));
-    EXPECT_EQ(GetLastError(), SDK_ERROR_NETWORK_PRINTER_NAME);
-    EXPECT_FALSE(sdk_->SelectPrinter(TEXT("Any printer")));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_LOCKED));
-    EXPECT_EQ(sdk_->printerName, TEXT(""));
-    EXPECT_EQ(sdk_->driverName, TEXT(""));
 }
