@@ -206,6 +206,16 @@ TEST_F(Channel, A_late_reply_before_the_next_request_is_not_taken_for_its_answer
     ExpectExchange("next", "right");
 }
 
+TEST_F(Channel, A_late_reply_after_the_next_request_is_taken_for_its_answer) {
+    // The protocol has no sequence numbers; this is why a counterpart drops what was given up.
+    OpenBoth();
+    Ask("given-up");
+    EXPECT_EQ(1460u, Receive(kShort).error);
+    Ask("next");
+    server_.Do("send late 1000");
+    EXPECT_EQ("late", Receive().text);
+}
+
 TEST_F(Channel, A_receive_buffer_that_is_too_small_gets_the_beginning) {
     OpenBoth();
     Ask("question");
