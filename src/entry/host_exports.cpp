@@ -7,12 +7,6 @@
 
 #pragma GCC diagnostic error "-Wmissing-declarations"
 
-namespace {
-
-constexpr kestrel_bool kFailure = 0;
-
-}  // namespace
-
 kestrel_bool ShowStatusMonitor() {
     return OnThreadSDK(kFailure, [](KestrelSDK& sdk) { return sdk.ShowStatusMonitor(); });
 }

@@ -13,7 +13,6 @@ namespace {
 
 constexpr uint32_t kVersion = 10;
 constexpr uint32_t kNoObject = 100001;
-constexpr kestrel_bool kFailure = 0;
 
 }  // namespace
 
@@ -52,11 +51,8 @@ kestrel_bool EnableCache(kestrel_bool enable) {
 }
 
 kestrel_bool GetStatus(DeviceStatusRecord* record, uint32_t size) {
-    return OnThreadSDK(kFailure, [&](KestrelSDK& sdk) {
-        if (record != nullptr && size >= sizeof(*record)) return sdk.GetStatus(record);
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return false;
-    });
+    const void* const whole = size >= sizeof(*record) ? record : nullptr;
+    return WithPointers({whole}, [&](KestrelSDK& sdk) { return sdk.GetStatus(record); });
 }
 
 void GetLastBadResponse(kestrel_char* buffer, uint32_t capacity) {

@@ -35,8 +35,6 @@ using InEnum = uint32_t;
 using InText = const kestrel_char*;
 using InAddress = uint32_t;
 
-constexpr kestrel_bool kFailure = 0;
-
 bool Fail(DWORD error) {
     SetLastError(error);
     return false;

@@ -94,6 +94,10 @@ class KestrelSDK {
     /// Always false, the result of the operation that gives up.
     bool RejectReply(const std::string& reply, uint32_t error);
 
+    /// Keeps the response number of a reply in `lastResponseNum`. A reply without one is rejected with
+    /// SDK_ERROR_BAD_REPLY: false.
+    bool TakeResponseNumber(const std::string& reply);
+
     /// The scratch texts below, emptied: an operation that builds its request in the one and reads its reply
     /// into the other allocates nothing. One operation at a time may use each.
     [[nodiscard]] std::string& NewRequest();

@@ -17,11 +17,8 @@ bool KestrelSDK::Lock(uint32_t timeoutMs) {
     std::string& request = NewRequest();
     builder.AppendWord(request, OplWord::LockPrinter);
     std::string& reply = NewReply();
-    if (!Query(request, reply, timeoutMs)) return false;
-    uint32_t number = 0;
-    if (!parser.GetResponseNumber(reply, number)) return RejectReply(reply, SDK_ERROR_BAD_REPLY);
-    lastResponseNum = number;
-    if (number != kLocked) {
+    if (!Query(request, reply, timeoutMs) || !TakeResponseNumber(reply)) return false;
+    if (lastResponseNum != kLocked) {
         SetLastError(SDK_ERROR_UNEXPECTED_REPLY);
         return false;
     }

@@ -58,6 +58,13 @@ bool KestrelSDK::RejectReply(const std::string& reply, uint32_t error) {
     return false;
 }
 
+bool KestrelSDK::TakeResponseNumber(const std::string& reply) {
+    uint32_t number = 0;
+    if (!parser.GetResponseNumber(reply, number)) return RejectReply(reply, SDK_ERROR_BAD_REPLY);
+    lastResponseNum = number;
+    return true;
+}
+
 uint32_t KestrelSDK::Transact(const void* request, uint32_t requestLength, char* reply, uint32_t& received,
                               uint32_t timeoutMs) {
     lastBadResponse.clear();

@@ -1,6 +1,5 @@
 #include "settings/firmware.h"
 
-#include "kestrel/sdk_errors.h"
 #include "kwt/strings.h"
 #include "session/remaining_time.h"
 #include "settings/typed_queries.h"
@@ -17,14 +16,6 @@ constexpr uint32_t kUpgradeStarted = 100000;
 
 constexpr size_t kCapabilityBytes = 128;
 constexpr const char* kThroughCommandLanguage = "OPL";
-
-/// Keeps the response number of a reply. A reply without one is kept itself, and false.
-bool TakeResponseNumber(KestrelSDK& sdk, const std::string& reply) {
-    uint32_t number = 0;
-    if (!sdk.parser.GetResponseNumber(reply, number)) return sdk.RejectReply(reply, SDK_ERROR_BAD_REPLY);
-    sdk.lastResponseNum = number;
-    return true;
-}
 
 // The status monitor should not disturb the upgrade; that it does not answer is no reason against it.
 void NotifyStatusMonitor(KestrelSDK& sdk) {
@@ -60,7 +51,7 @@ bool RefreshFWCapabilities(KestrelSDK& sdk, uint32_t timeoutMs) {
     std::string& request = sdk.NewRequest();
     sdk.builder.AppendWord(request, OplWord::ClearFWCaps);
     std::string& reply = sdk.NewReply();
-    return sdk.Query(request, reply, timeoutMs) && TakeResponseNumber(sdk, reply) &&
+    return sdk.Query(request, reply, timeoutMs) && sdk.TakeResponseNumber(reply) &&
            sdk.lastResponseNum == kDone;
 }
 
@@ -78,6 +69,6 @@ bool UpgradeFW(KestrelSDK& sdk, const WCHAR* path) {
     std::string& request = sdk.NewRequest();
     sdk.builder.AppendSetText(request, OplKey::UpgradeFW, kwt::AsciiString(path).ToByteString());
     std::string& reply = sdk.NewReply();
-    return sdk.Query(request, reply, kUpgradeMs) && TakeResponseNumber(sdk, reply) &&
+    return sdk.Query(request, reply, kUpgradeMs) && sdk.TakeResponseNumber(reply) &&
            (sdk.lastResponseNum == kDone || sdk.lastResponseNum == kUpgradeStarted);
 }

@@ -8,11 +8,8 @@ constexpr uint32_t kList = 101;
 
 bool QueryList(KestrelSDK& sdk, OplKey key, std::vector<std::string>& items, uint32_t timeoutMs) {
     std::string& reply = sdk.NewReply();
-    if (!sdk.Query(sdk.NewQuery(key), reply, timeoutMs)) return false;
-    uint32_t number = 0;
-    if (!sdk.parser.GetResponseNumber(reply, number)) return sdk.RejectReply(reply, SDK_ERROR_BAD_REPLY);
-    sdk.lastResponseNum = number;
-    if (number != kList) {
+    if (!sdk.Query(sdk.NewQuery(key), reply, timeoutMs) || !sdk.TakeResponseNumber(reply)) return false;
+    if (sdk.lastResponseNum != kList) {
         SetLastError(SDK_ERROR_UNEXPECTED_REPLY);
         return false;
     }

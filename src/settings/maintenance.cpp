@@ -1,7 +1,5 @@
 #include "settings/maintenance.h"
 
-#include "kestrel/sdk_errors.h"
-
 namespace {
 
 constexpr uint32_t kTimeoutMs = 5000;
@@ -9,11 +7,8 @@ constexpr uint32_t kStarted = 96;
 
 bool Start(KestrelSDK& sdk, const std::string& request) {
     std::string& reply = sdk.NewReply();
-    if (!sdk.Query(request, reply, kTimeoutMs)) return false;
-    uint32_t number = 0;
-    if (!sdk.parser.GetResponseNumber(reply, number)) return sdk.RejectReply(reply, SDK_ERROR_BAD_REPLY);
-    sdk.lastResponseNum = number;
-    return number == kStarted;
+    return sdk.Query(request, reply, kTimeoutMs) && sdk.TakeResponseNumber(reply) &&
+           sdk.lastResponseNum == kStarted;
 }
 
 }  // namespace

@@ -1,8 +1,7 @@
-// The exported functions of the address book, the access points and the network diagnostics.
-#include "entry/output_call.h"
+// The exported functions of the access points and the network diagnostics.
+#include "entry/export_call.h"
 #include "kestrel/sdk_device.h"
 #include "settings/access_points.h"
-#include "settings/address_book.h"
 #include "settings/network_diagnostics.h"
 #include "settings/setting_access.h"
 
@@ -17,36 +16,6 @@ kestrel_bool GetNumber(OplKey key, uint32_t* number, uint32_t timeoutMs) {
 }
 
 }  // namespace
-
-kestrel_bool GetQuickDialNumbers(KestrelQuickDial* records, uint32_t timeoutMs) {
-    return WithPointers({records},
-                        [&](KestrelSDK& sdk) { return GetQuickDialNumbers(sdk, records, timeoutMs); });
-}
-
-kestrel_bool SetQuickDialNumbers(const KestrelQuickDial* records, uint32_t timeoutMs) {
-    return WithPointers({records},
-                        [&](KestrelSDK& sdk) { return SetQuickDialNumbers(sdk, records, timeoutMs); });
-}
-
-kestrel_bool GetQuickDialButtons(KestrelQuickDial* records, uint32_t timeoutMs) {
-    return WithPointers({records},
-                        [&](KestrelSDK& sdk) { return GetQuickDialButtons(sdk, records, timeoutMs); });
-}
-
-kestrel_bool SetQuickDialButtons(const KestrelQuickDial* records, uint32_t timeoutMs) {
-    return WithPointers({records},
-                        [&](KestrelSDK& sdk) { return SetQuickDialButtons(sdk, records, timeoutMs); });
-}
-
-kestrel_bool GetQuickDialButton(uint32_t index, KestrelQuickDial* record, uint32_t timeoutMs) {
-    return WithPointers({record},
-                        [&](KestrelSDK& sdk) { return GetQuickDialButton(sdk, index, record, timeoutMs); });
-}
-
-kestrel_bool SetQuickDialButton(uint32_t index, const KestrelQuickDial* record, uint32_t timeoutMs) {
-    return WithPointers({record},
-                        [&](KestrelSDK& sdk) { return SetQuickDialButton(sdk, index, record, timeoutMs); });
-}
 
 kestrel_bool StartSearchForAccessPoints(uint32_t timeoutMs) {
     return OnThreadSDK(kFailure, [&](KestrelSDK& sdk) { return StartSearchForAccessPoints(sdk, timeoutMs); });
