@@ -2,21 +2,55 @@
 # A tour of what the library does, against a virtual printer in a process of its own. Every command is shown
 # before it runs, and one that must fail has to fail as announced. Everything made lies in a temporary folder
 # that is gone at the end; only build/ stays.
+#   ./demo.sh            the Linux library
+#   ./demo.sh --windows  the Windows DLL, under Wine
 set -euo pipefail
 cd "$(dirname "$0")"
 source scripts/prepare.sh
 
-install_packages "${BUILD_PACKAGES[@]}"
-CMAKE_EXTRA=(-DKESTREL_TESTS=OFF -DKESTREL_BENCH=OFF)
-[ -f build/native/CMakeCache.txt ] && CMAKE_EXTRA=()
-build_preset native kestrel_sdk kestrel kestrel-vprinter kestrel_statusmon rundll32
+case "${1:-}" in
+    "") world=linux ;;
+    --windows) world=windows ;;
+    *) echo "usage: ./demo.sh [--windows]" >&2; exit 2 ;;
+esac
 
 status_monitor=ZRIJ9900MUI
+programs=(kestrel kestrel-vprinter)
+install_packages "${BUILD_PACKAGES[@]}"
+CMAKE_EXTRA=(-DKESTREL_TESTS=OFF -DKESTREL_BENCH=OFF)
+
+# build_programs PRESET TARGET...: what was configured for the tests stays so.
+build_programs() {
+    [ ! -f "build/$1/CMakeCache.txt" ] || CMAKE_EXTRA=()
+    build_preset "$@"
+}
+
 work=$(mktemp -d)
-export WINPORT_HOME="$work/home"
-mkdir -m 700 "$WINPORT_HOME"
-monitor_log="$WINPORT_HOME/state/$status_monitor.log"
-export PATH="$PWD/build/native/bin:$PATH"
+mkdir "$work/bin"
+export PATH="$work/bin:$PATH"
+if [ $world = linux ]; then
+    build_programs native kestrel_sdk "${programs[@]}" kestrel_statusmon rundll32
+    for program in "${programs[@]}" $status_monitor.exe; do ln -s "$PWD/build/native/bin/$program" "$work/bin"; done
+    export WINPORT_HOME="$work/home"
+    mkdir -m 700 "$WINPORT_HOME"
+    monitor_log="$WINPORT_HOME/state/$status_monitor.log"
+else
+    source scripts/windows.sh
+    install_packages "${WINDOWS_BUILD_PACKAGES[@]}"
+    find_runnable
+    [ ${#RUNNABLE[@]} -gt 0 ] || exit 1
+    preset=${RUNNABLE[-1]}
+    build_programs "$preset" kestrel_sdk "${programs[@]}" kestrel_statusmon
+    start_wine
+    for program in "${programs[@]}" $status_monitor; do
+        printf '#!/bin/sh\nexec "%s" "%s" "$@"\n' "$PWD/scripts/wine.sh" "$PWD/build/$preset/bin/$program.exe" \
+            >"$work/bin/$program"
+    done
+    mv "$work/bin/$status_monitor" "$work/bin/$status_monitor.exe"
+    chmod +x "$work"/bin/*
+    monitor_log=("$WINEPREFIX"/drive_c/users/*/AppData/Local)
+    monitor_log="${monitor_log[0]}/$status_monitor.log"
+fi
 export KESTREL_PRINTER="Demo Printer"
 declare -A printer_processes=()  # by port
 
@@ -31,6 +65,10 @@ finish() {
     for process in $(jobs -p); do end_process "$process"; done
     # The library started it, so it is no child of ours; 3 says that none runs.
     "$status_monitor.exe" --stop >/dev/null 2>&1 || :
+    if [ $world = windows ]; then
+        kestrel printers remove "$KESTREL_PRINTER" >/dev/null 2>&1 || :
+        stop_wine
+    fi
     rm -rf "$work"
     [ $code -eq 0 ] || echo "The demo failed with exit code $code." >&2
 }
@@ -199,6 +237,10 @@ DataFile        = ZRIJ9900.INI
 ConfigFile      = ZRIJ9900UI.DLL
 LanguageMonitor = "ZRIJ9900 Monitor,ZRIJ9900MON.DLL"
 INF
+    if [ $world = windows ]; then
+        echo "Wine has no monitor of network ports and its installer of printers does nothing: left out."
+        return
+    fi
     show kestrel install port 127.0.0.1
     show kestrel install driver "$work/printers.inf" "ZRIJ9900 Series"
     show kestrel install printer "Network Printer" "$work/printers.inf" "ZRIJ9900 Series" ZRIJT_127.0.0.1

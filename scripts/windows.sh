@@ -1,18 +1,20 @@
 # Sourced by test.sh and demo.sh after prepare.sh: Wine and the cross compilers, and what of them this machine can
 # run. Expects to be sourced from the repository's root.
 
-WINDOWS_BUILD_PACKAGES=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix googletest binutils)
+WINDOWS_BUILD_PACKAGES=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix googletest)
 export WINEPREFIX="$PWD/build/wineprefix" WINEDEBUG=-all LC_ALL=C.UTF-8
 export WINEDLLOVERRIDES="mscoree,mshtml=;winedbg.exe=d;winspool.drv=n,b"
 unset DISPLAY
 
 WINE64=/usr/lib/wine/wine64
 WINE32=/usr/lib/wine/wine
+BINFMT=/proc/sys/fs/binfmt_misc
+EMULATION="$PWD/build/emulation"
 
 warn() { printf '\n!! %s\n' "$*" >&2; }
 
 apt_install() {
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "$@" >/dev/null 2>&1
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=300 install -y -qq --no-install-recommends "$@" >/dev/null 2>&1
 }
 
 # The two architectures' package indexes may be out of step: then the release's own versions fit each other.
@@ -37,19 +39,48 @@ find_runnable() {
     if [ ! -e "$WINE32" ]; then
         warn "THERE IS NO 32-BIT WINE HERE (apt-get refused wine32:i386): win32 is built and its files are checked," \
             "but it is not run."
-    elif ! "$WINE32" --version >/dev/null 2>&1; then
-        warn "THIS MACHINE CANNOT START 32-BIT PROGRAMS (its kernel refuses $WINE32): win32 is built and its files" \
-            "are checked, but it is not run."
-    else
+    elif [ ! -e $BINFMT/kestrel-i386 ] && "$WINE32" --version >/dev/null 2>&1; then
         RUNNABLE+=(win32)
+    elif emulate_32_bit && "$WINE32" --version >/dev/null 2>&1; then
+        warn "This machine's kernel cannot start 32-bit programs: QEMU runs them for it, slowly."
+        RUNNABLE+=(win32)
+    else
+        warn "THIS MACHINE CANNOT START 32-BIT PROGRAMS (its kernel refuses $WINE32, and QEMU could not be put in" \
+            "its place): win32 is built and its files are checked, but it is not run."
     fi
+}
+
+can_run() { [[ " ${RUNNABLE[*]} " == *" $1 "* ]]; }
+
+# Has the kernel start 32-bit programs with QEMU, until stop_wine.
+emulate_32_bit() {
+    say "Setting up QEMU for 32-bit programs"
+    install_packages qemu-user-static gcc || return 1
+    local magic='\x7fELF\x01\x01\x01\x00\x00\x00\x00\x00\x00\x00\x00\x00\x02\x00\x03\x00'
+    local mask='\xff\xff\xff\xff\xff\xfe\xfe\xfc\xff\xff\xff\xff\xff\xff\xff\xff\xfe\xff\xff\xff'
+    [ -e $BINFMT/register ] || as_root mount -t binfmt_misc none $BINFMT || return 1
+    [ -e $BINFMT/kestrel-i386 ] ||
+        as_root sh -c "printf '%s' ':kestrel-i386:M::$magic:$mask:/usr/bin/qemu-i386-static:POCF' >$BINFMT/register" ||
+        return 1
+
+    # The loader picks the folder of the program's own kind: 64-bit programs get an empty library.
+    local low="$EMULATION/lib/i386-linux-gnu" high="$EMULATION/lib/x86_64-linux-gnu"
+    mkdir -p "$low" "$high"
+    gcc -m32 -O2 -fPIC -fno-stack-protector -nostdlib -shared -o "$low/wine_in_qemu.so" \
+        scripts/emulation/wine_in_qemu.c || return 1
+    gcc -nostdlib -shared -x c -o "$high/wine_in_qemu.so" /dev/null || return 1
+    export QEMU_CPU=max QEMU_SET_ENV="LD_PRELOAD=$EMULATION/\$LIB/wine_in_qemu.so"
 }
 
 # A prefix is a computer. Its server is started with its output away from here: services inherit it, and whoever
 # reads the pipe of a test would wait for them.
 start_wine() {
-    if [ ! -e "$WINEPREFIX/system.reg" ]; then
-        say "Making the Wine prefix (about 10 s)"
+    [ ${#RUNNABLE[@]} -gt 0 ] || return 0
+    # One that was made without 32-bit Wine has no system for 32-bit programs.
+    if [ ! -e "$WINEPREFIX/system.reg" ] ||
+        { can_run win32 && [ ! -e "$WINEPREFIX/drive_c/windows/syswow64/kernel32.dll" ]; }; then
+        say "Making the Wine prefix (10 to 40 s)"
+        rm -rf "$WINEPREFIX"
         mkdir -p "$(dirname "$WINEPREFIX")"
         "$WINE64" wineboot.exe -i >/dev/null 2>&1 </dev/null
         wineserver -w
@@ -60,6 +91,8 @@ start_wine() {
 
 # A program that still runs would end with exit code 0: never while tests run.
 stop_wine() {
+    [ ${#RUNNABLE[@]} -gt 0 ] || return 0
     wineserver -k || :
     wineserver -w
+    [ ! -e $BINFMT/kestrel-i386 ] || as_root sh -c "echo -1 >$BINFMT/kestrel-i386"
 }

@@ -1,7 +1,6 @@
-// Installing drivers and printers from set-up information files: by the library, as a set-up program does it,
-// and by the tool itself.
+// The tool that installs drivers and printers from set-up information files, as the system's own does on
+// Windows.
 #include <gtest/gtest.h>
-#include <kestrel/sdk.h>
 #include <windows.h>
 // The headers below need the one above.
 #include <winspool.h>
@@ -60,10 +59,6 @@ std::string Utf16(const std::string& text) {
     return bytes;
 }
 
-WideText Wide(const std::string& text) {
-    return WideText(text.begin(), text.end());
-}
-
 class InstallTool : public testing::Test {
   protected:
     std::string Write(const std::string& name, const std::string& bytes) const {
@@ -110,19 +105,6 @@ class InstallTool : public testing::Test {
         return reinterpret_cast<const PRINTER_INFO_2W*>(record)->pPortName;
     }
 };
-
-TEST_F(InstallTool, The_library_makes_a_network_port_and_a_default_printer_on_it) {
-    const WideText inf = Wide(Write("with blank.inf", kInf));
-    kestrel_char port[64] = {};
-    ASSERT_TRUE(AddNetPort(TEXT("192.168.0.20"), 9100, port));
-    EXPECT_EQ(WideText(port), TEXT("ZRIJT_192.168.0.20"));
-    EXPECT_TRUE(AddDriverInstance(TEXT("Office"), inf.c_str(), TEXT("Model 32"), port, true));
-    EXPECT_EQ(PortOf(TEXT("Office")), TEXT("ZRIJT_192.168.0.20"));
-    WCHAR chosen[16] = {};
-    DWORD size = 16;
-    EXPECT_TRUE(GetDefaultPrinterW(chosen, &size));
-    EXPECT_EQ(WideText(chosen), TEXT("Office"));
-}
 
 TEST_F(InstallTool, A_driver_is_taken_from_every_encoding_and_from_shared_sections) {
     const WideText nine = TEXT("ZR \"Nine\" 9900");

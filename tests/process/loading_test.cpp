@@ -2,11 +2,14 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "kwt/wide_text.h"
 
@@ -61,25 +64,19 @@ TEST(Loading, A_copy_of_another_product_loads_and_is_gone_when_freed) {
     }
 }
 
-TEST(Loading, A_thread_that_used_the_library_may_outlive_it_and_threads_end_with_their_objects) {
-    const WideText path = CopyAs("ACMESDK");
-    const HMODULE library = LoadLibraryW(path.c_str());
-    ASSERT_NE(nullptr, library);
-    // The status monitor's channel that an object holds open is seen while the object lives.
-    const WideText object = TEXT("Global\\ACMEStatMonClass-01042005RemoteControlChannelServerIdleEvent");
-    const auto isOpen = [&] {
-        HANDLE event = CreateEventW(nullptr, TRUE, FALSE, object.c_str());
-        const bool existed = GetLastError() == ERROR_ALREADY_EXISTS;
-        CloseHandle(event);
-        return existed;
-    };
-    std::thread([&] {
-        EXPECT_FALSE(isOpen());
-        CallNumber(library, "GetLastResponseNum");
-        EXPECT_TRUE(isOpen());
-    }).join();
-    EXPECT_FALSE(isOpen()) << "the object outlived its thread";
+// The channel to the status monitor that each thread's object keeps open.
+const WideText kChannel = TEXT("Global\\ACMEStatMonClass-01042005RemoteControlChannel");
 
+bool AnyObjectLives() {
+    HANDLE event = CreateEventW(nullptr, TRUE, FALSE, (kChannel + TEXT("ServerIdleEvent")).c_str());
+    const bool existed = GetLastError() == ERROR_ALREADY_EXISTS;
+    CloseHandle(event);
+    return existed;
+}
+
+TEST(Loading, A_thread_that_used_the_library_may_outlive_it) {
+    const HMODULE library = LoadLibraryW(CopyAs("ACMESDK").c_str());
+    ASSERT_NE(nullptr, library);
     HANDLE freed = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     HANDLE used = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     std::thread survivor([&] {
@@ -93,6 +90,33 @@ TEST(Loading, A_thread_that_used_the_library_may_outlive_it_and_threads_end_with
     survivor.join();
     CloseHandle(freed);
     CloseHandle(used);
+}
+
+// The threads know nothing of the library but one function; another program keeps the channel's transaction.
+// What would wait for it in a thread's end would hold up the loader.
+TEST(Loading, A_thousand_threads_take_their_objects_along_and_wait_for_nobody) {
+    const HMODULE library = LoadLibraryW(CopyAs("ACMESDK").c_str());
+    ASSERT_NE(nullptr, library);
+    HANDLE transaction = CreateMutexW(nullptr, TRUE, (kChannel + TEXT("TransactionMutex")).c_str());
+    ASSERT_NE(nullptr, transaction);
+    std::atomic<int> objects = 0;
+    for (int round = 0; round < 125; ++round) {
+        std::vector<std::thread> threads(8);
+        for (std::thread& thread : threads)
+            thread = std::thread([&] {
+                CallNumber(library, "GetLastResponseNum");
+                if (AnyObjectLives()) ++objects;
+            });
+        const auto start = std::chrono::steady_clock::now();
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+        ASSERT_FALSE(AnyObjectLives()) << "an object outlived its thread, round " << round;
+    }
+    EXPECT_EQ(1000, objects);
+    EXPECT_TRUE(FreeLibrary(library));
+    ReleaseMutex(transaction);
+    CloseHandle(transaction);
 }
 
 }  // namespace

@@ -86,8 +86,8 @@ TEST(Configuration, Missing_empty_or_half_written_fails_the_selection) {
     const std::filesystem::path file =
         nlohmann::json::parse(setup.output).at("configuration").get<std::string>();
     ASSERT_EQ(0, RunClient({"printers", "add", "P", "--port", "USB001"}).code);
-    std::ifstream stream(file);
-    const std::string whole((std::istreambuf_iterator<char>(stream)), {});
+    std::string whole;
+    std::getline(std::ifstream(file), whole, '\0');
     ASSERT_GT(whole.size(), 100u);
     for (const std::string& content : {std::string(), whole.substr(0, whole.size() / 3)}) {
         std::ofstream(file) << content;

@@ -7,7 +7,6 @@
 #include <optional>
 
 #include "installed_status_monitor.h"
-#include "on_wine.h"
 #include "recording_monitor.h"
 
 namespace {
@@ -30,17 +29,7 @@ std::string BlockReply(uint32_t state, char text) {
     return "0000,Status#1316=" + block + ";";
 }
 
-class Status : public InstalledStatusMonitor {
-  protected:
-    static void StopSpooler(DWORD stopped) {
-        HKEY key = nullptr;
-        ASSERT_EQ(ERROR_SUCCESS,
-                  RegCreateKeyW(HKEY_LOCAL_MACHINE, TEXT("SYSTEM\\CurrentControlSet\\Control\\Print"), &key));
-        RegSetValueExW(key, TEXT("Stopped"), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&stopped),
-                       sizeof(stopped));
-        RegCloseKey(key);
-    }
-};
+using Status = InstalledStatusMonitor;
 
 TEST_F(Status, Comes_from_the_language_monitor_once_the_status_monitor_is_told) {
     StartMonitor();
@@ -104,21 +93,6 @@ TEST_F(Status, Starts_the_status_monitor_of_the_driver_folder) {
     EXPECT_EQ(1u, Count(Log(), "Ping")) << Log();
     EXPECT_EQ(1u, Count(Log(), "UpSt")) << Log();
     EXPECT_EQ(0, StopMonitor());
-}
-
-TEST_F(Status, Without_a_spooler_nothing_is_started__not_on_Wine) {
-    if (OnWine()) GTEST_SKIP() << "Wine's spooler is part of each process and cannot be down";
-    Configure();
-    WithPrinter([] {
-        StopSpooler(1);
-        Guarded<DeviceStatusRecord, 1> out;
-        EXPECT_FALSE(GetStatus(out.records, sizeof(out.records)));
-        EXPECT_EQ(1722u, GetLastError());
-        EXPECT_FALSE(ShowStatusMonitor());
-        EXPECT_EQ(1460u, GetLastError()) << "the ping decides";
-        StopSpooler(0);
-    });
-    EXPECT_EQ(3, StopMonitor());
 }
 
 using Windows = Status;
@@ -185,6 +159,9 @@ TEST_F(Windows, Wanted_by_several_processes_at_once_start_one_status_monitor) {
 }
 
 TEST_F(Windows, The_display_mode_is_kept_for_the_user_where_the_configuration_says) {
+    // An earlier run's choices live on where the registry is the system's.
+    RegDeleteTreeW(HKEY_CURRENT_USER, TEXT("Software\\ZRIJ9900"));
+    RegDeleteValueW(HKEY_CURRENT_USER, TEXT("AlwaysShowStatus"));
     // Without a configuration it is the root of the user's hive.
     const auto stored = [](const WCHAR* path) {
         DWORD value = 77;

@@ -92,7 +92,9 @@ class ProductConfig : public testing::Test {
     }
 
     bool Load(const std::vector<Line>& lines) {
+        const DWORD error = GetLastError();
         Write(path_, lines);
+        SetLastError(error);
         return config_.Load(path_.string<WCHAR>());
     }
 

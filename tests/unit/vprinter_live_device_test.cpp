@@ -196,11 +196,12 @@ TEST_F(VprinterLiveDevice, An_upgrade_takes_a_firmware_file_and_its_time) {
 }
 
 TEST_F(VprinterLiveDevice, A_firmware_path_is_text_of_the_ANSI_code_page_with_either_separator) {
-    path_ += "_\xE2\x82\xAC";  // the euro sign, 0x80 in that page
-    std::ofstream(path_) << "ZRFW 1 9900.2210.420\n";
-    std::string sent = SentPath(path_.substr(0, path_.size() - 3)) + "\x80";
+    const std::filesystem::path file = std::filesystem::path(path_) += u8"_\u20AC";  // 0x80 in that page
+    std::ofstream(file) << "ZRFW 1 9900.2210.420\n";
+    std::string sent = SentPath(path_ + "_") + "\x80";
     sent[sent.rfind('/')] = '\\';
     EXPECT_EQ(Ask("ZRUpgradeFW=" + sent + ";"), "0101,ZRUpgradeFW;");
+    std::filesystem::remove(file);
 }
 
 }  // namespace

@@ -215,8 +215,10 @@ TEST_F(VprinterStateFile, Changed_values_of_every_printer_survive) {
     third.Restore("USB001", restored);
     EXPECT_EQ(restored.ChangedValues(), model.ChangedValues());
     EXPECT_EQ(restored.ChangedValues().size(), 2u);
+#ifndef _WIN32  // where the folder protects its files
     EXPECT_EQ(std::filesystem::status(path_).permissions() & std::filesystem::perms::others_read,
               std::filesystem::perms::none);
+#endif
 }
 
 TEST_F(VprinterStateFile, A_file_that_cannot_be_used_is_refused_with_the_reason) {

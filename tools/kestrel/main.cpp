@@ -50,7 +50,9 @@ int ReportParseEnd(const CLI::App& app, const CLI::ParseError& end, bool json, b
 }
 
 int Run(int argc, char** argv) {
+    platform::KeepLineEnds();
     CLI::App app("", "kestrel");
+    app.allow_windows_style_options(false);  // "/nowhere" is a path
     GlobalOptions options;
     Chosen chosen;
     DeclareCommandLine(app, options, chosen);

@@ -14,6 +14,9 @@ enum class Stream { kOut, kError };
 // The arguments after the program's name, as UTF-8.
 [[nodiscard]] std::vector<std::string> Arguments(int count, char** values);
 
+// Standard output takes what is written to it as it stands: tables in files have line ends of their own.
+void KeepLineEnds();
+
 [[nodiscard]] bool IsTerminal(Stream stream);
 
 // From now on an interrupt (Ctrl-C) writes the two texts to standard output and standard error and ends the

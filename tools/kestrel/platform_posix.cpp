@@ -68,6 +68,8 @@ std::vector<std::string> Arguments(int count, char** values) {
     return count > 0 ? std::vector<std::string>(values + 1, values + count) : std::vector<std::string>();
 }
 
+void KeepLineEnds() {}
+
 bool IsTerminal(Stream stream) {
     return isatty(stream == Stream::kOut ? STDOUT_FILENO : STDERR_FILENO) == 1;
 }

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 // The shell's header needs the one above.
+#include <fcntl.h>
 #include <io.h>
 #include <shellapi.h>
 
@@ -75,6 +76,10 @@ std::vector<std::string> Arguments(int, char**) {
         arguments.push_back(Utf8FromWide(values[i]));
     LocalFree(values);
     return arguments;
+}
+
+void KeepLineEnds() {
+    _setmode(_fileno(stdout), _O_BINARY);
 }
 
 bool IsTerminal(Stream stream) {

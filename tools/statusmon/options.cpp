@@ -68,6 +68,7 @@ bool ReadCommandLine(int argc, const char* const* argv, Options& options, int& e
     CLI::App app{
         "Status monitor: answers what the library asks of the program that shows the printer's state.",
         KESTREL_PRODUCT "MUI.exe"};
+    app.allow_windows_style_options(false);  // a path may begin with "/"
     app.footer(kFooter);
     std::vector<std::string> words;
     Declare(app, options, words);

@@ -99,6 +99,7 @@ void DropRepeatedPorts(std::vector<std::string>& ports) {
 bool ReadCommandLine(int argc, const char* const* argv, Options& options, int& exitCode) {
     CLI::App app{"Virtual printer: answers what the library asks of a language monitor and its device.",
                  "kestrel-vprinter"};
+    app.allow_windows_style_options(false);  // a path may begin with "/"
     app.footer(kExamples);
     Declare(app, options);
     try {

@@ -6,18 +6,20 @@ namespace winport {
 
 namespace {
 
+constexpr DWORD kUsualReason = 1;
 constexpr std::u16string_view kPrintPath = u"SYSTEM\\CurrentControlSet\\Control\\Print";
 
 }  // namespace
 
 SpoolSession::SpoolSession(RegistrySession::Purpose purpose) : registry_(purpose) {
     root_ = registry_.Find(kLocalMachine, kPrintPath);
-    stopped_ = root_ != 0 && ReadNumber(registry_, root_, u"Stopped", 0) != 0;
+    if (root_ != 0) stopped_ = ReadNumber(registry_, root_, u"Stopped", 0);
+    if (stopped_ == kUsualReason) stopped_ = RPC_S_SERVER_UNAVAILABLE;
 }
 
 DWORD SpoolSession::Error() const {
     if (registry_.Status() != ERROR_SUCCESS) return static_cast<DWORD>(registry_.Status());
-    return stopped_ ? RPC_S_SERVER_UNAVAILABLE : ERROR_SUCCESS;
+    return stopped_;
 }
 
 DWORD SpoolSession::Commit() {

@@ -4,7 +4,9 @@
 //   Printers\<name>\PrinterDriverData                       its data values
 //   Environments\<environment>\Drivers\Version-3\<driver>   one driver
 //   Monitors\Standard TCP/IP Port\Ports\<port>             one network port
-//   value "Stopped" (DWORD), not 0                          the spooler does not run: calls fail with 1722
+//   value "Stopped" (DWORD), not 0                          the spooler does not run: calls fail with 1722,
+//   or
+//                                                           with the value when it is not 1
 #pragma once
 
 #include <windows.h>
@@ -21,7 +23,7 @@ class SpoolSession final {
   public:
     explicit SpoolSession(RegistrySession::Purpose purpose);
 
-    // 0, 1722 when the spooler is stopped, else the registry's failure.
+    // 0, why the spooler is stopped, else the registry's failure.
     [[nodiscard]] DWORD Error() const;
     [[nodiscard]] DWORD Commit();
     [[nodiscard]] RegistrySession& Registry() { return registry_; }
@@ -39,7 +41,7 @@ class SpoolSession final {
   private:
     RegistrySession registry_;
     KeyId root_ = 0;
-    bool stopped_ = false;
+    DWORD stopped_ = ERROR_SUCCESS;
 };
 
 // A name that can be one key: not empty, without "\", not too long.

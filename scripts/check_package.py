@@ -1,0 +1,37 @@
+#!/usr/bin/env python3
+"""Packs a build and looks into the zip: check_package.py BUILD_FOLDER. What a user needs is there, and nothing that only
+tests need."""
+import pathlib
+import subprocess
+import sys
+import tempfile
+import zipfile
+
+COMMON = {"README.md", "include/kestrel/sdk.h", "docs/kestrel.md", "bin/ZRIJ9900MUI.exe"}
+WINDOWS = COMMON | {"bin/ZRIJ9900SDK.dll", "bin/ZRIJ9900SDK.dll.debug", "lib/libZRIJ9900SDK.dll.a",
+                    "lib/ZRIJ9900SDK.def", "bin/kestrel.exe", "bin/kestrel-vprinter.exe"}
+LINUX = COMMON | {"lib/libZRIJ9900SDK.so", "lib/libwinport.so", "bin/kestrel", "bin/kestrel-vprinter", "bin/rundll32"}
+
+
+def main():
+    build = pathlib.Path(sys.argv[1])
+    with tempfile.TemporaryDirectory() as folder:
+        subprocess.run(["cpack", "--config", build / "CPackConfig.cmake", "-B", folder], check=True,
+                       stdout=subprocess.DEVNULL)
+        package = next(pathlib.Path(folder).glob("*.zip"))
+        with zipfile.ZipFile(package) as archive:
+            files = {name.split("/", 1)[1] for name in archive.namelist() if not name.endswith("/")}
+    wanted = WINDOWS if "windows" in package.name else LINUX
+    # Libraries on Linux lie below the folder of the machine's kind.
+    files = {name.replace("lib/x86_64-linux-gnu/", "lib/") for name in files}
+    strangers = {name for name in files - wanted if not name.startswith(("include/kestrel/", "docs/"))}
+    for name in sorted(wanted - files):
+        print(f"{package.name}: {name} is missing", file=sys.stderr)
+    for name in sorted(strangers):
+        print(f"{package.name}: {name} is nobody's", file=sys.stderr)
+    print(f"{package.name}: {len(files)} files")
+    return 1 if wanted - files or strangers else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
