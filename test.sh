@@ -12,15 +12,17 @@ case "${1:-}" in
 esac
 
 results=()
-# run_suites PRESET JOBS [LABEL]: a failure is counted at the end, so that the other suites are run as well.
+# run_suites NAME PRESET OPTION...: a failure is counted at the end, so that the other suites are run as well.
 run_suites() {
-    say "Running the suites ($1)"
-    local report="$PWD/build/$1/results.xml"
+    local name=$1 preset=$2
+    local report="$PWD/build/$preset/$name.xml"
+    shift 2
+    say "Running the suites ($name)"
     rm -f "$report"
-    if ! ctest --preset "$1" -j"$2" ${3:+-L "$3"} --output-junit "$report"; then
-        say "Some of them failed ($1); the other suites are run all the same"
+    if ! ctest --preset "$preset" "$@" --output-junit "$report"; then
+        say "Some of them failed ($name); the other suites are run all the same"
     fi
-    results+=("$1=$report")
+    results+=("$name=$report")
 }
 
 install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" binutils python3
@@ -29,7 +31,7 @@ build_preset native
 
 say "Checking who includes whom"
 python3 scripts/check_includes.py
-run_suites native 2
+run_suites native native -j2
 
 if [ "${1:-}" != --native ]; then
     source scripts/windows.sh
@@ -41,11 +43,15 @@ if [ "${1:-}" != --native ]; then
     for preset in win64 win32; do
         if can_run "$preset"; then
             # One after the other: all of them live in one prefix.
-            run_suites "$preset" 1
+            run_suites "$preset" "$preset" ${AGAIN[$preset]:-}
         else
-            run_suites "$preset" 2 files
+            run_suites "$preset" "$preset" -L files
         fi
     done
+    if can_run win32; then
+        export KESTREL_COUNTERPART="$PWD/build/win64/bin/kestrel-vprinter.exe"
+        run_suites win32-with-64-bit-printer win32 ${AGAIN[win32]:-} -R '^process\.(Settings|Wire|Exchange)\.'
+    fi
 fi
 
 say "All suites"

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -81,9 +82,15 @@ class InstalledPrinter : public testing::Test {
         });
     }
 
+    // The virtual printer, or one of another word size that the environment names.
+    static std::string PrinterProgram() {
+        const char* const other = std::getenv("KESTREL_COUNTERPART");
+        return other != nullptr ? other : KESTREL_VPRINTER;
+    }
+
     // `faults`: the rules of a fault script; none starts a printer that does everything right.
     void StartPrinter(const std::string& faults = "", const std::vector<std::string>& extra = {}) {
-        std::vector<std::string> words = {KESTREL_VPRINTER, "--port", "USB001", "--trace", "none"};
+        std::vector<std::string> words = {PrinterProgram(), "--port", "USB001", "--trace", "none"};
         if (!faults.empty()) {
             const std::string file = (home_ / "faults.json").string();
             std::ofstream(file) << faults;
