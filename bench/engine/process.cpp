@@ -34,9 +34,9 @@ std::vector<char*> Arguments(const std::vector<std::string>& words) {
 }  // namespace
 
 TemporaryFolder::TemporaryFolder() {
-    char pattern[] = "/dev/shm/kestrel-bench-XXXXXX";
-    if (mkdtemp(pattern) == nullptr) throw std::runtime_error("no temporary folder");
-    path_ = pattern;
+    const char* const prefix = std::getenv("KESTREL_BENCH_PREFIX");
+    path_ = std::string(prefix != nullptr ? prefix : "/dev/shm/kestrel-bench-") + "XXXXXX";
+    if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("no temporary folder");
 }
 
 TemporaryFolder::~TemporaryFolder() {

@@ -4,9 +4,7 @@
 #include <atomic>
 #include <cstdint>
 #include <cstring>
-#include <span>
 
-constexpr unsigned kMostClients = 4;
 constexpr uint32_t kLargeMessage = 0x100FF;
 
 struct Cells {
@@ -15,12 +13,14 @@ struct Cells {
 };
 
 struct SmallCells {
-    Cells cells[kMostClients];
+    static constexpr unsigned kClients = 4;
+    Cells cells[kClients];
 };
 
 /// With as many bytes each way as the longest message of the command channel has.
 struct LargeCells {
-    Cells cells[1];
+    static constexpr unsigned kClients = 1;
+    Cells cells[kClients];
     alignas(64) uint8_t requestBytes[kLargeMessage];
     alignas(64) uint8_t replyBytes[kLargeMessage];
 };

@@ -9,7 +9,7 @@ template <typename Payload>
 void Serve(const Place& place) {
     const SharedFile<typename Payload::Shared> shared(place.File("cells"));
     Payload payload;
-    uint32_t last[std::size(shared->cells)] = {};
+    uint32_t last[Payload::Shared::kClients] = {};
     Ready();
     for (;;) {
         for (size_t i = 0; i < std::size(last); ++i) {

@@ -28,7 +28,7 @@ void Serve(const Place& place) {
     const SharedFile<Doors<Payload>> doors(place.File("doors"));
     auto& content = doors->content;
     Payload payload;
-    uint32_t last[std::size(content.cells)] = {};
+    uint32_t last[Payload::Shared::kClients] = {};
     Ready();
     for (;;) {
         const uint32_t rung = doors->bell.load(std::memory_order_acquire);

@@ -1,5 +1,5 @@
-// instructions COUNT    that many exchanges and parses, for callgrind to collect in `CountedExchange` and
-//                       `CountedParse`
+// counted COUNT    that many exchanges and parses, for callgrind to collect in `CountedExchange` and
+//                  `CountedParse`
 //
 // How often a waiting thread looks is chance. Here a wait begins only once the counterpart, a process of its
 // own, has long done its part and sleeps again, so that the first look succeeds: nothing is counted but the
@@ -83,12 +83,12 @@ int main(int argc, char** argv) {
         const Server printer(kGetFaxRedials, place, false);
         SelectInstalledPrinter(place);
         if (!SetFaxRedials(3, kTimeoutMs) || !Count(std::atoi(argv[1]))) {
-            std::fprintf(stderr, "instructions: a wrong answer\n");
+            std::fprintf(stderr, "counted: a wrong answer\n");
             return 1;
         }
         return 0;
     } catch (const std::exception& failure) {
-        std::fprintf(stderr, "instructions: %s\n", failure.what());
+        std::fprintf(stderr, "counted: %s\n", failure.what());
         return 1;
     }
 }
