@@ -9,11 +9,40 @@
 
 namespace {
 
+// clang-format off
 const Contender* const kContenders[] = {
-    &kPollingLimit,  &kSleepingLimit, &kLargePollingLimit, &kLargeSleepingLimit,
-    &kGetFaxRedials, &kSetFaxRedials, &kRawExchange,       &kFramedExchange,
-    &kGetterSweep,   &kBareSweep,     &kUnixSocket,        &kPipe,
+    &kPollingLimit,
+    &kSleepingLimit,
+    &kLargePollingLimit,
+    &kLargeSleepingLimit,
+    &kGetFaxRedials,
+    &kSetFaxRedials,
+    &kRawExchange,
+    &kFramedExchange,
+    &kGetterSweep,
+    &kBareSweep,
+    &kUnixSocket,
+    &kPipe,
+#ifdef KESTREL_BENCH_QUEUE
+    &kMessageQueue,
+#endif
+#ifdef KESTREL_BENCH_ZEROMQ
+    &kZeroMq,
+#endif
+#ifdef KESTREL_BENCH_DBUS
+    &kDBus,
+#endif
+#ifdef KESTREL_BENCH_GRPC
+    &kGrpc,
+#endif
+#ifdef KESTREL_BENCH_SNMP
+    &kSnmp,
+#endif
+#ifdef KESTREL_BENCH_IPP
+    &kIpp,
+#endif
 };
+// clang-format on
 
 }  // namespace
 

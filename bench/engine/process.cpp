@@ -86,6 +86,7 @@ pid_t Spawn(const std::vector<std::string>& words) {
     EndWithParent();
     const int nowhere = open("/dev/null", O_RDWR);
     dup2(nowhere, STDOUT_FILENO);
+    dup2(nowhere, STDERR_FILENO);
     Become(words);
 }
 

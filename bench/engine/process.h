@@ -40,7 +40,7 @@ class ChildProcess final {
     pid_t id_;
 };
 
-/// Starts a program that ends with the calling process; its output goes nowhere.
+/// Starts a program that ends with the calling process; what it prints goes nowhere.
 pid_t Spawn(const std::vector<std::string>& words);
 /// Runs a program to its end; throws unless it succeeds.
 void Run(const std::vector<std::string>& words);

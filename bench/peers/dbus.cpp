@@ -2,38 +2,17 @@
 #include <dbus/dbus.h>
 #include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <string>
 
-#include "engine/process.h"
 #include "peers/peers.h"
+#include "peers/private_bus.h"
 
 namespace {
 
 constexpr const char* kService = "bench.Printer";
 constexpr const char* kObject = "/bench/Printer";
 constexpr int kTimeoutMs = 5000;
-
-std::string BusAddress(const Place& place) {
-    return "unix:path=" + place.File("bus");
-}
-
-pid_t StartDaemon(const Place& place) {
-    std::ofstream(place.File("bus.conf"))
-        << "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\" "
-           "\"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\"><busconfig><listen>"
-        << BusAddress(place)
-        << "</listen><policy context=\"default\"><allow send_destination=\"*\"/><allow receive_sender=\"*\"/>"
-           "<allow own=\"*\"/><allow user=\"*\"/></policy></busconfig>";
-    const pid_t daemon = Spawn({"dbus-daemon", "--nofork", "--config-file=" + place.File("bus.conf")});
-    for (int looks = 0; !std::filesystem::exists(place.File("bus")); ++looks) {
-        if (looks == 500) throw std::runtime_error("dbus-daemon does not start");
-        usleep(10'000);
-    }
-    return daemon;
-}
 
 DBusConnection* OpenBus(const Place& place) {
     for (int attempt = 0; attempt < 100; ++attempt) {
@@ -45,7 +24,7 @@ DBusConnection* OpenBus(const Place& place) {
 }
 
 void Serve(const Place& place) {
-    const pid_t daemon = StartDaemon(place);
+    const pid_t daemon = StartBus(place);
     DBusConnection* const bus = OpenBus(place);
     dbus_bus_request_name(bus, kService, 0, nullptr);
     Ready({daemon});

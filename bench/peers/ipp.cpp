@@ -2,10 +2,12 @@
 #include <cups/cups.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <stdexcept>
 #include <string>
 
 #include "peers/network_port.h"
+#include "peers/private_bus.h"
 
 namespace {
 
@@ -61,6 +63,9 @@ bool Answers(const Place& place) {
 
 void Serve(const Place& place) {
     const std::string port = ChoosePort(place);
+    // It announces itself on the system's bus and does not start without one.
+    StartBus(place);
+    setenv("DBUS_SYSTEM_BUS_ADDRESS", BusAddress(place).c_str(), 1);
     const pid_t printer = Spawn({"ippeveprinter", "-r", "off", "-n", "127.0.0.1", "-p", port, "-d",
                                  place.folder, std::string(kName)});
     for (int attempt = 0; !Answers(place); ++attempt) {

@@ -3,7 +3,7 @@
 #include <net-snmp/net-snmp-includes.h>
 #include <unistd.h>
 
-#include <cstring>
+#include <cstdlib>
 #include <stdexcept>
 #include <string>
 
@@ -19,6 +19,7 @@ class SnmpClient final : public Client {
     explicit SnmpClient(const Place& place) : peer_("udp:127.0.0.1:" + ReadPort(place)) {
         // No configuration of the machine or of its users counts.
         setenv("SNMPCONFPATH", place.folder.c_str(), 1);
+        setenv("MIBS", "", 1);
         init_snmp("bench");
         netsnmp_session wanted;
         snmp_sess_init(&wanted);
@@ -65,6 +66,7 @@ void Serve(const Place& place) {
     const std::string port = ChoosePort(place);
     std::ofstream(place.File("snmpd.conf"))
         << "rocommunity public 127.0.0.1\nsyscontact " << kPeerReply << "\n";
+    setenv("MIBS", "", 1);
     setenv("SNMP_PERSISTENT_DIR", place.folder.c_str(), 1);
     const pid_t daemon = Spawn({"snmpd", "-f", "-C", "-c", place.File("snmpd.conf"), "-Lf", "/dev/null", "-p",
                                 place.File("snmpd.pid"), "udp:127.0.0.1:" + port});
