@@ -21,8 +21,8 @@ class IppClient final : public Client {
   public:
     explicit IppClient(const Place& place)
         : port_(std::stoi(ReadPort(place))),
-          uri_("ipp://127.0.0.1:" + std::to_string(port_) + kResource),
-          connection_(httpConnect2("127.0.0.1", port_, nullptr, AF_INET, HTTP_ENCRYPTION_NEVER, 1, kTimeoutMs,
+          uri_("ipp://localhost:" + std::to_string(port_) + kResource),
+          connection_(httpConnect2("localhost", port_, nullptr, AF_INET, HTTP_ENCRYPTION_NEVER, 1, kTimeoutMs,
                                    nullptr)) {
         if (connection_ == nullptr) throw std::runtime_error("no connection to ippeveprinter");
     }
@@ -66,7 +66,7 @@ void Serve(const Place& place) {
     // It announces itself on the system's bus and does not start without one.
     StartBus(place);
     setenv("DBUS_SYSTEM_BUS_ADDRESS", BusAddress(place).c_str(), 1);
-    const pid_t printer = Spawn({"ippeveprinter", "-r", "off", "-n", "127.0.0.1", "-p", port, "-d",
+    const pid_t printer = Spawn({"ippeveprinter", "-r", "off", "-n", "localhost", "-p", port, "-d",
                                  place.folder, std::string(kName)});
     for (int attempt = 0; !Answers(place); ++attempt) {
         if (attempt == kStartAttempts) throw std::runtime_error("ippeveprinter does not answer");
