@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """plot.py RESULTS PNG: how long one question takes, each way of asking it, as a multiple of the polling limit."""
 import json
 import sys

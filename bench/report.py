@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Turns the lines that one run measured into results.json and a table.
 
 report.py FOLDER RESULTS    FOLDER holds exchanges.jsonl, parsers.json and checks.jsonl
@@ -12,6 +12,7 @@ from statistics import median
 
 BENCH = Path(__file__).parent
 FIGURES = ("median_us", "p99_us", "ops_per_s", "cpu_us", "fairness")
+COLUMNS = ("name", "case", "median_us", "p99_us", "ops_per_s", "cpu_us", "x_poll", "x_sleep", "target", "met")
 BETTER = {"ops_per_s": max}  # of two limits, where the larger figure is the better one
 RELATIONS = {
     "at_most": ("at most", lambda value, limit: value <= limit),
@@ -100,7 +101,9 @@ def read_parsers(path):
     if not path.exists():
         return {}
     benchmarks = json.loads(path.read_text())["benchmarks"]
-    return {b["run_name"]: b["cpu_time"] for b in benchmarks if b.get("aggregate_name") == "median"}
+    medians = [b for b in benchmarks if b.get("aggregate_name") == "median"]
+    medians.sort(key=lambda b: b["family_index"])  # they were measured in random order
+    return {b["run_name"]: b["cpu_time"] for b in medians}
 
 
 def read_checks(path):
@@ -111,9 +114,11 @@ def read_checks(path):
 def finish(row):
     """`target` and `met` sum up what was judged; a target whose counterpart is missing is not judged."""
     row["judged"] = [judgement for judgement in row["judged"] if judgement]
+    if "median_ns" in row:
+        row["median_us"] = row["median_ns"] / 1000
     row["target"] = "; ".join(judgement["target"] for judgement in row["judged"]) or None
     row["met"] = all(judgement["met"] for judgement in row["judged"]) if row["judged"] else None
-    return row
+    return {column: None for column in COLUMNS} | row
 
 
 def number(value):
@@ -129,8 +134,8 @@ def print_table(rows):
         if row["case"] != case:
             case = row["case"]
             print(f"\n{case}")
-        if "median_us" in row:
-            figures = (row[key] for key in ("median_us", "p99_us", "ops_per_s", "cpu_us", "x_poll", "x_sleep"))
+        if row["x_poll"] is not None:
+            figures = (row[key] for key in COLUMNS[2:8])
             print(f"  {row['name']:34}" + "".join(
                 f"{number(value):>{width}}" for value, width in zip(figures, (10, 10, 11, 9, 8, 9))))
         else:

@@ -40,6 +40,8 @@ struct Contender {
     std::unique_ptr<Client> (*connect)(const Place& place, unsigned clientIndex);
     /// Which cases it is measured in, as the letters of their ids.
     const char* cases;
+    /// Somebody else's way: measured for as short a time as the limits are.
+    bool isPeer = false;
 };
 
 std::span<const Contender* const> Contenders();

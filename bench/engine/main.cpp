@@ -25,9 +25,9 @@ void PrintFigures(const char* name, const Figures& figures) {
 }
 
 void MeasureRow(const Contender& contender, const Case& how) {
-    const Figures polling = Measure(FindContender(contender.pollingLimit), how, how.limitSeconds);
-    const Figures sleeping = Measure(FindContender(contender.sleepingLimit), how, how.limitSeconds);
-    const Figures own = Measure(contender, how, how.seconds);
+    const Figures polling = Measure(FindContender(contender.pollingLimit), how, how.shortSeconds);
+    const Figures sleeping = Measure(FindContender(contender.sleepingLimit), how, how.shortSeconds);
+    const Figures own = Measure(contender, how, contender.isPeer ? how.shortSeconds : how.seconds);
     std::printf("{\"id\": \"%s\", \"name\": \"%s\", \"case\": \"%s\"", contender.id, contender.name,
                 how.name);
     PrintFigures("own", own);

@@ -18,10 +18,10 @@
 namespace {
 
 constexpr Case kCases[] = {
-    {'h', "hot", 1, 0, false, 0.4, 0.15},
-    {'4', "four clients", 4, 0, false, 2.0, 0.5},
-    {'m', "one a millisecond", 1, 1000, false, 0.6, 0.3},
-    {'1', "one processor", 1, 0, true, 0.5, 0.15},
+    {'h', "hot", 1, 0, false, 0.4, 0.2},
+    {'4', "four clients", 4, 0, false, 2.0, 0.6},
+    {'m', "one a millisecond", 1, 1000, false, 0.6, 0.4},
+    {'1', "one processor", 1, 0, true, 0.4, 0.2},
 };
 
 constexpr unsigned kMostClients = 4;

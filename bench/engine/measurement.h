@@ -12,7 +12,7 @@ struct Case {
     unsigned pauseUs;   // between the beginnings of two requests; 0: one after the other
     bool oneProcessor;  // both sides are kept on the first one; otherwise the system places them
     double seconds;
-    double limitSeconds;  // of each limit that is measured just before
+    double shortSeconds;  // for peers, and for each limit that is measured just before
 };
 
 struct Figures {

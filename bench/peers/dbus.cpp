@@ -83,4 +83,4 @@ std::unique_ptr<Client> Connect(const Place& place, unsigned) {
 
 }  // namespace
 
-const Contender kDBus = {"dbus", "D-Bus", "polling", "sleeping", Serve, Connect, "h4m1"};
+const Contender kDBus = {"dbus", "D-Bus", "polling", "sleeping", Serve, Connect, "h4m1", true};

@@ -57,4 +57,4 @@ std::unique_ptr<Client> Connect(const Place& place, unsigned) {
 
 }  // namespace
 
-const Contender kGrpc = {"grpc", "gRPC", "polling", "sleeping", Serve, Connect, "h4m1"};
+const Contender kGrpc = {"grpc", "gRPC", "polling", "sleeping", Serve, Connect, "h4m1", true};

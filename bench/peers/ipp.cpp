@@ -82,4 +82,4 @@ std::unique_ptr<Client> Connect(const Place& place, unsigned) {
 
 }  // namespace
 
-const Contender kIpp = {"ipp", "IPP attribute", "polling", "sleeping", Serve, Connect, "h4m1"};
+const Contender kIpp = {"ipp", "IPP attribute", "polling", "sleeping", Serve, Connect, "h4m1", true};

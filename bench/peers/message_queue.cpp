@@ -68,5 +68,5 @@ std::unique_ptr<Client> Connect(const Place& place, unsigned index) {
 
 }  // namespace
 
-const Contender kMessageQueue = {"queue", "Boost message_queue", "polling", "sleeping", Serve, Connect,
-                                 "h4m1"};
+const Contender kMessageQueue = {
+    "queue", "Boost message_queue", "polling", "sleeping", Serve, Connect, "h4m1", true};

@@ -43,4 +43,4 @@ std::unique_ptr<Client> Connect(const Place& place, unsigned index) {
 
 }  // namespace
 
-const Contender kPipe = {"pipe", "pipe", "polling", "sleeping", Serve, Connect, "h4m1"};
+const Contender kPipe = {"pipe", "pipe", "polling", "sleeping", Serve, Connect, "h4m1", true};

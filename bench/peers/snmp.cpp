@@ -86,4 +86,4 @@ std::unique_ptr<Client> Connect(const Place& place, unsigned) {
 
 }  // namespace
 
-const Contender kSnmp = {"snmp", "SNMP get", "polling", "sleeping", Serve, Connect, "h4m1"};
+const Contender kSnmp = {"snmp", "SNMP get", "polling", "sleeping", Serve, Connect, "h4m1", true};

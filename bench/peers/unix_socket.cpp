@@ -44,4 +44,5 @@ std::unique_ptr<Client> Connect(const Place& place, unsigned) {
 
 }  // namespace
 
-const Contender kUnixSocket = {"unix", "Unix stream socket", "polling", "sleeping", Serve, Connect, "h4m1"};
+const Contender kUnixSocket = {"unix", "Unix stream socket", "polling", "sleeping", Serve, Connect, "h4m1",
+                               true};

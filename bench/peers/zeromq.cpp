@@ -61,4 +61,4 @@ std::unique_ptr<Client> Connect(const Place& place, unsigned) {
 
 }  // namespace
 
-const Contender kZeroMq = {"zeromq", "ZeroMQ", "polling", "sleeping", Serve, Connect, "h4m1"};
+const Contender kZeroMq = {"zeromq", "ZeroMQ", "polling", "sleeping", Serve, Connect, "h4m1", true};
