@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Turns the lines that one run measured into results.json and a table.
 
-report.py FOLDER RESULTS    FOLDER holds exchanges.jsonl, parsers.json and checks.jsonl
+report.py FOLDER RESULTS    FOLDER holds load, exchanges.jsonl, parsers.json and checks.jsonl
 """
 import json
 import os
@@ -162,7 +162,7 @@ def main():
     rows += simple_rows(read_checks(folder / "checks.jsonl"), "value", "check", targets["checks"])
     rows = [finish(row) for row in rows]
     machine = {"processor": processor(), "processors": os.cpu_count(), "system": platform.release(),
-               "load": os.getloadavg()}
+               "load_before": float((folder / "load").read_text().split()[0])}
     results.write_text(json.dumps({"machine": machine, "rows": rows}, indent=1) + "\n")
     print_table(rows)
 
