@@ -1,0 +1,142 @@
+// checks                what is counted rather than compared, as lines of JSON: allocations, processor time
+//                       while idle, the time to open a printer
+// checks exchanges N    N hot exchanges and no more, for a tracer of system calls
+#include <kestrel/sdk.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "engine/server.h"
+#include "library/library.h"
+#include "library/printer.h"
+
+namespace {
+
+std::atomic<uint64_t> allocations{0};
+
+}  // namespace
+
+// In the place of the C library's, for all libraries of this program.
+
+extern "C" {
+void* __libc_malloc(size_t size);
+void* __libc_calloc(size_t count, size_t size);
+void* __libc_realloc(void* block, size_t size);
+
+void* malloc(size_t size) {
+    allocations.fetch_add(1, std::memory_order_relaxed);
+    return __libc_malloc(size);
+}
+
+void* calloc(size_t count, size_t size) {
+    allocations.fetch_add(1, std::memory_order_relaxed);
+    return __libc_calloc(count, size);
+}
+
+void* realloc(void* block, size_t size) {
+    allocations.fetch_add(1, std::memory_order_relaxed);
+    return __libc_realloc(block, size);
+}
+}
+
+namespace {
+
+constexpr int kCountedExchanges = 1000;
+constexpr int kOpenings = 50;
+constexpr unsigned kIdleSeconds = 10;
+
+double NowUs() {
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<double>(now.tv_sec) * 1e6 + static_cast<double>(now.tv_nsec) / 1e3;
+}
+
+void Tell(const char* name, double value) {
+    std::printf("{\"check\": \"%s\", \"value\": %.3f}\n", name, value);
+    std::fflush(stdout);
+}
+
+void Require(bool condition, const char* what) {
+    if (!condition) throw std::runtime_error(what);
+}
+
+void ExchangeTimes(int times) {
+    for (int i = 0; i < times; ++i) {
+        uint8_t redials = 0;
+        Require(GetFaxRedials(&redials, kTimeoutMs) && redials == 3, "a wrong answer");
+    }
+}
+
+template <typename Action>
+double MedianUs(Action action) {
+    std::vector<double> times;
+    for (int i = 0; i < kOpenings; ++i)
+        times.push_back(action());
+    std::ranges::nth_element(times, times.begin() + kOpenings / 2);
+    return times[kOpenings / 2];
+}
+
+template <typename Action>
+double Timed(Action action) {
+    const double start = NowUs();
+    action();
+    return NowUs() - start;
+}
+
+// The time is taken inside the thread: starting it is not the library's.
+template <typename Action>
+double TimedOnNewThread(Action action) {
+    double time = 0;
+    std::thread([&] { time = Timed(action); }).join();
+    return time;
+}
+
+void CheckAll(const Server& printer, const Place& place) {
+    ExchangeTimes(1);
+    const uint64_t before = allocations.load();
+    ExchangeTimes(kCountedExchanges);
+    Tell("allocations an exchange", static_cast<double>(allocations.load() - before) / kCountedExchanges);
+
+    Tell("select a printer, us", MedianUs([&] { return Timed([&] { SelectInstalledPrinter(place); }); }));
+    Tell("object of a new thread, us", MedianUs([] { return TimedOnNewThread(GetLastResponseNum); }));
+    Tell("first selection on a new thread, us",
+         MedianUs([&] { return TimedOnNewThread([&] { SelectInstalledPrinter(place); }); }));
+
+    ExchangeTimes(kCountedExchanges);
+    usleep(200'000);
+    const uint64_t ownBefore = ProcessorTime(getpid());
+    const uint64_t printerBefore = printer.Time();
+    sleep(kIdleSeconds);
+    Tell("idle library, ms", static_cast<double>(ProcessorTime(getpid()) - ownBefore) / 1e6);
+    Tell("idle counterpart, ms", static_cast<double>(printer.Time() - printerBefore) / 1e6);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        const TemporaryFolder folder;
+        const Place place{folder.Path()};
+        const Server printer(kGetFaxRedials, place, false);
+        SelectInstalledPrinter(place);
+        Require(SetFaxRedials(3, kTimeoutMs), "the setting is refused");
+        if (argc == 3 && std::strcmp(argv[1], "exchanges") == 0)
+            ExchangeTimes(std::atoi(argv[2]));
+        else
+            CheckAll(printer, place);
+        return 0;
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "checks: %s\n", failure.what());
+        return 1;
+    }
+}

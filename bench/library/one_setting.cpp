@@ -1,0 +1,47 @@
+// One getter and one setter against the virtual printer.
+#include <kestrel/sdk.h>
+
+#include <stdexcept>
+
+#include "library/library.h"
+#include "library/printer.h"
+
+namespace {
+
+constexpr uint8_t kRedials = 3;
+
+class Getter final : public Client {
+  public:
+    explicit Getter(const Place& place) {
+        SelectInstalledPrinter(place);
+        if (!::SetFaxRedials(kRedials, kTimeoutMs)) throw std::runtime_error("the setting is refused");
+    }
+    void Exchange() override { succeeded_ = ::GetFaxRedials(&redials_, kTimeoutMs) != 0; }
+    bool IsRight() override { return succeeded_ && redials_ == kRedials; }
+
+  private:
+    uint8_t redials_ = 0;
+    bool succeeded_ = false;
+};
+
+class Setter final : public Client {
+  public:
+    explicit Setter(const Place& place) { SelectInstalledPrinter(place); }
+    void Exchange() override { succeeded_ = ::SetFaxRedials(kRedials, kTimeoutMs) != 0; }
+    bool IsRight() override { return succeeded_ && GetLastResponseNum() == 0; }
+
+  private:
+    bool succeeded_ = false;
+};
+
+template <typename OneClient>
+std::unique_ptr<Client> Connect(const Place& place, unsigned) {
+    return std::make_unique<OneClient>(place);
+}
+
+}  // namespace
+
+const Contender kGetFaxRedials = {
+    "get", "GetFaxRedials", "polling", "sleeping", ServeVirtualPrinter, Connect<Getter>, "h4m1"};
+const Contender kSetFaxRedials = {
+    "set", "SetFaxRedials", "polling", "sleeping", ServeVirtualPrinter, Connect<Setter>, "h"};

@@ -1,0 +1,13 @@
+// A selected printer for the library's rows: an installed one, and a counterpart behind its channel.
+#pragma once
+
+#include "engine/contender.h"
+
+constexpr uint32_t kTimeoutMs = 5000;
+
+/// Server side: installs the printer, then turns into the virtual printer.
+void ServeVirtualPrinter(const Place& place);
+/// Server side: installs the printer alone; the counterpart is the caller.
+void InstallPrinter(const Place& place);
+/// Client side; throws unless the printer can be selected.
+void SelectInstalledPrinter(const Place& place);
