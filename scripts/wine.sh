@@ -3,5 +3,5 @@
 # its own loader: the general one would put a process in between, which a kill would hit instead.
 case $1 in
     */win64/*) exec /usr/lib/wine/wine64 "$@" ;;
-    *) exec /usr/lib/wine/wine "$@" ;;
+    *) exec ${WINE32_LAUNCHER:-} /usr/lib/wine/wine "$@" ;;
 esac
