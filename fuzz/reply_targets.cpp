@@ -167,6 +167,7 @@ void AccessPoints(std::string_view bytes) {
 void Status(std::string_view bytes) {
     std::vector<uint8_t> sent;
     if (!OPLParser::GetBinaryValue(bytes, sent)) sent.assign(bytes.begin(), bytes.end());
+    sent.reserve(1);  // an empty block has an address too
     Output<DeviceStatusRecord> record;
     const StatusBlock block(sent);
     block.CopyTo(record.Get());
