@@ -112,9 +112,8 @@ bool IsRight(const SettingRow& row, const Guarded& out, const std::string& reply
         case SettingType::kS32:
             return Out<uint32_t>(out) == number;
         case SettingType::kAddress:
-            return reply.find("#4=") + 3 == reply.find('=') + 1 ||
-                   std::string_view(reply).substr(reply.find('=') + 1, 4) ==
-                       std::string_view(reinterpret_cast<const char*>(out.Data()), 4);
+            return std::string_view(reply).substr(reply.find("#4=") + 3, 4) ==
+                   std::string_view(reinterpret_cast<const char*>(out.Data()), 4);
         case SettingType::kEnum:
             return std::ranges::any_of(row.words, [&](const EnumEntry& word) {
                 std::string plain;
