@@ -1,7 +1,4 @@
 // Files that somebody else wrote.
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <windows.h>
 
 #include <cstring>
@@ -12,6 +9,7 @@
 
 #include "host/product_config.h"
 #include "host/profile_reader.h"
+#include "occupied_file.h"
 #include "rundll32/inf_file.h"
 #include "rundll32/refusal.h"
 #include "targets.h"
@@ -104,34 +102,6 @@ void FaultScripts(std::string_view bytes) {
     }
 }
 
-/// A file in the object folder that some living process seems to use.
-class OccupiedFile final {
-  public:
-    OccupiedFile(const std::string& folder, std::string_view bytes) : path_(folder + "/global.FuzzObject") {
-        const int file = ::open(path_.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-        struct stat status = {};
-        Require(::write(file, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()) &&
-                    ::fstat(file, &status) == 0,
-                "the file is written");
-        ::close(file);
-        locks_ = ::open((folder + "/lock").c_str(), O_RDWR | O_CLOEXEC);
-        struct flock lock = {};
-        lock.l_type = F_RDLCK;
-        lock.l_start = static_cast<off_t>(status.st_ino);
-        lock.l_len = 1;
-        Require(::fcntl(locks_, F_OFD_SETLK, &lock) == 0, "the file is taken");
-    }
-    OccupiedFile(const OccupiedFile&) = delete;
-    ~OccupiedFile() {
-        ::close(locks_);
-        ::unlink(path_.c_str());
-    }
-
-  private:
-    std::string path_;
-    int locks_ = -1;
-};
-
 void UseAs(winport::ObjectKind kind) {
     constexpr const WCHAR* kName = TEXT("Global\\FuzzObject");
     HANDLE object = nullptr;
@@ -182,7 +152,7 @@ void ObjectFiles(std::string_view bytes) {
     // Zero bytes keep what is there, so that a few bytes can change a field far behind.
     for (size_t i = 0; i < over.size(); ++i)
         if (over[i] != 0) file[i] = over[i];
-    const OccupiedFile occupied(folder, file);
+    const OccupiedFile occupied(folder, "FuzzObject", file);
     UseAs(kind);
 }
 

