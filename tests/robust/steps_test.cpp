@@ -91,7 +91,7 @@ class Steps : public testing::Test {
         EXPECT_EQ(0, wrong);
         EXPECT_GT(good, kills_);
         EXPECT_LE(failed, kills_);
-        EXPECT_LE(longest, 2 * 250 + 250);
+        EXPECT_LE(longest, kHardLimitMs);
     }
 
     ChildProcess server_;
