@@ -1,6 +1,7 @@
 #include "failing_calls.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <pthread.h>
 #include <stdarg.h>
 #include <stddef.h>
@@ -31,6 +32,12 @@ bool Fails(Kind kind) {
     if (call != failingCall && !(failsForever && call > failingCall)) return false;
     errno = failure == failing::kShortRead ? EINTR : failure;
     return true;
+}
+
+// The kernel never refuses that.
+bool GivesLockBack(int command, const void* argument) {
+    const bool isLock = command == F_SETLK || command == F_SETLKW || command == F_OFD_SETLK;
+    return isLock && static_cast<const struct flock*>(argument)->l_type == F_UNLCK;
 }
 
 template <typename Function>
@@ -65,14 +72,14 @@ long failing::Disarm() {
         return failure == failing::kShortRead && size > 1 ? real half : -1; \
     }
 // The third argument is passed on as it came, whether there is one or not.
-#define KESTREL_VARIADIC(name, First)                                               \
-    __attribute__((visibility("default"))) int name(First first, int second, ...) { \
-        static const auto real = Real(&name, #name);                                \
-        va_list rest;                                                               \
-        va_start(rest, second);                                                     \
-        void* const third = va_arg(rest, void*);                                    \
-        va_end(rest);                                                               \
-        return Fails(Kind::SystemCall) ? -1 : real(first, second, third);           \
+#define KESTREL_VARIADIC(name, First, mayFail)                                       \
+    __attribute__((visibility("default"))) int name(First first, int second, ...) {  \
+        static const auto real = Real(&name, #name);                                 \
+        va_list rest;                                                                \
+        va_start(rest, second);                                                      \
+        void* const third = va_arg(rest, void*);                                     \
+        va_end(rest);                                                                \
+        return mayFail && Fails(Kind::SystemCall) ? -1 : real(first, second, third); \
     }
 #define KESTREL_PAUSE(name, parameters, arguments)                                  \
     __attribute__((visibility("default"))) int name parameters {                    \
@@ -87,10 +94,10 @@ long failing::Disarm() {
 
 extern "C" {
 
-KESTREL_VARIADIC(open, const char*)
-KESTREL_VARIADIC(open64, const char*)
-KESTREL_VARIADIC(fcntl, int)
-KESTREL_VARIADIC(fcntl64, int)
+KESTREL_VARIADIC(open, const char*, true)
+KESTREL_VARIADIC(open64, const char*, true)
+KESTREL_VARIADIC(fcntl, int, !GivesLockBack(second, third))
+KESTREL_VARIADIC(fcntl64, int, !GivesLockBack(second, third))
 KESTREL_CALL(int, fstat, -1, (int file, struct stat* status), (file, status))
 KESTREL_CALL(int, fstat64, -1, (int file, struct stat64* status), (file, status))
 KESTREL_CALL(int, stat, -1, (const char* path, struct stat* status), (path, status))
