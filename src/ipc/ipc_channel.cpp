@@ -10,6 +10,7 @@
 
 #include "ipc/process_list.h"
 #include "ipc/server_thread.h"
+#include "kwt/step.h"
 
 namespace kwt {
 
@@ -75,8 +76,10 @@ bool IPCChannel::CreateObjects(const WideText& name, uint32_t sectionSize, uint3
                                uint32_t& responseError) {
     if (!commandSection_.Create((name + TEXT("Cmd")).c_str(), sectionSize, true, true)) return false;
     commandError = GetLastError();
+    Step("open: command section");
     if (!responseSection_.Create((name + TEXT("Resp")).c_str(), sectionSize, true, true)) return false;
     responseError = GetLastError();
+    Step("open: response section");
     return transactionMutex_.Create((name + TEXT("TransactionMutex")).c_str(), true) &&
            serverIdleEvent_.Create((name + TEXT("ServerIdleEvent")).c_str(), true);
 }
@@ -84,6 +87,7 @@ bool IPCChannel::CreateObjects(const WideText& name, uint32_t sectionSize, uint3
 bool IPCChannel::OpenChannel(ChannelRole role, const WCHAR* channelName, uint32_t maxMessage) {
     SetLastError(NO_ERROR);
     Close();
+    Step("open: begin");
     const WideText name = Sanitized(channelName);
     uint32_t commandError = NO_ERROR;
     uint32_t responseError = NO_ERROR;
@@ -97,17 +101,23 @@ bool IPCChannel::OpenChannel(ChannelRole role, const WCHAR* channelName, uint32_
         return false;
     }
     const DWORD error = GetLastError();
+    Step("open: all objects");
     open_ = true;
     name_ = name;
     maxMessage_ = maxMessage;
     role_ = role;
     if (commandError == NO_ERROR) ClearHeader(commandSection_);
+    Step("open: command header cleared");
     if (responseError == NO_ERROR) ClearHeader(responseSection_);
+    Step("open: response header cleared");
     if (role == ChannelRole::Server) {
         Sleep(kServerSettleMs);
+        Step("open: settled");
         commandSection_.GetNotifyEvent().Reset();
+        Step("open: command signal reset");
         responseSection_.GetNotifyEvent().Reset();
     }
+    Step("open: end");
     SetLastError(error);
     return true;
 }
@@ -130,17 +140,25 @@ void IPCChannel::ReturnToClosedState() {
 void IPCChannel::Close() {
     SetLastError(NO_ERROR);
     if (!open_) return;
+    Step("close: begin");
     StopServerThread();
+    Step("close: thread stopped");
     Cancel();
+    Step("close: cancelled");
     transactionMutex_.Close();
+    Step("close: transaction closed");
     commandSection_.Close();
+    Step("close: command section closed");
     responseSection_.Close();
+    Step("close: response section closed");
     ReturnToClosedState();
 }
 
 uint32_t IPCChannel::TakeTransaction(uint32_t timeoutMs) {
     if (transactionMutex_.IsLockedByCurrentThread()) return kUnansweredSend;
+    Step("transaction: before");
     const WaitResult taken = transactionMutex_.Lock(timeoutMs);
+    Step("transaction: taken");
     if (taken == WaitResult::Abandoned) return ERROR_ABANDONED_WAIT_0;
     if (taken == WaitResult::TimedOut) return ERROR_TIMEOUT;
     if (taken != WaitResult::Signaled) return ERROR_GEN_FAILURE;
@@ -153,17 +171,22 @@ uint32_t IPCChannel::SendLocked(const void* data, uint32_t length, const Message
         SetLastError(ERROR_OPEN_FAILED);
         return 0;
     }
+    Step("send: begin");
     const WaitResult locked = sendLock_.Lock(timeoutMs);
+    Step("send: locked");
     if (locked != WaitResult::Signaled) {
         SetLastError(locked == WaitResult::TimedOut ? ERROR_TIMEOUT : ERROR_GEN_FAILURE);
         return 0;
     }
     Outcome outcome;
     if (IsClient()) outcome.error = TakeTransaction(timeoutMs);
+    Step("send: admitted");
     if (outcome.error == NO_ERROR) outcome = Write(data, length, header, timeoutMs);
     // After a refused second send this gives up the first one's transaction.
     if (IsClient() && outcome.bytes == 0 && length > 0) transactionMutex_.Unlock();
+    Step("send: written");
     sendLock_.Unlock();
+    Step("send: end");
     SetLastError(outcome.error);
     return outcome.bytes;
 }
@@ -192,19 +215,26 @@ IPCChannel::Outcome IPCChannel::Write(const void* data, uint32_t length, Message
     SharedMemory& section = IsClient() ? commandSection_ : responseSection_;
     uint8_t* block = section.Lock(SectionAccess::Write, timeoutMs);
     if (block == nullptr) return {0, TimeoutAs1460(GetLastError())};
+    Step("write: section locked");
     Outcome outcome;
     if (IsPendingForAnother(ReadHeader(block), header.clientProcessId)) {
         outcome.error = ERROR_SHARING_VIOLATION;
     } else {
+        Step("write: section free");
         commandSection_.GetNotifyEvent().Reset();
+        Step("write: command signal reset");
         responseSection_.GetNotifyEvent().Reset();
+        Step("write: response signal reset");
         outcome.bytes = std::min(length, maxMessage_);
         header.length = outcome.bytes;
         header.broadcast = IsServer() && header.clientProcessId == 0 ? 1 : 0;
         std::memcpy(block, &header, sizeof(header));
+        Step("write: header");
         if (outcome.bytes != 0) std::memcpy(block + sizeof(header), data, outcome.bytes);
+        Step("write: payload");
     }
     section.Unlock(true);
+    Step("write: end");
     return outcome;
 }
 
@@ -218,7 +248,9 @@ uint32_t IPCChannel::Receive(void* buffer, uint32_t size, uint32_t timeoutMs) {
         return 0;
     }
     SharedMemory& section = IsClient() ? responseSection_ : commandSection_;
+    Step("receive: begin");
     if (IsServer()) serverIdleEvent_.Set();
+    Step("receive: announced");
     const DWORD start = GetTickCount();
     Outcome outcome;
     bool foreign = true;
@@ -231,10 +263,12 @@ uint32_t IPCChannel::Receive(void* buffer, uint32_t size, uint32_t timeoutMs) {
             break;
         }
     }
+    Step("receive: read");
     if (IsClient())
         transactionMutex_.Unlock();
     else
         serverIdleEvent_.Reset();
+    Step("receive: end");
     SetLastError(outcome.error);
     return outcome.bytes;
 }
@@ -243,8 +277,10 @@ IPCChannel::Outcome IPCChannel::ReadOnce(SharedMemory& section, void* buffer, ui
                                          uint32_t timeoutMs, bool& foreign) {
     foreign = false;
     if (section.WaitForNotify(timeoutMs) != WaitResult::Signaled) return {0, TimeoutAs1460(GetLastError())};
+    Step("read: notified");
     uint8_t* block = section.Lock(SectionAccess::Read, timeoutMs);
     if (block == nullptr) return {0, TimeoutAs1460(GetLastError())};
+    Step("read: section locked");
     const MessageHeader header = ReadHeader(block);
     Outcome outcome;
     if (IsClient() && header.clientProcessId != GetCurrentProcessId()) {
@@ -252,15 +288,19 @@ IPCChannel::Outcome IPCChannel::ReadOnce(SharedMemory& section, void* buffer, ui
         // waits during the pause.
         foreign = true;
         section.GetNotifyEvent().Set();
+        Step("read: foreign message");
         Sleep(kForeignPauseMs);
     } else {
         outcome.bytes = std::min({header.length, size, maxMessage_});
         if (IsServer() && header.clientProcessId != 0) lastClientProcessId_ = header.clientProcessId;
         if (outcome.bytes != 0) std::memcpy(buffer, block + sizeof(header), outcome.bytes);
+        Step("read: copied");
         ClearLength(block);
+        Step("read: length cleared");
         if (header.aborted != 0) outcome.error = ERROR_OPERATION_ABORTED;
     }
     section.Unlock(true);
+    Step("read: end");
     return outcome;
 }
 
@@ -277,19 +317,27 @@ void IPCChannel::Cancel() {
 void IPCChannel::CancelAsClient() {
     if (transactionMutex_.IsLocked() && transactionMutex_.GetOwnerProcessId() == GetCurrentProcessId())
         responseSection_.Cancel();
+    Step("cancel: own wait ended");
     WithdrawMessage(commandSection_);
+    Step("cancel: request withdrawn");
     if (transactionMutex_.IsLocked()) transactionMutex_.Unlock();
+    Step("cancel: transaction given up");
 }
 
 void IPCChannel::CancelAsServer() {
     commandSection_.Cancel();
+    Step("cancel: own wait ended");
     serverIdleEvent_.Reset();
+    Step("cancel: announcement withdrawn");
     WithdrawMessage(responseSection_);
+    Step("cancel: reply withdrawn");
     responseSection_.WaitForNotify(0);
+    Step("cancel: signal taken");
 }
 
 void IPCChannel::WithdrawMessage(SharedMemory& section) {
     if (uint8_t* block = section.Lock(SectionAccess::Write, kCancelLockTimeoutMs)) {
+        Step("withdraw: section locked");
         ClearLength(block);
         section.Unlock(false);
     }

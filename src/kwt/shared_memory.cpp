@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "kwt/open_security.h"
+#include "kwt/step.h"
 
 namespace kwt {
 
@@ -39,8 +40,10 @@ bool SharedMemory::Create(const WCHAR* name, uint32_t size, bool writable, bool 
     size_ = size;
     const WideText base = name;
     if (!mutex_.IsValid()) mutex_.Create((base + TEXT("Mutex")).c_str(), global);
+    Step("section: mutex");
     const bool events = notifyEvent_.Create((base + TEXT("NotifyEvent")).c_str(), global) &&
                         cancelEvent_.Create((base + TEXT("CancelEvent")).c_str(), global);
+    Step("section: events");
     return events && MapBlock(name, global) && IsValid();
 }
 
@@ -52,6 +55,7 @@ bool SharedMemory::MapBlock(const WCHAR* name, bool global) {
                                   writable_ ? PAGE_READWRITE : PAGE_READONLY, 0, size_, path.Get());
     if (mapping_ == nullptr) return false;
     const DWORD found = GetLastError();
+    Step("section: mapping");
     view_ = static_cast<uint8_t*>(
         MapViewOfFile(mapping_, writable_ ? FILE_MAP_ALL_ACCESS : FILE_MAP_READ, 0, 0, 0));
     if (view_ == nullptr) return false;
@@ -67,6 +71,7 @@ bool SharedMemory::MapBlock(const WCHAR* name, bool global) {
 void SharedMemory::Close() {
     Unlock(true);
     if (view_ != nullptr) UnmapViewOfFile(std::exchange(view_, nullptr));
+    Step("section: unmapped");
     if (mapping_ != nullptr) CloseHandle(std::exchange(mapping_, nullptr));
 }
 
@@ -90,7 +95,9 @@ bool SharedMemory::Unlock(bool notify) {
     if (!mutex_.IsLocked()) return true;
     bool ok = true;
     if (notify && accessMode_ == SectionAccess::Read) ok = notifyEvent_.Reset() != FALSE;
+    Step("unlock: signal taken back");
     mutex_.Unlock();
+    Step("unlock: available");
     if (notify && accessMode_ == SectionAccess::Write) ok = notifyEvent_.Set() != FALSE;
     return ok;
 }

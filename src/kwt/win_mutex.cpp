@@ -1,6 +1,7 @@
 #include "kwt/win_mutex.h"
 
 #include "kwt/open_security.h"
+#include "kwt/step.h"
 
 namespace kwt {
 
@@ -69,6 +70,7 @@ WaitResult WinMutex::Lock(uint32_t timeoutMs) {
         }
     }
     const DWORD result = WaitForSingleObject(handle_, timeoutMs);
+    Step("mutex: waited");
     if (result == WAIT_ABANDONED) {
         // The system has made this thread the owner; the wrapper records none, so nobody could give the mutex
         // back later.
@@ -88,7 +90,9 @@ uint32_t WinMutex::Unlock() {
     if (lockCount_ > 0 && ownerThreadId_ == GetCurrentThreadId() && --lockCount_ == 0) {
         ownerProcessId_ = 0;
         ownerThreadId_ = 0;
+        Step("mutex: no owner recorded");
         ReleaseMutex(handle_);
+        Step("mutex: released");
     }
     return lockCount_;
 }

@@ -1,48 +1,18 @@
 // The status query: the printer's state as the language monitor knows it, in one block of bytes.
-#include <algorithm>
-#include <cstring>
-
 #include "host/status_monitor.h"
 #include "kestrel/sdk_errors.h"
-#include "kestrel/sdk_types.h"
 #include "kwt/object_names.h"
 #include "kwt/win_event.h"
 #include "session/kestrel_sdk.h"
+#include "session/status_block.h"
 
 namespace {
-
-constexpr size_t kBlockBytes = 1316;  // what the language monitor sends
-static_assert(sizeof(DeviceStatusRecord) == 1052 && sizeof(DeviceStatusRecord) <= kBlockBytes);
-
-// What this library reads of the block; everything else belongs to the programs that show it.
-constexpr size_t kStateOffset = 8;
-constexpr size_t kConnectionOffset = 740;
-constexpr size_t kTextOffset = 760;
-constexpr uint32_t kStateNotKnownYet = 100000;
 
 constexpr int kAttempts = 8;
 constexpr uint32_t kQueryMs = 5000;
 constexpr uint32_t kPauseMs = 2000;
 constexpr uint32_t kUpdateMs = 1000;
 constexpr uint32_t kUpdatePauseMs = 250;  // lets the status monitor's own status query go first
-
-class StatusBlock final {
-  public:
-    explicit StatusBlock(const std::vector<uint8_t>& sent) {
-        std::memcpy(bytes_, sent.data(), std::min(sent.size(), kBlockBytes));
-    }
-
-    void CopyTo(DeviceStatusRecord* record) const { std::memcpy(record, bytes_, sizeof(*record)); }
-    [[nodiscard]] bool IsKnown() const {
-        uint32_t state = 0;
-        std::memcpy(&state, bytes_ + kStateOffset, sizeof(state));
-        return state != kStateNotKnownYet || bytes_[kTextOffset] != 0 || bytes_[kTextOffset + 1] != 0;
-    }
-    [[nodiscard]] int32_t ConnectionKind() const { return bytes_[kConnectionOffset] != 0 ? 0 : 1; }
-
-  private:
-    uint8_t bytes_[kBlockBytes] = {};
-};
 
 [[nodiscard]] bool StatusMonitorIsRunning() {
     const WideText& name = ObjectNameTable::Instance()[ObjectName::StatusMonitorClass];

@@ -37,6 +37,7 @@ TEST(VprinterFaultScript, A_bad_script_is_refused_with_line_and_field) {
         {"[\n{\"match\": }]", "faults.json:2: this is not JSON"},
         {"{}", "faults.json:1: expected a list"},
         {"[7]", "expected an object"},
+        {"[1e999]", "faults.json: a number is too large"},
         {"[\n\n {\"delay\": 1}]", "faults.json:3: rule 1, \"match\": expected a text, found nothing"},
         {"[{\"match\": \"[{\", \"delay\": 1},\n{\"match\": \"\", \"delay\": 1}]",
          "faults.json:2: rule 2, \"match\""},

@@ -212,6 +212,8 @@ json ParseJson(std::string_view text, const std::string& fileName) {
     } catch (const json::parse_error& error) {
         throw UserError(
             fmt::format("{}:{}: this is not JSON: {}", fileName, LineOfByte(text, error.byte), error.what()));
+    } catch (const json::out_of_range& error) {
+        throw UserError(fmt::format("{}: a number is too large: {}", fileName, error.what()));
     }
 }
 

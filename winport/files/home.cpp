@@ -110,7 +110,7 @@ DWORD CheckPlace(const Place& place) {
 // A place once found good stays for the life of the process and is never destroyed: threads may still use it
 // while the process exits. A failure is not remembered; the next call looks again.
 const std::string& Publish(std::atomic<const std::string*>& slot, const Place& place) {
-    static constinit const std::string kNone;
+    static const std::string kNone;
     DWORD error = MakePlace(place);
     if (error == ERROR_SUCCESS) error = CheckPlace(place);
     if (error != ERROR_SUCCESS) {

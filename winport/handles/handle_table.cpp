@@ -8,6 +8,7 @@
 #include <array>
 #include <deque>
 #include <mutex>
+#include <new>
 #include <optional>
 
 namespace winport {
@@ -79,6 +80,16 @@ std::optional<uint32_t> TakeSlot() {
     auto& chunk = chunks[index / kChunkSlots];
     if (chunk.load(std::memory_order_relaxed) == nullptr) chunk.store(new Chunk, std::memory_order_release);
     return index;
+}
+
+// Without memory the slot is lost, one of 65,536; a handle is closed all the same.
+void GiveBackSlot(uint32_t index) {
+    FreeList& free = Free();
+    const std::lock_guard guard(free.lock);
+    try {
+        free.slots.push_back(index);
+    } catch (const std::bad_alloc&) {
+    }
 }
 
 bool RegisterBarrier() {
@@ -166,11 +177,7 @@ BOOL CloseHandle(HANDLE handle) {
     }
     KernelObject* object = slot->object.exchange(nullptr, std::memory_order_acq_rel);
     WaitUntilUnused(object);
-    {
-        FreeList& free = Free();
-        const std::lock_guard guard(free.lock);
-        free.slots.push_back(parts->index);
-    }
+    GiveBackSlot(parts->index);
     object->ReleaseHandle();
     return TRUE;
 }

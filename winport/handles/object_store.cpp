@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <new>
 #include <optional>
@@ -63,25 +64,29 @@ std::string PathOf(const std::string& fileName) {
     return KernelObjectDirectory() + '/' + fileName;
 }
 
-// Removes the file of an object that nobody uses, this process included. Under the folder lock.
+// Removes the file of an object that nobody uses, this process included. Under the folder lock. Without
+// memory the file stays, like that of a killed process.
 void RemoveIfUnused(const LockFile& locks, const std::string& fileName, uint64_t inode) {
     const auto byte = static_cast<off_t>(inode);
     struct stat status = {};
-    const std::string path = PathOf(fileName);
-    // The name may have been given to another file since, by a cleaner and a later creation.
-    if (locks.TryExclusive(byte) && ::lstat(path.c_str(), &status) == 0 && status.st_ino == inode)
-        ::unlink(path.c_str());
+    try {
+        const std::string path = PathOf(fileName);
+        // The name may have been given to another file since, by a cleaner and a later creation.
+        if (locks.TryExclusive(byte) && ::lstat(path.c_str(), &status) == 0 && status.st_ino == inode)
+            ::unlink(path.c_str());
+    } catch (const std::bad_alloc&) {
+    }
     locks.Unlock(byte);
 }
 
 // What killed processes left behind would fill the folder in the long run.
 void SweepFolder(const LockFile& locks) {
     const FolderLock folder(locks);
-    DIR* entries = folder ? ::opendir(KernelObjectDirectory().c_str()) : nullptr;
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(
+        folder ? ::opendir(KernelObjectDirectory().c_str()) : nullptr, ::closedir);
     if (entries == nullptr) return;
-    while (const dirent* entry = ::readdir(entries))
+    while (const dirent* entry = ::readdir(entries.get()))
         if (IsObjectFileName(entry->d_name)) RemoveIfUnused(locks, entry->d_name, entry->d_ino);
-    ::closedir(entries);
 }
 
 // A process that ends without closing its handles leaves no file either.
@@ -289,6 +294,29 @@ HANDLE OpenKnown(KernelObject& object, const ObjectRequest& request, uint32_t ac
     return HandleTo(&object, access, ERROR_ALREADY_EXISTS);
 }
 
+// Memory or handles may run out at each step; then neither list keeps the object, which is gone.
+HANDLE Register(Store& store, const std::string& fileName, ObjectMemory&& memory, MakeObject make,
+                uint32_t access, DWORD success) {
+    const uint64_t inode = memory.Inode();
+    const auto forget = [&] {
+        store.objects.erase(fileName);
+        store.inodes.erase(fileName);
+        const FolderLock folder(store.lockFile);
+        if (folder) RemoveIfUnused(store.lockFile, fileName, inode);
+    };
+    try {
+        store.inodes[fileName] = inode;
+        KernelObject*& slot = store.objects[fileName];
+        slot = make(std::move(memory));
+        const HANDLE handle = HandleTo(slot, access, success);
+        if (handle == nullptr) forget();
+        return handle;
+    } catch (...) {
+        forget();
+        throw;
+    }
+}
+
 HANDLE CreateOrOpenNamed(const std::string& fileName, const ObjectRequest& request, MakeObject make,
                          uint32_t access) {
     Store& store = TheStore();
@@ -304,10 +332,7 @@ HANDLE CreateOrOpenNamed(const std::string& fileName, const ObjectRequest& reque
     }
     if (!memory) return nullptr;
     const DWORD success = GetLastError();
-    store.inodes[fileName] = memory->Inode();
-    KernelObject* object = make(std::move(*memory));
-    store.objects[fileName] = object;
-    return HandleTo(object, access, success);
+    return Register(store, fileName, std::move(*memory), make, access, success);
 }
 
 // The counter of owner tokens: one word that all processes of the home share. It lives as long as the folder.

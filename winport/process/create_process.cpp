@@ -4,12 +4,14 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <windows.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <memory>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -176,7 +178,13 @@ DWORD Start(LPCWSTR program, LPCWSTR commandLine, DWORD flags, const WCHAR* envi
     }
     pid_t id = 0;
     if (DWORD error = Spawn(launch, id); error != ERROR_SUCCESS) return error;
-    return OpenHandles(id, information);
+    try {
+        return OpenHandles(id, information);
+    } catch (const std::bad_alloc&) {
+        ::kill(id, SIGKILL);
+        ::waitpid(id, nullptr, 0);
+        throw;
+    }
 }
 
 // What is not honoured is refused.
@@ -202,8 +210,12 @@ BOOL CreateProcessW(LPCWSTR program, LPWSTR commandLine, LPSECURITY_ATTRIBUTES, 
     if (process != nullptr) *process = {};
     DWORD error = CheckArguments(program != nullptr || commandLine != nullptr, inheritHandles, flags,
                                  environment != nullptr, startup, process);
-    if (error == ERROR_SUCCESS)
-        error = Start(program, commandLine, flags, static_cast<const WCHAR*>(environment), folder, *process);
+    try {
+        const auto* variables = static_cast<const WCHAR*>(environment);
+        if (error == ERROR_SUCCESS) error = Start(program, commandLine, flags, variables, folder, *process);
+    } catch (const std::bad_alloc&) {
+        error = ERROR_NOT_ENOUGH_MEMORY;
+    }
     SetLastError(error);
     return error == ERROR_SUCCESS ? TRUE : FALSE;
 }

@@ -23,10 +23,7 @@ constexpr DWORD kSignalBase = 128;
 constexpr std::size_t kWatcherStack = 128 * 1024;
 
 // Between the end of a program and the moment its id may be used again: nobody sends a signal meanwhile.
-std::mutex& IdsLock() {
-    static auto& lock = *std::make_unique<std::mutex>().release();
-    return lock;
-}
+constinit std::mutex idsLock;
 
 struct Watch {
     ObjectReference process;
@@ -47,7 +44,7 @@ void* RunWatcher(void* argument) {
     while (::waitid(P_PID, static_cast<id_t>(process.Id()), &info, WEXITED | WNOWAIT) != 0 &&
            errno == EINTR) {
     }
-    const std::lock_guard guard(IdsLock());
+    const std::lock_guard guard(idsLock);
     int status = 0;
     const bool taken = ::waitpid(process.Id(), &status, WNOHANG) == process.Id();
     // A host that ignores SIGCHLD or waits for all its children has taken the code away.
@@ -83,7 +80,7 @@ ProgramObject::ProgramObject(ObjectKind kind, pid_t id) : KernelObject(kind, &pa
 }
 
 bool ProgramObject::Terminate(DWORD exitCode) {
-    const std::lock_guard guard(IdsLock());
+    const std::lock_guard guard(idsLock);
     if (ExitCode() != STILL_ACTIVE) return false;
     wantedExitCode_.store(exitCode, std::memory_order_release);
     return ::kill(id_, SIGKILL) == 0;

@@ -27,6 +27,8 @@ class SlotTable final {
         } else {
             if (slots_.size() > kIndexMask) return 0;
             index = slots_.size();
+            // Closing a handle must not need memory.
+            if (free_.capacity() <= index) free_.reserve(2 * index + 8);
             slots_.emplace_back();
         }
         Slot& slot = slots_[index];

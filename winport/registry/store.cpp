@@ -60,6 +60,9 @@ RegistrySession::RegistrySession(Purpose purpose) : guard_(registryMutex), datab
 
 RegistrySession::~RegistrySession() {
     if (inTransaction_) Query(*database_, Sql::kRollback).Step();
+    // SQLite takes a file that it could not open for writing, be it for want of descriptors, as one that is
+    // only read, and stays with that: the next call opens it anew.
+    if (status_ == ERROR_ACCESS_DENIED || status_ == ERROR_IO_DEVICE) database_->Close();
 }
 
 LSTATUS RegistrySession::Commit() {

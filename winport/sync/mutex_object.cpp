@@ -34,6 +34,10 @@ MutexObject::MutexObject(ObjectMemory&& memory)
     : KernelObject(ObjectKind::Mutex, memory.Page()), memory_(std::move(memory)) {}
 
 uint32_t MutexObject::TokenFor(ThreadRecord& thread) const {
+    // What is taken must be noted: room for all of one wait, before it begins.
+    auto& held = thread.heldMutexes;
+    if (held.capacity() - held.size() < MAXIMUM_WAIT_OBJECTS)
+        held.reserve(held.size() + MAXIMUM_WAIT_OBJECTS);
     if (!IsNamed()) return thread.localId;
     if (thread.ownerToken == 0) thread.ownerToken = TakeOwnerToken();
     return thread.ownerToken;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <optional>
 #include <span>
 
@@ -228,6 +229,17 @@ DWORD WaitForSeveral(std::span<const HANDLE> handles, bool waitAll, DWORD millis
     return WaitFor(all, waitAll, thread, milliseconds);
 }
 
+// Memory is needed before a wait begins, if at all.
+template <typename Wait>
+DWORD Guarded(Wait wait) {
+    try {
+        return wait();
+    } catch (const std::bad_alloc&) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return WAIT_FAILED;
+    }
+}
+
 }  // namespace
 
 }  // namespace winport
@@ -235,7 +247,7 @@ DWORD WaitForSeveral(std::span<const HANDLE> handles, bool waitAll, DWORD millis
 using namespace winport;
 
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
-    return WaitForOne(handle, milliseconds);
+    return Guarded([&] { return WaitForOne(handle, milliseconds); });
 }
 
 DWORD WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll, DWORD milliseconds) {
@@ -243,5 +255,5 @@ DWORD WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll, D
         SetLastError(ERROR_INVALID_PARAMETER);
         return WAIT_FAILED;
     }
-    return WaitForSeveral({handles, count}, waitAll != FALSE, milliseconds);
+    return Guarded([&] { return WaitForSeveral({handles, count}, waitAll != FALSE, milliseconds); });
 }

@@ -83,6 +83,19 @@ TEST(Object_files, A_folder_without_room_gives_112_and_leaves_no_file) {
     EXPECT_TRUE(Section(65803, TEXT("Global\\NoRoom")));
 }
 
+TEST(Object_files, Without_a_free_handle_4_is_told_and_the_name_is_as_it_was) {
+    std::vector<Handle> many;
+    while (many.empty() || many.back())
+        many.push_back(AutoEvent());
+    EXPECT_EQ(4u, GetLastError());
+    EXPECT_FALSE(OpenGlobal("NoHandle"));
+    EXPECT_EQ(4u, GetLastError());
+    EXPECT_FALSE(fs::exists(fs::path(std::getenv("WINPORT_HOME")) / "kernel" / "global.NoHandle"));
+    many.clear();
+    EXPECT_TRUE(OpenGlobal("NoHandle"));
+    EXPECT_EQ(0u, GetLastError());
+}
+
 TEST(Object_files, No_descriptor_is_kept_for_an_object) {
     const auto descriptors = [] {
         return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());

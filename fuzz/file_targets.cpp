@@ -1,0 +1,173 @@
+// Files that somebody else wrote.
+#include <windows.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+
+#include "host/product_config.h"
+#include "host/profile_reader.h"
+#include "occupied_file.h"
+#include "rundll32/inf_file.h"
+#include "rundll32/refusal.h"
+#include "targets.h"
+#include "vprinter/fault_script.h"
+#include "vprinter/user_error.h"
+#include "winport/handles/object_page.h"
+
+namespace fuzz {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string& Home() {
+    static const std::string home = std::getenv("WINPORT_HOME");
+    return home;
+}
+
+std::string FileWith(std::string_view bytes) {
+    const std::string path = Home() + "/input.txt";
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+    return path;
+}
+
+WideText Widened(const std::string& text) {
+    return WideText(text.begin(), text.end());
+}
+
+void InitialisationFile(std::string_view bytes) {
+    const WideText path = Widened(FileWith(bytes));
+    const ProfileReader reader(path);
+    for (const WCHAR* section : {TEXT("Printers"), TEXT("SDK"), TEXT("a")}) {
+        for (const WideText& line : reader.Lines(section)) {
+            const WideText key = line.substr(0, line.find(TEXT('=')));
+            Require(line.find(WCHAR{0}) == WideText::npos, "a line is one line");
+            Require(reader.Text(section, key.c_str()).size() < MAX_PATH, "cut to its room");
+            static_cast<void>(reader.Integer(section, key.c_str(), 7));
+            static_cast<void>(ParseInteger(line));
+        }
+    }
+    for (const DWORD capacity : {2u, 3u, 5u, 40u}) {
+        const std::unique_ptr<WCHAR[]> buffer(new WCHAR[capacity]);
+        const DWORD length = GetPrivateProfileSectionW(TEXT("a"), buffer.get(), capacity, path.c_str());
+        Require(length < capacity && buffer[length] == 0, "terminated within its room");
+        const DWORD value = GetPrivateProfileStringW(TEXT("a"), TEXT("b"), TEXT("fallback "), buffer.get(),
+                                                     capacity, path.c_str());
+        Require(value < capacity && buffer[value] == 0, "terminated within its room");
+    }
+}
+
+void ProductConfiguration(std::string_view bytes) {
+    const WideText path = Widened(FileWith(bytes));
+    CProductConfig config;
+    const bool loaded = config.Load(path);
+    Require(config.IsLoaded(), "the first load decides");
+    Require(config.Load(TEXT("/nowhere/else.ini")) || !loaded, "and no later one");
+    Require(!loaded || !config.GetSignature().empty(), "a required value is there");
+    MaintenanceSettings settings;
+    Require(config.GetMaintenanceSettings(TEXT("ZR One"), settings), "there always are settings");
+    for (const int32_t value : settings.values)
+        Require(value >= 1 && value <= 10000, "within its range");
+    WideText model;
+    static_cast<void>(config.GetModelNameForURL(TEXT("ZR One"), model));
+    static_cast<void>(config.GetDisplayIcon(TEXT("ZR One")));
+}
+
+void SetupInformation(std::string_view bytes) {
+    try {
+        const auto file = printui::InfFile::Read(FileWith(bytes));
+        Require(file.Value(TEXT("Version"), TEXT("Signature")).starts_with('$'), "signed");
+        if (const auto* lines = file.Find(TEXT("Manufacturer")))
+            for (const printui::InfLine& line : *lines)
+                Require(!line.values.empty(), "a line has a value");
+    } catch (const printui::Refusal& refusal) {
+        Require(!refusal.text.empty(), "a refusal says why");
+    }
+}
+
+void FaultScripts(std::string_view bytes) {
+    try {
+        auto script = vprinter::FaultScript::Parse(bytes, "faults.json");
+        std::string scratch;
+        for (const std::string_view request : {"DeviceSettings.Fax.Redials?", "ZRPing?", ""})
+            for (int turn = 0; turn < 3; ++turn)
+                if (const vprinter::Fault* fault = script.Next(request))
+                    static_cast<void>(vprinter::FaultyReply(*fault, "0000,Key=value;", scratch));
+        static_cast<void>(script.For("USB001").PrintersNamed());
+    } catch (const vprinter::UserError& error) {
+        Require(std::string_view(error.what()).starts_with("faults.json:"), "an error says where");
+    }
+}
+
+void UseAs(winport::ObjectKind kind) {
+    constexpr const WCHAR* kName = TEXT("Global\\FuzzObject");
+    HANDLE object = nullptr;
+    if (kind == winport::ObjectKind::Event) {
+        object = CreateEventW(nullptr, FALSE, FALSE, kName);
+        if (object == nullptr) return;
+        WaitForSingleObject(object, 0);
+        SetEvent(object);
+        Require(WaitForSingleObject(object, 0) == WAIT_OBJECT_0, "a set event is signalled");
+    } else if (kind == winport::ObjectKind::Mutex) {
+        object = CreateMutexW(nullptr, FALSE, kName);
+        if (object == nullptr) return;
+        const DWORD taken = WaitForSingleObject(object, 0);
+        Require((taken == WAIT_OBJECT_0 || taken == WAIT_ABANDONED) == (ReleaseMutex(object) != FALSE),
+                "who has taken it can give it back");
+    } else {
+        object = CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, kName);
+        if (object == nullptr) return;
+        auto* const view = static_cast<volatile uint8_t*>(MapViewOfFile(object, FILE_MAP_READ, 0, 0, 0));
+        MEMORY_BASIC_INFORMATION info = {};
+        if (view != nullptr && VirtualQuery(const_cast<uint8_t*>(view), &info, sizeof(info)) != 0)
+            static_cast<void>(view[info.RegionSize - 1]);
+        if (view != nullptr) UnmapViewOfFile(const_cast<uint8_t*>(view));
+    }
+    CloseHandle(object);
+}
+
+// The first byte chooses what the file is asked for as; the second adds pages. The rest is written over a
+// page that would be accepted.
+void ObjectFiles(std::string_view bytes) {
+    if (bytes.size() < 2) return;
+    static const std::string folder = [] {
+        CreateEventW(nullptr, FALSE, FALSE, TEXT("Global\\FuzzFolder"));  // stays, and the folder with it
+        return Home() + "/kernel";
+    }();
+    const auto kind = static_cast<winport::ObjectKind>(1 + static_cast<unsigned char>(bytes[0]) % 3);
+    std::string file(winport::kPageSize * (1 + static_cast<unsigned char>(bytes[1]) % 3), '\0');
+    winport::ObjectPage page = {};
+    page.magic = winport::kPageMagic;
+    page.layoutVersion = winport::kLayoutVersion;
+    page.kind = kind;
+    page.dataSize = file.size() - winport::kPageSize;
+    constexpr std::u16string_view kName = u"Global\\FuzzObject";
+    page.nameLength = static_cast<uint32_t>(kName.size());
+    kName.copy(page.name, kName.size());
+    std::memcpy(file.data(), &page, sizeof(page));
+    const std::string_view over = bytes.substr(2, file.size());
+    // Zero bytes keep what is there, so that a few bytes can change a field far behind.
+    for (size_t i = 0; i < over.size(); ++i)
+        if (over[i] != 0) file[i] = over[i];
+    const OccupiedFile occupied(folder, "FuzzObject", file);
+    UseAs(kind);
+}
+
+constexpr Target kTargets[] = {
+    {"initialisation_file", InitialisationFile},
+    {"product_configuration", ProductConfiguration},
+    {"inf", SetupInformation},
+    {"fault_script", FaultScripts},
+    {"object_file", ObjectFiles},
+};
+
+}  // namespace
+
+std::span<const Target> FileTargets() {
+    return kTargets;
+}
+
+}  // namespace fuzz

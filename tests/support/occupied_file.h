@@ -1,0 +1,39 @@
+// A file in winport's object folder that some living process seems to use.
+#pragma once
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+class OccupiedFile final {
+  public:
+    // "Global\<name>" in the folder, which has been used before.
+    OccupiedFile(const std::string& folder, const std::string& name, std::string_view bytes)
+        : path_(folder + "/global." + name) {
+        const int file = ::open(path_.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        struct stat status = {};
+        const bool written = ::write(file, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
+        locks_ = ::open((folder + "/lock").c_str(), O_RDWR | O_CLOEXEC);
+        struct flock lock = {};
+        lock.l_type = F_RDLCK;
+        lock.l_start = ::fstat(file, &status) == 0 ? static_cast<off_t>(status.st_ino) : 0;
+        lock.l_len = 1;
+        ::close(file);
+        if (!written || ::fcntl(locks_, F_OFD_SETLK, &lock) != 0)
+            throw std::runtime_error("cannot occupy " + path_);
+    }
+    OccupiedFile(const OccupiedFile&) = delete;
+    OccupiedFile& operator=(const OccupiedFile&) = delete;
+    ~OccupiedFile() {
+        ::close(locks_);
+        ::unlink(path_.c_str());
+    }
+
+  private:
+    std::string path_;
+    int locks_ = -1;
+};
