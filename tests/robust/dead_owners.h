@@ -11,5 +11,6 @@ struct DeadOwners {
     std::atomic<uint64_t> lostTurns;    // waits of five seconds
     std::atomic<int64_t> diedAt;        // ns of the last owner that died with it, 0 when that has been told
     std::atomic<int64_t> longestHeir;   // ns until the next owner
+    std::atomic<uint64_t> late;         // next owners after more than 100 ms
     std::atomic<uint64_t> killsWanted;  // no more die after that many
 };

@@ -48,6 +48,7 @@ int Contend(const WideText& mutexName, const WideText& sectionName, std::mt19937
         if (result == WAIT_ABANDONED) {
             ++owners->abandoned;
             const int64_t took = NowNs() - owners->diedAt;
+            if (took > 100'000'000) ++owners->late;
             if (took > owners->longestHeir) owners->longestHeir = took;
         } else if (result != WAIT_OBJECT_0) {
             ++owners->lostTurns;
