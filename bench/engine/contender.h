@@ -7,6 +7,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <type_traits>
 
 /// What the two sides of one measurement share: an empty folder of their own, in memory.
 struct Place {
@@ -28,6 +29,15 @@ class Client {
     /// Whether the last answer was the right one; not timed.
     [[nodiscard]] virtual bool IsRight() = 0;
 };
+
+/// For the table below: some connections want to know which of several clients they are.
+template <typename OneClient>
+std::unique_ptr<Client> Connect(const Place& place, unsigned clientIndex) {
+    if constexpr (std::is_constructible_v<OneClient, const Place&, unsigned>)
+        return std::make_unique<OneClient>(place, clientIndex);
+    else
+        return std::make_unique<OneClient>(place);
+}
 
 struct Contender {
     const char* id;

@@ -83,11 +83,6 @@ class Framed final : public Raw {
     uint32_t messageLength_ = 0;
 };
 
-template <typename OneClient>
-std::unique_ptr<Client> Connect(const Place& place, unsigned) {
-    return std::make_unique<OneClient>(place);
-}
-
 }  // namespace
 
 const Contender kRawExchange = {

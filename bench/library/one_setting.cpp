@@ -34,11 +34,6 @@ class Setter final : public Client {
     bool succeeded_ = false;
 };
 
-template <typename OneClient>
-std::unique_ptr<Client> Connect(const Place& place, unsigned) {
-    return std::make_unique<OneClient>(place);
-}
-
 }  // namespace
 
 const Contender kGetFaxRedials = {

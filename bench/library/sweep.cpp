@@ -88,11 +88,6 @@ class BareSweep final : public Client {
     int wrong_ = 0;
 };
 
-template <typename OneClient>
-std::unique_ptr<Client> Connect(const Place& place, unsigned) {
-    return std::make_unique<OneClient>(place);
-}
-
 }  // namespace
 
 const Contender kGetterSweep = {

@@ -47,19 +47,14 @@ class Poller final : public Client {
     uint32_t next_ = 0;
 };
 
-template <typename Payload>
-std::unique_ptr<Client> Connect(const Place& place, unsigned index) {
-    return std::make_unique<Poller<Payload>>(place, index);
-}
-
 }  // namespace
 
-const Contender kPollingLimit = {"polling",        "limit: polling",   "polling", "sleeping",
-                                 Serve<NoPayload>, Connect<NoPayload>, "h4m1"};
+const Contender kPollingLimit = {"polling",        "limit: polling",           "polling", "sleeping",
+                                 Serve<NoPayload>, Connect<Poller<NoPayload>>, "h4m1"};
 const Contender kLargePollingLimit = {"polling-large",
                                       "limit: polling, 65,791 bytes",
                                       "polling-large",
                                       "sleeping-large",
                                       Serve<LargePayload>,
-                                      Connect<LargePayload>,
+                                      Connect<Poller<LargePayload>>,
                                       "h"};

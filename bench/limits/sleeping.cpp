@@ -69,19 +69,14 @@ class Sleeper final : public Client {
     uint32_t next_ = 0;
 };
 
-template <typename Payload>
-std::unique_ptr<Client> Connect(const Place& place, unsigned index) {
-    return std::make_unique<Sleeper<Payload>>(place, index);
-}
-
 }  // namespace
 
-const Contender kSleepingLimit = {"sleeping",       "limit: sleeping",  "polling", "sleeping",
-                                  Serve<NoPayload>, Connect<NoPayload>, "h4m1"};
+const Contender kSleepingLimit = {"sleeping",       "limit: sleeping",           "polling", "sleeping",
+                                  Serve<NoPayload>, Connect<Sleeper<NoPayload>>, "h4m1"};
 const Contender kLargeSleepingLimit = {"sleeping-large",
                                        "limit: sleeping, 65,791 bytes",
                                        "polling-large",
                                        "sleeping-large",
                                        Serve<LargePayload>,
-                                       Connect<LargePayload>,
+                                       Connect<Sleeper<LargePayload>>,
                                        "h"};

@@ -77,10 +77,6 @@ class BusClient final : public Client {
     DBusMessage* reply_ = nullptr;
 };
 
-std::unique_ptr<Client> Connect(const Place& place, unsigned) {
-    return std::make_unique<BusClient>(place);
-}
-
 }  // namespace
 
-const Contender kDBus = {"dbus", "D-Bus", "polling", "sleeping", Serve, Connect, "h4m1", true};
+const Contender kDBus = {"dbus", "D-Bus", "polling", "sleeping", Serve, Connect<BusClient>, "h4m1", true};

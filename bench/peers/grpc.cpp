@@ -51,10 +51,6 @@ class GrpcClient final : public Client {
     grpc::Status status_;
 };
 
-std::unique_ptr<Client> Connect(const Place& place, unsigned) {
-    return std::make_unique<GrpcClient>(place);
-}
-
 }  // namespace
 
-const Contender kGrpc = {"grpc", "gRPC", "polling", "sleeping", Serve, Connect, "h4m1", true};
+const Contender kGrpc = {"grpc", "gRPC", "polling", "sleeping", Serve, Connect<GrpcClient>, "h4m1", true};

@@ -76,10 +76,7 @@ void Serve(const Place& place) {
     pause();
 }
 
-std::unique_ptr<Client> Connect(const Place& place, unsigned) {
-    return std::make_unique<IppClient>(place);
-}
-
 }  // namespace
 
-const Contender kIpp = {"ipp", "IPP attribute", "polling", "sleeping", Serve, Connect, "h4m1", true};
+const Contender kIpp = {"ipp", "IPP attribute",    "polling", "sleeping",
+                        Serve, Connect<IppClient>, "h4m1",    true};

@@ -62,11 +62,7 @@ class QueueClient final : public Client {
     size_t length_ = 0;
 };
 
-std::unique_ptr<Client> Connect(const Place& place, unsigned index) {
-    return std::make_unique<QueueClient>(place, index);
-}
-
 }  // namespace
 
-const Contender kMessageQueue = {
-    "queue", "Boost message_queue", "polling", "sleeping", Serve, Connect, "h4m1", true};
+const Contender kMessageQueue = {"queue", "Boost message_queue", "polling", "sleeping",
+                                 Serve,   Connect<QueueClient>,  "h4m1",    true};

@@ -80,10 +80,6 @@ void Serve(const Place& place) {
     pause();
 }
 
-std::unique_ptr<Client> Connect(const Place& place, unsigned) {
-    return std::make_unique<SnmpClient>(place);
-}
-
 }  // namespace
 
-const Contender kSnmp = {"snmp", "SNMP get", "polling", "sleeping", Serve, Connect, "h4m1", true};
+const Contender kSnmp = {"snmp", "SNMP get", "polling", "sleeping", Serve, Connect<SnmpClient>, "h4m1", true};

@@ -55,10 +55,7 @@ class ZeroMqClient final : public Client {
     int length_ = -1;
 };
 
-std::unique_ptr<Client> Connect(const Place& place, unsigned) {
-    return std::make_unique<ZeroMqClient>(place);
-}
-
 }  // namespace
 
-const Contender kZeroMq = {"zeromq", "ZeroMQ", "polling", "sleeping", Serve, Connect, "h4m1", true};
+const Contender kZeroMq = {"zeromq", "ZeroMQ", "polling", "sleeping", Serve, Connect<ZeroMqClient>,
+                           "h4m1",   true};

@@ -123,6 +123,12 @@ template <typename Use>
 bool Selected(Use use) {
     return SelectPrinter(TEXT("P")) && use() != 0;
 }
+// One call of a function that reads or writes an array.
+template <auto kExport, typename Element, size_t kCount>
+bool Transfers() {
+    static Element elements[kCount];
+    return Selected([] { return kExport(elements, kMs); });
+}
 bool ProgramRun() {
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
@@ -269,38 +275,10 @@ const Scenario kScenarios[] = {
     {"selection", [] { return Selected([] { return 1; }); }, false, true},
     {"raw exchange", [] { return Selected([] { return SendCmd("ZRPing?", 7, nullptr, 0, nullptr, kMs); }); },
      false, true},
-    {"number",
-     [] {
-         return Selected([] {
-             uint8_t v;
-             return GetFaxRedials(&v, kMs);
-         });
-     },
-     false, true},
-    {"word",
-     [] {
-         return Selected([] {
-             uint32_t v;
-             return GetDisplayLanguage(&v, kMs);
-         });
-     },
-     false, true},
-    {"text",
-     [] {
-         return Selected([] {
-             kestrel_char v[64];
-             return GetFriendlyName(v, kMs);
-         });
-     },
-     false, true},
-    {"address",
-     [] {
-         return Selected([] {
-             uint8_t v[4];
-             return GetStaticIPAddress(v, kMs);
-         });
-     },
-     false, true},
+    {"number", Transfers<GetFaxRedials, uint8_t, 1>, false, true},
+    {"word", Transfers<GetDisplayLanguage, uint32_t, 1>, false, true},
+    {"text", Transfers<GetFriendlyName, kestrel_char, 64>, false, true},
+    {"address", Transfers<GetStaticIPAddress, uint8_t, 4>, false, true},
     {"set number", [] { return Selected([] { return SetFaxRedials(5, kMs); }); }, false, true},
     {"set text", [] { return Selected([] { return SetFriendlyName(TEXT("Office"), kMs); }); }, false, true},
     {"one-touch record",
@@ -311,30 +289,9 @@ const Scenario kScenarios[] = {
          });
      },
      false, true},
-    {"speed-dial list written",
-     [] {
-         return Selected([] {
-             static KestrelQuickDial v[60];
-             return SetQuickDialNumbers(v, kMs);
-         });
-     },
-     false, true},
-    {"access points",
-     [] {
-         return Selected([] {
-             static KestrelAccessPoint v[64];
-             return GetAccessPoints(v, kMs);
-         });
-     },
-     false, true},
-    {"hosts",
-     [] {
-         return Selected([] {
-             static KestrelHost v[64];
-             return GetMDNSHostList(v, kMs);
-         });
-     },
-     false, true},
+    {"speed-dial list written", Transfers<SetQuickDialNumbers, KestrelQuickDial, 60>, false, true},
+    {"access points", Transfers<GetAccessPoints, KestrelAccessPoint, 64>, false, true},
+    {"hosts", Transfers<GetMDNSHostList, KestrelHost, 64>, false, true},
     {"device time",
      [] {
          return Selected([] {
