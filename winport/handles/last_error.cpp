@@ -1,8 +1,8 @@
 #include <windows.h>
 
 namespace {
-// Zero-initialised and without a destructor: reading it costs one instruction in any thread.
-thread_local constinit DWORD lastError = 0;
+// Zero-initialised, without a destructor and in the thread's static block: reading it is one instruction.
+__attribute__((tls_model("initial-exec"))) thread_local constinit DWORD lastError = 0;
 }  // namespace
 
 DWORD GetLastError() {

@@ -52,7 +52,7 @@ void AfterForkInChild() {
     store.lockFile.Close();
     store.ownTokens.clear();
     CurrentThread().ownerToken = 0;
-    CurrentThread().heldMutexes.clear();
+    CurrentThread().heldMutexes = nullptr;
     if (!store.inodes.empty() && store.lockFile.Open(KernelObjectDirectory()))
         for (const auto& [name, inode] : store.inodes)
             store.lockFile.TryShared(static_cast<off_t>(inode));

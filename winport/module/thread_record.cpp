@@ -12,16 +12,16 @@
 
 namespace winport {
 
+constinit thread_local ThreadRecord* currentRecord __attribute__((tls_model("initial-exec"))) = nullptr;
+
 namespace {
 
 std::atomic<ThreadRecord*> allRecords{nullptr};
 std::atomic<uint32_t> nextLocalId{1};
 
-__attribute__((tls_model("initial-exec"))) thread_local constinit ThreadRecord* current = nullptr;
-
 void EndThread(void* value) {
     auto& record = *static_cast<ThreadRecord*>(value);
-    current = &record;
+    currentRecord = &record;
     NotifyThreadEnd();
     AbandonHeldMutexes(record);
     for (auto& slot : record.tls)
@@ -31,7 +31,7 @@ void EndThread(void* value) {
     record.cursor = nullptr;
     ForgetMessages(record);
     record.hazard.store(nullptr, std::memory_order_release);
-    current = nullptr;
+    currentRecord = nullptr;
     record.inUse.store(false, std::memory_order_release);
 }
 
@@ -62,21 +62,16 @@ ThreadRecord* LinkNewRecord() {
     return record;
 }
 
+}  // namespace
+
 ThreadRecord& BeginThread() {
     ThreadRecord* record = TakeUnusedRecord();
     if (record == nullptr) record = LinkNewRecord();
     record->localId = nextLocalId.fetch_add(1, std::memory_order_relaxed);
-    current = record;
+    currentRecord = record;
     pthread_setspecific(ThreadEndKey(), record);
     NotifyThreadStart();
     return *record;
-}
-
-}  // namespace
-
-ThreadRecord& CurrentThread() {
-    ThreadRecord* record = current;
-    return record != nullptr ? *record : BeginThread();
 }
 
 ThreadRecord* FirstThreadRecord() {

@@ -10,7 +10,7 @@
 namespace {
 
 std::atomic<DWORD> processId{0};
-thread_local constinit DWORD threadId = 0;
+__attribute__((tls_model("initial-exec"))) thread_local constinit DWORD threadId = 0;
 
 void ForgetIds() {
     processId.store(0, std::memory_order_relaxed);
