@@ -34,10 +34,6 @@ MutexObject::MutexObject(ObjectMemory&& memory)
     : KernelObject(ObjectKind::Mutex, memory.Page()), memory_(std::move(memory)) {}
 
 uint32_t MutexObject::TokenFor(ThreadRecord& thread) const {
-    // What is taken must be noted: room for all of one wait, before it begins.
-    auto& held = thread.heldMutexes;
-    if (held.capacity() - held.size() < MAXIMUM_WAIT_OBJECTS)
-        held.reserve(held.size() + MAXIMUM_WAIT_OBJECTS);
     if (!IsNamed()) return thread.localId;
     if (thread.ownerToken == 0) thread.ownerToken = TakeOwnerToken();
     return thread.ownerToken;
@@ -65,8 +61,21 @@ void MutexObject::BeginOwnership(ThreadRecord& thread, uint32_t token) {
         page.turnTakes.store(0, std::memory_order_relaxed);
     }
     page.turnTakes.store(page.turnTakes.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    EnterList(thread);
+}
+
+void MutexObject::EnterList(ThreadRecord& thread) {
     heldHere_.store(true, std::memory_order_relaxed);
-    thread.heldMutexes.push_back(this);
+    previousHeld_ = nullptr;
+    nextHeld_ = thread.heldMutexes;
+    if (nextHeld_ != nullptr) nextHeld_->previousHeld_ = this;
+    thread.heldMutexes = this;
+}
+
+void MutexObject::LeaveList(ThreadRecord& thread) {
+    if (nextHeld_ != nullptr) nextHeld_->previousHeld_ = previousHeld_;
+    (previousHeld_ != nullptr ? previousHeld_->nextHeld_ : thread.heldMutexes) = nextHeld_;
+    heldHere_.store(false, std::memory_order_relaxed);
 }
 
 TakeResult MutexObject::TryTake(ThreadRecord& thread, uint32_t token, bool outOfTurn) {
@@ -104,8 +113,7 @@ bool MutexObject::ReleaseLevel(ThreadRecord& thread) {
     const uint32_t levels = page.recursion.load(std::memory_order_relaxed) - 1;
     page.recursion.store(levels, std::memory_order_relaxed);
     if (levels != 0) return true;
-    std::erase(thread.heldMutexes, this);
-    heldHere_.store(false, std::memory_order_relaxed);
+    LeaveList(thread);
     // A sleeping heir wakes by itself within a turn; at the turn's end it is woken.
     const uint32_t before = page.word.fetch_and(kMutexSleeper, std::memory_order_release);
     if ((before & kMutexSleeper) != 0 && NowUs() - page.turnStart.load(std::memory_order_relaxed) > kTurnUs) {
@@ -214,13 +222,12 @@ void MutexObject::End() {
 void AbandonHeldMutexes(ThreadRecord& thread) {
     {
         const std::lock_guard guard(OrphanLock());
-        for (MutexObject* mutex : thread.heldMutexes) {
+        while (MutexObject* const mutex = thread.heldMutexes) {
+            mutex->LeaveList(thread);
             mutex->Abandon(mutex->IsNamed() ? thread.ownerToken : thread.localId);
-            mutex->heldHere_.store(false, std::memory_order_relaxed);
             if (mutex->orphan_) delete mutex;
         }
     }
-    thread.heldMutexes.clear();
     if (thread.ownerToken != 0) GiveBackOwnerToken(thread.ownerToken);
     thread.ownerToken = 0;
 }

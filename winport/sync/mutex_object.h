@@ -61,7 +61,13 @@ class MutexObject final : public KernelObject {
     void LeaveHeirship(uint32_t token);
 
     ObjectMemory memory_;
-    std::atomic<bool> heldHere_{false};  // by a thread of this process, in whose list it then stands
+    void EnterList(ThreadRecord& thread);
+    void LeaveList(ThreadRecord& thread);
+
+    // By a thread of this process, in whose list it then stands. A list of links: taking needs no memory.
+    std::atomic<bool> heldHere_{false};
+    MutexObject* nextHeld_ = nullptr;
+    MutexObject* previousHeld_ = nullptr;
     bool orphan_ = false;
 };
 

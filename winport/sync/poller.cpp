@@ -48,7 +48,7 @@ Poller::Poller(PollHistory& history, bool setterIsHere) : history_(history) {
 bool Poller::Again() {
     if (!polls_) return false;
     if (++looks_ % kLooksPerTime != 0) {
-        Pause();
+        if (looks_ > 100) Pause();
         return true;
     }
     const Moment now = Now();
@@ -58,8 +58,8 @@ bool Poller::Again() {
     return true;
 }
 
-void Poller::Learn(Moment waited) {
-    const int step = waited <= 2 * kPollBudget ? 1 : -1;
+void Poller::Learn(Moment slept) {
+    const int step = slept <= kPollBudget ? 1 : -1;
     history_.credit = std::clamp(history_.credit + step, 0, kBestCredit);
 }
 

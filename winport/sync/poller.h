@@ -22,8 +22,9 @@ class Poller final {
     // True while the caller should look once more; pauses a little and, later on, gives way to others.
     [[nodiscard]] bool Again();
 
-    // What the wait taught: how long it took until what was waited for came (or the wait was given up).
-    void Learn(Moment waited);
+    // What the wait taught: how long it went on, after polling, until what was waited for came (or the wait
+    // was given up).
+    void Learn(Moment slept);
 
   private:
     PollHistory& history_;

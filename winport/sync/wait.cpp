@@ -22,16 +22,15 @@ constexpr Moment kMillisecond = 1'000'000;
 // A mutex among several objects has no heir: its release may wake nobody, so the wait looks by itself.
 constexpr Moment kMutexLook = kMillisecond;
 
-Moment DeadlineAfter(DWORD milliseconds) {
-    return milliseconds == INFINITE ? kNever : Now() + static_cast<Moment>(milliseconds) * kMillisecond;
+Moment DeadlineAfter(DWORD milliseconds, Moment start) {
+    return milliseconds == INFINITE ? kNever : start + static_cast<Moment>(milliseconds) * kMillisecond;
 }
 
-// One object of a wait, and what its word was when the wait began. What is no mutex is an event: a program's
-// end is one that is set once.
+// One object of a wait. What is no mutex is an event: a program's end is one that is set once.
 struct Waited {
-    KernelObject* object = nullptr;
-    uint32_t wordAtStart = 0;
-    uint32_t token = 0;  // mutexes
+    KernelObject* object;
+    uint32_t wordAtStart;  // events
+    uint32_t token;        // mutexes
 };
 
 bool Prepare(Waited& waited, ThreadRecord& thread) {
@@ -151,56 +150,116 @@ bool IsSetterHere(std::span<const Waited> all) {
            });
 }
 
-DWORD WaitFor(std::span<const Waited> all, bool waitAll, ThreadRecord& thread, DWORD milliseconds) {
+// The objects of one wait, which live as long as it does: by hazards while the wait only looks, by references
+// once it sleeps or when they are many. There is room for 64; what is not used is never touched.
+class WaitedObjects final {
+  public:
+    explicit WaitedObjects(size_t count) : thread_(CurrentThread()), byReference_(count > kWaitHazards) {}
+    WaitedObjects(const WaitedObjects&) = delete;
+    WaitedObjects& operator=(const WaitedObjects&) = delete;
+    ~WaitedObjects() {
+        if (byReference_)
+            for (const Waited& waited : All())
+                waited.object->Release();
+        else
+            ClearHazards();
+    }
+
+    // False with the last-error value when it cannot be waited for.
+    [[nodiscard]] bool Add(HANDLE handle) {
+        const UsedObject used(handle);
+        if (!used) return false;
+        Waited& waited = objects_[count_];
+        waited.object = used.Get();
+        if (!Prepare(waited, thread_)) return false;
+        if (byReference_)
+            waited.object->AddReference();
+        else
+            thread_.waitHazards[count_].store(waited.object, std::memory_order_release);
+        ++count_;
+        return true;
+    }
+
+    // Before it sleeps: whoever closes a handle waits for hazards, and must not wait for long.
+    void TakeReferences() {
+        if (byReference_) return;
+        for (const Waited& waited : All())
+            waited.object->AddReference();
+        ClearHazards();
+        byReference_ = true;
+    }
+    [[nodiscard]] ThreadRecord& Thread() const { return thread_; }
+    [[nodiscard]] std::span<const Waited> All() const { return {objects_.data(), count_}; }
+
+  private:
+    void ClearHazards() {
+        for (auto& hazard : thread_.waitHazards)
+            hazard.store(nullptr, std::memory_order_release);
+    }
+
+    ThreadRecord& thread_;
+    bool byReference_;
+    std::array<Waited, MAXIMUM_WAIT_OBJECTS> objects_;
+    size_t count_ = 0;
+};
+
+// The clock is not read before looking has failed: an answer mostly comes sooner than that would pay.
+DWORD WaitFor(WaitedObjects& objects, bool waitAll, DWORD milliseconds) {
+    const std::span<const Waited> all = objects.All();
+    ThreadRecord& thread = objects.Thread();
     const auto look = [&] { return waitAll ? TakeAllIfFree(all, thread) : TakeAny(all, thread); };
-    const Moment start = Now();
-    const Moment deadline =
-        milliseconds == INFINITE ? kNever : start + static_cast<Moment>(milliseconds) * kMillisecond;
-    const Moment longest = HasMutex(all) ? kMutexLook : kNever;
     Poller poller(thread.polling, IsSetterHere(all));
-    for (;;) {
-        std::optional<DWORD> result;
-        do {
-            result = look();
-        } while (!result && poller.Again());
-        const Moment now = Now();
-        if (!result && longest != kNever) NoticeDeadOwners(all);
-        if (!result && now >= deadline) result = look();
-        if (result || now >= deadline) {
-            poller.Learn(now - start);
-            return result.value_or(WAIT_TIMEOUT);
-        }
+    std::optional<DWORD> result = look();
+    while (!result && milliseconds != 0 && poller.Again())
+        result = look();
+    if (result) {
+        poller.Learn(0);
+        return *result;
+    }
+    objects.TakeReferences();
+    const Moment start = Now();
+    const Moment deadline = DeadlineAfter(milliseconds, start);
+    const Moment longest = HasMutex(all) ? kMutexLook : kNever;
+    for (Moment now = start;; now = Now()) {
+        if (longest != kNever) NoticeDeadOwners(all);
+        if (now >= deadline) break;
         const Moment until = longest == kNever ? deadline : std::min(deadline, now + longest);
         if (waitAll)
             SleepOnMissing(all, until);
         else
             SleepOnObjects(all, until);
+        result = look();
+        if (result) break;
     }
+    if (!result) result = look();
+    poller.Learn(Now() - start);
+    return result.value_or(WAIT_TIMEOUT);
 }
 
 DWORD WaitForMutex(MutexObject& mutex, uint32_t token, ThreadRecord& thread, DWORD milliseconds) {
     if (milliseconds == 0) mutex.NoticeDeadOwner();
-    const TakeResult result = milliseconds == 0 ? mutex.TryTake(thread, token, false)
-                                                : mutex.Take(thread, token, DeadlineAfter(milliseconds));
+    const TakeResult result = milliseconds == 0
+                                  ? mutex.TryTake(thread, token, false)
+                                  : mutex.Take(thread, token, DeadlineAfter(milliseconds, Now()));
     return result == TakeResult::No ? WAIT_TIMEOUT : ResultOf(result, 0);
 }
 
 DWORD WaitForOne(HANDLE handle, DWORD milliseconds) {
-    Waited waited;
-    ObjectReference reference;
     {
         const UsedObject used(handle);
-        if (!used) return WAIT_FAILED;
-        waited.object = used.Get();
-        if (!Prepare(waited, used.Thread())) return WAIT_FAILED;
+        Waited waited{used.Get(), 0, 0};
+        if (!used || !Prepare(waited, used.Thread())) return WAIT_FAILED;
         if (const TakeResult result = TryTake(waited, used.Thread()); result != TakeResult::No)
             return ResultOf(result, 0);
-        reference = ObjectReference(waited.object);
     }
-    ThreadRecord& thread = CurrentThread();
-    if (waited.object->Kind() == ObjectKind::Mutex)
-        return WaitForMutex(*static_cast<MutexObject*>(waited.object), waited.token, thread, milliseconds);
-    return milliseconds == 0 ? WAIT_TIMEOUT : WaitFor({&waited, 1}, false, thread, milliseconds);
+    WaitedObjects objects(1);
+    if (!objects.Add(handle)) return WAIT_FAILED;
+    const Waited& waited = objects.All().front();
+    if (waited.object->Kind() != ObjectKind::Mutex)
+        return milliseconds == 0 ? WAIT_TIMEOUT : WaitFor(objects, false, milliseconds);
+    objects.TakeReferences();
+    return WaitForMutex(*static_cast<MutexObject*>(waited.object), waited.token, objects.Thread(),
+                        milliseconds);
 }
 
 bool HasTwice(std::span<const Waited> all) {
@@ -211,22 +270,14 @@ bool HasTwice(std::span<const Waited> all) {
 }
 
 DWORD WaitForSeveral(std::span<const HANDLE> handles, bool waitAll, DWORD milliseconds) {
-    std::array<Waited, MAXIMUM_WAIT_OBJECTS> objects;
-    std::array<ObjectReference, MAXIMUM_WAIT_OBJECTS> references;
-    ThreadRecord& thread = CurrentThread();
-    for (size_t i = 0; i < handles.size(); ++i) {
-        const UsedObject used(handles[i]);
-        if (!used) return WAIT_FAILED;
-        objects[i].object = used.Get();
-        if (!Prepare(objects[i], thread)) return WAIT_FAILED;
-        references[i] = ObjectReference(used.Get());
-    }
-    const std::span<const Waited> all(objects.data(), handles.size());
-    if (waitAll && HasTwice(all)) {
+    WaitedObjects objects(handles.size());
+    for (HANDLE handle : handles)
+        if (!objects.Add(handle)) return WAIT_FAILED;
+    if (waitAll && HasTwice(objects.All())) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return WAIT_FAILED;
     }
-    return WaitFor(all, waitAll, thread, milliseconds);
+    return WaitFor(objects, waitAll, milliseconds);
 }
 
 // Memory is needed before a wait begins, if at all.
