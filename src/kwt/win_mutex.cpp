@@ -7,6 +7,8 @@ namespace kwt {
 
 namespace {
 
+constexpr auto kRelaxed = std::memory_order_relaxed;
+
 class Guard final {
   public:
     explicit Guard(CRITICAL_SECTION& section) : section_(section) { EnterCriticalSection(&section_); }
@@ -34,8 +36,7 @@ WinMutex::~WinMutex() {
 }
 
 bool WinMutex::IsValid() {
-    const Guard guard(guard_);
-    return handle_ != nullptr;
+    return handle_.load(std::memory_order_acquire) != nullptr;
 }
 
 bool WinMutex::Create(const WCHAR* name, bool global) {
@@ -59,62 +60,60 @@ void WinMutex::Close() {
     ClearState();
 }
 
+bool WinMutex::IsOwnedBy(uint32_t threadId) const {
+    return ownerThreadId_.load(kRelaxed) == threadId && lockCount_.load(kRelaxed) > 0;
+}
+
 WaitResult WinMutex::Lock(uint32_t timeoutMs) {
-    if (handle_ == nullptr) return WaitResult::NoObject;
+    const HANDLE handle = handle_.load(std::memory_order_acquire);
+    if (handle == nullptr) return WaitResult::NoObject;
     const uint32_t self = GetCurrentThreadId();
-    {
-        const Guard guard(guard_);
-        if (lockCount_ > 0 && ownerThreadId_ == self) {
-            ++lockCount_;
-            return WaitResult::Signaled;
-        }
+    if (IsOwnedBy(self)) {
+        lockCount_.store(lockCount_.load(kRelaxed) + 1, kRelaxed);
+        return WaitResult::Signaled;
     }
-    const DWORD result = WaitForSingleObject(handle_, timeoutMs);
+    const DWORD result = WaitForSingleObject(handle, timeoutMs);
     Step("mutex: waited");
     if (result == WAIT_ABANDONED) {
         // The system has made this thread the owner; the wrapper records none, so nobody could give the mutex
         // back later.
-        ReleaseMutex(handle_);
+        ReleaseMutex(handle);
         return WaitResult::Abandoned;
     }
     if (result != WAIT_OBJECT_0) return result == WAIT_TIMEOUT ? WaitResult::TimedOut : WaitResult::Failed;
-    const Guard guard(guard_);
-    lockCount_ = 1;
-    ownerProcessId_ = GetCurrentProcessId();
-    ownerThreadId_ = self;
+    ownerProcessId_.store(GetCurrentProcessId(), kRelaxed);
+    ownerThreadId_.store(self, kRelaxed);
+    lockCount_.store(1, kRelaxed);
     return WaitResult::Signaled;
 }
 
 uint32_t WinMutex::Unlock() {
-    const Guard guard(guard_);
-    if (lockCount_ > 0 && ownerThreadId_ == GetCurrentThreadId() && --lockCount_ == 0) {
-        ownerProcessId_ = 0;
-        ownerThreadId_ = 0;
-        Step("mutex: no owner recorded");
-        ReleaseMutex(handle_);
-        Step("mutex: released");
-    }
-    return lockCount_;
+    const uint32_t levels = lockCount_.load(kRelaxed);
+    if (!IsOwnedBy(GetCurrentThreadId())) return levels;
+    lockCount_.store(levels - 1, kRelaxed);
+    if (levels > 1) return levels - 1;
+    ownerProcessId_.store(0, kRelaxed);
+    ownerThreadId_.store(0, kRelaxed);
+    Step("mutex: no owner recorded");
+    ReleaseMutex(handle_.load(kRelaxed));
+    Step("mutex: released");
+    return 0;
 }
 
 bool WinMutex::IsLocked() {
-    const Guard guard(guard_);
-    return lockCount_ > 0;
+    return lockCount_.load(kRelaxed) > 0;
 }
 
 bool WinMutex::IsLockedByCurrentThread() {
-    const Guard guard(guard_);
-    return lockCount_ > 0 && ownerThreadId_ == GetCurrentThreadId();
+    return IsOwnedBy(GetCurrentThreadId());
 }
 
 uint32_t WinMutex::GetOwnerProcessId() {
-    const Guard guard(guard_);
-    return ownerProcessId_;
+    return ownerProcessId_.load(kRelaxed);
 }
 
 uint32_t WinMutex::GetOwnerThreadId() {
-    const Guard guard(guard_);
-    return ownerThreadId_;
+    return ownerThreadId_.load(kRelaxed);
 }
 
 void WinMutex::ClearState() {

@@ -1,6 +1,7 @@
 // A mutex of the system with per-thread recursion and a record of its owner.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 #include "kwt/wait_result.h"
@@ -35,11 +36,16 @@ class WinMutex final {
     virtual void ClearState();
 
   private:
-    HANDLE handle_ = nullptr;
-    uint32_t lockCount_ = 0;
-    uint32_t ownerProcessId_ = 0;
-    uint32_t ownerThreadId_ = 0;
-    CRITICAL_SECTION guard_;  // of the four fields above; never held while waiting for the system mutex
+    [[nodiscard]] bool IsOwnedBy(uint32_t threadId) const;
+
+    // The record of the owner is written by the owner alone, between the end of its wait and its release, and
+    // a thread finds its own id there only while it is the owner: single reads and writes suffice, where a
+    // critical section around each would cost more than the rest of an exchange.
+    std::atomic<HANDLE> handle_ = nullptr;
+    std::atomic<uint32_t> lockCount_ = 0;
+    std::atomic<uint32_t> ownerProcessId_ = 0;
+    std::atomic<uint32_t> ownerThreadId_ = 0;
+    CRITICAL_SECTION guard_;  // of the handle's changes; never held while waiting for the system mutex
 };
 
 }  // namespace kwt
