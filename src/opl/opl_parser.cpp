@@ -92,7 +92,22 @@ void OPLParser::Step() {
     }
 }
 
+// Most messages are plain items and nothing else: one pass finds the end. Whether that lies in a key or in a
+// value makes no difference then; only an error text reads on beyond a "?".
+bool OPLParser::PassPlainItems() {
+    const std::string_view rest = RemainingInput();
+    const uint32_t before = bufferLength_ + uncopied_;
+    if (before < kErrorNumberLength && (before != 0 || IsErrorNumber(rest.substr(0, kErrorNumberLength))))
+        return false;
+    const size_t end = FindIn(rest, kEndsItems);
+    if (end == rest.size() || (rest[end] != ';' && rest[end] != '?')) return false;
+    Consume(end + 1);
+    state_ = State::Complete;
+    return true;
+}
+
 void OPLParser::ReadKey() {
+    if (PassPlainItems()) return;
     const std::string_view rest = RemainingInput();
     const size_t end = FindIn(rest, kEndsKey);
     if (end == rest.size()) return Consume(end);

@@ -73,6 +73,7 @@ class OPLParser {
 
     void Step();
     void ReadKey();
+    [[nodiscard]] bool PassPlainItems();
     [[nodiscard]] bool OpensErrorText();
     void ReadLength();
     void ReadBinary();
