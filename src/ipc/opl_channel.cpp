@@ -1,7 +1,9 @@
 #include "ipc/opl_channel.h"
 
 bool OPLChannel::Open(kwt::ChannelRole role, const WCHAR* channelName, uint32_t maxMessage) {
-    return OpenChannel(role, channelName, maxMessage);
+    const bool opened = OpenChannel(role, channelName, maxMessage);
+    isForPortList_ = Name().find(TEXT(',')) != WideText::npos;
+    return opened;
 }
 
 bool OPLChannel::Open(kwt::ChannelRole role, const WCHAR* channelName) {

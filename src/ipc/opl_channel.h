@@ -13,4 +13,11 @@ class OPLChannel : public kwt::IPCChannel {
     virtual bool Open(kwt::ChannelRole role, const WCHAR* channelName, uint32_t maxMessage);
     /// With the capacity of the product, kMaxOplMessage.
     virtual bool Open(kwt::ChannelRole role, const WCHAR* channelName);
+
+    /// Whether the name that it was opened by holds a comma: the port's name is part of it, and a comma makes
+    /// that a list of ports.
+    [[nodiscard]] bool IsForPortList() const { return isForPortList_; }
+
+  private:
+    bool isForPortList_ = false;
 };

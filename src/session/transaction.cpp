@@ -70,8 +70,7 @@ uint32_t KestrelSDK::Transact(const void* request, uint32_t requestLength, char*
     lastBadResponse.clear();
     if (request == nullptr && requestLength > 0) return ERROR_INVALID_PARAMETER;
     if (!oplChannel.IsOpen()) return SDK_ERROR_CHANNEL_NOT_OPEN;
-    // The port's name is part of the channel's; a comma in it makes it a list of ports.
-    if (oplChannel.Name().find(TEXT(',')) != WideText::npos) return SDK_ERROR_PORT_LIST;
+    if (oplChannel.IsForPortList()) return SDK_ERROR_PORT_LIST;
     const uint32_t error = Exchange(request, requestLength, reply, received, timeoutMs);
     return error != NO_ERROR ? error : Judge({reply, received});
 }
@@ -79,15 +78,16 @@ uint32_t KestrelSDK::Transact(const void* request, uint32_t requestLength, char*
 uint32_t KestrelSDK::Exchange(const void* request, uint32_t requestLength, char* reply, uint32_t& received,
                               uint32_t timeoutMs) {
     const RemainingTime time(timeoutMs);
+    uint32_t left = timeoutMs;
     if (timeoutMs != lastTimeoutSent) {
         const uint32_t error = AnnounceTimeout(timeoutMs, time);
         if (error != NO_ERROR) return error;
+        left = time.Milliseconds();
     }
     // The channel would post the beginning of a longer request and wait for its reply to be fetched.
     if (requestLength > kMaxOplMessage) return SDK_ERROR_SEND_INCOMPLETE;
-    if (oplChannel.Send(request, requestLength, time.Milliseconds()) < requestLength)
-        return SDK_ERROR_SEND_INCOMPLETE;
-    const uint32_t left = time.Milliseconds();
+    if (oplChannel.Send(request, requestLength, left) < requestLength) return SDK_ERROR_SEND_INCOMPLETE;
+    left = time.Milliseconds();
     if (left == 0) {
         oplChannel.Cancel();
         return ERROR_TIMEOUT;
