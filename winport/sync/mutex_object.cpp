@@ -17,6 +17,7 @@ constexpr Moment kUs = 1'000;
 constexpr Moment kHeirSleep = 200 * kUs;
 // How often waiters ask whether the owner, or the heir, still lives.
 constexpr Moment kLifeCheck = 25'000 * kUs;
+constexpr uint32_t kSleepersPerLook = 4;
 
 // Between the end of an object and the end of the thread that owns it.
 std::mutex& OrphanLock() {
@@ -181,11 +182,12 @@ TakeResult MutexObject::WaitAsHeir(ThreadRecord& thread, uint32_t token, Moment 
 bool MutexObject::SleepInQueue(Moment deadline) {
     ObjectPage& page = Page();
     const uint32_t place = page.queue.load(std::memory_order_acquire);
-    page.queueSleepers.fetch_add(1, std::memory_order_seq_cst);
+    const uint32_t others = page.queueSleepers.fetch_add(1, std::memory_order_seq_cst);
     bool mayInherit = false;
     if (page.heir.load(std::memory_order_seq_cst) != 0) {
         const SleepWord sleep = {&page.queue, place};
-        const Moment longest = Now() + kLifeCheck;
+        // Whoever looks loses its place in the kernel's line: the longer that is, the less often each looks.
+        const Moment longest = Now() + kLifeCheck * (1 + others / kSleepersPerLook);
         mayInherit = SleepOn({&sleep, 1}, std::min(longest, deadline)) || Now() >= longest;
     }
     uint32_t sleepers = page.queueSleepers.load(std::memory_order_relaxed);
