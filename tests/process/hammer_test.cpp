@@ -16,13 +16,16 @@ namespace {
 
 using std::chrono::milliseconds;
 
+constexpr int kTimeoutMs = 2000;
+
 struct Counts {
     long good = 0, abandoned = 0, cancelled = 0, timedOut = 0, other = 0, wrong = 0, longestMs = 0;
 };
 
 // Opens its channels and waits for "go".
 ChildProcess PrepareHammer(const std::string& name, int threads, int ms) {
-    ChildProcess hammer({CHANNEL_HAMMER, name, std::to_string(threads), std::to_string(ms)});
+    ChildProcess hammer(
+        {CHANNEL_HAMMER, name, std::to_string(threads), std::to_string(ms), std::to_string(kTimeoutMs)});
     EXPECT_EQ("ready", hammer.ReadLine());
     return hammer;
 }
@@ -67,7 +70,7 @@ TEST(Hammer, Survivors_of_kills_never_hang_and_never_see_anothers_reply) {
         EXPECT_EQ(0, counts.wrong);
         EXPECT_EQ(0, counts.other);
         EXPECT_LE(counts.abandoned + counts.cancelled + counts.timedOut, kills);
-        EXPECT_LT(counts.longestMs, 2 * 2000 + 250);
+        EXPECT_LT(counts.longestMs, 2 * kTimeoutMs + 250);
     }
     ChildProcess afterwards = StartHammer("Hammer", 1, 200);
     const Counts counts = Result(afterwards);

@@ -1,8 +1,10 @@
 // Clients that use one channel as hard as they can: every request is a text of its own, and the reply must be
 // that text. Says "ready" when its channels are open and begins at the first line of its input, so that many
-// of them begin together. Prints, when the time is over: exchanges, failures by kind, and wrong replies.
+// of them begin together. Prints, when the time is over: exchanges, failures by kind, wrong replies, the
+// longest exchange in milliseconds, and the exchanges of the thread that had the fewest and of the one that
+// had the most.
 //
-//   channel_hammer NAME THREADS MILLISECONDS
+//   channel_hammer NAME THREADS MILLISECONDS TIMEOUT
 #include <windows.h>
 
 #include <algorithm>
@@ -13,6 +15,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -21,7 +24,6 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr uint32_t kTimeoutMs = 2000;
 
 struct Counts {
     std::atomic<uint64_t> good{0};
@@ -44,38 +46,43 @@ void CountFailure(Counts& counts, DWORD error) {
         ++counts.other;
 }
 
-void Exchange(OPLChannel& channel, const std::string& request, Counts& counts) {
+bool Exchange(OPLChannel& channel, const std::string& request, uint32_t timeoutMs, Counts& counts) {
     std::array<char, 256> reply;
     const auto length = static_cast<uint32_t>(request.size());
-    if (channel.Send(request.data(), length, kTimeoutMs) != length) {
+    if (channel.Send(request.data(), length, timeoutMs) != length) {
         CountFailure(counts, GetLastError());
-        return;
+        return false;
     }
-    const uint32_t bytes = channel.Receive(reply.data(), reply.size(), kTimeoutMs);
-    if (bytes == 0)
+    const uint32_t bytes = channel.Receive(reply.data(), reply.size(), timeoutMs);
+    if (bytes == 0) {
         CountFailure(counts, GetLastError());
-    else if (std::string(reply.data(), bytes) == request)
-        ++counts.good;
-    else
-        ++counts.wrong;
+        return false;
+    }
+    const bool right = std::string_view(reply.data(), bytes) == request;
+    ++(right ? counts.good : counts.wrong);
+    return right;
 }
 
-void Hammer(OPLChannel& channel, int thread, Clock::time_point end, Counts& counts) {
+// Returns how many exchanges were good.
+uint64_t Hammer(OPLChannel& channel, size_t thread, Clock::time_point end, uint32_t timeoutMs,
+                Counts& counts) {
+    uint64_t good = 0;
     const std::string prefix = std::to_string(GetCurrentProcessId()) + '-' + std::to_string(thread) + '-';
     for (uint64_t i = 0; Clock::now() < end; ++i) {
         const Clock::time_point start = Clock::now();
-        Exchange(channel, prefix + std::to_string(i), counts);
+        if (Exchange(channel, prefix + std::to_string(i), timeoutMs, counts)) ++good;
         const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
         int64_t longest = counts.longestMs;
         while (took > longest && !counts.longestMs.compare_exchange_weak(longest, took)) {
         }
     }
+    return good;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 4) return 2;
+    if (argc != 5) return 2;
     const std::string name = argv[1];
     std::vector<std::unique_ptr<OPLChannel>> channels;
     for (int i = 0; i < std::atoi(argv[2]); ++i) {
@@ -87,14 +94,17 @@ int main(int argc, char** argv) {
     std::string go;
     std::getline(std::cin, go);
     const Clock::time_point end = Clock::now() + std::chrono::milliseconds(std::atoi(argv[3]));
+    const auto timeoutMs = static_cast<uint32_t>(std::atoi(argv[4]));
     Counts counts;
+    std::vector<uint64_t> served(channels.size());
     std::vector<std::thread> threads;
     for (size_t i = 0; i < channels.size(); ++i)
-        threads.emplace_back([&, i] { Hammer(*channels[i], static_cast<int>(i), end, counts); });
+        threads.emplace_back([&, i] { served[i] = Hammer(*channels[i], i, end, timeoutMs, counts); });
     for (std::thread& thread : threads)
         thread.join();
     std::cout << counts.good << ' ' << counts.abandoned << ' ' << counts.cancelled << ' ' << counts.timedOut
-              << ' ' << counts.other << ' ' << counts.wrong << ' ' << counts.longestMs << std::endl;
+              << ' ' << counts.other << ' ' << counts.wrong << ' ' << counts.longestMs << ' '
+              << std::ranges::min(served) << ' ' << std::ranges::max(served) << std::endl;
     // Closing a client withdraws whatever request is unread, another's too: not before all have finished.
     std::getline(std::cin, go);
 }
