@@ -235,6 +235,12 @@ TEST(Waits, Odd_arguments_are_refused_with_87) {
     refused(WaitForMultipleObjects(65, many.data(), FALSE, 0));
 }
 
+TEST(Waits, A_section_cannot_be_waited_for) {
+    const Handle section = Section(100);
+    EXPECT_EQ(WAIT_FAILED, WaitForSingleObject(section.Get(), 0));
+    EXPECT_EQ(5u, GetLastError());
+}
+
 TEST(Waits, Closing_a_handle_while_another_thread_waits_is_safe) {
     HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
     std::thread waiter([&] { WaitForSingleObject(event, 100); });

@@ -35,7 +35,10 @@ struct Waited {
 
 bool Prepare(Waited& waited, ThreadRecord& thread) {
     if (!waited.object->CanWait()) {
-        SetLastError(ERROR_INVALID_HANDLE);
+        // Handles to these never carry the right to wait, and rights come before kinds.
+        const ObjectKind kind = waited.object->Kind();
+        const bool hasNoRight = kind == ObjectKind::Section || kind == ObjectKind::Token;
+        SetLastError(hasNoRight ? ERROR_ACCESS_DENIED : ERROR_INVALID_HANDLE);
         return false;
     }
     if (waited.object->Kind() == ObjectKind::Mutex) {
