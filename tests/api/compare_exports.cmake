@@ -1,9 +1,9 @@
 # Compares what the library exports with the list of names; both differences are shown.
 execute_process(COMMAND ${NM} -D --defined-only ${LIBRARY} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
-string(REGEX MATCHALL "[A-Za-z] [^\n]+" lines "${symbols}")
+string(REGEX MATCHALL " [A-Za-z] [^\n]+" lines "${symbols}")
 set(exported "")
 foreach(line IN LISTS lines)
-  string(REGEX REPLACE "^. ([^@]+).*$" "\\1" name "${line}")
+  string(REGEX REPLACE "^ . ([^@]+).*$" "\\1" name "${line}")
   list(APPEND exported "${name}")
 endforeach()
 file(STRINGS ${LIST} wanted REGEX "^[A-Za-z]")

@@ -6,8 +6,8 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
-#include <limits>
 #include <sstream>
 #include <thread>
 #include <vector>
@@ -15,6 +15,7 @@
 #include "child_process.h"
 #include "dead_owners.h"
 #include "effort.h"
+#include "hammer_counts.h"
 #include "ipc/opl_channel.h"
 
 namespace {
@@ -27,8 +28,8 @@ ChildProcess StartServer(const std::string& name) {
     return server;
 }
 
-std::vector<long> Numbers(ChildProcess& process, std::chrono::seconds patience = std::chrono::seconds(120)) {
-    std::istringstream line(process.ReadLine(patience).value_or(""));
+std::vector<long> Numbers(ChildProcess& process) {
+    std::istringstream line(process.ReadLine(std::chrono::seconds(120)).value_or(""));
     return {std::istream_iterator<long>(line), {}};
 }
 
@@ -98,25 +99,17 @@ TEST(Load, Two_hundred_and_fifty_six_clients_get_their_own_replies) {
     }
     for (ChildProcess& hammer : hammers)
         hammer.WriteLine("go");
-    enum { Good, Abandoned, Cancelled, TimedOut, Other, Wrong, LongestMs, Least, Most, Columns };
-    std::array<long, Columns> sums{};
-    sums[Least] = std::numeric_limits<long>::max();
+    HammerCounts all;
     for (ChildProcess& hammer : hammers) {
-        const std::vector<long> counts = Numbers(hammer, std::chrono::seconds(700));
-        ASSERT_EQ(sums.size(), counts.size());
-        for (size_t i = 0; i < LongestMs; ++i)
-            sums[i] += counts[i];
-        sums[LongestMs] = std::max(sums[LongestMs], counts[LongestMs]);
-        sums[Least] = std::min(sums[Least], counts[Least]);
-        sums[Most] = std::max(sums[Most], counts[Most]);
+        HammerCounts counts;
+        std::istringstream(hammer.ReadLine(std::chrono::seconds(700)).value_or("")) >> counts;
+        all.Add(counts);
     }
-    std::printf("%ld exchanges, %ld timed out, longest %ld ms; a client had %ld to %ld\n", sums[Good],
-                sums[TimedOut], sums[LongestMs], sums[Least], sums[Most]);
-    EXPECT_GT(sums[Good], 1000);
-    EXPECT_EQ(0, sums[Abandoned] + sums[Cancelled] + sums[TimedOut] + sums[Other]);
-    EXPECT_EQ(0, sums[Wrong]);
+    std::cout << all << '\n';
+    EXPECT_GT(all.good, 1000);
+    EXPECT_EQ(0, all.Failures() + all.late + all.wrong);
     const long fair = effort.isLong ? 2 : 100;  // in seconds a client has one turn or five
-    EXPECT_LE(sums[Most], fair * sums[Least]);
+    EXPECT_LE(all.most, fair * all.least);
 }
 
 struct Usage {

@@ -1,15 +1,12 @@
 // Clients that use one channel as hard as they can: every request is a text of its own, and the reply must be
 // that text. Says "ready" when its channels are open and begins at the first line of its input, so that many
-// of them begin together. Prints, when the time is over: exchanges, failures by kind, wrong replies, the
-// longest exchange in milliseconds, and the exchanges of the thread that had the fewest and of the one that
-// had the most.
+// of them begin together. Prints what it counted (hammer_counts.h) when the time is over.
 //
 //   channel_hammer NAME THREADS MILLISECONDS TIMEOUT
 #include <windows.h>
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
@@ -19,64 +16,51 @@
 #include <thread>
 #include <vector>
 
+#include "hammer_counts.h"
 #include "ipc/opl_channel.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-struct Counts {
-    std::atomic<uint64_t> good{0};
-    std::atomic<uint64_t> abandoned{0};  // 735: the one before died in its exchange
-    std::atomic<uint64_t> cancelled{0};  // 995: a dying client's cancel met this one
-    std::atomic<uint64_t> timedOut{0};
-    std::atomic<uint64_t> other{0};
-    std::atomic<uint64_t> wrong{0};
-    std::atomic<int64_t> longestMs{0};
-};
-
-void CountFailure(Counts& counts, DWORD error) {
-    if (error == ERROR_ABANDONED_WAIT_0)
-        ++counts.abandoned;
-    else if (error == ERROR_OPERATION_ABORTED)
-        ++counts.cancelled;
-    else if (error == ERROR_TIMEOUT)
-        ++counts.timedOut;
-    else
-        ++counts.other;
+long& CountOf(HammerCounts& counts, DWORD error) {
+    switch (error) {
+        case ERROR_ABANDONED_WAIT_0:
+            return counts.abandoned;
+        case ERROR_OPERATION_ABORTED:
+            return counts.cancelled;
+        case ERROR_TIMEOUT:
+            return counts.timedOut;
+        case ERROR_SHARING_VIOLATION:
+            return counts.occupied;
+        default:
+            return counts.other;
+    }
 }
 
-bool Exchange(OPLChannel& channel, const std::string& request, uint32_t timeoutMs, Counts& counts) {
+// Which of the counts one exchange adds to.
+long& Exchange(OPLChannel& channel, const std::string& process, const std::string& request,
+               uint32_t timeoutMs, HammerCounts& counts) {
     std::array<char, 256> reply;
     const auto length = static_cast<uint32_t>(request.size());
-    if (channel.Send(request.data(), length, timeoutMs) != length) {
-        CountFailure(counts, GetLastError());
-        return false;
-    }
+    if (channel.Send(request.data(), length, timeoutMs) != length) return CountOf(counts, GetLastError());
     const uint32_t bytes = channel.Receive(reply.data(), reply.size(), timeoutMs);
-    if (bytes == 0) {
-        CountFailure(counts, GetLastError());
-        return false;
-    }
-    const bool right = std::string_view(reply.data(), bytes) == request;
-    ++(right ? counts.good : counts.wrong);
-    return right;
+    if (bytes == 0) return CountOf(counts, GetLastError());
+    const std::string_view text(reply.data(), bytes);
+    return text == request ? counts.good : text.starts_with(process) ? counts.late : counts.wrong;
 }
 
-// Returns how many exchanges were good.
-uint64_t Hammer(OPLChannel& channel, size_t thread, Clock::time_point end, uint32_t timeoutMs,
-                Counts& counts) {
-    uint64_t good = 0;
-    const std::string prefix = std::to_string(GetCurrentProcessId()) + '-' + std::to_string(thread) + '-';
+void Hammer(OPLChannel& channel, size_t thread, Clock::time_point end, uint32_t timeoutMs,
+            HammerCounts& counts) {
+    const std::string process = std::to_string(GetCurrentProcessId()) + '-';
+    const std::string prefix = process + std::to_string(thread) + '-';
     for (uint64_t i = 0; Clock::now() < end; ++i) {
         const Clock::time_point start = Clock::now();
-        if (Exchange(channel, prefix + std::to_string(i), timeoutMs, counts)) ++good;
+        ++Exchange(channel, process, prefix + std::to_string(i), timeoutMs, counts);
         const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
-        int64_t longest = counts.longestMs;
-        while (took > longest && !counts.longestMs.compare_exchange_weak(longest, took)) {
-        }
+        counts.longestMs = std::max(counts.longestMs, static_cast<long>(took));
     }
-    return good;
+    counts.least = counts.most = counts.good;
 }
 
 }  // namespace
@@ -95,16 +79,16 @@ int main(int argc, char** argv) {
     std::getline(std::cin, go);
     const Clock::time_point end = Clock::now() + std::chrono::milliseconds(std::atoi(argv[3]));
     const auto timeoutMs = static_cast<uint32_t>(std::atoi(argv[4]));
-    Counts counts;
-    std::vector<uint64_t> served(channels.size());
+    std::vector<HammerCounts> counts(channels.size());
     std::vector<std::thread> threads;
     for (size_t i = 0; i < channels.size(); ++i)
-        threads.emplace_back([&, i] { served[i] = Hammer(*channels[i], i, end, timeoutMs, counts); });
+        threads.emplace_back([&, i] { Hammer(*channels[i], i, end, timeoutMs, counts[i]); });
     for (std::thread& thread : threads)
         thread.join();
-    std::cout << counts.good << ' ' << counts.abandoned << ' ' << counts.cancelled << ' ' << counts.timedOut
-              << ' ' << counts.other << ' ' << counts.wrong << ' ' << counts.longestMs << ' '
-              << std::ranges::min(served) << ' ' << std::ranges::max(served) << std::endl;
+    HammerCounts all;
+    for (const HammerCounts& one : counts)
+        all.Add(one);
+    std::cout << all << std::endl;
     // Closing a client withdraws whatever request is unread, another's too: not before all have finished.
     std::getline(std::cin, go);
 }
