@@ -69,6 +69,11 @@ TEST(Hammer, Survivors_of_kills_never_hang_and_never_see_anothers_reply) {
         EXPECT_LE(counts.late, counts.timedOut);
         EXPECT_LT(counts.longestMs, 2 * kTimeoutMs + 250);
     }
+    // A reply that one of them gave up waits for its process as long as that lives.
+    for (ChildProcess& survivor : survivors) {
+        survivor.WriteLine("end");
+        EXPECT_EQ(0, survivor.Wait());
+    }
     // Longer than the one time-out that it may cost to find the last one's request.
     ChildProcess afterwards = StartHammer("Hammer", 1, 2 * kTimeoutMs);
     const HammerCounts counts = Result(afterwards);
