@@ -92,7 +92,7 @@ start_wine() {
         "$WINE64" wineboot.exe -i >/dev/null 2>&1 </dev/null
         wineserver -w
     fi
-    wineserver -p300
+    wineserver -p300 || [ $? -eq 2 ]  # it runs already
     "$WINE64" cmd.exe /c exit >/dev/null 2>&1 </dev/null
 }
 
