@@ -346,12 +346,14 @@ void IPCChannel::WithdrawMessage(SharedMemory& section) {
 bool IPCChannel::StartServerThread() {
     if (!open_ || !IsServer()) return false;
     StopServerThread();
-    // The thread's first Receive must find it attached.
     serverThread_ = std::make_unique<ServerThread>(*this, maxMessage_);
+    serverThread_->Start();
     return true;
 }
 
 void IPCChannel::StopServerThread() {
+    if (serverThread_ == nullptr) return;
+    serverThread_->Stop();
     serverThread_.reset();
 }
 

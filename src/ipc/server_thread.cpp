@@ -9,13 +9,16 @@ namespace kwt {
 ServerThread::ServerThread(IPCChannel& channel, uint32_t maxMessage)
     : channel_(channel),
       maxMessage_(maxMessage),
-      buffer_(std::make_unique_for_overwrite<uint8_t[]>(maxMessage)),
-      thread_([this] { Run(); }) {}
+      buffer_(std::make_unique_for_overwrite<uint8_t[]>(maxMessage)) {}
 
-ServerThread::~ServerThread() {
+void ServerThread::Start() {
+    thread_ = std::thread([this] { Run(); });
+}
+
+void ServerThread::Stop() {
     stop_.store(true, std::memory_order_release);
     channel_.Cancel();
-    thread_.join();
+    if (thread_.joinable()) thread_.join();
 }
 
 uint32_t ServerThread::OwnId() {

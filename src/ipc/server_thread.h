@@ -13,11 +13,16 @@ class IPCChannel;
 /// Receives requests into a buffer of its own and hands each to the channel's OnMessage, until stopped.
 class ServerThread final {
   public:
-    explicit ServerThread(IPCChannel& channel, uint32_t maxMessage);
+    ServerThread(IPCChannel& channel, uint32_t maxMessage);
     ServerThread(const ServerThread&) = delete;
     ServerThread& operator=(const ServerThread&) = delete;
+    ~ServerThread() = default;
+
+    /// Once, when the channel knows this object, and `Stop` before it forgets it: the thread asks it who
+    /// receives.
+    void Start();
     /// Asks the thread to stop, cancels its wait and waits for its end.
-    ~ServerThread();
+    void Stop();
 
     [[nodiscard]] bool IsCurrentThread() const {
         return threadId_.load(std::memory_order_relaxed) == OwnId();
