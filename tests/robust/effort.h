@@ -14,4 +14,7 @@ struct Effort {
     [[nodiscard]] std::mt19937 Random() const { return std::mt19937(seed); }
 };
 
+// A sanitizer has an allocator of its own, and its shadow grows with what is used.
+inline constexpr bool kIsSanitized = sizeof(KESTREL_SANITIZE) > 1;
+
 inline Effort effort;  // set by main, before the first test
