@@ -97,7 +97,8 @@ void OPLParser::Step() {
 bool OPLParser::PassPlainItems() {
     const std::string_view rest = RemainingInput();
     const uint32_t before = bufferLength_ + uncopied_;
-    if (before < kErrorNumberLength && (before != 0 || IsErrorNumber(rest.substr(0, kErrorNumberLength))))
+    if (before < kErrorNumberLength &&
+        (before != 0 || (rest.front() == '3' && IsErrorNumber(rest.substr(0, kErrorNumberLength)))))
         return false;
     const size_t end = FindIn(rest, kEndsItems);
     if (end == rest.size() || (rest[end] != ';' && rest[end] != '?')) return false;

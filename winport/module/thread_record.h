@@ -22,6 +22,7 @@ inline constexpr DWORD kTlsSlots = 64;
 struct PollHistory {
     int credit = 4;
     uint32_t waits = 0;
+    uint32_t sleeps = 0;
 };
 
 // A wait for so many objects or fewer takes no references unless it sleeps.

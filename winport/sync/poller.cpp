@@ -9,21 +9,24 @@ namespace winport {
 namespace {
 
 constexpr int kBestCredit = 8;
-constexpr uint32_t kRetryEvery = 64;      // a wait that polls although polling has not paid
-constexpr uint32_t kLooksPerTime = 32;    // looks between two readings of the clock
-constexpr Moment kQuietTime = 10'000;     // after this, others get the processor between looks
-constexpr uint32_t kRefreshEvery = 1024;  // waits between two counts of the usable processors
+constexpr uint32_t kRetryEvery = 64;    // a wait that polls although polling has not paid
+constexpr uint32_t kLooksPerTime = 32;  // looks between two readings of the clock
+constexpr Moment kQuietTime = 10'000;   // after this, others get the processor between looks
+constexpr uint32_t kRecountEvery = 64;  // waits that slept, between two counts of the usable processors
 
 // Polling for another process makes sense only while that process can run at the same time.
-bool SeveralProcessors(uint32_t waits) {
-    static std::atomic<int> usable{0};
-    int count = usable.load(std::memory_order_relaxed);
-    if (count == 0 || waits % kRefreshEvery == 0) {
-        cpu_set_t set;
-        count = sched_getaffinity(0, sizeof(set), &set) == 0 ? CPU_COUNT(&set) : 1;
-        usable.store(count, std::memory_order_relaxed);
-    }
-    return count > 1;
+std::atomic<int> usableProcessors{0};
+
+int CountProcessors() {
+    cpu_set_t set;
+    const int count = sched_getaffinity(0, sizeof(set), &set) == 0 ? CPU_COUNT(&set) : 1;
+    usableProcessors.store(count, std::memory_order_relaxed);
+    return count;
+}
+
+bool SeveralProcessors() {
+    const int known = usableProcessors.load(std::memory_order_relaxed);
+    return (known != 0 ? known : CountProcessors()) > 1;
 }
 
 void Pause() {
@@ -42,7 +45,7 @@ uint32_t CurrentProcessor() {
 
 Poller::Poller(PollHistory& history, bool setterIsHere) : history_(history) {
     const uint32_t waits = ++history_.waits;
-    polls_ = !setterIsHere && SeveralProcessors(waits) && (history_.credit > 0 || waits % kRetryEvery == 0);
+    polls_ = !setterIsHere && SeveralProcessors() && (history_.credit > 0 || waits % kRetryEvery == 0);
 }
 
 bool Poller::Again() {
@@ -59,6 +62,8 @@ bool Poller::Again() {
 }
 
 void Poller::Learn(Moment slept) {
+    // Whoever never sleeps has its processors.
+    if (slept != 0 && ++history_.sleeps % kRecountEvery == 0) CountProcessors();
     const int step = slept <= kPollBudget ? 1 : -1;
     history_.credit = std::clamp(history_.credit + step, 0, kBestCredit);
 }
