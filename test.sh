@@ -2,13 +2,14 @@
 # Builds and runs the tests. Everything that it needs is installed first.
 #   ./test.sh           the Linux build, and both Windows builds under Wine
 #   ./test.sh --native  the Linux build alone
+#   ./test.sh --all     besides, the Linux build under sanitizers: addresses and undefined behaviour, threads
 set -euo pipefail
 cd "$(dirname "$0")"
 source scripts/prepare.sh
 
 case "${1:-}" in
-    "" | --native) ;;
-    *) echo "usage: ./test.sh [--native]" >&2; exit 2 ;;
+    "" | --native | --all) ;;
+    *) echo "usage: ./test.sh [--native | --all]" >&2; exit 2 ;;
 esac
 
 results=()
@@ -52,6 +53,13 @@ if [ "${1:-}" != --native ]; then
         export KESTREL_COUNTERPART="$PWD/build/win64/bin/kestrel-vprinter.exe"
         run_suites win32-with-64-bit-printer win32 --repeat until-pass:3 -R '^process\.(Settings|Exchange\.A_raw)'
     fi
+fi
+
+if [ "${1:-}" = --all ]; then
+    for preset in asan tsan; do
+        build_preset $preset
+        run_suites $preset $preset -j2
+    done
 fi
 
 say "All suites"
