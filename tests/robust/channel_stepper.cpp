@@ -34,7 +34,7 @@ constexpr uint32_t kPauseAfterCancelMs = 75;  // a client that met another's mes
 std::mutex hitsLock;
 std::map<std::string, int> hits;
 std::string doomedPlace;
-int doomedHit = 0;
+std::atomic<int> doomedHit{0};
 constexpr int kNever = -1;  // a server of this hit serves until it is killed
 
 class Echo final : public OPLChannel {
