@@ -85,10 +85,12 @@ class Steps : public testing::Test {
         long failed = 0;
         long wrong = 1;
         long longest = 0;
-        line >> good >> failed >> wrong >> longest;
-        std::printf("survivor: %ld good, %ld failed, %ld wrong, longest %ld ms\n", good, failed, wrong,
-                    longest);
+        long late = 0;
+        line >> good >> failed >> wrong >> longest >> late;
+        std::printf("survivor: %ld good, %ld failed, %ld late, %ld wrong, longest %ld ms\n", good, failed,
+                    late, wrong, longest);
         EXPECT_EQ(0, wrong);
+        EXPECT_LE(late, failed) << "each is the reply to a request that was given up";
         EXPECT_GT(good, kills_);
         EXPECT_LE(failed, kills_);
         EXPECT_LE(longest, kHardLimitMs);
