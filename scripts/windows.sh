@@ -73,7 +73,7 @@ emulate_32_bit() {
     gcc -m32 -O2 -fPIC -fno-stack-protector -nostdlib -shared -o "$low/wine_in_qemu.so" \
         scripts/emulation/wine_in_qemu.c || return 1
     gcc -nostdlib -shared -x c -o "$high/wine_in_qemu.so" /dev/null || return 1
-    local process='Settings|Installing|Wire\.(Requests|Replies|Odd)|Exchange\.A_raw|Loading\.A_(foreign|copy|thread)'
+    local process='Settings|Exchange\.A_raw'
     RUN_OPTIONS[win32]="--repeat until-pass:3 -E __not_on_Wine -R ^(unit|contract|process\.($process)|api\.(header|package|library))"
     export WINE32_LAUNCHER="taskset -c 0"
     export QEMU_CPU=max QEMU_SET_ENV="LD_PRELOAD=$EMULATION/\$LIB/wine_in_qemu.so"

@@ -23,8 +23,8 @@ struct SettingRow {
     SettingType readType;
     SettingType writeType;
     int32_t index;                     // first argument of both functions; negative when they take none
-    std::span<const EnumEntry> words;  // of an enumeration, without the end mark
     uint32_t bufferBytes;              // of a text: what the getter may write, terminator included
+    std::span<const EnumEntry> words;  // of an enumeration, without the end mark
     std::string_view about;
 };
 

@@ -159,6 +159,7 @@ TEST(Leaks, Exchanges_openings_threads_and_printers_leave_nothing) {
             }).join();
     };
     work(5000, 200, 200);
+    work(5000, 200, 200);
     static_cast<void>(UsageNow());  // its own first use needs memory too
     const Usage before = UsageNow();
     work(effort.Of(10'000'000, 10'000), effort.Of(10'000, 200), effort.Of(10'000, 200));

@@ -44,7 +44,7 @@ std::optional<struct stat> FileStatus(const Descriptor& file) {
 }
 
 std::optional<std::string> ReadUpTo(const Descriptor& file, std::size_t limit) {
-    constexpr std::size_t kStep = 16 * 1024;
+    constexpr std::size_t kStep = 16'384;
     std::string contents;
     while (contents.size() < limit) {
         const std::size_t start = contents.size();

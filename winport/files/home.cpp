@@ -52,7 +52,7 @@ std::string WinportHome() {
 
 std::string UserHome() {
     if (std::string home = AbsoluteFromEnvironment("HOME"); !home.empty()) return home;
-    std::vector<char> buffer(16 * 1024);
+    std::vector<char> buffer(16'384);
     passwd record = {};
     passwd* found = nullptr;
     if (getpwuid_r(geteuid(), &record, buffer.data(), buffer.size(), &found) != 0 || found == nullptr)

@@ -155,7 +155,7 @@ namespace {
 void* OpenLibrary(const std::string& name) {
     if (name.find('/') != std::string::npos) return dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
     for (const std::string& folder : {ProgramFolder(), WinportFolder()}) {
-        const std::string path = folder + '/' + name;
+        const std::string path = std::string(folder).append("/").append(name);
         if (access(path.c_str(), F_OK) == 0) return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     }
     return dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);

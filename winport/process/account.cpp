@@ -13,7 +13,7 @@
 namespace winport {
 
 Account CurrentAccount() {
-    std::vector<char> buffer(16 * 1024);
+    std::vector<char> buffer(16'384);
     passwd record = {};
     passwd* found = nullptr;
     if (getpwuid_r(geteuid(), &record, buffer.data(), buffer.size(), &found) != 0 || found == nullptr)

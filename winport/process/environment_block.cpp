@@ -88,7 +88,7 @@ BOOL CreateEnvironmentBlock(LPVOID* environment, HANDLE token, BOOL inherit) {
     if (!IsTokenFor(token, TOKEN_QUERY | TOKEN_DUPLICATE)) return FALSE;
     std::u16string block;
     for (const auto& [name, value] : AccountVariables(inherit != FALSE))
-        block.append(FromUtf8(name + '=' + value)).push_back(u'\0');
+        block.append(FromUtf8(name)).append(u"=").append(FromUtf8(value)).push_back(u'\0');
     block.push_back(u'\0');
     auto copy = std::make_unique<WCHAR[]>(block.size());
     block.copy(copy.get(), block.size());

@@ -20,7 +20,7 @@ namespace {
 
 // A program that a signal ended, in the way of the shells.
 constexpr DWORD kSignalBase = 128;
-constexpr std::size_t kWatcherStack = 128 * 1024;
+constexpr std::size_t kWatcherStack = 131'072;
 
 // Between the end of a program and the moment its id may be used again: nobody sends a signal meanwhile.
 constinit std::mutex idsLock;

@@ -49,7 +49,7 @@ std::string FindProgram(std::u16string_view name) {
     const std::vector<std::string> fileNames = FileNames(name);
     for (const std::string& folder : folders) {
         for (const std::string& file : fileNames) {
-            const std::string path = hasFolder ? file : folder + '/' + file;
+            std::string path = hasFolder ? file : std::string(folder).append("/").append(file);
             if (IsFile(path)) return path;
         }
     }

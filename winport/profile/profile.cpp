@@ -16,7 +16,7 @@ namespace winport {
 namespace {
 
 // Far above any real file; what is larger was named by mistake.
-constexpr std::size_t kMaxFileBytes = 4 * 1024 * 1024;
+constexpr std::size_t kMaxFileBytes = 4'194'304;
 
 // A bare file name means the Windows folder, which is not there on Linux.
 bool HasFolder(std::u16string_view path) {

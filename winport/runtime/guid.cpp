@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 
 HRESULT CoCreateGuid(GUID* guid) {
     if (guid == nullptr) return E_INVALIDARG;
@@ -21,9 +22,10 @@ RPC_STATUS UuidToStringW(const UUID* uuid, RPC_WSTR* text) {
     const UUID& id = uuid != nullptr ? *uuid : nil;
     const uint8_t* last = id.Data4;
     char digits[kLength + 1];
-    std::snprintf(digits, sizeof digits, "%08x-%04x-%04x-%02x%02x-%02x%02x%02x%02x%02x%02x", id.Data1,
-                  id.Data2, id.Data3, last[0], last[1], last[2], last[3], last[4], last[5], last[6], last[7]);
-    *text = static_cast<RPC_WSTR>(std::malloc(sizeof(WCHAR) * sizeof digits));
+    static_cast<void>(std::snprintf(digits, sizeof digits, "%08x-%04x-%04x-%02x%02x-%02x%02x%02x%02x%02x%02x",
+                                    id.Data1, id.Data2, id.Data3, last[0], last[1], last[2], last[3], last[4],
+                                    last[5], last[6], last[7]));
+    *text = static_cast<RPC_WSTR>(std::malloc(sizeof(WCHAR) * std::size(digits)));
     if (*text == nullptr) return RPC_S_OUT_OF_MEMORY;
     for (std::size_t i = 0; i <= kLength; ++i)
         (*text)[i] = static_cast<unsigned char>(digits[i]);

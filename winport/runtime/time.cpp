@@ -7,7 +7,7 @@ namespace {
 
 constexpr __time64_t kLastMoment = 32'535'215'999;  // 3000-12-31 23:59:59 UTC
 constexpr int kEpochYear = 70;                      // as struct tm counts years
-constexpr __time64_t kWeek = 7 * 24 * 60 * 60;
+constexpr __time64_t kWeek = 604'800;               // seconds
 constexpr int kWeeksOfYear = 53;
 
 int daylightObserved = 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 #include <mutex>
+#include <utility>
 
 #include "winport/sync/poller.h"
 
@@ -224,9 +225,12 @@ void MutexObject::End() {
 void AbandonHeldMutexes(ThreadRecord& thread) {
     {
         const std::lock_guard guard(OrphanLock());
-        while (MutexObject* const mutex = thread.heldMutexes) {
-            mutex->LeaveList(thread);
+        MutexObject* next = nullptr;
+        for (MutexObject* mutex = std::exchange(thread.heldMutexes, nullptr); mutex != nullptr;
+             mutex = next) {
+            next = mutex->nextHeld_;
             mutex->Abandon(mutex->IsNamed() ? thread.ownerToken : thread.localId);
+            mutex->heldHere_.store(false, std::memory_order_relaxed);
             if (mutex->orphan_) delete mutex;
         }
     }
