@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -185,7 +184,7 @@ LSTATUS RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type,
     if (size != nullptr) *size = stored;
     if (data == nullptr) return ERROR_SUCCESS;
     if (capacity < stored) return ERROR_MORE_DATA;
-    std::memcpy(data, value->bytes.data(), stored);
+    value->bytes.copy(reinterpret_cast<char*>(data), stored);
     return ERROR_SUCCESS;
 }
 

@@ -25,7 +25,7 @@ RPC_STATUS UuidToStringW(const UUID* uuid, RPC_WSTR* text) {
     static_cast<void>(std::snprintf(digits, sizeof digits, "%08x-%04x-%04x-%02x%02x-%02x%02x%02x%02x%02x%02x",
                                     id.Data1, id.Data2, id.Data3, last[0], last[1], last[2], last[3], last[4],
                                     last[5], last[6], last[7]));
-    *text = static_cast<RPC_WSTR>(std::malloc(sizeof(WCHAR) * std::size(digits)));
+    *text = static_cast<RPC_WSTR>(std::malloc(sizeof(**text) * std::size(digits)));
     if (*text == nullptr) return RPC_S_OUT_OF_MEMORY;
     for (std::size_t i = 0; i <= kLength; ++i)
         (*text)[i] = static_cast<unsigned char>(digits[i]);
