@@ -179,7 +179,7 @@ TEST(HostilePeer, Whatever_it_scribbles_nobody_crashes_or_hangs_and_afterwards_a
         ASSERT_EQ("ready", workers.back().ReadLine());
     }
     ChildProcess scribbler({ENDURANCE_HELPER, "scribble", "Hostile", std::to_string(effort.seed)});
-    std::this_thread::sleep_for(std::chrono::seconds(effort.Of(60, 3)));
+    std::this_thread::sleep_for(std::chrono::seconds(effort.Of(600, 3)));
     EXPECT_TRUE(scribbler.IsRunning());
     scribbler.WriteLine("end");
     EXPECT_EQ(0, scribbler.Wait());
