@@ -26,6 +26,17 @@ std::mutex& OrphanLock() {
     return lock;
 }
 
+// Whoever looks loses its place in the kernel's line: the longer that is, the less often each looks. And
+// never at equal intervals: owners that die change every 25 ms as well, and a waiter in step with them would
+// lose its place each time just before it counts.
+Moment NextLook(uint32_t others) {
+    constexpr uint64_t kScatter = 0x9E3779B97F4A7C15;
+    const Moment now = Now();
+    const Moment mean = kLifeCheck * (1 + others / kSleepersPerLook);
+    const auto scattered = static_cast<Moment>((static_cast<uint64_t>(now) * kScatter) >> 32);
+    return now + mean / 2 + scattered % mean;
+}
+
 uint32_t NowUs() {
     return static_cast<uint32_t>(Now() / kUs);
 }
@@ -187,8 +198,7 @@ bool MutexObject::SleepInQueue(Moment deadline) {
     bool mayInherit = false;
     if (page.heir.load(std::memory_order_seq_cst) != 0) {
         const SleepWord sleep = {&page.queue, place};
-        // Whoever looks loses its place in the kernel's line: the longer that is, the less often each looks.
-        const Moment longest = Now() + kLifeCheck * (1 + others / kSleepersPerLook);
+        const Moment longest = NextLook(others);
         mayInherit = SleepOn({&sleep, 1}, std::min(longest, deadline)) || Now() >= longest;
     }
     uint32_t sleepers = page.queueSleepers.load(std::memory_order_relaxed);
