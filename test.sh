@@ -52,6 +52,7 @@ if [ "${1:-}" != --native ]; then
     if can_run win32; then
         export KESTREL_COUNTERPART="$PWD/build/win64/bin/kestrel-vprinter.exe"
         run_suites win32-with-64-bit-printer win32 --repeat until-pass:3 -R '^process\.(Settings|Exchange\.A_raw)'
+        unset KESTREL_COUNTERPART
     fi
 fi
 
