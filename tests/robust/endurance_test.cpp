@@ -58,7 +58,8 @@ TEST(DeadOwners, Every_death_with_a_mutex_is_told_once_and_nobody_loses_a_turn) 
     for (ChildProcess& contender : contenders) {
         if (!contender.IsRunning()) continue;
         contender.WriteLine("end");
-        EXPECT_EQ(0, contender.Wait());
+        const int code = contender.Wait();
+        EXPECT_TRUE(code == 0 || code == 128 + 9) << code << "; the last victim may still have been dying";
     }
     // The last death may have found no other waiter.
     const DWORD last = WaitForSingleObject(mutex, 1000);
