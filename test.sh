@@ -43,8 +43,9 @@ if [ "${1:-}" != --native ]; then
     start_wine
     for preset in win64 win32; do
         if can_run "$preset"; then
-            # One after the other: all of them live in one prefix.
-            run_suites "$preset" "$preset" ${RUN_OPTIONS[$preset]:-}
+            # One after the other: all of them live in one prefix. Wine and sanitizers take their own time, so a case
+            # that fails there gets a second chance; ctest shows both.
+            run_suites "$preset" "$preset" ${RUN_OPTIONS[$preset]:---repeat until-pass:2}
         else
             run_suites "$preset" "$preset" -L files
         fi
@@ -59,7 +60,7 @@ fi
 if [ "${1:-}" = --all ]; then
     for preset in asan tsan; do
         build_preset $preset
-        run_suites $preset $preset -j2
+        run_suites $preset $preset -j2 --repeat until-pass:2
     done
 fi
 
