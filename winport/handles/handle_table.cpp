@@ -83,7 +83,7 @@ void WaitUntilOther(const std::atomic<KernelObject*>& hazard, const KernelObject
 }
 
 void WaitUntilUnused(const KernelObject* object) {
-    if (!SeveralThreads()) return;
+    if (!OtherThreads()) return;
     BarrierOnAllProcessors();
     for (ThreadRecord* record = FirstThreadRecord(); record != nullptr; record = record->next) {
         WaitUntilOther(record->hazard, object);

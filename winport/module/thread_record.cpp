@@ -62,6 +62,20 @@ ThreadRecord* LinkNewRecord() {
     return record;
 }
 
+// The other threads are not there in a child: what they were using there is used by nobody.
+void ForgetHazardsInChild() {
+    for (ThreadRecord* record = FirstThreadRecord(); record != nullptr; record = record->next) {
+        if (record == currentRecord) continue;
+        record->hazard.store(nullptr, std::memory_order_relaxed);
+        for (auto& hazard : record->waitHazards)
+            hazard.store(nullptr, std::memory_order_relaxed);
+    }
+}
+
+[[gnu::constructor]] void ForgetHazardsInChildren() {
+    ::pthread_atfork(nullptr, nullptr, ForgetHazardsInChild);
+}
+
 }  // namespace
 
 ThreadRecord& BeginThread() {
@@ -78,9 +92,10 @@ ThreadRecord* FirstThreadRecord() {
     return allRecords.load(std::memory_order_acquire);
 }
 
-bool SeveralThreads() {
-    ThreadRecord* first = FirstThreadRecord();
-    return first != nullptr && first->next != nullptr;
+bool OtherThreads() {
+    const ThreadRecord* first = FirstThreadRecord();
+    // The calling thread may have no record yet: creating and closing handles needs none.
+    return first != nullptr && (first != currentRecord || first->next != nullptr);
 }
 
 }  // namespace winport

@@ -65,7 +65,7 @@ inline ThreadRecord& CurrentThread() {
 // All records, in use or not; follow `next`.
 ThreadRecord* FirstThreadRecord();
 
-// True once a second thread has used winport in this process.
-bool SeveralThreads();
+// True once another thread than the calling one has used winport in this process.
+bool OtherThreads();
 
 }  // namespace winport

@@ -13,10 +13,12 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "support.h"
@@ -255,6 +257,28 @@ TEST(StoppedSpooler, Every_call_says_so_until_it_runs_again) {
     EXPECT_EQ(RegDeleteValueW(print, TEXT("Stopped")), 0);
     EXPECT_TRUE(EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, nullptr, 0, &needed, &count));
     RegCloseKey(print);
+}
+
+// The other threads of the parent are not there in the child, whatever they were waiting for.
+TEST(Handles, A_forked_child_closes_what_a_thread_of_its_parent_is_waiting_for) {
+    constexpr unsigned kPatienceSeconds = 5;
+    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    std::atomic<bool> stop{false};
+    std::thread waiter([&] {
+        while (!stop)
+            WaitForMultipleObjects(1, &event, FALSE, 0);
+    });
+    for (int i = 0; i < 50; ++i) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            ::alarm(kPatienceSeconds);
+            ::_exit(CloseHandle(event) ? 0 : 1);
+        }
+        ASSERT_EQ(0, ExitCode(child));
+    }
+    stop = true;
+    waiter.join();
+    EXPECT_TRUE(CloseHandle(event));
 }
 
 TEST(Handles, A_closed_one_stays_refused_when_its_place_is_taken) {
