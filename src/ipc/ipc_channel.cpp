@@ -347,7 +347,12 @@ bool IPCChannel::StartServerThread() {
     if (!open_ || !IsServer()) return false;
     StopServerThread();
     serverThread_ = std::make_unique<ServerThread>(*this, maxMessage_);
-    serverThread_->Start();
+    try {
+        serverThread_->Start();
+    } catch (...) {
+        serverThread_.reset();  // without a thread anybody may receive
+        throw;
+    }
     return true;
 }
 

@@ -1,7 +1,7 @@
 // Mutexes with turns, and with owners that may die.
 //
 // A mutex that was taken is not passed on at each release: its owner may take it again, without asking the
-// system, until its turn (about half a millisecond) is over, because a change of owners costs a wake-up.
+// system, until its turn (200 takes or 5 ms) is over, because a change of owners costs a wake-up.
 // Then it lets the heir go first, the one waiter that looks often. So a busy owner is fast and nobody
 // starves.
 //

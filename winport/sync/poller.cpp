@@ -10,6 +10,7 @@ namespace {
 
 constexpr int kBestCredit = 8;
 constexpr uint32_t kRetryEvery = 64;    // a wait that polls although polling has not paid
+constexpr uint32_t kBareLooks = 100;    // a pause costs as much as the way of an answer: not at first
 constexpr uint32_t kLooksPerTime = 32;  // looks between two readings of the clock
 constexpr Moment kQuietTime = 10'000;   // after this, others get the processor between looks
 constexpr uint32_t kRecountEvery = 64;  // waits that slept, between two counts of the usable processors
@@ -51,7 +52,7 @@ Poller::Poller(PollHistory& history, bool setterIsHere) : history_(history) {
 bool Poller::Again() {
     if (!polls_) return false;
     if (++looks_ % kLooksPerTime != 0) {
-        if (looks_ > 100) Pause();
+        if (looks_ > kBareLooks) Pause();
         return true;
     }
     const Moment now = Now();
