@@ -7,7 +7,8 @@
 //   channel_stepper open NAME                        prints "<opened> <last error>"
 //   channel_stepper once NAME                        until it is served: "<served> <attempts> <milliseconds>"
 //   channel_stepper work NAME                        until its input ends: "<good> <failed> <wrong> <longest
-//   ms>"
+//                                                    ms> <late>"
+//   channel_stepper hurry NAME                       the same, with short time-outs and without pauses
 #include <poll.h>
 #include <signal.h>
 #include <unistd.h>
@@ -29,6 +30,7 @@
 namespace {
 
 constexpr uint32_t kTimeoutMs = 250;
+constexpr uint32_t kShortTimeoutMs = 10;
 constexpr uint32_t kPauseAfterFailureMs = 50;
 constexpr uint32_t kPauseAfterCancelMs = 75;  // a client that met another's message rests 50 ms
 
@@ -132,7 +134,7 @@ bool InputEnded() {
     return poll(&input, 1, 0) > 0;
 }
 
-int RunWorker(const std::string& name) {
+int RunWorker(const std::string& name, uint32_t timeoutMs, uint32_t pauseMs) {
     OPLChannel channel;
     if (!Open(channel, kwt::ChannelRole::Client, name)) return 1;
     std::cout << "ready" << std::endl;
@@ -140,10 +142,10 @@ int RunWorker(const std::string& name) {
     uint64_t longest = 0;
     for (uint64_t nonce = 0; !InputEnded(); ++nonce) {
         const uint64_t start = GetTickCount64();
-        const Outcome outcome = Exchange(channel, nonce, kTimeoutMs);
+        const Outcome outcome = Exchange(channel, nonce, timeoutMs);
         ++counts[static_cast<size_t>(outcome)];
         longest = std::max<uint64_t>(longest, GetTickCount64() - start);
-        if (outcome == Outcome::Failed) Sleep(kPauseAfterFailureMs);
+        if (outcome == Outcome::Failed && pauseMs != 0) Sleep(pauseMs);
     }
     std::cout << counts[0] << ' ' << counts[1] << ' ' << counts[2] << ' ' << longest << ' ' << counts[3]
               << std::endl;
@@ -165,7 +167,8 @@ int main(int argc, char** argv) {
     const std::string name = argv[2];
     if (role == "open") return RunOpen(name);
     if (role == "once") return RunOnce(name);
-    if (role == "work") return RunWorker(name);
+    if (role == "work") return RunWorker(name, kTimeoutMs, kPauseAfterFailureMs);
+    if (role == "hurry") return RunWorker(name, kShortTimeoutMs, 0);
     if (argc == 5) {
         doomedHit = std::atoi(argv[3]);
         doomedPlace = argv[4];

@@ -1,8 +1,8 @@
 // Processes that disturb:
 //
-//   endurance_helper contend MUTEX SECTION SEED      takes the mutex again and again, and at times dies with
-//   it endurance_helper scribble CHANNEL SEED           writes anything into the channel's sections, signals
-//   anything
+//   endurance_helper contend MUTEX SECTION SEED      takes the mutex again and again, at times dies with it
+//   endurance_helper scribble CHANNEL SEED           writes anything into the channel's sections in bursts,
+//                                                    signals anything
 //
 // Both until their input ends.
 #include <poll.h>
@@ -65,6 +65,8 @@ int Contend(const WideText& mutexName, const WideText& sectionName, std::mt19937
     return 0;
 }
 
+constexpr DWORD kLongestRestMs = 50;
+
 int Scribble(const WideText& channel, std::mt19937 random) {
     constexpr DWORD kSize = 65791 + 12;
     uint8_t* const sections[] = {static_cast<uint8_t*>(Mapped(channel + TEXT("Cmd"), kSize)),
@@ -82,7 +84,8 @@ int Scribble(const WideText& channel, std::mt19937 random) {
             SetEvent(event);
             CloseHandle(event);
         }
-        if (random() % 64 == 0) Sleep(1);
+        // Whoever is never left in peace fails at its first step, and the others are not tried.
+        if (random() % 64 == 0) Sleep(1 + random() % kLongestRestMs);
     }
     return 0;
 }

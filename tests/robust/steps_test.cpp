@@ -118,7 +118,7 @@ TEST_F(Steps, Whoever_is_killed_wherever_the_next_client_is_served_and_the_other
     StartServer();
     ASSERT_GE(places_.size(), 60u);
     std::mt19937 random = effort.Random();
-    const int times = effort.Of(20, 1);
+    const int times = effort.Of(20, 2);
     for (const Place& place : places_)
         for (int i = 0; i < times && !HasFatalFailure(); ++i)
             KillAt(place, random());
