@@ -45,8 +45,7 @@ TEST(Files, An_existing_file_opens_for_reading_and_its_handle_closes_once) {
     ASSERT_NE(file, INVALID_HANDLE_VALUE);
     EXPECT_EQ(GetLastError(), 0u);
     EXPECT_TRUE(CloseHandle(file));
-    EXPECT_FALSE(CloseHandle(file));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+    EXPECT_EQ(ErrorOf([&] { return CloseHandle(file); }), ERROR_INVALID_HANDLE);
 }
 
 TEST(Files, What_cannot_be_opened_gives_the_invalid_handle_and_the_reason) {

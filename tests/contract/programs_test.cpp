@@ -113,9 +113,7 @@ TEST(Programs, What_is_not_there_is_refused_with_2_and_has_no_handles) {
     DWORD code = 0;
     EXPECT_EQ(WaitForInputIdle(nullptr, 10), WAIT_FAILED);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
-    SetLastError(0);
-    EXPECT_FALSE(GetExitCodeThread(nullptr, &code));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+    EXPECT_EQ(ErrorOf([&] { return GetExitCodeThread(nullptr, &code); }), ERROR_INVALID_HANDLE);
 }
 
 TEST(Programs, Started_as_the_user_see_the_users_environment_instead_of_the_callers) {
@@ -132,9 +130,8 @@ TEST(Programs, Started_as_the_user_see_the_users_environment_instead_of_the_call
 
 TEST(Accounts, A_thread_has_a_token_only_while_it_impersonates) {
     HANDLE token = nullptr;
-    SetLastError(0);
-    EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_ALL_ACCESS, TRUE, &token));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NO_TOKEN));
+    EXPECT_EQ(ErrorOf([&] { return OpenThreadToken(GetCurrentThread(), TOKEN_ALL_ACCESS, TRUE, &token); }),
+              ERROR_NO_TOKEN);
     const Handle own = OwnToken();
     EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_ALL_ACCESS, TRUE, &token));
     WCHAR user[260];

@@ -90,9 +90,8 @@ class Spooler : public testing::Test {
     };
     static Record Read(HANDLE printer) {
         DWORD needed = 0;
-        SetLastError(0);
-        EXPECT_FALSE(GetPrinterW(printer, 2, nullptr, 0, &needed));
-        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
+        EXPECT_EQ(ErrorOf([&] { return GetPrinterW(printer, 2, nullptr, 0, &needed); }),
+                  ERROR_INSUFFICIENT_BUFFER);
         EXPECT_GE(needed, sizeof(PRINTER_INFO_2W));
         Record record{std::vector<BYTE>(needed)};
         EXPECT_TRUE(GetPrinterW(printer, 2, record.buffer.data(), needed, &needed));
@@ -124,10 +123,11 @@ TEST_F(Spooler, The_list_is_in_order_of_the_names_and_asks_for_its_size_first) {
     DWORD needed = 0;
     DWORD count = 9;
     for (const DWORD level : {1u, 2u}) {
-        SetLastError(0);
-        EXPECT_FALSE(EnumPrintersW(PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS, nullptr, level, nullptr, 0,
-                                   &needed, &count));
-        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
+        EXPECT_EQ(ErrorOf([&] {
+                      return EnumPrintersW(PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS, nullptr, level,
+                                           nullptr, 0, &needed, &count);
+                  }),
+                  ERROR_INSUFFICIENT_BUFFER);
         EXPECT_GT(needed, 0u);
         EXPECT_EQ(count, 0u);
     }
@@ -186,21 +186,16 @@ TEST_F(Spooler, Handles_that_are_no_open_printer_are_refused) {
     const HANDLE closed = Open(TEXT("ZR Handle"));
     ClosePrinter(closed);
     for (const HANDLE handle : {HANDLE(nullptr), closed}) {
-        SetLastError(0);
-        EXPECT_FALSE(ClosePrinter(handle));
-        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+        EXPECT_EQ(ErrorOf([&] { return ClosePrinter(handle); }), ERROR_INVALID_HANDLE);
         DWORD needed = 9;
-        EXPECT_FALSE(GetPrinterW(handle, 2, nullptr, 0, &needed));
-        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+        EXPECT_EQ(ErrorOf([&] { return GetPrinterW(handle, 2, nullptr, 0, &needed); }), ERROR_INVALID_HANDLE);
     }
 }
 
 TEST_F(Spooler, A_printer_needs_an_installed_driver) {
     PRINTER_INFO_2W info = Info(TEXT("ZR Driverless"), TEXT("USB001"));
     info.pDriverName = Writable(TEXT("No Such Driver"));
-    SetLastError(0);
-    EXPECT_EQ(Add(info), nullptr);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_UNKNOWN_PRINTER_DRIVER));
+    EXPECT_EQ(ErrorOf([&] { return Add(info); }), ERROR_UNKNOWN_PRINTER_DRIVER);
     EXPECT_EQ(Open(TEXT("ZR Driverless")), nullptr);
 }
 
@@ -229,9 +224,8 @@ TEST_F(Spooler, Printer_data_reports_by_its_result_and_leaves_the_last_error_alo
 
 TEST_F(Spooler, The_driver_folder_is_there_with_its_subfolder_3) {
     DWORD needed = 0;
-    SetLastError(0);
-    EXPECT_FALSE(GetPrinterDriverDirectoryW(nullptr, nullptr, 1, nullptr, 0, &needed));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
+    EXPECT_EQ(ErrorOf([&] { return GetPrinterDriverDirectoryW(nullptr, nullptr, 1, nullptr, 0, &needed); }),
+              ERROR_INSUFFICIENT_BUFFER);
     std::vector<WCHAR> folder(needed / sizeof(WCHAR));
     ASSERT_TRUE(GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<LPBYTE>(folder.data()),
                                            needed, &needed));
@@ -255,7 +249,6 @@ TEST_F(Spooler, Deleting_printer_data_says_whether_there_was_any__not_on_Wine) {
 TEST_F(Spooler, A_second_printer_of_one_name_is_refused__not_on_Wine) {
     if (OnWine()) GTEST_SKIP() << "Wine 8 lets a second printer of one name pass";
     AddForTest(TEXT("ZR Twice"), TEXT("USB001"));
-    SetLastError(0);
-    EXPECT_EQ(Add(Info(TEXT("zr twice"), TEXT("USB002"))), nullptr);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PRINTER_ALREADY_EXISTS));
+    EXPECT_EQ(ErrorOf([&] { return Add(Info(TEXT("zr twice"), TEXT("USB002"))); }),
+              ERROR_PRINTER_ALREADY_EXISTS);
 }

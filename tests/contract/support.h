@@ -18,6 +18,13 @@ inline LPWSTR Writable(const WCHAR* text) {
     return const_cast<LPWSTR>(text);
 }
 
+// The last-error value of a call that gives nothing; -1 for one that succeeds.
+template <typename Call>
+LONG ErrorOf(Call call) {
+    SetLastError(0);
+    return call() ? -1 : static_cast<LONG>(GetLastError());
+}
+
 // A folder that is removed with everything in it.
 class TempFolder final {
   public:

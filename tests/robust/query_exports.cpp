@@ -42,70 +42,70 @@ Value* As(uint8_t* out) {
     return reinterpret_cast<Value*>(out);
 }
 
+template <auto kExport, typename Element>
+bool Asks(uint8_t* out, uint32_t timeoutMs) {
+    return kExport(As<Element>(out), timeoutMs) != 0;
+}
+
+// The functions that are no row of the catalogue.
+struct Other {
+    const char* name;
+    size_t outBytes;
+    bool (*call)(uint8_t* out, uint32_t timeoutMs);
+    bool clears = false;
+};
+
+const Other kOthers[] = {
+    {"GetNumAccessPoints", 4, Asks<GetNumAccessPoints, uint32_t>, true},
+    {"GetNumOfPingExecuted", 4, Asks<GetNumOfPingExecuted, uint32_t>, true},
+    {"GetNumOfPingSuccess", 4, Asks<GetNumOfPingSuccess, uint32_t>, true},
+    {"GetCapFWUpgrade", 1, Asks<GetCapFWUpgrade, uint8_t>, true},
+    {"GetCapTOFEdgeOverride", 1, Asks<GetCapTOFEdgeOverride, uint8_t>, true},
+    {"GetGCPConfigured", 1, Asks<GetGCPConfigured, uint8_t>, true},
+    {"GetPennantConfigured", 1, Asks<GetPennantConfigured, uint8_t>, true},
+    {"GetCurrentTimeRTC", 58, Asks<GetCurrentTimeRTC, kestrel_char>},
+    {"GetCapRBNVer", 4, Asks<GetCapRBNVer, uint32_t>},
+    {"GetAccessPoints", sizeof(KestrelAccessPoint) * KESTREL_MAX_ACCESS_POINTS,
+     Asks<GetAccessPoints, KestrelAccessPoint>},
+    {"GetMDNSHostList", sizeof(KestrelHost) * KESTREL_MAX_HOSTS, Asks<GetMDNSHostList, KestrelHost>},
+    {"GetQuickDialButtons", sizeof(KestrelQuickDial) * KESTREL_ONE_TOUCH_RECORDS,
+     Asks<GetQuickDialButtons, KestrelQuickDial>},
+    {"GetQuickDialNumbers", sizeof(KestrelQuickDial) * KESTREL_SPEED_DIAL_RECORDS,
+     Asks<GetQuickDialNumbers, KestrelQuickDial>},
+    {"GetQuickDialButton", sizeof(KestrelQuickDial),
+     [](uint8_t* out, uint32_t ms) { return GetQuickDialButton(0, As<KestrelQuickDial>(out), ms) != 0; }},
+    {"GetDeviceTime", 20,
+     [](uint8_t* out, uint32_t ms) {
+         auto* v = As<uint32_t>(out);
+         return GetDeviceTime(v, v + 1, v + 2, v + 3, v + 4, ms) != 0;
+     }},
+    {"GetVendorProductIDs", 8,
+     [](uint8_t* out, uint32_t ms) {
+         return GetVendorProductIDs(As<uint32_t>(out), As<uint32_t>(out + 4), ms) != 0;
+     }},
+    {"GetFWVersion", 136,
+     [](uint8_t* out, uint32_t ms) {
+         return GetFWVersion(As<uint32_t>(out), As<uint32_t>(out + 4), As<kestrel_char>(out + 8), ms) != 0;
+     }},
+    {"GetCapabilities", 48, [](uint8_t* out, uint32_t ms) { return GetCapabilities(out, 48, ms) != 0; }},
+    {"SendCmd", 512,
+     [](uint8_t* out, uint32_t ms) {
+         return SendCmd("ZRPing?", 7, out + 4, 508, As<uint32_t>(out), ms) != 0;
+     }},
+    {"GetStatus", 1052,
+     [](uint8_t* out, uint32_t) {
+         return GetStatus(As<DeviceStatusRecord>(out), sizeof(DeviceStatusRecord)) != 0;
+     },
+     true},
+};
+
 }  // namespace
 
 std::vector<QueryExport> QueryExports() {
     std::vector<QueryExport> all;
     for (const SettingRow& row : Catalogue())
         if (row.getter != nullptr && !row.key.empty()) all.push_back(GetterOf(row));
-    const auto add = [&](const char* name, size_t bytes, auto call, bool clears) {
-        all.push_back({name, bytes, call, nullptr, clears});
-    };
-    for (const auto& [name, bytes] : {std::pair{"GetNumAccessPoints", 4},
-                                      {"GetNumOfPingExecuted", 4},
-                                      {"GetNumOfPingSuccess", 4},
-                                      {"GetCapFWUpgrade", 1},
-                                      {"GetCapTOFEdgeOverride", 1},
-                                      {"GetGCPConfigured", 1},
-                                      {"GetPennantConfigured", 1}})
-        add(
-            name, static_cast<size_t>(bytes),
-            [name = name](uint8_t* out, uint32_t ms) { return Call(name, out, ms); }, true);
-    add(
-        "GetCurrentTimeRTC", 58, [](auto* out, auto ms) { return Call("GetCurrentTimeRTC", out, ms); },
-        false);
-    add(
-        "GetCapRBNVer", 4, [](auto* out, auto ms) { return GetCapRBNVer(As<uint32_t>(out), ms); }, false);
-    add(
-        "GetAccessPoints", sizeof(KestrelAccessPoint) * KESTREL_MAX_ACCESS_POINTS,
-        [](auto* out, auto ms) { return GetAccessPoints(As<KestrelAccessPoint>(out), ms); }, false);
-    add(
-        "GetMDNSHostList", sizeof(KestrelHost) * KESTREL_MAX_HOSTS,
-        [](auto* out, auto ms) { return GetMDNSHostList(As<KestrelHost>(out), ms); }, false);
-    add(
-        "GetQuickDialButton", sizeof(KestrelQuickDial),
-        [](auto* out, auto ms) { return GetQuickDialButton(0, As<KestrelQuickDial>(out), ms); }, false);
-    add(
-        "GetQuickDialButtons", sizeof(KestrelQuickDial) * KESTREL_ONE_TOUCH_RECORDS,
-        [](auto* out, auto ms) { return GetQuickDialButtons(As<KestrelQuickDial>(out), ms); }, false);
-    add(
-        "GetQuickDialNumbers", sizeof(KestrelQuickDial) * KESTREL_SPEED_DIAL_RECORDS,
-        [](auto* out, auto ms) { return GetQuickDialNumbers(As<KestrelQuickDial>(out), ms); }, false);
-    add(
-        "GetDeviceTime", 20,
-        [](auto* out, auto ms) {
-            auto* v = As<uint32_t>(out);
-            return GetDeviceTime(v, v + 1, v + 2, v + 3, v + 4, ms);
-        },
-        false);
-    add(
-        "GetVendorProductIDs", 8,
-        [](auto* out, auto ms) { return GetVendorProductIDs(As<uint32_t>(out), As<uint32_t>(out) + 1, ms); },
-        false);
-    add(
-        "GetFWVersion", 136,
-        [](auto* out, auto ms) {
-            return GetFWVersion(As<uint32_t>(out), As<uint32_t>(out) + 1, As<kestrel_char>(out + 8), ms);
-        },
-        false);
-    add(
-        "GetCapabilities", 48, [](auto* out, auto ms) { return GetCapabilities(out, 48, ms); }, false);
-    add(
-        "SendCmd", 512,
-        [](auto* out, auto ms) { return SendCmd("ZRPing?", 7, out + 4, 508, As<uint32_t>(out), ms); }, false);
-    add(
-        "GetStatus", 1052,
-        [](auto* out, auto) { return GetStatus(As<DeviceStatusRecord>(out), sizeof(DeviceStatusRecord)); },
-        true);
+    for (const Other& other : kOthers)
+        all.push_back({other.name, other.outBytes, other.call, nullptr, other.clears});
     return all;
 }

@@ -146,8 +146,6 @@ const Scenario kScenarios[] = {
     {"named section", [] { return SectionSeen(kName); }},
     {"client channel", [] { return ChannelOpened(kwt::ChannelRole::Client); }},
     {"server channel", [] { return ChannelOpened(kwt::ChannelRole::Server); }},
-    {"registry key", [] { return WithKey([](HKEY) { return true; }); }},
-    {"registry value set", [] { return WithKey(SetNumber); }},
     {"registry value read",
      [] {
          return WithKey([](HKEY key) {
@@ -170,7 +168,6 @@ const Scenario kScenarios[] = {
          return WithKey([](HKEY) { return true; }) &&
                 Is(RegDeleteTreeW(HKEY_CURRENT_USER, TEXT("Software\\Failing")));
      }},
-    {"printer opened", [] { return WithPrinter([](HANDLE) { return true; }); }},
     {"printer read",
      [] {
          return WithPrinter([](HANDLE printer) {
@@ -248,7 +245,6 @@ const Scenario kScenarios[] = {
          return WideCharToMultiByte(CP_ACP, 0, TEXT("abc"), 3, text, 8, nullptr, nullptr) == 3;
      }},
     {"file attributes", [] { return GetFileAttributesW(TEXT("/etc/passwd")) != INVALID_FILE_ATTRIBUTES; }},
-    {"selection", [] { return Selected([] { return 1; }); }, false, true},
     {"raw exchange", [] { return Selected([] { return SendCmd("ZRPing?", 7, nullptr, 0, nullptr, kMs); }); },
      false, true},
     {"number", Transfers<GetFaxRedials, uint8_t, 1>, false, true},

@@ -1,8 +1,5 @@
 // What lies in the object folder is not always what winport put there.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -64,25 +61,6 @@ TEST(Object_files, A_planted_link_a_folder_and_a_loose_mode_are_refused_with_5_a
     fs::remove(target);
 }
 
-TEST(Object_files, A_folder_without_room_gives_112_and_leaves_no_file) {
-    const fs::path folder = KernelFolder();
-    signal(SIGXFSZ, SIG_IGN);
-    rlimit before = {};
-    getrlimit(RLIMIT_FSIZE, &before);
-    rlimit small = before;
-    small.rlim_cur = 8192;  // one object fits, a section does not
-    setrlimit(RLIMIT_FSIZE, &small);
-    const Handle section = Section(65803, TEXT("Global\\NoRoom"));
-    const DWORD error = GetLastError();
-    const Handle event = OpenGlobal("Room");
-    setrlimit(RLIMIT_FSIZE, &before);
-    EXPECT_FALSE(section);
-    EXPECT_EQ(112u, error);
-    EXPECT_TRUE(event);
-    EXPECT_FALSE(fs::exists(folder / "global.NoRoom"));
-    EXPECT_TRUE(Section(65803, TEXT("Global\\NoRoom")));
-}
-
 TEST(Object_files, Without_a_free_handle_4_is_told_and_the_name_is_as_it_was) {
     std::vector<Handle> many;
     while (many.empty() || many.back())
@@ -94,18 +72,6 @@ TEST(Object_files, Without_a_free_handle_4_is_told_and_the_name_is_as_it_was) {
     many.clear();
     EXPECT_TRUE(OpenGlobal("NoHandle"));
     EXPECT_EQ(0u, GetLastError());
-}
-
-TEST(Object_files, No_descriptor_is_kept_for_an_object) {
-    const auto descriptors = [] {
-        return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
-    };
-    const Handle first = AutoEvent(FreshName());
-    const auto before = descriptors();
-    std::vector<Handle> many;
-    for (int i = 0; i < 100; ++i)
-        many.push_back(AutoEvent(FreshName()));
-    EXPECT_EQ(before, descriptors());
 }
 
 TEST(Object_files, A_forked_child_shares_the_objects_and_keeps_them_alive) {

@@ -102,7 +102,8 @@ TEST(Ports, What_describes_no_port_is_refused_by_the_status) {
     ClosePrinter(monitor);
     DWORD needed = 0;
     DWORD status = 0;
-    EXPECT_FALSE(XcvDataW(monitor, TEXT("AddPort"), nullptr, 0, nullptr, 0, &needed, &status));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+    EXPECT_EQ(
+        ErrorOf([&] { return XcvDataW(monitor, TEXT("AddPort"), nullptr, 0, nullptr, 0, &needed, &status); }),
+        ERROR_INVALID_HANDLE);
     EXPECT_EQ(PortNames(), before) << "a refused port was kept";
 }

@@ -1,10 +1,8 @@
 // What only winport promises: where its state lies, who may touch it, what kills and forks leave of it, and
 // the few places where it differs from Windows on purpose.
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <psapi.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,58 +12,56 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "child_process.h"
 #include "support.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kSignalled = -1;
-
 int ExitCode(pid_t child) {
     int status = 0;
-    if (::waitpid(child, &status, 0) != child || !WIFEXITED(status)) return kSignalled;
+    if (::waitpid(child, &status, 0) != child || !WIFEXITED(status)) return -1;
     return WEXITSTATUS(status);
 }
 
-struct Probe {
-    pid_t id = 0;
-    FILE* output = nullptr;
-};
-
-// Starts the probe with its output in a pipe.
-Probe StartProbe(const char* command, std::vector<std::string> environment) {
-    int ends[2] = {};
-    EXPECT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-    std::vector<char*> variables;
-    for (std::string& variable : environment)
-        variables.push_back(variable.data());
-    variables.push_back(nullptr);
-    std::string program = REGISTRY_PROBE;
-    std::string argument = command;
-    char* const arguments[] = {program.data(), argument.data(), nullptr};
-    Probe probe;
-    EXPECT_EQ(::posix_spawn(&probe.id, program.c_str(), &actions, nullptr, arguments, variables.data()), 0);
-    posix_spawn_file_actions_destroy(&actions);
-    ::close(ends[1]);
-    probe.output = ::fdopen(ends[0], "r");
-    return probe;
+// What the body, in a forked child, says of itself.
+template <typename Body>
+bool HoldsInChild(Body body) {
+    constexpr unsigned kPatienceSeconds = 5;
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::alarm(kPatienceSeconds);
+        ::_exit(body() ? 0 : 1);
+    }
+    return ExitCode(child) == 0;
 }
 
-int RunProbe(std::vector<std::string> environment, const char* command = "create") {
-    const Probe probe = StartProbe(command, std::move(environment));
-    std::fclose(probe.output);
-    return ExitCode(probe.id);
+std::string Home(const WideText& folder) {
+    return "WINPORT_HOME=" + fs::path(folder).string();
+}
+
+// In an environment with this home alone.
+ChildProcess StartProbe(const char* command, const std::string& home) {
+    return ChildProcess({"/usr/bin/env", "-u", "WINPORT_HOME", home, REGISTRY_PROBE, command});
+}
+
+int RunProbe(const std::string& home, const char* command = "create") {
+    return StartProbe(command, home).Wait();
+}
+
+// The last of so many numbers that the probe has written and told.
+DWORD ReadNumbers(ChildProcess& probe, int count) {
+    std::string last = "0";
+    while (count-- > 0)
+        last = probe.ReadLine().value_or("nothing came");
+    return static_cast<DWORD>(std::stoul(last));
 }
 
 DWORD StoredCount() {
@@ -80,14 +76,10 @@ DWORD StoredCount() {
     return number;
 }
 
-std::string OwnHomeVariable() {
-    return std::string("WINPORT_HOME=") + std::getenv("WINPORT_HOME");
-}
-
 class State : public testing::Test {
   protected:
     fs::path Host(WideView name) const { return folder_.Path(name); }
-    int RunIn(const fs::path& stateHome) { return RunProbe({"XDG_STATE_HOME=" + stateHome.string()}); }
+    int RunIn(const fs::path& stateHome) { return RunProbe("XDG_STATE_HOME=" + stateHome.string()); }
 
     TempFolder folder_;
 };
@@ -130,7 +122,7 @@ TEST_F(State, A_link_above_the_folder_is_followed) {
 TEST_F(State, A_chosen_home_may_be_shared_and_its_files_follow_its_mode) {
     const fs::path home = folder_.MakeFolder(TEXT("shared"));
     ::chmod(home.c_str(), 0770);
-    EXPECT_EQ(RunProbe({"WINPORT_HOME=" + home.string()}), 0);
+    EXPECT_EQ(RunProbe("WINPORT_HOME=" + home.string()), 0);
     struct stat status = {};
     ASSERT_EQ(::stat((home / "state").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0770u);
@@ -140,16 +132,13 @@ TEST_F(State, A_chosen_home_may_be_shared_and_its_files_follow_its_mode) {
 
 TEST(RegistryStore, A_killed_writer_loses_nothing_that_it_had_written) {
     for (int round = 0; round < 5; ++round) {
-        const Probe probe = StartProbe("count", {OwnHomeVariable()});
-        unsigned acknowledged = 0;
-        for (int line = 0; line < 20 + 7 * round; ++line)
-            ASSERT_EQ(std::fscanf(probe.output, "%u", &acknowledged), 1);
-        ::kill(probe.id, SIGKILL);
-        EXPECT_EQ(ExitCode(probe.id), kSignalled);
+        ChildProcess probe = StartProbe("count", std::string("WINPORT_HOME=") + std::getenv("WINPORT_HOME"));
+        DWORD acknowledged = ReadNumbers(probe, 20 + 7 * round);
+        probe.Kill();
+        EXPECT_EQ(probe.Wait(), 128 + SIGKILL);
         // What the pipe still holds was written before the kill too.
-        while (std::fscanf(probe.output, "%u", &acknowledged) == 1) {
-        }
-        std::fclose(probe.output);
+        while (const auto line = probe.ReadLine())
+            acknowledged = static_cast<DWORD>(std::stoul(*line));
         EXPECT_GE(StoredCount(), acknowledged);
     }
 }
@@ -158,25 +147,20 @@ TEST(RegistryStore, Processes_that_start_together_make_one_registry) {
     // The moment in which they get in each other's way is short: one fresh home seldom meets it.
     for (int round = 0; round < 5; ++round) {
         const TempFolder folder;
-        const std::string home = "WINPORT_HOME=" + fs::path(folder.MakeFolder(TEXT("fresh"))).string();
-        ASSERT_EQ(RunProbe({home}, "together"), 0);
+        ASSERT_EQ(RunProbe(Home(folder.MakeFolder(TEXT("fresh"))), "together"), 0);
     }
 }
 
 TEST(RegistryStore, A_forked_child_outlives_its_parent_while_others_open_the_registry) {
     const TempFolder folder;
-    const std::string home = "WINPORT_HOME=" + fs::path(folder.MakeFolder(TEXT("fresh"))).string();
-    const Probe probe = StartProbe("orphan", {home});
-    EXPECT_EQ(ExitCode(probe.id), 0);
-    unsigned number = 0;
+    const std::string home = Home(folder.MakeFolder(TEXT("fresh")));
+    ChildProcess probe = StartProbe("orphan", home);
+    EXPECT_EQ(probe.Wait(), 0);
     for (int others = 0; others < 3; ++others) {
-        for (int line = 0; line < 20; ++line)
-            ASSERT_EQ(std::fscanf(probe.output, "%u", &number), 1);
-        EXPECT_EQ(RunProbe({home}), 0);
+        EXPECT_GT(ReadNumbers(probe, 20), 0u);
+        EXPECT_EQ(RunProbe(home), 0);
     }
-    for (int line = 0; line < 100; ++line)
-        ASSERT_EQ(std::fscanf(probe.output, "%u", &number), 1);
-    std::fclose(probe.output);
+    EXPECT_GT(ReadNumbers(probe, 100), 0u);
 }
 
 TEST(RegistryStore, A_forked_child_and_its_parent_both_go_on) {
@@ -209,20 +193,17 @@ TEST(RegistryStore, A_damaged_file_is_reported_and_left_alone) {
     folder.MakeFolder(TEXT("home/state"));
     const std::string junk(8192, 'x');
     folder.WriteFile(TEXT("home/state/registry.db"), junk);
-    EXPECT_EQ(RunProbe({"WINPORT_HOME=" + fs::path(folder.Path(TEXT("home"))).string()}), ERROR_BADDB & 0xFF);
+    EXPECT_EQ(RunProbe(Home(folder.Path(TEXT("home")))), ERROR_BADDB & 0xFF);
     EXPECT_EQ(fs::file_size(fs::path(folder.Path(TEXT("home/state/registry.db")))), junk.size());
 }
 
 TEST(Ids, A_forked_child_has_ids_of_its_own) {
     const DWORD process = GetCurrentProcessId();
     const DWORD thread = GetCurrentThreadId();
-    const pid_t child = ::fork();
-    if (child == 0) {
-        const bool own = GetCurrentProcessId() == static_cast<DWORD>(::getpid()) &&
-                         GetCurrentProcessId() != process && GetCurrentThreadId() != thread;
-        ::_exit(own ? 0 : 1);
-    }
-    EXPECT_EQ(ExitCode(child), 0);
+    EXPECT_TRUE(HoldsInChild([&] {
+        return GetCurrentProcessId() == static_cast<DWORD>(::getpid()) && GetCurrentProcessId() != process &&
+               GetCurrentThreadId() != thread;
+    }));
 }
 
 TEST(Ids, An_ended_process_is_off_the_list_before_its_parent_has_asked_for_it) {
@@ -247,35 +228,28 @@ TEST(StoppedSpooler, Every_call_says_so_until_it_runs_again) {
     DWORD needed = 0;
     DWORD count = 0;
     HANDLE printer = nullptr;
-    EXPECT_FALSE(EnumPrintersW(PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS, nullptr, 1, nullptr, 0, &needed,
-                               &count));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(RPC_S_SERVER_UNAVAILABLE));
-    EXPECT_FALSE(OpenPrinterW(nullptr, &printer, nullptr));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(RPC_S_SERVER_UNAVAILABLE));
-    EXPECT_FALSE(GetPrinterDriverDirectoryW(nullptr, nullptr, 1, nullptr, 0, &needed));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(RPC_S_SERVER_UNAVAILABLE));
+    const auto list = [&] {
+        return EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, nullptr, 0, &needed, &count);
+    };
+    EXPECT_EQ(ErrorOf(list), RPC_S_SERVER_UNAVAILABLE);
+    EXPECT_EQ(ErrorOf([&] { return OpenPrinterW(nullptr, &printer, nullptr); }), RPC_S_SERVER_UNAVAILABLE);
+    EXPECT_EQ(ErrorOf([&] { return GetPrinterDriverDirectoryW(nullptr, nullptr, 1, nullptr, 0, &needed); }),
+              RPC_S_SERVER_UNAVAILABLE);
     EXPECT_EQ(RegDeleteValueW(print, TEXT("Stopped")), 0);
-    EXPECT_TRUE(EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, nullptr, 0, &needed, &count));
+    EXPECT_TRUE(list());
     RegCloseKey(print);
 }
 
 // The other threads of the parent are not there in the child, whatever they were waiting for.
 TEST(Handles, A_forked_child_closes_what_a_thread_of_its_parent_is_waiting_for) {
-    constexpr unsigned kPatienceSeconds = 5;
     const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     std::atomic<bool> stop{false};
     std::thread waiter([&] {
         while (!stop)
             WaitForMultipleObjects(1, &event, FALSE, 0);
     });
-    for (int i = 0; i < 50; ++i) {
-        const pid_t child = ::fork();
-        if (child == 0) {
-            ::alarm(kPatienceSeconds);
-            ::_exit(CloseHandle(event) ? 0 : 1);
-        }
-        ASSERT_EQ(0, ExitCode(child));
-    }
+    for (int i = 0; i < 50; ++i)
+        ASSERT_TRUE(HoldsInChild([&] { return CloseHandle(event) != FALSE; }));
     stop = true;
     waiter.join();
     EXPECT_TRUE(CloseHandle(event));
