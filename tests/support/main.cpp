@@ -18,10 +18,24 @@ class OwnFolder final : public testing::Environment {
     std::filesystem::path folder_;
 };
 
+// No test may leave a file, a pipe or a folder open.
+class NothingLeftOpen final : public testing::EmptyTestEventListener {
+  public:
+    void OnTestStart(const testing::TestInfo&) override { before_ = OpenFiles(); }
+    void OnTestEnd(const testing::TestInfo&) override {
+        for (const std::string& file : OpenFiles())
+            EXPECT_TRUE(before_.count(file) == 1) << "left open: " << file;
+    }
+
+  private:
+    std::set<std::string> before_;
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     testing::AddGlobalTestEnvironment(new OwnFolder);
+    testing::UnitTest::GetInstance()->listeners().Append(new NothingLeftOpen);
     return RUN_ALL_TESTS();
 }

@@ -3,5 +3,11 @@
 #pragma once
 
 #include <filesystem>
+#include <set>
+#include <string>
 
 std::filesystem::path MakeOwnFolder();
+
+// What this process has open, but for what it keeps from the first use to its end. On Windows nothing: the
+// system's own libraries open and close handles as they like.
+std::set<std::string> OpenFiles();

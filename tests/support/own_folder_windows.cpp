@@ -13,3 +13,7 @@ std::filesystem::path MakeOwnFolder() {
     _putenv_s("KESTREL_TEST_FOLDER", folder.string().c_str());
     return folder;
 }
+
+std::set<std::string> OpenFiles() {
+    return {};
+}
