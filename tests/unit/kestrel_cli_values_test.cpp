@@ -1,47 +1,40 @@
 // What a person writes for a value, and what is refused before it is sent.
 #include <gtest/gtest.h>
 
-#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
-#include "kestrel/failure.h"
+#include "cli_refusal.h"
 #include "kestrel/settings.h"
 #include "kestrel/values.h"
 
 namespace {
 
 using cli::ExitCode;
-using cli::Failure;
-
-struct Accepted {
-    const char* setting;
-    const char* written;
-    const char* kept;  // as it is printed again
-};
 
 TEST(KestrelValues, Are_accepted_in_every_spelling_and_printed_in_one) {
-    constexpr Accepted kCases[] = {
+    constexpr struct {
+        const char* setting;
+        const char* written;
+        const char* kept;  // as it is printed again
+    } kCases[] = {
         {"fax.backup", "yes", "yes"},
         {"fax.backup", "ON", "yes"},
         {"fax.backup", "0", "no"},
-        {"fax.redials", "0", "0"},
         {"fax.redials", "255", "255"},
         {"fax.redials", "+7", "7"},
         {"copy.brightness", "-128", "-128"},
         {"copy.quantity", "127", "127"},  // read as u8, written as s8
-        {"copy.scale", "65535", "65535"},
         {"fax.mode", "fine_color", "Fine_Color"},
-        {"fax.mode", "2", "Fine_Color"},
         {"photo.layout", "2x2poster", "2x2Poster"},  // a word that begins like a number
         {"photo.layout", "1", "1_bordered"},
         {"device.language", "12", "CastilianSpanish"},
-        {"ip.static.address", "192.168.0.5", "192.168.0.5"},
         {"ip.static.address", "255.255.255.255", "255.255.255.255"},
-        {"wireless.ssid", "", ""},
         {"wireless.ssid", "12345678901234567890123456789012", "12345678901234567890123456789012"},
         {"device.name", "B\xC3\xBCro \xE2\x82\xAC", "B\xC3\xBCro \xE2\x82\xAC"},
     };
-    for (const Accepted& one : kCases) {
+    for (const auto& one : kCases) {
         SCOPED_TRACE(std::string(one.setting) + " " + one.written);
         const SettingRow& row = cli::FindSetting(one.setting);
         const cli::Value value = cli::ParseValue(row, one.written);
@@ -51,42 +44,31 @@ TEST(KestrelValues, Are_accepted_in_every_spelling_and_printed_in_one) {
 }
 
 TEST(KestrelValues, Are_refused_with_the_allowed_ones_when_the_type_cannot_hold_them) {
-    constexpr Accepted kCases[] = {
-        {"fax.backup", "maybe", "yes no"},
-        {"fax.backup", "2", "yes no"},
-        {"fax.redials", "256", "0 to 255"},
-        {"fax.redials", "-1", "0 to 255"},
-        {"fax.redials", "3x", "0 to 255"},
-        {"fax.redials", "", "0 to 255"},
-        {"fax.redials", "99999999999999999999", "0 to 255"},
-        {"copy.quantity", "128", "-128 to 127"},
-        {"copy.brightness", "-129", "-128 to 127"},
-        {"copy.scale", "65536", "0 to 65535"},
-        {"fax.dialing", "Morse", "Tone Pulse"},
-        {"fax.dialing", "2", "Tone Pulse"},
-        {"fax.dialing", "", "Tone Pulse"},
-        {"ip.static.address", "192.168.0", "a.b.c.d"},
-        {"ip.static.address", "192.168.0.256", "a.b.c.d"},
-        {"ip.static.address", "192.168.0.5.1", "a.b.c.d"},
-        {"ip.static.address", "192.168.0.", "a.b.c.d"},
-        {"ip.static.address", "192.168.0.05", "a.b.c.d"},
-        {"ip.static.address", "", "a.b.c.d"},
-        {"wireless.ssid", "123456789012345678901234567890123", "at most 32 characters"},
-        {"device.name", "tab\tstop", "at most 63 characters"},
-        {"device.name", "\x1E", "at most 63 characters"},          // would come back as '='
-        {"device.name", "\xE3\x81\x82", "at most 63 characters"},  // not in the code page
-        {"device.name", "cut \xE3\x81", "at most 63 characters"},  // not UTF-8
-        {"device.name", "\xED\xA0\x80", "at most 63 characters"},  // a surrogate in UTF-8
-        {"device.name", "\xC0\xAF", "at most 63 characters"},      // an over-long form
+    const struct {
+        const char* setting;
+        const char* allowed;
+        std::vector<const char*> refused;
+    } cases[] = {
+        {"fax.backup", "yes no", {"maybe", "2"}},
+        {"fax.redials", "0 to 255", {"256", "-1", "3x", "", "99999999999999999999"}},
+        {"copy.quantity", "-128 to 127", {"128", "-129"}},
+        {"copy.scale", "0 to 65535", {"65536"}},
+        {"fax.dialing", "Tone Pulse", {"Morse", "2", ""}},
+        {"ip.static.address", "a.b.c.d", {"192.168.0", "1.2.3.256", "1.2.3.4.5", "1.2.3.", "1.2.3.05", ""}},
+        {"wireless.ssid", "at most 32 characters", {"123456789012345678901234567890123"}},
+        // Control codes, one that would come back as '='; and what the code page has not.
+        {"device.name", "at most 63 characters", {"tab\tstop", "\x1E", "\xE3\x81\x82"}},
+        // No UTF-8: cut, a surrogate, an over-long form.
+        {"device.name", "at most 63 characters", {"cut \xE3\x81", "\xED\xA0\x80", "\xC0\xAF"}},
     };
-    for (const Accepted& one : kCases) {
-        SCOPED_TRACE(std::string(one.setting) + " " + one.written);
-        try {
-            static_cast<void>(cli::ParseValue(cli::FindSetting(one.setting), one.written));
-            ADD_FAILURE() << "accepted";
-        } catch (const Failure& failure) {
-            EXPECT_EQ(failure.exit, ExitCode::kValueRefused);
-            EXPECT_EQ(failure.advice, std::string("allowed: ") + one.kept);
+    for (const auto& row : cases) {
+        for (const char* written : row.refused) {
+            SCOPED_TRACE(std::string(row.setting) + " " + written);
+            const auto failure = FailureOf(
+                [&] { static_cast<void>(cli::ParseValue(cli::FindSetting(row.setting), written)); });
+            ASSERT_TRUE(failure);
+            EXPECT_EQ(failure->exit, ExitCode::kValueRefused);
+            EXPECT_EQ(failure->advice, std::string("allowed: ") + row.allowed);
         }
     }
 }
@@ -102,19 +84,10 @@ TEST(KestrelValues, Are_numbers_and_booleans_in_json_and_words_where_the_table_h
     EXPECT_EQ(cli::FormatValue(cli::FindSetting("fax.mode"), {99, {}}), "99");
 }
 
-std::optional<Failure> LookUp(const char* name) {
-    try {
-        static_cast<void>(cli::FindSetting(name));
-        return {};
-    } catch (const Failure& failure) {
-        return failure;
-    }
-}
-
 TEST(KestrelSettings, Are_found_by_name_and_by_key_without_case) {
     EXPECT_EQ(&cli::FindSetting("Fax.Redials"), &cli::FindSetting("DeviceSettings.Fax.redials"));
     EXPECT_EQ(cli::FindSetting("fax.redials").setter, std::string("SetFaxRedials"));
-    EXPECT_TRUE(LookUp(""));
+    EXPECT_TRUE(FailureOf([] { static_cast<void>(cli::FindSetting("")); }));
 }
 
 TEST(KestrelSettings, Are_offered_when_a_name_is_nearly_right) {
@@ -126,7 +99,7 @@ TEST(KestrelSettings, Are_offered_when_a_name_is_nearly_right) {
         {"nothing.at-all-like-it", "`kestrel list` prints all settings"},
     };
     for (const auto& [written, offered] : kCases) {
-        const std::optional<Failure> failure = LookUp(written);
+        const auto failure = FailureOf([&] { static_cast<void>(cli::FindSetting(written)); });
         ASSERT_TRUE(failure) << written;
         EXPECT_EQ(failure->exit, ExitCode::kUsage);
         EXPECT_EQ(failure->advice.substr(0, std::string(offered).size()), offered) << written;

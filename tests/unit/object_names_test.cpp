@@ -33,7 +33,6 @@ struct Prefix {
 
 constexpr Prefix kPrefixes[] = {
     {TEXT("C:\\drivers\\zrij9900sdk.dll"), TEXT("zrij9900"), TEXT("ZRIJ9900SDK.DLL")},
-    {TEXT("C:\\a/b\\ZRMON.DLL"), TEXT("ZR"), TEXT("ZRMON.DLL")},
     {TEXT("/opt/SDK.DLL/ZRSDK.dll"), TEXT("ZR"), TEXT("ZRSDK.DLL")},
     {TEXT("C:\\a/ZRSDK.DLL"), TEXT("a/ZR"), TEXT("A/ZRSDK.DLL")},
     {TEXT("ZRmui.Exe"), TEXT("ZR"), TEXT("ZRMUI.DLL")},

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <string>
 #include <string_view>
@@ -21,36 +20,29 @@ std::string SetInt(OplKey key, int32_t value) {
 }
 
 TEST(OPLBuilder, Numbers_have_the_width_and_the_sign_of_their_key) {
-    const struct {
+    constexpr struct {
         OplKey key;
         int32_t value;
         std::string_view expected;
-    } cases[] = {
-        {OplKey::FaxRedials, 3, "=3;"},
+    } kCases[] = {
         {OplKey::CopySizeScale, 400, "=400;"},
         {OplKey::FaxRedials, INT32_MIN, "=-2147483648;"},
         {OplKey::CopyBrightness, 0xF6, "=-10;"},
-        {OplKey::CopyBrightness, -2, "=-2;"},
-        {OplKey::PhotoCopies, 0xF6, "=246;"},
         {OplKey::PhotoCopies, static_cast<int8_t>(0xF6), "=246;"},
-        {OplKey::DeviceTimeYear, 2012, "=2012;"},
         {OplKey::DeviceTimeYear, 0xFFFF, "=65535;"},
     };
-    for (const auto& row : cases)
+    for (const auto& row : kCases)
         EXPECT_EQ(SetInt(row.key, row.value), row.expected) << KeyText(row.key) << ' ' << row.value;
 }
 
 TEST(ValueEscape, Exchanges_the_seven_structure_characters_with_their_codes_and_keeps_the_rest) {
-    std::map<int, int> expected;
-    for (int byte = 0; byte < 256; ++byte)
-        expected[byte] = byte;
-    for (const auto& [character, code] : std::array<std::pair<int, int>, 7>{
-             {{'#', 0x19}, {'&', 0x1A}, {',', 0x1B}, {'.', 0x1C}, {';', 0x1D}, {'=', 0x1E}, {'?', 0x1F}}}) {
-        expected[character] = code;
-        expected[code] = character;
+    constexpr std::string_view kFrom = "#&,.;=?\x19\x1A\x1B\x1C\x1D\x1E\x1F";
+    constexpr std::string_view kTo = "\x19\x1A\x1B\x1C\x1D\x1E\x1F#&,.;=?";
+    for (int byte = 0; byte < 256; ++byte) {
+        const size_t place = kFrom.find(static_cast<char>(byte));
+        const char mapped = place != std::string_view::npos ? kTo[place] : static_cast<char>(byte);
+        EXPECT_EQ(opl::EscapeByte(static_cast<char>(byte)), mapped) << byte;
     }
-    for (const auto& [byte, mapped] : expected)
-        EXPECT_EQ(static_cast<unsigned char>(opl::EscapeByte(static_cast<char>(byte))), mapped);
 }
 
 // Rows were typed by hand: these counts per form find a row lost, doubled or given another form.
