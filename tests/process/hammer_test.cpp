@@ -20,39 +20,45 @@ using std::chrono::milliseconds;
 
 constexpr int kTimeoutMs = 2000;
 
-// Opens its channels and waits for "go".
-ChildProcess PrepareHammer(const std::string& name, int threads, int ms) {
-    ChildProcess hammer(
-        {CHANNEL_HAMMER, name, std::to_string(threads), std::to_string(ms), std::to_string(kTimeoutMs)});
-    EXPECT_EQ("ready", hammer.ReadLine());
-    return hammer;
-}
+class Hammer : public testing::Test {
+  protected:
+    void StartServer(const std::string& name) {
+        name_ = name;
+        ASSERT_EQ(1u, server_.Do("open server " + name + " 65791").number);
+        ASSERT_EQ(1u, server_.Do("dispatch").number);
+    }
+    // Opens its channels and waits for "go".
+    [[nodiscard]] ChildProcess Prepare(int threads, int ms) const {
+        ChildProcess hammer(
+            {CHANNEL_HAMMER, name_, std::to_string(threads), std::to_string(ms), std::to_string(kTimeoutMs)});
+        EXPECT_EQ("ready", hammer.ReadLine());
+        return hammer;
+    }
+    [[nodiscard]] ChildProcess Start(int threads, int ms) const {
+        ChildProcess hammer = Prepare(threads, ms);
+        hammer.WriteLine("go");
+        return hammer;
+    }
+    static HammerCounts Result(ChildProcess& hammer) {
+        std::istringstream line(hammer.ReadLine(std::chrono::seconds(60)).value_or(""));
+        HammerCounts counts;
+        line >> counts;
+        return counts;
+    }
 
-ChildProcess StartHammer(const std::string& name, int threads, int ms) {
-    ChildProcess hammer = PrepareHammer(name, threads, ms);
-    hammer.WriteLine("go");
-    return hammer;
-}
+    std::string name_;
+    ChannelPuppet server_;
+};
 
-HammerCounts Result(ChildProcess& hammer) {
-    std::istringstream line(hammer.ReadLine(std::chrono::seconds(60)).value_or(""));
-    HammerCounts counts;
-    line >> counts;
-    return counts;
-}
-
-TEST(Hammer, Survivors_of_kills_never_hang_and_never_see_anothers_reply) {
+TEST_F(Hammer, Survivors_of_kills_never_hang_and_never_see_anothers_reply) {
     constexpr int kMilliseconds = 10'000;
-    ChannelPuppet server;
-    ASSERT_EQ(1u, server.Do("open server Hammer 65791").number);
-    ASSERT_EQ(1u, server.Do("dispatch").number);
-    std::array<ChildProcess, 2> survivors = {StartHammer("Hammer", 2, kMilliseconds),
-                                             StartHammer("Hammer", 2, kMilliseconds)};
+    StartServer("Hammer");
+    std::array<ChildProcess, 2> survivors = {Start(2, kMilliseconds), Start(2, kMilliseconds)};
     std::mt19937 random(20261124);
     long kills = 0;
     const auto end = std::chrono::steady_clock::now() + milliseconds(kMilliseconds);
     while (std::chrono::steady_clock::now() < end) {
-        ChildProcess victim = StartHammer("Hammer", 1, kMilliseconds);
+        ChildProcess victim = Start(1, kMilliseconds);
         std::this_thread::sleep_for(milliseconds(random() % 60));
         victim.Kill();
         victim.Wait();
@@ -75,32 +81,26 @@ TEST(Hammer, Survivors_of_kills_never_hang_and_never_see_anothers_reply) {
         EXPECT_EQ(0, survivor.Wait());
     }
     // Longer than the one time-out that it may cost to find the last one's request.
-    ChildProcess afterwards = StartHammer("Hammer", 1, 2 * kTimeoutMs);
+    ChildProcess afterwards = Start(1, 2 * kTimeoutMs);
     const HammerCounts counts = Result(afterwards);
     EXPECT_GT(counts.good, 100);
     EXPECT_EQ(0, counts.other + counts.late + counts.wrong);
     EXPECT_LE(counts.Failures(), 2);
 }
 
-TEST(Hammer, Four_clients_are_served_alike) {
-    ChannelPuppet server;
-    ASSERT_EQ(1u, server.Do("open server Fair 65791").number);
-    ASSERT_EQ(1u, server.Do("dispatch").number);
+TEST_F(Hammer, Four_clients_are_served_alike) {
+    StartServer("Fair");
     std::vector<ChildProcess> clients;
     for (int i = 0; i < 4; ++i)
-        clients.push_back(PrepareHammer("Fair", 1, 2000));
+        clients.push_back(Prepare(1, 2000));
     for (ChildProcess& client : clients)
         client.WriteLine("go");
-    long most = 0;
-    long least = 0;
-    for (ChildProcess& client : clients) {
-        const HammerCounts counts = Result(client);
-        EXPECT_EQ(0, counts.Failures() + counts.late + counts.wrong);
-        most = std::max(most, counts.good);
-        least = least == 0 ? counts.good : std::min(least, counts.good);
-    }
-    std::printf("most %ld, least %ld\n", most, least);
-    EXPECT_LE(most, 3 * least) << "somebody starves";
+    HammerCounts all;
+    for (ChildProcess& client : clients)
+        all.Add(Result(client));
+    std::cout << all << '\n';
+    EXPECT_EQ(0, all.Failures() + all.late + all.wrong);
+    EXPECT_LE(all.most, 3 * all.least) << "somebody starves";
 }
 
 }  // namespace

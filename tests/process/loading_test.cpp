@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <latch>
 #include <string>
 #include <thread>
 #include <vector>
@@ -49,19 +50,36 @@ TEST(Loading, A_foreign_file_name_is_refused_with_1114_each_time) {
 
 TEST(Loading, A_copy_of_another_product_loads_and_is_gone_when_freed) {
     for (const char* stem : {"ACMESDK", "acmesdk"}) {
+        SCOPED_TRACE(stem);
         const WideText path = CopyAs(stem);
         for (int i = 0; i < 2; ++i) {
             const HMODULE library = LoadLibraryW(path.c_str());
-            ASSERT_NE(nullptr, library) << stem << ' ' << GetLastError();
+            ASSERT_NE(nullptr, library) << GetLastError();
             EXPECT_EQ(10u, CallNumber(library, "GetSDKVersion"));
             EXPECT_EQ(100000u, CallNumber(library, "GetLastResponseNum"));
             EXPECT_EQ(library, LoadLibraryW(path.c_str()));
             EXPECT_TRUE(FreeLibrary(library));
             EXPECT_EQ(library, GetModuleHandleW(path.c_str()));
             EXPECT_TRUE(FreeLibrary(library));
-            EXPECT_EQ(nullptr, GetModuleHandleW(path.c_str())) << stem;
+            EXPECT_EQ(nullptr, GetModuleHandleW(path.c_str()));
         }
     }
+}
+
+TEST(Loading, A_thread_that_used_the_library_may_outlive_it) {
+    const HMODULE library = LoadLibraryW(CopyAs("ACMESDK").c_str());
+    ASSERT_NE(nullptr, library);
+    std::latch used(1);
+    std::latch freed(1);
+    std::thread survivor([&] {
+        CallNumber(library, "GetLastResponseNum");
+        used.count_down();
+        freed.wait();
+    });
+    used.wait();
+    EXPECT_TRUE(FreeLibrary(library));
+    freed.count_down();
+    survivor.join();
 }
 
 // The channel to the status monitor that each thread's object keeps open.
@@ -72,24 +90,6 @@ bool AnyObjectLives() {
     const bool existed = GetLastError() == ERROR_ALREADY_EXISTS;
     CloseHandle(event);
     return existed;
-}
-
-TEST(Loading, A_thread_that_used_the_library_may_outlive_it) {
-    const HMODULE library = LoadLibraryW(CopyAs("ACMESDK").c_str());
-    ASSERT_NE(nullptr, library);
-    HANDLE freed = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    HANDLE used = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    std::thread survivor([&] {
-        CallNumber(library, "GetLastResponseNum");
-        SetEvent(used);
-        WaitForSingleObject(freed, INFINITE);
-    });
-    WaitForSingleObject(used, INFINITE);
-    EXPECT_TRUE(FreeLibrary(library));
-    SetEvent(freed);
-    survivor.join();
-    CloseHandle(freed);
-    CloseHandle(used);
 }
 
 // The threads know nothing of the library but one function; another program keeps the channel's transaction.

@@ -8,8 +8,6 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 const WCHAR* const kRemoteName = TEXT("ZRIJ9900StatMonClass-01042005RemoteControlChannel");
 const WCHAR* const kRunningName = TEXT("ZRIJ9900StatMonClass-01042005");
 constexpr int kKilled = 128 + 9;
@@ -61,7 +59,7 @@ TEST_F(StatusMonitor, Answers_the_seven_requests_and_tells_each_in_a_line) {
         EXPECT_EQ(row.answer, Ask(row.code, row.text));
         EXPECT_NE(std::string::npos, monitor_.ReadLine().value_or("").find(row.line));
     }
-    // Its length says more than was sent.
+    // Its length says more than is sent.
     const uint32_t lying[] = {0x53686F57, 0xFFFFFFFF, 'P'};
     EXPECT_EQ(sizeof(lying), channel_.Send(lying, sizeof(lying), 1000));
     uint32_t value = 0;
@@ -72,7 +70,7 @@ TEST_F(StatusMonitor, Misbehaves_as_it_is_told_and_leaves_room_for_the_next_one)
     struct Case {
         std::vector<std::string> options;
         std::optional<uint32_t> answer;  // to ShoA
-        int slowestMs;
+        int leastMs;
         int exitCode;  // 0: it lives on
     };
     const Case cases[] = {
@@ -85,7 +83,7 @@ TEST_F(StatusMonitor, Misbehaves_as_it_is_told_and_leaves_room_for_the_next_one)
         StartMonitor(row.options);
         const auto start = Clock::now();
         EXPECT_EQ(row.answer, Ask(kShoA));
-        EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(row.slowestMs));
+        EXPECT_GE(Clock::now() - start, milliseconds(row.leastMs));
         if (row.exitCode == 0) {
             EXPECT_EQ(0, StopMonitor());
         }
@@ -123,17 +121,16 @@ TEST_F(StatusMonitor, Runs_once_and_ends_when_asked_or_left_alone) {
 }
 
 TEST_F(StatusMonitor, Takes_its_settings_from_the_file_beside_it_unless_they_are_wrong) {
-    Configure(R"({"refuse": ["ShoA"], "slow": {"Ping": 50}})");
+    std::ofstream(SettingsFile()) << R"({"refuse": ["ShoA"], "slow": {"Ping": 50}})";
     StartMonitor();
     EXPECT_EQ(0u, Ask(kShoA));
     EXPECT_EQ(0, StopMonitor());
-    const std::filesystem::path file = std::filesystem::path(program_).replace_extension(".json");
     for (const char* wrong :
          {"{", "[]", R"({"refuse": ["Show"]})", R"({"slow": {"Ping": -1}})", R"({"x": 1})"}) {
-        std::ofstream(file) << wrong;
+        std::ofstream(SettingsFile()) << wrong;
         EXPECT_EQ(2, Launch({}).Wait()) << wrong;
     }
-    std::filesystem::remove(file);
+    std::filesystem::remove(SettingsFile());
 }
 
 }  // namespace
