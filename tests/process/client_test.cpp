@@ -47,6 +47,7 @@ TEST_F(Client, Exit_codes_have_one_meaning_each) {
         {{"maintenance", "check-nozzles"}, 0, ""},
     });
     EXPECT_EQ(3, RunClient({"-p", "Nobody", "get", "fax.redials"}).code);
+    EXPECT_EQ(4, RunProgram({KESTREL_VPRINTER, "--port", "USB001"}).code) << "one port, one printer";
     printer_.Terminate();
     EXPECT_EQ(0, printer_.Wait());
     EXPECT_EQ(4, Run({"--timeout", "200ms", "get", "fax.redials"}).code);
@@ -78,7 +79,7 @@ TEST_F(Client, Every_family_of_the_library_has_its_commands) {
     std::ofstream(book) << "1,fax,\"Smith, Al\",0301\n2,email,Eva,eva@example.org\n";
     std::ofstream(upgrade) << "ZRFW 1 9900.7.1\n";
     std::ofstream(home_ / "control.json") << R"({"*":{"search.seconds":1,"upgrade.seconds":1}})";
-    StartPrinter("", {"--control", (home_ / "control.json").string()});
+    StartPrinter("[]", {"--control", (home_ / "control.json").string()});
 
     ExpectAll({
         {{"status"}, 0, "ink         black     75 % enough\n"},

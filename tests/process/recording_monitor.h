@@ -89,15 +89,14 @@ class RecordingMonitor final {
     std::thread server_;
 };
 
+// The language monitor that answers what the test says, with the printer selected and nothing to announce.
 class Wire : public InstalledPrinter {
   protected:
-    void WithPrinter(const std::function<void()>& body) {
-        InstalledPrinter::WithPrinter([&] {
-            uint8_t value = 0;
-            GetFaxRedials(&value, kLong);  // announces the time-out, so that only the requests follow
-            monitor_.TakeRequests();
-            body();
-        });
+    Wire() {
+        uint8_t value = 0;
+        EXPECT_TRUE(SelectPrinter(kPrinter)) << GetLastError();
+        EXPECT_TRUE(GetFaxRedials(&value, kLong)) << GetLastError();
+        monitor_.TakeRequests();
     }
     // The requests but for announcements: each of the shrinking time-outs of a list has one.
     Requests Sent() {

@@ -170,17 +170,4 @@ TEST_F(Exchange, A_client_killed_while_it_waits_does_not_disturb_the_next_one) {
     });
 }
 
-TEST(VirtualPrinter, A_port_that_is_served_already_is_refused_with_4) {
-    const std::vector<std::string> words = {KESTREL_VPRINTER, "--port", "USB001", "--trace", "none"};
-    ChildProcess first(words);
-    ASSERT_TRUE(first.ReadLine());
-    EXPECT_EQ(4, ChildProcess(words).Wait());
-    first.Kill();
-    first.Wait();
-    ChildProcess third(words);
-    EXPECT_TRUE(third.ReadLine());
-    third.Terminate();
-    EXPECT_EQ(0, third.Wait());
-}
-
 }  // namespace

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstring>
 #include <map>
+#include <tuple>
 
 #include "installed_printer.h"
 #include "recording_monitor.h"
@@ -86,7 +87,7 @@ TEST_F(Settings, Every_row_goes_both_ways) {
 }
 
 TEST_F(Wire, A_time_out_is_announced_once_by_its_95_percent) {
-    InstalledPrinter::WithPrinter([&] {
+    WithPrinter([&] {
         EXPECT_EQ((Requests{"ZRTimeoutParam=950;", "ZRPing?"}), monitor_.TakeRequests());
         uint8_t value = 0;
         for (int i = 0; i < 2; ++i)
@@ -97,10 +98,6 @@ TEST_F(Wire, A_time_out_is_announced_once_by_its_95_percent) {
 }
 
 TEST_F(Wire, Requests_are_the_literal_texts_of_the_device_language) {
-    struct Case {
-        std::function<kestrel_bool()> call;
-        Requests requests;
-    };
     uint8_t byte = 0;
     uint32_t number = 0;
     kestrel_char text[65];
@@ -109,7 +106,7 @@ TEST_F(Wire, Requests_are_the_literal_texts_of_the_device_language) {
     const std::string security = "DeviceNetwork.WiFiSettings.Mac_Configuration.Security.";
     const std::string search = "DeviceNetwork.WiFiAccessPoints.SearchAccessPoints=YES;";
     const std::string address = "DeviceNetwork.WiFiSettings.TCP_Configuration.Static.IP_Address";
-    const Case cases[] = {
+    const std::pair<std::function<kestrel_bool()>, Requests> rows[] = {
         {[&] { return GetFaxRedials(&byte, kLong); }, {"DeviceSettings.Fax.Redials?"}},
         {[] { return SetFaxRedials(3, kLong); }, {"DeviceSettings.Fax.Redials=3;"}},
         {[] { return SetCopyBrightness(-2, kLong); }, {"DeviceSettings.Copy.Brightness=-2;"}},
@@ -134,27 +131,17 @@ TEST_F(Wire, Requests_are_the_literal_texts_of_the_device_language) {
     };
     monitor_.AnswerTo("Language?", "0000,X=CastilianSpanish;");
     monitor_.AnswerTo("Maintenance", "96,X;");
-    WithPrinter([&] {
-        for (const Case& row : cases) {
-            SCOPED_TRACE(row.requests[0]);
-            EXPECT_EQ(kDone, Ended(row.call()));
-            EXPECT_EQ(row.requests, Sent());
-        }
-        EXPECT_EQ(12u, number);
-        monitor_.SetDelay(250);
-        const uint32_t late = Ended(SetDeviceTime(2012, 3, 9, 14, 5, 260));
-        EXPECT_TRUE(late == 1460 || late == kNoReply) << "both requests have one time-out: " << late;
-    });
+    for (const auto& [call, requests] : rows) {
+        SCOPED_TRACE(requests[0]);
+        EXPECT_EQ(kDone, Ended(call()));
+        EXPECT_EQ(requests, Sent());
+    }
+    EXPECT_EQ(12u, number);
 }
 
 TEST_F(Wire, Replies_are_judged_and_read_as_the_device_language_says) {
-    const struct {
-        const char* reply;
-        uint32_t ends;  // GetFaxRedials
-        uint8_t value;
-        uint32_t number;  // response number afterwards
-        bool isBad;       // and kept as the last of its kind
-    } rows[] = {
+    // How GetFaxRedials ends, what it reads, the response number, and whether the reply is kept as a bad one.
+    const std::tuple<const char*, uint32_t, uint8_t, uint32_t, bool> rows[] = {
         {"4000,X=5;", kDone, 5, 4000, false},
         {"100000,X=5;", kDone, 5, 100000, false},
         {",X=5;", kDone, 5, 0, false},
@@ -175,20 +162,18 @@ TEST_F(Wire, Replies_are_judged_and_read_as_the_device_language_says) {
         {"0000,X#99999999999999999=5;", kUnexpectedReply, 0, 0, false},
         {"0000,\x01=5;", kUnexpectedReply, 0, 0, false},
     };
-    WithPrinter([&] {
-        for (const auto& row : rows) {
-            SCOPED_TRACE(row.reply);
-            monitor_.Answer(row.reply);
-            uint8_t value = 0x55;
-            EXPECT_EQ(row.ends, Ended(GetFaxRedials(&value, kLong)));
-            EXPECT_EQ(row.value, value);
-            EXPECT_EQ(row.number, GetLastResponseNum());
-            kestrel_char bad[64];
-            GetLastBadResponse(bad, 64);
-            EXPECT_EQ(row.ends == kDone ? 0 : row.ends, GetLastError()) << "diagnostics must not change it";
-            EXPECT_EQ(Widened(row.isBad ? row.reply : ""), bad);
-        }
-    });
+    for (const auto& [reply, ends, value, number, isBad] : rows) {
+        SCOPED_TRACE(reply);
+        monitor_.Answer(reply);
+        uint8_t found = 0x55;
+        EXPECT_EQ(ends, Ended(GetFaxRedials(&found, kLong)));
+        EXPECT_EQ(value, found);
+        EXPECT_EQ(number, GetLastResponseNum());
+        kestrel_char bad[64];
+        GetLastBadResponse(bad, 64);
+        EXPECT_EQ(ends == kDone ? 0 : ends, GetLastError()) << "diagnostics must not change it";
+        EXPECT_EQ(Widened(isBad ? reply : ""), bad);
+    }
 }
 
 TEST_F(Wire, Values_of_every_type_are_cut_to_it_and_cleared_on_failure_but_for_words) {
@@ -202,12 +187,7 @@ TEST_F(Wire, Values_of_every_type_are_cut_to_it_and_cleared_on_failure_but_for_w
     const auto language = [&] { return GetDisplayLanguage(&out, kLong); };
     const auto clean = [] { return CleanHead(1); };
     constexpr uint32_t kUntouched = 0x55555555;
-    const struct {
-        std::function<kestrel_bool()> call;
-        const char* reply;
-        uint32_t ends;
-        uint32_t value;
-    } rows[] = {
+    const std::tuple<std::function<kestrel_bool()>, const char*, uint32_t, uint32_t> rows[] = {
         {level, "0,X=99;", kDone, 0x55555563},
         {level, "0,X=150;", kDone, 0x55555564},
         {level, "0,X=300;", kDone, 0x5555552C},
@@ -227,51 +207,43 @@ TEST_F(Wire, Values_of_every_type_are_cut_to_it_and_cleared_on_failure_but_for_w
         {clean, "X;", kBadReply, kUntouched},
         {clean, "1999,X;", 170, kUntouched},
     };
-    WithPrinter([&] {
-        for (const auto& row : rows) {
-            SCOPED_TRACE(row.reply);
-            monitor_.Answer(row.reply);
-            out = kUntouched;
-            SetLastError(ERROR_ACCESS_DENIED);
-            EXPECT_EQ(row.ends, Ended(row.call()));
-            EXPECT_EQ(row.value, out);
-        }
-    });
+    for (const auto& [call, reply, ends, value] : rows) {
+        SCOPED_TRACE(reply);
+        monitor_.Answer(reply);
+        out = kUntouched;
+        SetLastError(ERROR_ACCESS_DENIED);
+        EXPECT_EQ(ends, Ended(call()));
+        EXPECT_EQ(ends == kDone ? 0 : ends, GetLastError());
+        EXPECT_EQ(value, out);
+    }
 }
 
 TEST_F(Wire, Texts_are_cut_to_their_buffer_and_empty_when_there_is_none) {
-    const struct {
-        std::string reply;
-        uint32_t ends;
-        size_t letters;
-    } rows[] = {
-        {"0,X=" + std::string(70, 'y') + ";", kDone, 32}, {"0,X=(null);", kDone, 0}, {"0,X;", kBadReply, 0}};
-    WithPrinter([&] {
-        for (const auto& row : rows) {
-            monitor_.Answer(row.reply);
-            Guarded<kestrel_char, 33> out;
-            EXPECT_EQ(row.ends, Ended(GetWirelessSSID(out.records, kLong))) << row.reply;
-            EXPECT_EQ(WideText(row.letters, TEXT('y')), Text(out.records));
-        }
-        monitor_.Answer(rows[0].reply);
-        Guarded<kestrel_char, 29> clock;
-        EXPECT_EQ(kDone, Ended(GetCurrentTimeRTC(clock.records, kLong)));
-        EXPECT_EQ(WideText(28, TEXT('y')), Text(clock.records));
-    });
+    const std::string longText = "0,X=" + std::string(70, 'y') + ";";
+    const std::tuple<std::string, uint32_t, size_t> rows[] = {
+        {longText, kDone, 32}, {"0,X=(null);", kDone, 0}, {"0,X;", kBadReply, 0}};
+    for (const auto& [reply, ends, letters] : rows) {
+        monitor_.Answer(reply);
+        Guarded<kestrel_char, 33> out;
+        EXPECT_EQ(ends, Ended(GetWirelessSSID(out.records, kLong))) << reply;
+        EXPECT_EQ(WideText(letters, TEXT('y')), Text(out.records));
+    }
+    monitor_.Answer(longText);
+    Guarded<kestrel_char, 29> clock;
+    EXPECT_EQ(kDone, Ended(GetCurrentTimeRTC(clock.records, kLong)));
+    EXPECT_EQ(WideText(28, TEXT('y')), Text(clock.records));
 }
 
 TEST_F(Wire, What_is_wrong_in_the_call_sends_nothing) {
-    WithPrinter([&] {
-        kestrel_char text[65];
-        uint32_t number = 5;
-        EXPECT_EQ(87u, Ended(GetWirelessSecurityKey(4, text, kLong)));
-        EXPECT_EQ(87u, Ended(SetDisplayLanguage(15, kLong)));
-        EXPECT_EQ(87u, Ended(GetFaxRedials(nullptr, kLong)));
-        EXPECT_EQ(87u, Ended(SetFriendlyName(nullptr, kLong)));
-        EXPECT_EQ(kDone, Ended(GetPhotoTrayState(&number, kLong)));
-        EXPECT_EQ(0u, number);
-        EXPECT_TRUE(Sent().empty());
-    });
+    kestrel_char text[65];
+    uint32_t number = 5;
+    EXPECT_EQ(87u, Ended(GetWirelessSecurityKey(4, text, kLong)));
+    EXPECT_EQ(87u, Ended(SetDisplayLanguage(15, kLong)));
+    EXPECT_EQ(87u, Ended(GetFaxRedials(nullptr, kLong)));
+    EXPECT_EQ(87u, Ended(SetFriendlyName(nullptr, kLong)));
+    EXPECT_EQ(kDone, Ended(GetPhotoTrayState(&number, kLong)));
+    EXPECT_EQ(0u, number);
+    EXPECT_TRUE(Sent().empty());
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <cstring>
+#include <tuple>
 
 #include "installed_status_monitor.h"
 #include "recording_monitor.h"
@@ -25,18 +26,20 @@ std::string BlockReply(uint32_t state, char text) {
 
 using Status = InstalledStatusMonitor;
 
-TEST_F(Status, Comes_from_the_language_monitor_once_the_status_monitor_is_told) {
-    StartMonitor();
+TEST_F(Status, Comes_from_the_language_monitor_once_the_status_monitor_is_started_and_told) {
+    Configure();
     RecordingMonitor language;
     language.Answer(BlockReply(5, 0));
-    WithPrinter([&] {
+    WithPrinter([] {
         Guarded<DeviceStatusRecord, 1> out;
         EXPECT_EQ(kDone, Ended(GetStatus(out.records, sizeof(out.records))));
         EXPECT_EQ(5u, out.records[0].state);
         EXPECT_EQ(1051 % 251, reinterpret_cast<const uint8_t*>(out.records)[1051]);
         EXPECT_EQ(87u, Ended(GetStatus(out.records, 1051)));
     });
-    EXPECT_NE(std::string::npos, monitor_.ReadLine().value_or("").find("UpSt")) << "pinged, or not told";
+    EXPECT_EQ(1u, Count(Log(), "Ping")) << Log();
+    EXPECT_EQ(1u, Count(Log(), "UpSt")) << Log();
+    EXPECT_EQ(0, StopMonitor());
 }
 
 TEST_F(Status, Is_asked_for_every_two_seconds_until_it_is_known) {
@@ -59,6 +62,7 @@ TEST_F(Status, Is_asked_for_every_two_seconds_until_it_is_known) {
             asked += Count(request, "ZRGetStatus?");
         EXPECT_EQ(3u, asked);
     });
+    EXPECT_NE(std::string::npos, monitor_.ReadLine().value_or("").find("UpSt")) << "one that runs was pinged";
 }
 
 TEST_F(Status, A_reply_without_a_block_fails_and_clears_the_record) {
@@ -73,44 +77,26 @@ TEST_F(Status, A_reply_without_a_block_fails_and_clears_the_record) {
     });
 }
 
-TEST_F(Status, Starts_the_status_monitor_of_the_driver_folder) {
-    Configure();
-    RecordingMonitor language;
-    language.Answer(BlockReply(5, 0));
-    WithPrinter([] {
-        Guarded<DeviceStatusRecord, 1> out;
-        EXPECT_EQ(kDone, Ended(GetStatus(out.records, sizeof(out.records))));
-    });
-    EXPECT_EQ(1u, Count(Log(), "Ping")) << Log();
-    EXPECT_EQ(1u, Count(Log(), "UpSt")) << Log();
-    EXPECT_EQ(0, StopMonitor());
-}
-
 using Windows = Status;
 
 TEST_F(Windows, Open_on_a_status_monitor_that_answers_and_fail_by_reason_on_others) {
-    struct Case {
-        std::vector<std::string> options;
-        uint32_t windows;  // how these two end
-        uint32_t about;
-        int leastMs;  // that the first one takes
-    };
-    const Case cases[] = {
+    // How the two windows and the about box end, and how many milliseconds the first one takes at least.
+    const std::tuple<std::vector<std::string>, uint32_t, uint32_t, int> rows[] = {
         {{}, kDone, kDone, 0},
         {{"--refuse", "ShoW,ShoM,ShoA"}, 31, 31, 0},
         {{"--slow", "ShoW=300,ShoM=300,ShoA=300"}, kDone, kDone, 300},
         {{"--refuse", "Ping"}, kNoReply, kDone, 0},  // the about box is opened unasked
         {{"--silent", "ShoW,ShoM"}, kNoReply, kDone, 4900},
     };
-    for (const Case& row : cases) {
-        SCOPED_TRACE(row.options.empty() ? "" : row.options[1]);
-        StartMonitor(row.options);
-        WithPrinter([&] {
+    for (const auto& [options, windows, about, leastMs] : rows) {
+        SCOPED_TRACE(testing::PrintToString(options));
+        StartMonitor(options);
+        WithPrinter([&, windows = windows, about = about, leastMs = leastMs] {
             const auto start = Clock::now();
-            EXPECT_EQ(row.windows, Ended(ShowStatusMonitor()));
-            EXPECT_GE(Clock::now() - start, milliseconds(row.leastMs));
-            EXPECT_EQ(row.windows, Ended(ShowMaintenance()));
-            EXPECT_EQ(row.about, Ended(ShowAboutBox()));
+            EXPECT_EQ(windows, Ended(ShowStatusMonitor()));
+            EXPECT_GE(Clock::now() - start, milliseconds(leastMs));
+            EXPECT_EQ(windows, Ended(ShowMaintenance()));
+            EXPECT_EQ(about, Ended(ShowAboutBox()));
         });
         EXPECT_EQ(0, StopMonitor());
         EXPECT_EQ(2u, Count(monitor_.ReadAll(), "Ping"));
