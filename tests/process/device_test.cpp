@@ -200,11 +200,11 @@ TEST_F(Device, Several_requests_have_the_time_out_of_one) {
     monitor_.AnswerTo("Lagoon", "0,X=0x10;");
     monitor_.AnswerTo("Customer", "0,X=7;");
     monitor_.AnswerTo("Printer", "0,X=ZR 1;");
-    KestrelQuickDial record;
+    KestrelQuickDial records[KESTREL_ONE_TOUCH_RECORDS];
     std::array<uint32_t, 2> numbers = {9, 9};
     Guarded<kestrel_char, 64> out;
     const std::function<kestrel_bool(uint32_t)> calls[] = {
-        [&](uint32_t ms) { return GetQuickDialButton(0, &record, ms); },
+        [&](uint32_t ms) { return GetQuickDialButtons(records, ms); },
         [&](uint32_t ms) { return GetVendorProductIDs(&numbers[0], &numbers[1], ms); },
         [&](uint32_t ms) { return SetDeviceTime(2012, 3, 9, 14, 5, ms); },
         [&](uint32_t ms) { return GetFWVersion(&numbers[0], &numbers[1], out.records, ms); },
@@ -213,11 +213,12 @@ TEST_F(Device, Several_requests_have_the_time_out_of_one) {
         EXPECT_EQ(kDone, Ended(call(kLong)));
     EXPECT_EQ((std::array<uint32_t, 2>{16, 7}), numbers);
     EXPECT_EQ(WideText(TEXT("ZR 1")), Text(out.records));
-    // It is announced before each request, so two replies of four come in time.
+    // A time-out unlike the last one is announced before each request, so two replies of four come in time.
+    uint32_t timeout = 1000;
     monitor_.SetDelay(300);
     for (const auto& call : calls) {
-        EXPECT_FALSE(call(1000));
-        Sleep(700);  // whatever comes late has come
+        EXPECT_FALSE(call(++timeout));
+        Sleep(400);  // whatever comes late has come
     }
     EXPECT_EQ(16u, numbers[0]);
     EXPECT_EQ(0u, out.records[0]);

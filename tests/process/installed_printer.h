@@ -105,6 +105,7 @@ class InstalledPrinter : public testing::Test {
                                           "--faults",
                                           file};
         words.insert(words.end(), extra.begin(), extra.end());
+        printer_ = ChildProcess();  // a port has one printer at a time
         printer_ = ChildProcess(words);
         const std::string ready = printer_.ReadLine().value_or("");
         ASSERT_EQ(0u, ready.find("ready: USB001")) << ready;

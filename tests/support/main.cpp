@@ -4,24 +4,11 @@
 
 #include "own_folder.h"
 
-namespace {
-
-class OwnFolder final : public testing::Environment {
-  public:
-    void SetUp() override {
-        folder_ = MakeOwnFolder();
-        ASSERT_FALSE(folder_.empty()) << "no folder for the test's files";
-    }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
-
-  private:
-    std::filesystem::path folder_;
-};
-
-}  // namespace
-
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    testing::AddGlobalTestEnvironment(new OwnFolder);
-    return RUN_ALL_TESTS();
+    const std::filesystem::path folder = MakeOwnFolder();
+    if (folder.empty()) return 1;
+    const int result = RUN_ALL_TESTS();
+    std::filesystem::remove_all(folder);
+    return result;
 }
