@@ -34,7 +34,6 @@ class ChannelPuppet final {
         return answer;
     }
 
-    [[nodiscard]] unsigned Id() const { return process_.Id(); }
     ChildProcess& Process() { return process_; }
 
   private:

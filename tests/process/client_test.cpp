@@ -1,15 +1,26 @@
 // The command-line client as its users meet it: results, refusals, exit codes.
-#include <nlohmann/json.hpp>
-
 #include "installed_status_monitor.h"
 
 namespace {
 
+struct Case {
+    std::vector<std::string> words;
+    int code;
+    const char* output;  // a part of it
+};
+
 class Client : public InstalledStatusMonitor {
   protected:
-    static CommandResult Run(std::vector<std::string> words) {
+    static ProgramResult Run(std::vector<std::string> words) {
         words.insert(words.begin(), {"-p", "P"});
         return RunClient(words);
+    }
+    static void ExpectAll(const std::vector<Case>& cases) {
+        for (const Case& row : cases) {
+            const ProgramResult result = Run(row.words);
+            EXPECT_EQ(row.code, result.code) << row.words.front() << ' ' << row.words.back();
+            EXPECT_NE(std::string::npos, result.output.find(row.output)) << result.output;
+        }
     }
 };
 
@@ -17,12 +28,7 @@ TEST_F(Client, Exit_codes_have_one_meaning_each) {
     StartPrinter(R"([{"match":"DeviceSettings.Fax.Rings?","responseNumber":1001},
                      {"match":"DeviceSettings.Copy.Quality?","garbage":"hello"},
                      {"match":"DeviceSettings.Copy.Preview?","noReply":true}])");
-    struct Case {
-        std::vector<std::string> words;
-        int code;
-        std::string output;
-    };
-    const Case cases[] = {
+    ExpectAll({
         {{"get", "fax.redials"}, 0, "3\n"},
         {{"set", "fax.redials", "7"}, 0, ""},
         {{"get", "fax.redials"}, 0, "7\n"},
@@ -39,13 +45,9 @@ TEST_F(Client, Exit_codes_have_one_meaning_each) {
         {{"--timeout", "200ms", "get", "copy.preview"}, 4, ""},
         {{"raw", "DeviceSettings.Fax.Redials?"}, 0, "0000,DeviceSettings.Fax.Redials=7;\n"},
         {{"maintenance", "check-nozzles"}, 0, ""},
-    };
-    for (const Case& row : cases) {
-        const CommandResult result = Run(row.words);
-        EXPECT_EQ(row.code, result.code) << row.words.back();
-        EXPECT_EQ(row.output, row.output.empty() ? row.output : result.output);
-    }
+    });
     EXPECT_EQ(3, RunClient({"-p", "Nobody", "get", "fax.redials"}).code);
+    EXPECT_EQ(4, RunProgram({KESTREL_VPRINTER, "--port", "USB001"}).code) << "one port, one printer";
     printer_.Terminate();
     EXPECT_EQ(0, printer_.Wait());
     EXPECT_EQ(4, Run({"--timeout", "200ms", "get", "fax.redials"}).code);
@@ -57,9 +59,9 @@ TEST_F(Client, Json_is_one_document_with_the_exit_code_inside) {
     EXPECT_EQ(1, good.at("version"));
     EXPECT_EQ(0, good.at("exitCode"));
     EXPECT_NE(std::string::npos, good.dump().find(":3"));
-    const CommandResult refused = Run({"--json", "set", "photo.quality", "Splendid"});
-    EXPECT_EQ(6, refused.code);
-    EXPECT_EQ(6, nlohmann::json::parse(refused.output).at("exitCode"));
+    const ProgramResult bad = Run({"--json", "set", "photo.quality", "Splendid"});
+    EXPECT_EQ(6, bad.code);
+    EXPECT_EQ(6, nlohmann::json::parse(bad.output).at("exitCode"));
 }
 
 TEST_F(Client, Secrets_are_masked_in_lists_and_shown_when_asked_for) {
@@ -77,14 +79,9 @@ TEST_F(Client, Every_family_of_the_library_has_its_commands) {
     std::ofstream(book) << "1,fax,\"Smith, Al\",0301\n2,email,Eva,eva@example.org\n";
     std::ofstream(upgrade) << "ZRFW 1 9900.7.1\n";
     std::ofstream(home_ / "control.json") << R"({"*":{"search.seconds":1,"upgrade.seconds":1}})";
-    StartPrinter("", {"--control", (home_ / "control.json").string()});
+    StartPrinter("[]", {"--control", (home_ / "control.json").string()});
 
-    struct Case {
-        std::vector<std::string> words;
-        int code;
-        const char* expected;  // a part of the output
-    };
-    const Case cases[] = {
+    ExpectAll({
         {{"status"}, 0, "ink         black     75 % enough\n"},
         {{"--json", "status", "--watch", "--interval", "10ms", "--for", "50ms"}, 0, "\"afterMs\""},
         {{"status", "--for", "1s"}, 2, ""},
@@ -105,11 +102,14 @@ TEST_F(Client, Every_family_of_the_library_has_its_commands) {
         {{"hosts"}, 0, "kestrel-9900.local\nworkshop-pc.local\n"},
         {{"clock", "set", "2020-02-29 12:00"}, 0, ""},
         {{"clock", "show"}, 0, "2020-02-29 12:0"},
+        {{"clock", "set", "2021-13-01 00:00"}, 1, ""},
         {{"clock", "set", "tomorrow"}, 6, ""},
         {{"clock", "sync"}, 0, ""},
+        {{"firmware", "show"}, 0, "9900.2209.417"},
         {{"firmware", "upgrade", book.string()}, 1, ""},
         {{"firmware", "upgrade", "/nowhere/new.fw"}, 1, ""},
         {{"firmware", "upgrade", upgrade.string()}, 0, "the printer has taken the file"},
+        {{"firmware", "refresh"}, 0, ""},
         {{"capabilities"}, 0, "firmware upgrade   yes\n"},
         {{"identity"}, 0, "USB vendor   FFF0\nUSB product  26AC\n"},
         {{"supplies", "order"}, 0, ""},
@@ -118,12 +118,7 @@ TEST_F(Client, Every_family_of_the_library_has_its_commands) {
         {{"cache", "off"}, 0, ""},
         {{"cancel"}, 0, ""},
         {{"lock", "--hold", "10ms"}, 0, "unlocked\n"},
-    };
-    for (const Case& row : cases) {
-        const CommandResult result = Run(row.words);
-        EXPECT_EQ(row.code, result.code) << row.words.front() << ' ' << row.words.back();
-        EXPECT_NE(std::string::npos, result.output.find(row.expected)) << result.output;
-    }
+    });
 }
 
 }  // namespace

@@ -2,8 +2,6 @@
 // Windows.
 #include <gtest/gtest.h>
 #include <windows.h>
-// The headers below need the one above.
-#include <winspool.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -12,7 +10,7 @@
 #include <vector>
 
 #include "child_process.h"
-#include "kwt/wide_text.h"
+#include "spooler_value.h"
 
 namespace {
 
@@ -67,42 +65,13 @@ class InstallTool : public testing::Test {
         return path.string();
     }
 
-    struct Result {
-        int code;
-        std::string output;
-    };
-    static Result Run(std::vector<std::string> words) {
+    static ProgramResult Run(std::vector<std::string> words) {
         words.insert(words.begin(), {"/bin/sh", "-c", "exec \"$0\" \"$@\" 2>&1", INSTALL_TOOL});
-        ChildProcess tool(words);
-        Result result{0, tool.ReadAll()};
-        result.code = tool.Wait();
-        return result;
+        return RunProgram(words);
     }
-    static Result RunEntry(std::vector<std::string> words) {
+    static ProgramResult RunEntry(std::vector<std::string> words) {
         words.insert(words.begin(), "printui.dll,PrintUIEntry");
         return Run(words);
-    }
-
-    // A text of the spooler's record of a driver; "-" without driver or text.
-    static WideText DriverText(const WideText& model, const WCHAR* value) {
-        const WideText drivers =
-            TEXT("SYSTEM\\CurrentControlSet\\Control\\Print\\Environments\\Linux x64\\Drivers\\Version-3\\");
-        HKEY key = nullptr;
-        if (RegOpenKeyW(HKEY_LOCAL_MACHINE, (drivers + model).c_str(), &key) != 0) return TEXT("-");
-        WCHAR text[64] = TEXT("-");
-        DWORD size = sizeof(text);
-        RegQueryValueExW(key, value, nullptr, nullptr, reinterpret_cast<LPBYTE>(text), &size);
-        RegCloseKey(key);
-        return text;
-    }
-    static WideText PortOf(const WCHAR* printer) {
-        HANDLE handle = nullptr;
-        if (!OpenPrinterW(const_cast<LPWSTR>(printer), &handle, nullptr)) return TEXT("-");
-        alignas(PRINTER_INFO_2W) BYTE record[4096];
-        DWORD needed = 0;
-        EXPECT_TRUE(GetPrinterW(handle, 2, record, sizeof(record), &needed));
-        ClosePrinter(handle);
-        return reinterpret_cast<const PRINTER_INFO_2W*>(record)->pPortName;
     }
 };
 
@@ -111,28 +80,27 @@ TEST_F(InstallTool, A_driver_is_taken_from_every_encoding_and_from_shared_sectio
     for (const std::string& bytes : {std::string(kInf), Utf16(kInf), "\xEF\xBB\xBF" + std::string(kInf)}) {
         const std::string inf = Write("a.inf", bytes);
         EXPECT_EQ(RunEntry({"/ia", "/f", inf, "/m", "zr \"nine\" 9900"}).code, 0);
-        EXPECT_EQ(DriverText(nine, TEXT("Driver")), TEXT("DRV.DLL"));
-        EXPECT_EQ(DriverText(nine, TEXT("Data File")), TEXT("DRV.INI"));
-        EXPECT_EQ(DriverText(nine, TEXT("Configuration File")), TEXT("DRV.DLL"));
-        EXPECT_EQ(DriverText(nine, TEXT("Monitor")), TEXT("ZR Monitor"));
-        HKEY drivers = nullptr;
-        RegOpenKeyW(HKEY_LOCAL_MACHINE, TEXT("SYSTEM\\CurrentControlSet\\Control\\Print"), &drivers);
-        EXPECT_EQ(RegDeleteTreeW(drivers, TEXT("Environments")), 0);
-        RegCloseKey(drivers);
+        EXPECT_EQ(DriverText(nine, TEXT("Driver")), "DRV.DLL");
+        EXPECT_EQ(DriverText(nine, TEXT("Data File")), "DRV.INI");
+        EXPECT_EQ(DriverText(nine, TEXT("Configuration File")), "DRV.DLL");
+        EXPECT_EQ(DriverText(nine, TEXT("Monitor")), "ZR Monitor");
+        const WCHAR* const drivers = TEXT("SYSTEM\\CurrentControlSet\\Control\\Print\\Environments");
+        EXPECT_EQ(RegDeleteTreeW(HKEY_LOCAL_MACHINE, drivers), 0);
     }
 }
 
 TEST_F(InstallTool, An_installed_driver_is_kept_when_asked_and_else_replaced) {
+    const WideText model = TEXT("Model 32");
     const std::string inf = Write("a.inf", kInf);
     EXPECT_EQ(RunEntry({"/ia", "/f", inf, "/m", "Model 32"}).code, 0);
-    EXPECT_EQ(DriverText(TEXT("Model 32"), TEXT("Driver")), TEXT("Model_32"));
+    EXPECT_EQ(DriverText(model, TEXT("Driver")), "Model_32");
     Write("a.inf", std::string(kInf) + "[Model_32]\nDriverFile=NEW.DLL\n");
     EXPECT_EQ(RunEntry({"/if", "/u", "/f", inf, "/m", "Model 32", "/r", "USB001", "/b", "One"}).code, 0);
-    EXPECT_EQ(DriverText(TEXT("Model 32"), TEXT("Driver")), TEXT("Model_32"));
+    EXPECT_EQ(DriverText(model, TEXT("Driver")), "Model_32");
     EXPECT_EQ(RunEntry({"/if", "/f", inf, "/m", "Model 32", "/r", "LPT1:"}).code, 0);
-    EXPECT_EQ(DriverText(TEXT("Model 32"), TEXT("Driver")), TEXT("NEW.DLL"));
-    EXPECT_EQ(PortOf(TEXT("One")), TEXT("USB001"));
-    EXPECT_EQ(PortOf(TEXT("Model 32")), TEXT("LPT1:"));
+    EXPECT_EQ(DriverText(model, TEXT("Driver")), "NEW.DLL");
+    EXPECT_EQ(PrinterText(TEXT("One"), TEXT("Port")), "USB001");
+    EXPECT_EQ(PrinterText(model, TEXT("Port")), "LPT1:");
 }
 
 TEST_F(InstallTool, Refusals_say_what_happened_and_change_nothing) {
@@ -159,14 +127,14 @@ TEST_F(InstallTool, Refusals_say_what_happened_and_change_nothing) {
         {{"/f", inf}, 2, "none of"},
     };
     for (const auto& row : rows) {
-        const Result result = RunEntry(row.words);
+        const ProgramResult result = RunEntry(row.words);
         EXPECT_EQ(result.code, row.code) << row.words.back();
         EXPECT_NE(result.output.find(row.text), std::string::npos) << result.output;
         EXPECT_EQ(result.output.empty(), *row.text == '\0') << result.output;
     }
     EXPECT_EQ(Run({"shell32.dll,Control_RunDLL"}).code, 2);
-    EXPECT_EQ(DriverText(TEXT("Model 32"), TEXT("Driver")), TEXT("-"));
-    EXPECT_EQ(PortOf(TEXT("New")), TEXT("-"));
+    EXPECT_EQ(DriverText(TEXT("Model 32"), TEXT("Driver")), "");
+    EXPECT_EQ(PrinterText(TEXT("New"), TEXT("Port")), "");
 }
 
 }  // namespace

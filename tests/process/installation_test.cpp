@@ -1,12 +1,6 @@
 // Ports, drivers and printers as a set-up program installs them through the library.
 #include "installation.h"
-
-#include <gtest/gtest.h>
-#include <kestrel/sdk.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
+#include "installed_printer.h"
 
 namespace {
 
@@ -17,11 +11,9 @@ constexpr char kInf[] =
 class Installing : public testing::Test {
   protected:
     Installing() {
-        const std::filesystem::path file =
-            std::filesystem::path(std::getenv("KESTREL_TEST_FOLDER")) / "with blank.inf";
-        std::ofstream(file, std::ios::binary) << kInf;
-        const std::string path = file.string();
-        inf_.assign(path.begin(), path.end());
+        const std::filesystem::path folder = std::getenv("KESTREL_TEST_FOLDER");
+        std::ofstream(folder / "with blank.inf", std::ios::binary) << kInf;
+        inf_ = Widened((folder / "with blank.inf").string());
     }
 
     Installation installation_;
@@ -29,19 +21,17 @@ class Installing : public testing::Test {
 };
 
 TEST_F(Installing, A_network_port_is_named_for_its_address_and_added) {
-    const struct {
-        WideText wanted, host, name;
-    } rows[] = {
+    const std::tuple<WideText, WideText, WideText> rows[] = {
         {TEXT(""), TEXT("192.168.0.20"), TEXT("ZRIJT_192.168.0.20")},
         {TEXT(""), TEXT("printer.example"), TEXT("printer.example")},
         {TEXT("Office port"), TEXT("192.168.0.21"), TEXT("Office port")},
     };
-    for (const auto& row : rows) {
+    for (const auto& [wanted, host, name] : rows) {
         kestrel_char port[64] = {};
-        row.wanted.copy(port, row.wanted.size());
-        EXPECT_TRUE(AddNetPort(row.host.c_str(), 9100, port)) << GetLastError();
-        EXPECT_EQ(WideText(port), row.name);
-        EXPECT_TRUE(installation_.HasNetworkPort(row.name, row.host, 9100));
+        wanted.copy(port, wanted.size());
+        EXPECT_EQ(kDone, Ended(AddNetPort(host.c_str(), 9100, port)));
+        EXPECT_EQ(name, port);
+        EXPECT_TRUE(installation_.HasNetworkPort(name, host, 9100));
     }
 }
 

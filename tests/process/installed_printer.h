@@ -11,40 +11,48 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "child_process.h"
-#include "kwt/wide_text.h"
+#include "line_text.h"
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
 
 inline constexpr uint32_t kLong = 5000;
 inline constexpr const kestrel_char* kPrinter = TEXT("P");
 inline constexpr const char* kChannelName = "ZRIJ9900StatMonClass-01042005OPLChannelUSB001";
 
-struct CommandResult {
-    int code = -1;
-    std::string output;
-};
+inline constexpr uint32_t kSendIncomplete = 0xE0000002;
+inline constexpr uint32_t kNoReply = 0xE0000003;
+inline constexpr uint32_t kBadReply = 0xE0000011;
+inline constexpr uint32_t kUnexpectedReply = 0xE0000012;
 
-// Runs the command-line client to its end.
-inline CommandResult RunClient(std::vector<std::string> words, const Environment& environment = {}) {
-    words.insert(words.begin(), KESTREL_CLIENT);
-    ChildProcess client(words, environment);
-    CommandResult result;
-    result.output = client.ReadAll();
-    result.code = client.Wait();
-    return result;
+// How a call of the library ended: a failure by the error it left, which is 0 for some.
+inline constexpr uint32_t kDone = 0xFFFFFFFF;
+inline uint32_t Ended(kestrel_bool done) {
+    return done != 0 ? kDone : GetLastError();
 }
 
-// Plain characters as the library takes them.
-inline WideText Widened(const std::string& text) {
-    return WideText(text.begin(), text.end());
+// Runs the command-line client to its end.
+inline ProgramResult RunClient(std::vector<std::string> words) {
+    words.insert(words.begin(), KESTREL_CLIENT);
+    return RunProgram(words);
 }
 
 template <size_t n>
 WideText Text(const kestrel_char (&field)[n]) {
     return WideText(field, std::find(field, field + n, kestrel_char{0}));
+}
+
+inline std::string FileText(const std::filesystem::path& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
 }
 
 // A thread has an SDK object of its own; what a test does on a fresh one is not disturbed by another's.
@@ -55,7 +63,7 @@ inline void OnFreshThread(const std::function<void()>& body) {
 class InstalledPrinter : public testing::Test {
   protected:
     InstalledPrinter() : home_(std::getenv("KESTREL_TEST_FOLDER")) {
-        EXPECT_EQ(0, RunClient({"setup"}).code);
+        setup_ = nlohmann::json::parse(RunClient({"setup", "--json"}).output);
         AddPrinter("P", "USB001");
     }
     ~InstalledPrinter() override {
@@ -67,9 +75,10 @@ class InstalledPrinter : public testing::Test {
             EXPECT_EQ(0, RunClient({"printers", "remove", name}).code);
     }
 
-    void AddPrinter(const std::string& name, const std::string& port, const std::string& extra = "") {
+    void AddPrinter(const std::string& name, const std::string& port,
+                    const std::vector<std::string>& extra = {}) {
         std::vector<std::string> words = {"printers", "add", name, "--port", port};
-        if (!extra.empty()) words.push_back(extra);
+        words.insert(words.end(), extra.begin(), extra.end());
         EXPECT_EQ(0, RunClient(words).code);
         added_.push_back(name);
     }
@@ -82,27 +91,28 @@ class InstalledPrinter : public testing::Test {
         });
     }
 
-    // The virtual printer, or one of another word size that the environment names.
-    static std::string PrinterProgram() {
-        const char* const other = std::getenv("KESTREL_COUNTERPART");
-        return other != nullptr ? other : KESTREL_VPRINTER;
-    }
-
     // `faults`: the rules of a fault script; none starts a printer that does everything right.
-    void StartPrinter(const std::string& faults = "", const std::vector<std::string>& extra = {}) {
-        std::vector<std::string> words = {PrinterProgram(), "--port", "USB001", "--trace", "none"};
-        if (!faults.empty()) {
-            const std::string file = (home_ / "faults.json").string();
-            std::ofstream(file) << faults;
-            words.insert(words.end(), {"--faults", file});
-        }
+    void StartPrinter(const std::string& faults = "[]", const std::vector<std::string>& extra = {}) {
+        const std::string file = (home_ / "faults.json").string();
+        std::ofstream(file) << faults;
+        // The virtual printer, or one of another word size that the environment names.
+        const char* const other = std::getenv("KESTREL_COUNTERPART");
+        std::vector<std::string> words = {other != nullptr ? other : KESTREL_VPRINTER,
+                                          "--port",
+                                          "USB001",
+                                          "--trace",
+                                          "none",
+                                          "--faults",
+                                          file};
         words.insert(words.end(), extra.begin(), extra.end());
+        printer_ = ChildProcess();  // a port has one printer at a time
         printer_ = ChildProcess(words);
         const std::string ready = printer_.ReadLine().value_or("");
         ASSERT_EQ(0u, ready.find("ready: USB001")) << ready;
     }
 
     std::filesystem::path home_;
+    nlohmann::json setup_;  // what the installation says of itself
     std::vector<std::string> added_;
     ChildProcess printer_;
 };

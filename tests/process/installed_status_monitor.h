@@ -1,9 +1,6 @@
 // The status monitor of an installed product, started by the test or by the library.
 #pragma once
 
-#include <fstream>
-#include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -11,11 +8,8 @@
 
 class InstalledStatusMonitor : public InstalledPrinter {
   protected:
-    InstalledStatusMonitor() {
+    InstalledStatusMonitor() : program_(setup_.at("statusMonitor").get<std::string>()) {
         std::filesystem::remove(LogFile());
-        program_ = nlohmann::json::parse(RunClient({"setup", "--json"}).output)
-                       .at("statusMonitor")
-                       .get<std::string>();
     }
     ~InstalledStatusMonitor() override {
         if (std::filesystem::exists(program_)) {
@@ -34,18 +28,13 @@ class InstalledStatusMonitor : public InstalledPrinter {
     // 0 when one ran.
     int StopMonitor() const { return Launch({"--stop"}).Wait(); }
 
+    [[nodiscard]] std::filesystem::path SettingsFile() const {
+        return std::filesystem::path(program_).replace_extension(".json");
+    }
     // For the one that the library starts; it does not stay if all else fails.
-    void Configure(const std::string& settings = "{}") const {
-        nlohmann::json document = nlohmann::json::parse(settings);
-        document["exitAfter"] = 60000;
-        std::ofstream(std::filesystem::path(program_).replace_extension(".json")) << document;
-    }
+    void Configure() const { std::ofstream(SettingsFile()) << R"({"exitAfter": 60000})"; }
     // What that one has logged.
-    [[nodiscard]] std::string Log() const {
-        std::ostringstream text;
-        text << std::ifstream(LogFile()).rdbuf();
-        return text.str();
-    }
+    [[nodiscard]] std::string Log() const { return FileText(LogFile()); }
 
     // The log stays where the system lets the test choose no place of its own; it is begun anew then.
     [[nodiscard]] std::filesystem::path LogFile() const {

@@ -27,6 +27,8 @@ struct Guarded {
     }
 };
 
+using Requests = std::vector<std::string>;
+
 class RecordingMonitor final {
   public:
     RecordingMonitor() {
@@ -42,16 +44,16 @@ class RecordingMonitor final {
         const std::lock_guard guard(lock_);
         reply_ = reply;
     }
-    // Requests that hold `fragment` get this reply, the first fragment told of that fits; others the one
+    // Requests that hold `fragment` get this reply, the last fragment told of that fits; others the one
     // above.
     void AnswerTo(const std::string& fragment, const std::string& reply) {
         const std::lock_guard guard(lock_);
-        replies_.emplace_back(fragment, reply);
+        replies_.emplace(replies_.begin(), fragment, reply);
     }
     // Milliseconds before each reply.
     void SetDelay(uint32_t delay) { delay_ = delay; }
     // Requests since the last call.
-    std::vector<std::string> Requests() {
+    Requests TakeRequests() {
         const std::lock_guard guard(lock_);
         return std::exchange(requests_, {});
     }
@@ -79,10 +81,29 @@ class RecordingMonitor final {
 
     ChannelPuppet puppet_;
     std::mutex lock_;
-    std::vector<std::string> requests_;
+    Requests requests_;
     std::vector<std::pair<std::string, std::string>> replies_;
     std::string reply_ = "0000,X=1;";
     std::atomic<uint32_t> delay_{0};
     std::atomic<bool> stop_{false};
     std::thread server_;
+};
+
+// The language monitor that answers what the test says, with the printer selected and nothing to announce.
+class Wire : public InstalledPrinter {
+  protected:
+    Wire() {
+        uint8_t value = 0;
+        EXPECT_TRUE(SelectPrinter(kPrinter)) << GetLastError();
+        EXPECT_TRUE(GetFaxRedials(&value, kLong)) << GetLastError();
+        monitor_.TakeRequests();
+    }
+    // The requests but for announcements: each of the shrinking time-outs of a list has one.
+    Requests Sent() {
+        Requests sent = monitor_.TakeRequests();
+        std::erase_if(sent, [](const std::string& text) { return text.starts_with("ZRTimeoutParam"); });
+        return sent;
+    }
+
+    RecordingMonitor monitor_;
 };

@@ -2,19 +2,19 @@
 #include <windows.h>
 
 #include <optional>
+#include <tuple>
 
 #include "installed_status_monitor.h"
 #include "ipc/remote_control_channel.h"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 const WCHAR* const kRemoteName = TEXT("ZRIJ9900StatMonClass-01042005RemoteControlChannel");
 const WCHAR* const kRunningName = TEXT("ZRIJ9900StatMonClass-01042005");
 constexpr int kKilled = 128 + 9;
 constexpr uint32_t kPing = 0x50696E67;
 constexpr uint32_t kShoA = 0x53686F41;
+constexpr uint32_t kShoW = 0x53686F57;
 
 class StatusMonitor : public InstalledStatusMonitor {
   protected:
@@ -40,56 +40,45 @@ class StatusMonitor : public InstalledStatusMonitor {
 
 TEST_F(StatusMonitor, Answers_the_seven_requests_and_tells_each_in_a_line) {
     StartMonitor();
-    struct Case {
-        uint32_t code;
-        std::u16string text;
-        uint32_t answer;
-        const char* line;
-    };
-    const Case cases[] = {
+    const std::tuple<uint32_t, std::u16string, uint32_t, const char*> rows[] = {
         {kPing, u"", 1, "Ping  says that it is there: done"},
         {0x55705374, u"P", 1, "UpSt  brings its status up to date \"P\": done"},
-        {0x53686F57, u"B\u00FCro 2", 1, "ShoW  shows the status window \"B\u00FCro 2\": done"},
+        {kShoW, u"B\u00FCro 2", 1, "ShoW  shows the status window \"B\u00FCro 2\": done"},
         {0x53686F4D, u"P", 1, "ShoM  shows the maintenance window \"P\": done"},
         {kShoA, u"", 1, "ShoA  shows the about box: done"},
         {0x534F4953, u"Unknown", 1, "SOIS  orders supplies \"Unknown\": done"},
         {0x53465755, u"P", 1, "SFWU  makes room for a firmware upgrade \"P\": done"},
         {0x58585858, u"", 0, "58585858  is a request that nobody knows: refused"},
     };
-    for (const Case& row : cases) {
-        SCOPED_TRACE(row.line);
-        EXPECT_EQ(row.answer, Ask(row.code, row.text));
-        EXPECT_NE(std::string::npos, monitor_.ReadLine().value_or("").find(row.line));
+    for (const auto& [code, text, answer, line] : rows) {
+        SCOPED_TRACE(line);
+        EXPECT_EQ(answer, Ask(code, text));
+        EXPECT_NE(std::string::npos, monitor_.ReadLine().value_or("").find(line));
     }
-    // Its length says more than was sent.
-    const uint32_t lying[] = {0x53686F57, 0xFFFFFFFF, 'P'};
+    // Its length says more than is sent.
+    const uint32_t lying[] = {kShoW, 0xFFFFFFFF, 'P'};
     EXPECT_EQ(sizeof(lying), channel_.Send(lying, sizeof(lying), 1000));
     uint32_t value = 0;
     EXPECT_TRUE(channel_.ReceiveReply(value, 1000));
 }
 
 TEST_F(StatusMonitor, Misbehaves_as_it_is_told_and_leaves_room_for_the_next_one) {
-    struct Case {
-        std::vector<std::string> options;
-        std::optional<uint32_t> answer;  // to ShoA
-        int slowestMs;
-        int exitCode;  // 0: it lives on
-    };
-    const Case cases[] = {
+    // What it answers to ShoA, after how many milliseconds at least, and how it ends; 0 when asked to.
+    const std::tuple<std::vector<std::string>, std::optional<uint32_t>, int, int> rows[] = {
         {{"--refuse", "Ping,ShoA"}, 0, 0, 0},         {{"--silent", "ShoA"}, std::nullopt, 0, 0},
         {{"--slow", "Ping=900,ShoA=300"}, 1, 300, 0}, {{"--die", "ShoA"}, std::nullopt, 0, kKilled},
         {{"--die-after", "ShoA"}, 1, 0, kKilled},
     };
-    for (const Case& row : cases) {
-        SCOPED_TRACE(row.options.front());
-        StartMonitor(row.options);
+    for (const auto& [options, answer, leastMs, exitCode] : rows) {
+        SCOPED_TRACE(options[0]);
+        StartMonitor(options);
         const auto start = Clock::now();
-        EXPECT_EQ(row.answer, Ask(kShoA));
-        EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(row.slowestMs));
-        if (row.exitCode == 0) {
+        EXPECT_EQ(answer, Ask(kShoA));
+        EXPECT_GE(Clock::now() - start, milliseconds(leastMs));
+        if (exitCode == 0) {
             EXPECT_EQ(0, StopMonitor());
         }
-        EXPECT_EQ(row.exitCode, monitor_.Wait());
+        EXPECT_EQ(exitCode, monitor_.Wait());
         EXPECT_FALSE(IsRunning());
     }
 }
@@ -123,17 +112,16 @@ TEST_F(StatusMonitor, Runs_once_and_ends_when_asked_or_left_alone) {
 }
 
 TEST_F(StatusMonitor, Takes_its_settings_from_the_file_beside_it_unless_they_are_wrong) {
-    Configure(R"({"refuse": ["ShoA"], "slow": {"Ping": 50}})");
+    std::ofstream(SettingsFile()) << R"({"refuse": ["ShoA"], "slow": {"Ping": 50}})";
     StartMonitor();
     EXPECT_EQ(0u, Ask(kShoA));
     EXPECT_EQ(0, StopMonitor());
-    const std::filesystem::path file = std::filesystem::path(program_).replace_extension(".json");
     for (const char* wrong :
          {"{", "[]", R"({"refuse": ["Show"]})", R"({"slow": {"Ping": -1}})", R"({"x": 1})"}) {
-        std::ofstream(file) << wrong;
+        std::ofstream(SettingsFile()) << wrong;
         EXPECT_EQ(2, Launch({}).Wait()) << wrong;
     }
-    std::filesystem::remove(file);
+    std::filesystem::remove(SettingsFile());
 }
 
 }  // namespace

@@ -24,17 +24,11 @@ class StoppedSpooler : public InstalledStatusMonitor {
 TEST_F(StoppedSpooler, Starts_no_status_monitor_and_says_why) {
     Configure();
     WithPrinter([] {
-        const struct {
-            DWORD stopped;
-            uint32_t error;
-        } rows[] = {{1, 1722}, {1727, 1727}};
-        for (const auto& row : rows) {
-            Stop(row.stopped);
+        for (const auto& [stopped, error] : {std::pair(1u, 1722u), {1727u, 1727u}}) {
+            Stop(stopped);
             DeviceStatusRecord record;
-            EXPECT_FALSE(GetStatus(&record, sizeof(record)));
-            EXPECT_EQ(row.error, GetLastError());
-            EXPECT_FALSE(ShowStatusMonitor());
-            EXPECT_EQ(1460u, GetLastError()) << "the ping decides";
+            EXPECT_EQ(error, Ended(GetStatus(&record, sizeof(record))));
+            EXPECT_EQ(1460u, Ended(ShowStatusMonitor())) << "the ping decides";
             Stop(0);
         }
     });
@@ -44,10 +38,9 @@ TEST_F(StoppedSpooler, Starts_no_status_monitor_and_says_why) {
 TEST_F(StoppedSpooler, Selects_no_printer_until_it_runs_again) {
     WithPrinter([] {
         Stop(1);
-        EXPECT_FALSE(SelectPrinter(kPrinter));
-        EXPECT_EQ(1722u, GetLastError());
+        EXPECT_EQ(1722u, Ended(SelectPrinter(kPrinter)));
         Stop(0);
-        EXPECT_TRUE(SelectPrinter(kPrinter)) << GetLastError();
+        EXPECT_EQ(kDone, Ended(SelectPrinter(kPrinter)));
     });
 }
 

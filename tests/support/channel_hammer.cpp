@@ -14,6 +14,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "hammer_counts.h"
@@ -24,18 +25,14 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 long& CountOf(HammerCounts& counts, DWORD error) {
-    switch (error) {
-        case ERROR_ABANDONED_WAIT_0:
-            return counts.abandoned;
-        case ERROR_OPERATION_ABORTED:
-            return counts.cancelled;
-        case ERROR_TIMEOUT:
-            return counts.timedOut;
-        case ERROR_SHARING_VIOLATION:
-            return counts.occupied;
-        default:
-            return counts.other;
-    }
+    constexpr std::pair<DWORD, long HammerCounts::*> kKnown[] = {
+        {ERROR_ABANDONED_WAIT_0, &HammerCounts::abandoned},
+        {ERROR_OPERATION_ABORTED, &HammerCounts::cancelled},
+        {ERROR_TIMEOUT, &HammerCounts::timedOut},
+        {ERROR_SHARING_VIOLATION, &HammerCounts::occupied}};
+    for (const auto& [code, count] : kKnown)
+        if (code == error) return counts.*count;
+    return counts.other;
 }
 
 // Which of the counts one exchange adds to.

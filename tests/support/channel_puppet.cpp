@@ -3,7 +3,7 @@
 //
 //   open server|client NAME CAPACITY     send TEXT TIMEOUT           receive TIMEOUT
 //   sendto PROCESS ABORTED TEXT TIMEOUT  broadcast TEXT TIMEOUT      cancel
-//   dispatch (echoes on its own thread)  close                       quit
+//   dispatch (echoes on its own thread)  close
 //
 // TEXT, and the text of the answer, may be any bytes, written as line_text.h says.
 #include <windows.h>
@@ -29,64 +29,51 @@ struct Answer {
     std::string text;
 };
 
-WideText Widened(const std::string& text) {
-    return WideText(text.begin(), text.end());
+std::string NextText(std::istream& line) {
+    std::string word;
+    line >> word;
+    return FromWord(word);
 }
 
-uint32_t Length(const std::string& text) {
-    return static_cast<uint32_t>(text.size());
+uint32_t NextNumber(std::istream& line) {
+    uint32_t number = 0;
+    line >> number;
+    return number;
 }
 
-Answer Receive(PuppetChannel& channel, uint32_t timeout) {
-    std::string buffer(kMaxOplMessage, '\0');
-    const uint32_t bytes = channel.Receive(buffer.data(), Length(buffer), timeout);
-    return {bytes, buffer.substr(0, bytes)};
-}
-
-Answer Obey(PuppetChannel& channel, std::istringstream& line) {
-    std::string verb;
-    std::string text;
-    uint32_t timeout = 0;
-    line >> verb;
+Answer Obey(PuppetChannel& channel, std::istream& line) {
+    const std::string verb = NextText(line);
     if (verb == "open") {
-        std::string role;
-        uint32_t capacity = 0;
-        line >> role >> text >> capacity;
-        const auto chosen = role == "server" ? kwt::ChannelRole::Server : kwt::ChannelRole::Client;
-        return {channel.Open(chosen, Widened(text).c_str(), capacity), {}};
+        const bool isServer = NextText(line) == "server";
+        const WideText name = Widened(NextText(line));
+        const auto role = isServer ? kwt::ChannelRole::Server : kwt::ChannelRole::Client;
+        return {channel.Open(role, name.c_str(), NextNumber(line)), {}};
     }
     if (verb == "receive") {
-        line >> timeout;
-        return Receive(channel, timeout);
-    }
-    if (verb == "send") {
-        line >> text >> timeout;
-        text = FromWord(text);
-        return {channel.Send(text.data(), Length(text), timeout), {}};
-    }
-    if (verb == "sendto") {
-        uint32_t process = 0;
-        bool aborted = false;
-        line >> process >> aborted >> text >> timeout;
-        text = FromWord(text);
-        return {channel.SendTo(process, aborted, text.data(), Length(text), timeout), {}};
-    }
-    if (verb == "broadcast") {
-        line >> text >> timeout;
-        text = FromWord(text);
-        return {channel.Broadcast(text.data(), Length(text), timeout), {}};
+        std::string buffer(kMaxOplMessage, '\0');
+        const uint32_t bytes = channel.Receive(buffer.data(), kMaxOplMessage, NextNumber(line));
+        return {bytes, buffer.substr(0, bytes)};
     }
     if (verb == "dispatch") return {channel.StartServerThread(), {}};
     if (verb == "cancel") channel.Cancel();
     if (verb == "close") channel.Close();
-    return {};
+    if (verb != "send" && verb != "sendto" && verb != "broadcast") return {};
+
+    const uint32_t process = verb == "sendto" ? NextNumber(line) : 0;
+    const bool isAborted = verb == "sendto" && NextNumber(line) != 0;
+    const std::string text = NextText(line);
+    const auto length = static_cast<uint32_t>(text.size());
+    const uint32_t timeout = NextNumber(line);
+    if (verb == "send") return {channel.Send(text.data(), length, timeout), {}};
+    if (verb == "broadcast") return {channel.Broadcast(text.data(), length, timeout), {}};
+    return {channel.SendTo(process, isAborted, text.data(), length, timeout), {}};
 }
 
 }  // namespace
 
 int main() {
     PuppetChannel channel;
-    for (std::string line; std::getline(std::cin, line) && line != "quit";) {
+    for (std::string line; std::getline(std::cin, line);) {
         std::istringstream words(line);
         const Answer answer = Obey(channel, words);
         const uint32_t error = GetLastError();

@@ -8,11 +8,11 @@ using Clock = std::chrono::steady_clock;
 
 }  // namespace
 
-ChildProcess::ChildProcess(const std::vector<std::string>& commandLine, const Environment& extra)
-    : program_(RunningProgram::Start(commandLine, extra)) {}
-
-ChildProcess::ChildProcess(ChildProcess&& other) noexcept {
-    *this = std::move(other);
+ChildProcess::ChildProcess(std::vector<std::string> commandLine, const Environment& extra) {
+    for (const auto& [name, value] : extra)
+        commandLine.insert(commandLine.begin(), name + '=' + value);
+    if (!extra.empty()) commandLine.insert(commandLine.begin(), "/usr/bin/env");
+    program_ = RunningProgram::Start(commandLine);
 }
 
 ChildProcess& ChildProcess::operator=(ChildProcess&& other) noexcept {
@@ -34,10 +34,6 @@ bool ChildProcess::IsRunning() {
     return !exitCode_;
 }
 
-void ChildProcess::WriteLine(const std::string& line) {
-    program_->Write(line + '\n');
-}
-
 std::optional<std::string> ChildProcess::ReadLine(std::chrono::milliseconds patience) {
     const Clock::time_point deadline = Clock::now() + patience;
     for (;;) {
@@ -57,31 +53,21 @@ std::string ChildProcess::ReadAll() {
     return std::exchange(pending_, {});
 }
 
-void ChildProcess::Kill() {
-    if (IsRunning()) program_->Kill();
-}
-
-void ChildProcess::Terminate() {
-    if (IsRunning()) program_->Terminate();
-}
-
-void ChildProcess::Stop() {
-    if (IsRunning()) program_->Stop();
-}
-
-void ChildProcess::Continue() {
-    if (IsRunning()) program_->Continue();
-}
-
 int ChildProcess::Wait(std::chrono::milliseconds patience) {
     const Clock::time_point deadline = Clock::now() + patience;
-    while (IsRunning() && Clock::now() < deadline)
+    bool isLate = false;
+    while (IsRunning()) {
+        isLate = isLate || Clock::now() >= deadline;
+        if (isLate) program_->Kill();
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    if (IsRunning()) {
-        program_->Kill();
-        while (IsRunning())
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        exitCode_ = -1;
     }
-    return exitCode_.value_or(-1);
+    return isLate ? -1 : exitCode_.value_or(-1);
+}
+
+ProgramResult RunProgram(const std::vector<std::string>& commandLine) {
+    ChildProcess program(commandLine);
+    ProgramResult result;
+    result.output = program.ReadAll();
+    result.code = program.Wait();
+    return result;
 }

@@ -6,18 +6,6 @@
 
 namespace {
 
-class OwnFolder final : public testing::Environment {
-  public:
-    void SetUp() override {
-        folder_ = MakeOwnFolder();
-        ASSERT_FALSE(folder_.empty()) << "no folder for the test's files";
-    }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
-
-  private:
-    std::filesystem::path folder_;
-};
-
 // No test may leave a file, a pipe or a folder open.
 class NothingLeftOpen final : public testing::EmptyTestEventListener {
   public:
@@ -35,7 +23,10 @@ class NothingLeftOpen final : public testing::EmptyTestEventListener {
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    testing::AddGlobalTestEnvironment(new OwnFolder);
     testing::UnitTest::GetInstance()->listeners().Append(new NothingLeftOpen);
-    return RUN_ALL_TESTS();
+    const std::filesystem::path folder = MakeOwnFolder();
+    if (folder.empty()) return 1;
+    const int result = RUN_ALL_TESTS();
+    std::filesystem::remove_all(folder);
+    return result;
 }

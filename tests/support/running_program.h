@@ -5,17 +5,13 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
-
-using Environment = std::vector<std::pair<std::string, std::string>>;
 
 class RunningProgram {
   public:
-    // Its standard input and output are pipes to the caller, its errors go where the caller's go. `extra`
-    // replaces or adds variables. Throws when it cannot be started.
-    static std::unique_ptr<RunningProgram> Start(const std::vector<std::string>& commandLine,
-                                                 const Environment& extra);
+    // Its standard input and output are pipes to the caller, its errors go where the caller's go. Throws when
+    // it cannot be started.
+    static std::unique_ptr<RunningProgram> Start(const std::vector<std::string>& commandLine);
 
     RunningProgram() = default;
     RunningProgram(const RunningProgram&) = delete;

@@ -15,31 +15,9 @@ extern char** environ;
 
 namespace {
 
-std::vector<std::string> MergedEnvironment(const Environment& extra) {
-    std::vector<std::string> merged;
-    for (char** entry = environ; *entry != nullptr; ++entry) {
-        const std::string text = *entry;
-        bool replaced = false;
-        for (const auto& [name, value] : extra)
-            replaced = replaced || text.rfind(name + '=', 0) == 0;
-        if (!replaced) merged.push_back(text);
-    }
-    for (const auto& [name, value] : extra)
-        merged.push_back(name + '=' + value);
-    return merged;
-}
-
-std::vector<char*> Pointers(std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    for (std::string& text : texts)
-        pointers.push_back(text.data());
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
 class PosixProgram final : public RunningProgram {
   public:
-    PosixProgram(const std::vector<std::string>& commandLine, const Environment& extra) {
+    explicit PosixProgram(std::vector<std::string> commandLine) {
         std::array<int, 2> in{};
         std::array<int, 2> out{};
         if (pipe2(in.data(), O_CLOEXEC) != 0 || pipe2(out.data(), O_CLOEXEC) != 0)
@@ -48,10 +26,11 @@ class PosixProgram final : public RunningProgram {
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_adddup2(&actions, in[0], STDIN_FILENO);
         posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
-        std::vector<std::string> arguments = commandLine;
-        std::vector<std::string> environment = MergedEnvironment(extra);
-        const int error = posix_spawn(&id_, commandLine[0].c_str(), &actions, nullptr,
-                                      Pointers(arguments).data(), Pointers(environment).data());
+        std::vector<char*> arguments;
+        for (std::string& word : commandLine)
+            arguments.push_back(word.data());
+        arguments.push_back(nullptr);
+        const int error = posix_spawn(&id_, arguments[0], &actions, nullptr, arguments.data(), environ);
         posix_spawn_file_actions_destroy(&actions);
         close(in[0]);
         close(out[1]);
@@ -107,7 +86,6 @@ class PosixProgram final : public RunningProgram {
 
 }  // namespace
 
-std::unique_ptr<RunningProgram> RunningProgram::Start(const std::vector<std::string>& commandLine,
-                                                      const Environment& extra) {
-    return std::make_unique<PosixProgram>(commandLine, extra);
+std::unique_ptr<RunningProgram> RunningProgram::Start(const std::vector<std::string>& commandLine) {
+    return std::make_unique<PosixProgram>(commandLine);
 }

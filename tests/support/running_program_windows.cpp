@@ -10,46 +10,14 @@ namespace {
 // As a killing signal is told elsewhere.
 constexpr UINT kKilled = 128 + 9;
 
-std::wstring Widened(const std::string& text) {
-    std::wstring wide(text.size(), L'\0');
-    const int units = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(),
-                                          static_cast<int>(wide.size()));
-    wide.resize(static_cast<size_t>(units));
-    return wide;
-}
-
-// As the run-time of the started program takes it apart again.
-std::wstring Quoted(const std::wstring& argument) {
-    std::wstring quoted = L"\"";
-    size_t backslashes = 0;
-    for (const wchar_t letter : argument) {
-        if (letter == L'"') quoted.append(backslashes + 1, L'\\');
-        backslashes = letter == L'\\' ? backslashes + 1 : 0;
-        quoted += letter;
-    }
-    return quoted.append(backslashes, L'\\') + L'"';
-}
-
+// No word of the tests has a quote or ends with a backslash.
 std::wstring JoinedCommandLine(const std::vector<std::string>& words) {
-    std::wstring line;
+    std::string line;
     for (const std::string& word : words)
-        line += (line.empty() ? L"" : L" ") + Quoted(Widened(word));
-    return line;
-}
-
-std::wstring MergedEnvironment(const Environment& extra) {
-    std::wstring block;
-    wchar_t* const own = GetEnvironmentStringsW();
-    for (const wchar_t* entry = own; *entry != 0; entry += std::wstring_view(entry).size() + 1) {
-        const std::wstring_view text = entry;
-        const bool replaced = std::ranges::any_of(
-            extra, [&](const auto& variable) { return text.starts_with(Widened(variable.first) + L'='); });
-        if (!replaced) block.append(text).push_back(0);
-    }
-    FreeEnvironmentStringsW(own);
-    for (const auto& [name, value] : extra)
-        block.append(Widened(name + '=' + value)).push_back(0);
-    return block + L'\0';
+        line += (line.empty() ? "\"" : " \"") + word + '"';
+    std::wstring wide(line.size() + 1, L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, line.c_str(), -1, wide.data(), static_cast<int>(wide.size()));
+    return wide;
 }
 
 struct Pipe {
@@ -66,7 +34,7 @@ struct Pipe {
 
 class WindowsProgram final : public RunningProgram {
   public:
-    WindowsProgram(const std::vector<std::string>& commandLine, const Environment& extra) {
+    explicit WindowsProgram(const std::vector<std::string>& commandLine) {
         Pipe in(&Pipe::write);
         Pipe out(&Pipe::read);
         STARTUPINFOW startup = {};
@@ -76,10 +44,8 @@ class WindowsProgram final : public RunningProgram {
         startup.hStdOutput = out.write;
         startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
         std::wstring line = JoinedCommandLine(commandLine);
-        std::wstring environment = MergedEnvironment(extra);
-        const BOOL started =
-            CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_UNICODE_ENVIRONMENT,
-                           environment.data(), nullptr, &startup, &process_);
+        const BOOL started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                                            &startup, &process_);
         CloseHandle(in.read);
         CloseHandle(out.write);
         input_ = in.write;
@@ -150,7 +116,6 @@ class WindowsProgram final : public RunningProgram {
 
 }  // namespace
 
-std::unique_ptr<RunningProgram> RunningProgram::Start(const std::vector<std::string>& commandLine,
-                                                      const Environment& extra) {
-    return std::make_unique<WindowsProgram>(commandLine, extra);
+std::unique_ptr<RunningProgram> RunningProgram::Start(const std::vector<std::string>& commandLine) {
+    return std::make_unique<WindowsProgram>(commandLine);
 }
