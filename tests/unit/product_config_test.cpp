@@ -46,7 +46,6 @@ constexpr Line kCompleteFile[] = {
     {"Job Control", kJobControlDirectory, true, &Config::GetJobControlDirectory},
     {"Job Control", "Filename=jobs.dat", true, &Config::GetJobControlFilename},
     {"ModelName For URL", "ZR One=zr-one", false},
-    {"ModelName For URL", "ZR Three=Unknown", false},
     {"Diagnostic", "Directory=ZR\\Diagnostic", true, &Config::GetDiagnosticDirectory},
     {"Diagnostic", "Filename=diagnostic.txt", true, &Config::GetDiagnosticFilename},
     {"Logging", "Registry=Software\\ZR\\Logging", true, &Config::GetLoggingRegistry},
@@ -133,7 +132,7 @@ TEST_F(ProductConfig, A_driver_without_entries_of_its_own_gets_the_defaults) {
     WideText model;
     EXPECT_TRUE(config_->GetModelNameForURL(TEXT("ZR One"), model));
     EXPECT_EQ(model, TEXT("zr-one"));
-    EXPECT_FALSE(config_->GetModelNameForURL(TEXT("ZR Three"), model));
+    EXPECT_FALSE(config_->GetModelNameForURL(TEXT("ZR Two"), model));
     EXPECT_EQ(model, TEXT("Unknown"));
 }
 

@@ -40,21 +40,19 @@ class VprinterLiveDevice : public AskedPrinter {
     ControlFile control_{path_, "USB001"};
 };
 
-TEST_F(VprinterLiveDevice, The_status_block_has_its_size_and_tells_the_condition) {
-    std::string block = Status();
-    EXPECT_EQ(NumberAt(block, 8), 0u);
-    EXPECT_EQ(NumberAt(block, 20), 75u);
-    EXPECT_EQ(NumberAt(block, 28), 60u);
-    EXPECT_EQ(block[740], 1);
-    EXPECT_EQ(block.substr(760, 12), "R\0e\0a\0d\0y\0\0\0"s);
+TEST_F(VprinterLiveDevice, The_status_block_tells_the_condition) {
+    EXPECT_EQ(NumberAt(Status(), 8), 0u);
+    EXPECT_EQ(NumberAt(Status(), 20), 75u);
+    EXPECT_EQ(NumberAt(Status(), 28), 60u);
+    EXPECT_EQ(Status()[740], 1);
+    EXPECT_EQ(Status().substr(760, 12), "R\0e\0a\0d\0y\0\0\0"s);
 
     const char* const jammed = R"({"USB001": {"status.error": "Paper_Jam", "status.connection": "Network",
                                               "ink.black": 5}, "USB002": {"nonsense": 1}})";
     EXPECT_EQ(Control(jammed), "");
-    block = Status();
-    EXPECT_EQ(NumberAt(block, 8), 2u);
-    EXPECT_EQ(NumberAt(block, 20), 5u);
-    EXPECT_EQ(block[740], 0);
+    EXPECT_EQ(NumberAt(Status(), 8), 2u);
+    EXPECT_EQ(NumberAt(Status(), 20), 5u);
+    EXPECT_EQ(Status()[740], 0);
 
     EXPECT_EQ(Control(R"({"*": {"status.known": false, "status.text": "unseen"}})"), "");
     EXPECT_EQ(NumberAt(Status(), 8), 100000u);

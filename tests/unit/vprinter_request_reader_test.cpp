@@ -26,7 +26,6 @@ TEST(VprinterRequestReader, Every_form_is_cut_into_key_and_value) {
         std::string_view value;
     } cases[] = {
         {"DeviceSettings.Fax.Redials?", CommandKind::Query, "DeviceSettings.Fax.Redials", ""},
-        {"DeviceSettings.Fax.Redials=3;", CommandKind::Set, "DeviceSettings.Fax.Redials", "3"},
         {"Maintenance=001?", CommandKind::Word, "Maintenance", "001"},
         {"Name=;", CommandKind::Set, "Name", ""},
         {"Name=\x80\x1D=,#;", CommandKind::Set, "Name", "\x80\x1D=,#"},
