@@ -60,8 +60,8 @@ TEST(KestrelValues, Are_refused_with_the_allowed_ones_when_the_type_cannot_hold_
     for (const auto& row : cases) {
         for (const char* written : row.refused) {
             SCOPED_TRACE(std::string(row.setting) + " " + written);
-            const auto failure = FailureOf(
-                [&] { static_cast<void>(cli::ParseValue(cli::FindSetting(row.setting), written)); });
+            const auto failure =
+                FailureOf([&] { return cli::ParseValue(cli::FindSetting(row.setting), written); });
             ASSERT_TRUE(failure);
             EXPECT_EQ(failure->exit, ExitCode::kValueRefused);
             EXPECT_EQ(failure->advice, std::string("allowed: ") + row.allowed);
@@ -83,7 +83,7 @@ TEST(KestrelValues, Are_numbers_and_booleans_in_json_and_words_where_the_table_h
 TEST(KestrelSettings, Are_found_by_name_and_by_key_without_case) {
     EXPECT_EQ(&cli::FindSetting("Fax.Redials"), &cli::FindSetting("DeviceSettings.Fax.redials"));
     EXPECT_EQ(cli::FindSetting("fax.redials").setter, std::string("SetFaxRedials"));
-    EXPECT_TRUE(FailureOf([] { static_cast<void>(cli::FindSetting("")); }));
+    EXPECT_TRUE(FailureOf([] { return cli::FindSetting(""); }));
 }
 
 TEST(KestrelSettings, Are_offered_when_a_name_is_nearly_right) {
@@ -95,7 +95,7 @@ TEST(KestrelSettings, Are_offered_when_a_name_is_nearly_right) {
         {"nothing.at-all-like-it", "`kestrel list` prints all settings"},
     };
     for (const auto& [written, offered] : kCases) {
-        const auto failure = FailureOf([&] { static_cast<void>(cli::FindSetting(written)); });
+        const auto failure = FailureOf([&] { return cli::FindSetting(written); });
         ASSERT_TRUE(failure) << written;
         EXPECT_EQ(failure->exit, ExitCode::kUsage);
         EXPECT_EQ(failure->advice.substr(0, std::string(offered).size()), offered) << written;
