@@ -54,7 +54,6 @@ TEST(VprinterFaultScript, A_bad_script_is_refused_with_line_and_field) {
 TEST(VprinterFaultScript, Each_action_makes_its_reply) {
     const std::pair<std::string, std::string> cases[] = {
         {R"("cut": 7)", "0000,Ke"},
-        {R"("cut": 99)", std::string(kGoodReply)},
         {R"("garbage": "\\x00 raw")", "\\x00 raw"},
         {R"("garbage": "hex:00 3B ff")", "\0;\xFF"s},
         {R"("reply": "0000,K#2=\\x00\\xFF;L=\\;x\\\\;")", "0000,K#2=\0\xFF;L=\x1Dx\\;"s},
