@@ -9,24 +9,18 @@ namespace {
 
 constexpr WCHAR kUntouched = TEXT('#');
 
-std::array<WCHAR, 8> Untouched() {
-    std::array<WCHAR, 8> buffer;
-    buffer.fill(kUntouched);
-    return buffer;
-}
-
 }  // namespace
 
 TEST(Strings, A_bounded_copy_is_cut_to_the_size_in_bytes_and_always_terminated) {
     constexpr std::pair<size_t, const WCHAR*> kCopies[] = {
         {2, TEXT("")}, {5, TEXT("P")}, {10, TEXT("Phot")}, {12, TEXT("Photo")}, {14, TEXT("Photo")}};
     for (const auto& [bytes, expected] : kCopies) {
-        std::array<WCHAR, 8> wide = Untouched();
+        std::array<WCHAR, 8> wide;
+        wide.fill(kUntouched);
+        std::array<WCHAR, 8> converted = wide;
         kwt::CopyBoundedWide(wide.data(), TEXT("Photo"), bytes);
         EXPECT_EQ(WideText(wide.data()), expected) << bytes;
         EXPECT_EQ(wide[bytes / 2], kUntouched) << bytes;
-
-        std::array<WCHAR, 8> converted = Untouched();
         kwt::AsciiToWideBuffer(converted.data(), "Photo", bytes);
         EXPECT_EQ(converted, wide) << bytes;
     }

@@ -54,13 +54,8 @@ TEST(VprinterTrace, Secrets_are_hidden_wherever_their_key_stands) {
 
 TEST(VprinterTrace, Lines_hold_the_exchange_and_hide_secrets) {
     const std::string request = std::string(kSecurity) + "Key0=hunter2;";
-    const Exchange exchange = {std::chrono::system_clock::time_point(1'000'000'000'123ms),
-                               "USB001",
-                               42,
-                               request,
-                               "0000,A=\x1D;",
-                               1500us,
-                               "as scripted"};
+    const auto time = std::chrono::system_clock::time_point(1'000'000'000'123ms);
+    const Exchange exchange = {time, "USB001", 42, request, "0000,A=\x1D;", 1500us, "as scripted"};
 
     const std::string text = TextLine(exchange, false);
     EXPECT_NE(text.find(".123 USB001 client 42  "), std::string::npos) << text;
