@@ -1,14 +1,14 @@
 // What the command line says when it refuses something.
 #pragma once
 
-#include <functional>
 #include <optional>
 
 #include "kestrel/failure.h"
 
-inline std::optional<cli::Failure> FailureOf(const std::function<void()>& attempt) {
+template <typename Attempt>
+std::optional<cli::Failure> FailureOf(Attempt attempt) {
     try {
-        attempt();
+        static_cast<void>(attempt());
         return {};
     } catch (const cli::Failure& failure) {
         return failure;

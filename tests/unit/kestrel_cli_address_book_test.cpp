@@ -1,7 +1,9 @@
 // The address book in files and the status record: what others wrote is read with care.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -31,7 +33,7 @@ TEST(KestrelCsv, Names_the_line_of_a_quote_out_of_place) {
     for (const auto& [text, line] : {std::pair("a,b\nc\"d\n", "line 2"),
                                      {"a\n\"x\ny\"z\n", "line 3"},
                                      {"a\n\"open\nmore\n", "line 2"}}) {
-        const auto failure = FailureOf([&] { static_cast<void>(cli::ParseCsv(text)); });
+        const auto failure = FailureOf([&] { return cli::ParseCsv(text); });
         ASSERT_TRUE(failure) << text;
         EXPECT_TRUE(failure->text.starts_with(line)) << failure->text;
     }
@@ -65,7 +67,7 @@ TEST(KestrelAddressBook, Refuses_a_file_that_the_printer_cannot_hold) {
         {"0,fax,\"a\nb\",1\n", "cannot take"},
     };
     for (const auto& [text, reason] : cases) {
-        const auto failure = FailureOf([&] { static_cast<void>(cli::RecordsFromCsv(text, list)); });
+        const auto failure = FailureOf([&] { return cli::RecordsFromCsv(text, list); });
         ASSERT_TRUE(failure) << text;
         EXPECT_EQ(cli::ExitCode::kValueRefused, failure->exit);
         EXPECT_NE(std::string::npos, failure->text.find(reason)) << failure->text;
@@ -75,22 +77,16 @@ TEST(KestrelAddressBook, Refuses_a_file_that_the_printer_cannot_hold) {
 TEST(KestrelStatus, Reads_no_more_of_a_record_than_its_layout_allows) {
     DeviceStatusRecord record{};
     record.state = 4711;
-    for (auto& unit : record.text)
-        unit = kestrel_char{'x'};
+    std::fill(std::begin(record.text), std::end(record.text), kestrel_char{'x'});
     const cli::DeviceStatus foreign = cli::ReadStatus(record);
     EXPECT_EQ("other", foreign.word);
     EXPECT_EQ(std::string(146, 'x'), foreign.text);
     EXPECT_FALSE(foreign.details);
 
-    constexpr std::uint32_t kInkCount = 1000000;
-    constexpr std::uint32_t kNoInkState = 77;
-    for (const auto& [offset, number] : {std::pair<std::size_t, std::uint32_t>{0, 1316},
-                                         {4, 1},
-                                         {12, 0xFFFFFFFF},
-                                         {16, kInkCount},
-                                         {24, 1},
-                                         {32, kNoInkState},
-                                         {60, 80}})
+    // The size, the layout, no upgrade, absurdly many inks, the states of two of them, the upper tray.
+    constexpr std::pair<std::size_t, std::uint32_t> kNumbers[] = {
+        {0, 1316}, {4, 1}, {12, 0xFFFFFFFF}, {16, 1000000}, {24, 1}, {32, 77}, {60, 80}};
+    for (const auto& [offset, number] : kNumbers)
         std::memcpy(reinterpret_cast<char*>(&record) + offset, &number, sizeof(number));
     const cli::DeviceStatus own = cli::ReadStatus(record);
     ASSERT_TRUE(own.details);

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <iterator>
+
 namespace {
 
 // Other modules form the same names on their own: a letter that changes here breaks the meeting.
@@ -25,24 +28,6 @@ constexpr const WCHAR* kNamesOfZrij9900[] = {
     TEXT("ZRIJ9900CommLog.log"),
 };
 
-struct Prefix {
-    const WCHAR* path;
-    const WCHAR* prefix;
-    const WCHAR* libraryName;
-};
-
-constexpr Prefix kPrefixes[] = {
-    {TEXT("C:\\drivers\\zrij9900sdk.dll"), TEXT("zrij9900"), TEXT("ZRIJ9900SDK.DLL")},
-    {TEXT("/opt/SDK.DLL/ZRSDK.dll"), TEXT("ZR"), TEXT("ZRSDK.DLL")},
-    {TEXT("C:\\a/ZRSDK.DLL"), TEXT("a/ZR"), TEXT("A/ZRSDK.DLL")},
-    {TEXT("ZRmui.Exe"), TEXT("ZR"), TEXT("ZRMUI.DLL")},
-    {TEXT("ZRYOXSDK.DLL"), TEXT("ZRYoX"), TEXT("ZRYOXSDK.DLL")},
-    {TEXT("YOXYOXSDK.DLL"), TEXT("YoXYOX"), TEXT("YOXYOXSDK.DLL")},
-    {TEXT("yoxSDK.DLL"), TEXT("yox"), TEXT("YOXSDK.DLL")},
-    {TEXT("ZRSDK.DLL.backup"), TEXT("ZRSDK.DLL"), TEXT("ZRSDK.DLL.BACKUP")},
-    {TEXT("A.exeMUI.EXE"), TEXT("A.exe"), TEXT("A.DLLMUI.EXE")},
-};
-
 }  // namespace
 
 TEST(ObjectNames, All_names_are_formed_from_the_file_name) {
@@ -54,11 +39,22 @@ TEST(ObjectNames, All_names_are_formed_from_the_file_name) {
 }
 
 TEST(ObjectNames, The_prefix_is_the_file_name_less_seven_characters) {
-    for (const Prefix& row : kPrefixes) {
+    constexpr std::array<const WCHAR*, 3> kCases[] = {
+        {TEXT("C:\\drivers\\zrij9900sdk.dll"), TEXT("zrij9900"), TEXT("ZRIJ9900SDK.DLL")},
+        {TEXT("/opt/SDK.DLL/ZRSDK.dll"), TEXT("ZR"), TEXT("ZRSDK.DLL")},
+        {TEXT("C:\\a/ZRSDK.DLL"), TEXT("a/ZR"), TEXT("A/ZRSDK.DLL")},
+        {TEXT("ZRmui.Exe"), TEXT("ZR"), TEXT("ZRMUI.DLL")},
+        {TEXT("ZRYOXSDK.DLL"), TEXT("ZRYoX"), TEXT("ZRYOXSDK.DLL")},
+        {TEXT("YOXYOXSDK.DLL"), TEXT("YoXYOX"), TEXT("YOXYOXSDK.DLL")},
+        {TEXT("yoxSDK.DLL"), TEXT("yox"), TEXT("YOXSDK.DLL")},
+        {TEXT("ZRSDK.DLL.backup"), TEXT("ZRSDK.DLL"), TEXT("ZRSDK.DLL.BACKUP")},
+        {TEXT("A.exeMUI.EXE"), TEXT("A.exe"), TEXT("A.DLLMUI.EXE")},
+    };
+    for (const auto& [path, prefix, libraryName] : kCases) {
         ObjectNameTable table;
-        EXPECT_TRUE(table.Build(row.path));
-        EXPECT_EQ(table[ObjectName::ProductPrefix], row.prefix);
-        EXPECT_EQ(table[ObjectName::ModuleLibraryName], row.libraryName);
+        EXPECT_TRUE(table.Build(path));
+        EXPECT_EQ(table[ObjectName::ProductPrefix], prefix);
+        EXPECT_EQ(table[ObjectName::ModuleLibraryName], libraryName);
     }
 }
 

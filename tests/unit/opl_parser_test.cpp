@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <initializer_list>
-#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <variant>
 #include <vector>
 
 namespace {
@@ -16,34 +16,29 @@ using namespace std::string_literals;
 using Messages = std::vector<std::string>;
 
 /// A copy that ends exactly with its last byte, so that a sanitizer sees every read beyond it.
-class ExactCopy final {
-  public:
-    explicit ExactCopy(std::string_view text)
-        : size_(text.size()), bytes_(std::make_unique_for_overwrite<char[]>(size_)) {
-        std::ranges::copy(text, bytes_.get());
-    }
-    [[nodiscard]] std::string_view View() const { return {bytes_.get(), size_}; }
+struct ExactCopy {
+    explicit ExactCopy(std::string_view text) : bytes(text.begin(), text.end()) {}
+    [[nodiscard]] std::string_view View() const { return {bytes.data(), bytes.size()}; }
 
-  private:
-    size_t size_;
-    std::unique_ptr<char[]> bytes_;
+    const std::vector<char> bytes;
 };
 
-struct Framed {
-    ParseResult result;
-    std::string message;
-};
+/// A message, or the result that there is none.
+using Framed = std::variant<std::string, ParseResult>;
 
 Framed Feed(OPLParser& parser, std::string_view input) {
     const char* message = "untouched";
     uint32_t length = 1;
     const ParseResult result =
         parser.ParseStream(input.data(), static_cast<uint32_t>(input.size()), message, length);
-    if (result == ParseResult::MessageReady) return {result, {message, length}};
+    if (result == ParseResult::MessageReady) return std::string(message, length);
     EXPECT_EQ(message, nullptr);
     EXPECT_EQ(length, 0u);
-    return {result, {}};
+    return result;
 }
+
+constexpr auto kMoreInput = ParseResult::MoreInput;
+constexpr auto kMalformed = ParseResult::Malformed;
 
 template <typename Out>
 struct Held {
@@ -74,11 +69,7 @@ void ExpectRead(bool (*get)(std::string_view, Out&), Out before, std::initialize
 const std::string kBlockReply = "0000,Key#4=;\0&=;"s;
 
 TEST(Framer, Cuts_a_buffer_into_its_messages) {
-    const struct {
-        std::string input;
-        Messages messages;
-    } cases[] = {
-        {"0000,DeviceSettings.Fax.Redials=3;", {"0000,DeviceSettings.Fax.Redials=3;"}},
+    const std::pair<std::string, Messages> cases[] = {
         {"A?B=1?C;rest", {"A?", "B=1?", "C;"}},
         {"3400,DeviceSettings.Foo=1?;X;", {"3400,DeviceSettings.Foo=1?;", "X;"}},
         {"3401,#=&?;", {"3401,#=&?;"}},
@@ -93,13 +84,12 @@ TEST(Framer, Cuts_a_buffer_into_its_messages) {
         {"K#000000000000002=ab;", {"K#000000000000002=ab;"}},
         {"K#none=;", {"K#none=;"}},
     };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.input);
-        const ExactCopy input(row.input);
+    for (const auto& [text, messages] : cases) {
+        const ExactCopy input(text);
         OPLParser parser;
-        for (const std::string& message : row.messages)
-            EXPECT_EQ(Feed(parser, input.View()).message, message);
-        EXPECT_EQ(Feed(parser, input.View()).result, ParseResult::MoreInput);
+        for (const std::string& message : messages)
+            EXPECT_EQ(Feed(parser, input.View()), Framed(message));
+        EXPECT_EQ(Feed(parser, input.View()), Framed(kMoreInput)) << text;
     }
 }
 
@@ -109,8 +99,8 @@ TEST(Framer, Finds_the_same_message_wherever_the_input_is_cut) {
         for (size_t cut = 1; cut < text.size(); ++cut) {
             OPLParser parser;
             const ExactCopy head(text.substr(0, cut)), tail(text.substr(cut));
-            EXPECT_EQ(Feed(parser, head.View()).result, ParseResult::MoreInput) << text << " at " << cut;
-            EXPECT_EQ(Feed(parser, tail.View()).message, text) << "at " << cut;
+            EXPECT_EQ(Feed(parser, head.View()), Framed(kMoreInput)) << text << " at " << cut;
+            EXPECT_EQ(Feed(parser, tail.View()), Framed(text)) << "at " << cut;
         }
     }
 }
@@ -119,8 +109,8 @@ TEST(Framer, Refuses_malformed_streams_for_good) {
     for (const std::string& stream : {"0000,Ke\ny=1;"s, "\x7F;"s, "K\xE9y=1;"s, "\x1F=1;"s, "K\0=1;"s,
                                       "A=1&\tB=2;"s, "K#0000000000000002=ab;"s}) {
         OPLParser parser;
-        EXPECT_EQ(Feed(parser, stream).result, ParseResult::Malformed) << stream;
-        EXPECT_EQ(Feed(parser, "A=1;").result, ParseResult::Malformed) << stream;
+        EXPECT_EQ(Feed(parser, stream), Framed(kMalformed)) << stream;
+        EXPECT_EQ(Feed(parser, "A=1;"), Framed(kMalformed)) << stream;
     }
 }
 
@@ -128,17 +118,17 @@ TEST(Framer, Takes_the_longest_message_and_not_a_byte_more) {
     const std::string head = "0000,K=";
     for (const bool fits : {true, false}) {
         const std::string value(OPLParser::kMaxMessage - head.size() - (fits ? 1 : 0), 'v');
+        const std::string message = head + value + ';';
         OPLParser whole;
-        EXPECT_EQ(Feed(whole, head + value + ';').message.size(), fits ? OPLParser::kMaxMessage : 0);
-
+        EXPECT_EQ(Feed(whole, message), fits ? Framed(message) : Framed(kMalformed));
         OPLParser halves;
-        EXPECT_EQ(Feed(halves, head + value).result, ParseResult::MoreInput);
-        EXPECT_EQ(Feed(halves, ";").result, fits ? ParseResult::MessageReady : ParseResult::Malformed);
+        EXPECT_EQ(Feed(halves, head + value), Framed(kMoreInput));
+        EXPECT_EQ(Feed(halves, ";"), fits ? Framed(message) : Framed(kMalformed));
     }
     const std::string filler(40'000, '\0');
     OPLParser block;
-    EXPECT_EQ(Feed(block, "K#999999999999999=" + filler).result, ParseResult::MoreInput);
-    EXPECT_EQ(Feed(block, filler + filler).result, ParseResult::Malformed);
+    EXPECT_EQ(Feed(block, "K#999999999999999=" + filler), Framed(kMoreInput));
+    EXPECT_EQ(Feed(block, filler + filler), Framed(kMalformed));
 }
 
 TEST(Extraction, Reads_response_numbers_and_indices) {

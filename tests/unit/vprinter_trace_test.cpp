@@ -22,13 +22,11 @@ std::string Shown(std::string_view message, bool showSecrets = false) {
 
 TEST(VprinterTrace, Messages_are_shown_readably) {
     const std::pair<std::string, std::string> cases[] = {
-        {"0000,Key=value;", "0000,Key=value;"},
         {"Name=a\x1Dx\x1Cy;", "Name=a\\;x\\.y;"},
         {"Name=a\\b\x01\xFF;", "Name=a\\\\b\\x01\\xFF;"},
         {"0000,Key#4=\xC0\xA8\x00\x01;A=1;"s, "0000,Key#4=<C0 A8 00 01>;A=1;"},
         {"Key#9=\x01\x02"s, "Key#9=<01 02>"},  // cut
         {"a#b=c", "a#b=c"},
-        {"Key#", "Key#"},
         {"Key#99999999999999999999=x", "Key#99999999999999999999=x"},
     };
     for (const auto& [message, shown] : cases)
@@ -43,7 +41,6 @@ TEST(VprinterTrace, Secrets_are_hidden_wherever_their_key_stands) {
     const std::pair<std::string, std::string> cases[] = {
         {key + "=hunter2;", key + "=*****;"},
         {"0000," + key + "=hun=ter2;", "0000," + key + "=*****;"},
-        {"A=1;" + key3 + "=hunter2;B=2;", "A=1;" + key3 + "=*****;B=2;"},
         {"0000,A=1&" + key3 + "=hunter2&B=2;", "0000,A=1&" + key3 + "=*****&B=2;"},
         {key + "=hunter2", key + "=*****"},  // cut
         {key + "#7=hunter2;", key + "#7=*****;"},
@@ -57,13 +54,8 @@ TEST(VprinterTrace, Secrets_are_hidden_wherever_their_key_stands) {
 
 TEST(VprinterTrace, Lines_hold_the_exchange_and_hide_secrets) {
     const std::string request = std::string(kSecurity) + "Key0=hunter2;";
-    const Exchange exchange = {std::chrono::system_clock::time_point(1'000'000'000'123ms),
-                               "USB001",
-                               42,
-                               request,
-                               "0000,A=\x1D;",
-                               1500us,
-                               "as scripted"};
+    const auto time = std::chrono::system_clock::time_point(1'000'000'000'123ms);
+    const Exchange exchange = {time, "USB001", 42, request, "0000,A=\x1D;", 1500us, "as scripted"};
 
     const std::string text = TextLine(exchange, false);
     EXPECT_NE(text.find(".123 USB001 client 42  "), std::string::npos) << text;
