@@ -6,7 +6,6 @@
 #include <string>
 
 #include "child_process.h"
-#include "line_text.h"
 
 struct PuppetAnswer {
     uint32_t number = 0;
@@ -30,7 +29,6 @@ class ChannelPuppet final {
         std::istringstream line(process_.ReadLine().value_or("0 4294967295 no-answer"));
         PuppetAnswer answer;
         line >> answer.number >> answer.error >> answer.text;
-        answer.text = FromWord(answer.text);
         return answer;
     }
 

@@ -10,6 +10,7 @@
 
 #include "channel_puppet.h"
 #include "ipc/opl_channel.h"
+#include "widened.h"
 
 namespace {
 

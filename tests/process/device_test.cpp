@@ -190,6 +190,7 @@ TEST_F(Device, The_identity_is_kept_in_little_endian_order_where_the_configurati
         RegSetValueExW(key, TEXT("HostID"), 0, type, bytes, size);
         const std::string sent = identity();
         EXPECT_EQ(isKept, sent == "AB07060504030201") << size;
+        EXPECT_EQ(isKept, sent.ends_with("04030201")) << size;
         EXPECT_EQ(sent, identity()) << "one of another form is replaced";
     }
     RegCloseKey(key);
@@ -220,7 +221,7 @@ TEST_F(Device, Several_requests_have_the_time_out_of_one) {
         EXPECT_FALSE(call(++timeout));
         Sleep(400);  // whatever comes late has come
     }
-    EXPECT_EQ(16u, numbers[0]);
+    EXPECT_EQ(0u, numbers[1]);
     EXPECT_EQ(0u, out.records[0]);
 }
 

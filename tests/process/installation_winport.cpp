@@ -4,8 +4,8 @@
 
 #include <cstring>
 
-#include "line_text.h"
 #include "spooler_value.h"
+#include "widened.h"
 
 Installation::Installation() = default;
 Installation::~Installation() = default;

@@ -18,14 +18,13 @@
 #include <vector>
 
 #include "child_process.h"
-#include "line_text.h"
+#include "widened.h"
 
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 inline constexpr uint32_t kLong = 5000;
 inline constexpr const kestrel_char* kPrinter = TEXT("P");
-inline constexpr const char* kChannelName = "ZRIJ9900StatMonClass-01042005OPLChannelUSB001";
 
 inline constexpr uint32_t kSendIncomplete = 0xE0000002;
 inline constexpr uint32_t kNoReply = 0xE0000003;

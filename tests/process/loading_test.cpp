@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "line_text.h"
+#include "widened.h"
 
 namespace {
 

@@ -7,12 +7,11 @@
 #include <cstring>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
-#include "channel_puppet.h"
 #include "installed_printer.h"
+#include "ipc/opl_channel.h"
 
 // Memory behind an output that must stay as it was.
 template <typename Record, size_t n>
@@ -29,16 +28,13 @@ struct Guarded {
 
 using Requests = std::vector<std::string>;
 
-class RecordingMonitor final {
+class RecordingMonitor final : public OPLChannel {
   public:
     RecordingMonitor() {
-        puppet_.Do(std::string("open server ") + kChannelName + " 65791");
-        server_ = std::thread([this] { Serve(); });
+        EXPECT_TRUE(Open(kwt::ChannelRole::Server, TEXT("ZRIJ9900StatMonClass-01042005OPLChannelUSB001")));
+        EXPECT_TRUE(StartServerThread());
     }
-    ~RecordingMonitor() {
-        stop_ = true;
-        server_.join();
-    }
+    ~RecordingMonitor() override { Close(); }
 
     void Answer(const std::string& reply) {
         const std::lock_guard guard(lock_);
@@ -58,35 +54,27 @@ class RecordingMonitor final {
         return std::exchange(requests_, {});
     }
 
-  private:
-    void Serve() {
-        while (!stop_) {
-            const std::string request = puppet_.Do("receive 100").text;
-            if (request.empty()) continue;
-            std::string reply;
-            {
-                const std::lock_guard guard(lock_);
-                requests_.push_back(request);
-                reply = ReplyTo(request);
-            }
-            Sleep(delay_);
-            puppet_.Do("send " + AsWord(reply) + " 1000");
-        }
+    void OnMessage(const void* data, size_t length) override {
+        const std::string reply = Recorded({static_cast<const char*>(data), length});
+        Sleep(delay_);
+        Send(reply.data(), static_cast<uint32_t>(reply.size()), 1000);
     }
-    const std::string& ReplyTo(const std::string& request) const {
+
+  private:
+    // And what it is to be answered.
+    std::string Recorded(const std::string& request) {
+        const std::lock_guard guard(lock_);
+        requests_.push_back(request);
         for (const auto& [fragment, reply] : replies_)
             if (request.find(fragment) != std::string::npos) return reply;
         return reply_;
     }
 
-    ChannelPuppet puppet_;
     std::mutex lock_;
     Requests requests_;
     std::vector<std::pair<std::string, std::string>> replies_;
     std::string reply_ = "0000,X=1;";
     std::atomic<uint32_t> delay_{0};
-    std::atomic<bool> stop_{false};
-    std::thread server_;
 };
 
 // The language monitor that answers what the test says, with the printer selected and nothing to announce.

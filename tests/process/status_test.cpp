@@ -24,6 +24,14 @@ std::string BlockReply(uint32_t state, char text) {
     return "0000,Status#1316=" + block + ";";
 }
 
+// Status queries since the last call.
+size_t QueriesTaken(RecordingMonitor& language) {
+    size_t queries = 0;
+    for (const std::string& request : language.TakeRequests())
+        queries += Count(request, "ZRGetStatus?");
+    return queries;
+}
+
 using Status = InstalledStatusMonitor;
 
 TEST_F(Status, Comes_from_the_language_monitor_once_the_status_monitor_is_started_and_told) {
@@ -47,8 +55,11 @@ TEST_F(Status, Is_asked_for_every_two_seconds_until_it_is_known) {
     RecordingMonitor language;
     language.Answer(BlockReply(kNotKnownYet, 0));
     WithPrinter([&] {
+        size_t asked = 0;
         std::thread printer([&] {
-            Sleep(3000);  // two blocks that say nothing, then one with a text
+            // Two blocks that say nothing, then one with a text.
+            for (int i = 0; i < 200 && asked < 2; ++i, asked += QueriesTaken(language))
+                Sleep(50);
             language.Answer(BlockReply(kNotKnownYet, 'x'));
         });
         Guarded<DeviceStatusRecord, 1> out;
@@ -57,21 +68,19 @@ TEST_F(Status, Is_asked_for_every_two_seconds_until_it_is_known) {
         EXPECT_GE(Clock::now() - start, milliseconds(4000));
         EXPECT_EQ('x', out.records[0].text[0]);
         printer.join();
-        size_t asked = 0;
-        for (const std::string& request : language.TakeRequests())
-            asked += Count(request, "ZRGetStatus?");
-        EXPECT_EQ(3u, asked);
+        EXPECT_EQ(3u, asked + QueriesTaken(language));
     });
     EXPECT_NE(std::string::npos, monitor_.ReadLine().value_or("").find("UpSt")) << "one that runs was pinged";
 }
 
-TEST_F(Status, A_reply_without_a_block_fails_and_clears_the_record) {
+TEST_F(Status, A_reply_without_a_block_fails_eight_times_and_clears_the_record) {
     StartMonitor();
     RecordingMonitor language;
     language.Answer("0000,Status=1;");
     WithPrinter([&] {
         Guarded<DeviceStatusRecord, 1> out;
         EXPECT_EQ(kBadReply, Ended(GetStatus(out.records, sizeof(out.records))));
+        EXPECT_EQ(8u, QueriesTaken(language));
         const DeviceStatusRecord zeros = {};
         EXPECT_EQ(0, std::memcmp(&zeros, out.records, sizeof(zeros)));
     });

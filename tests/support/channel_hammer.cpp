@@ -19,6 +19,7 @@
 
 #include "hammer_counts.h"
 #include "ipc/opl_channel.h"
+#include "widened.h"
 
 namespace {
 
@@ -68,8 +69,7 @@ int main(int argc, char** argv) {
     std::vector<std::unique_ptr<OPLChannel>> channels;
     for (int i = 0; i < std::atoi(argv[2]); ++i) {
         channels.push_back(std::make_unique<OPLChannel>());
-        if (!channels.back()->Open(kwt::ChannelRole::Client, WideText(name.begin(), name.end()).c_str()))
-            return 1;
+        if (!channels.back()->Open(kwt::ChannelRole::Client, Widened(name).c_str())) return 1;
     }
     std::cout << "ready" << std::endl;
     std::string go;

@@ -5,7 +5,7 @@
 //   sendto PROCESS ABORTED TEXT TIMEOUT  broadcast TEXT TIMEOUT      cancel
 //   dispatch (echoes on its own thread)  close
 //
-// TEXT, and the text of the answer, may be any bytes, written as line_text.h says.
+// TEXT is one word, and so is what is received.
 #include <windows.h>
 
 #include <iostream>
@@ -13,7 +13,7 @@
 #include <string>
 
 #include "ipc/opl_channel.h"
-#include "line_text.h"
+#include "widened.h"
 
 namespace {
 
@@ -29,10 +29,10 @@ struct Answer {
     std::string text;
 };
 
-std::string NextText(std::istream& line) {
+std::string NextWord(std::istream& line) {
     std::string word;
     line >> word;
-    return FromWord(word);
+    return word;
 }
 
 uint32_t NextNumber(std::istream& line) {
@@ -42,10 +42,10 @@ uint32_t NextNumber(std::istream& line) {
 }
 
 Answer Obey(PuppetChannel& channel, std::istream& line) {
-    const std::string verb = NextText(line);
+    const std::string verb = NextWord(line);
     if (verb == "open") {
-        const bool isServer = NextText(line) == "server";
-        const WideText name = Widened(NextText(line));
+        const bool isServer = NextWord(line) == "server";
+        const WideText name = Widened(NextWord(line));
         const auto role = isServer ? kwt::ChannelRole::Server : kwt::ChannelRole::Client;
         return {channel.Open(role, name.c_str(), NextNumber(line)), {}};
     }
@@ -61,7 +61,7 @@ Answer Obey(PuppetChannel& channel, std::istream& line) {
 
     const uint32_t process = verb == "sendto" ? NextNumber(line) : 0;
     const bool isAborted = verb == "sendto" && NextNumber(line) != 0;
-    const std::string text = NextText(line);
+    const std::string text = NextWord(line);
     const auto length = static_cast<uint32_t>(text.size());
     const uint32_t timeout = NextNumber(line);
     if (verb == "send") return {channel.Send(text.data(), length, timeout), {}};
@@ -77,6 +77,6 @@ int main() {
         std::istringstream words(line);
         const Answer answer = Obey(channel, words);
         const uint32_t error = GetLastError();
-        std::cout << answer.number << ' ' << error << ' ' << AsWord(answer.text) << std::endl;
+        std::cout << answer.number << ' ' << error << ' ' << answer.text << std::endl;
     }
 }
