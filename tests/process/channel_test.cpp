@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstring>
@@ -216,33 +217,56 @@ TEST_F(Channel, The_eight_objects_have_the_names_sizes_and_offsets_that_the_prod
     const WideText base = TEXT("Global\\Wire") + Widened(name_) + TEXT("AbFcCdLeGfQgBhPi");
     name_ = "Wire" + name_ + "*b/c:d<e>f?g\\h|i";
     OpenBoth(65791);
-    SendUnread("abc");
-    const auto closeExisting = [](HANDLE handle) {
+    const auto existing = [](HANDLE handle) {
         EXPECT_EQ(183u, GetLastError());
-        EXPECT_TRUE(CloseHandle(handle));
+        return handle;
     };
-    for (const WCHAR* ending : {TEXT("CmdNotifyEvent"), TEXT("CmdCancelEvent"), TEXT("RespNotifyEvent"),
-                                TEXT("RespCancelEvent"), TEXT("ServerIdleEvent")})
-        closeExisting(CreateEventW(nullptr, FALSE, FALSE, (base + ending).c_str()));
-    closeExisting(CreateMutexW(nullptr, FALSE, (base + TEXT("TransactionMutex")).c_str()));
-    for (const WCHAR* ending : {TEXT("Cmd"), TEXT("Resp")}) {
-        const HANDLE section = CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 65803,
-                                                  (base + ending).c_str());
-        EXPECT_EQ(183u, GetLastError());
+    const auto event = [&](const WCHAR* ending) {
+        return existing(CreateEventW(nullptr, FALSE, FALSE, (base + ending).c_str()));
+    };
+    const auto expectBlock = [&](const WCHAR* ending, const std::array<uint32_t, 3>& header,
+                                 const char* text) {
+        const HANDLE section = existing(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
+                                                           65803, (base + ending).c_str()));
         const auto* block = static_cast<const char*>(MapViewOfFile(section, FILE_MAP_READ, 0, 0, 0));
         MEMORY_BASIC_INFORMATION info;
         VirtualQuery(block, &info, sizeof(info));
         EXPECT_EQ(69632u, info.RegionSize);
-        if (ending == WideView(TEXT("Cmd"))) {
-            const uint32_t header[] = {GetCurrentProcessId(), 3, 0};
-            EXPECT_EQ(0, std::memcmp(header, block, sizeof(header)));
-            EXPECT_EQ("abc", std::string(block + sizeof(header), 3));
-        }
+        EXPECT_EQ(0, std::memcmp(header.data(), block, sizeof(header)));
+        EXPECT_EQ(text, std::string(block + sizeof(header), std::strlen(text)));
         UnmapViewOfFile(block);
         CloseHandle(section);
-    }
+    };
+    const HANDLE replied = event(TEXT("RespNotifyEvent"));
+    SetEvent(replied);
+    SendUnread("abc");
+    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(replied, 0))
+        << "a request takes back what was signalled before";
+    expectBlock(TEXT("Cmd"), {GetCurrentProcessId(), 3, 0}, "abc");
+    for (const WCHAR* ending :
+         {TEXT("CmdNotifyEvent"), TEXT("CmdCancelEvent"), TEXT("RespCancelEvent"), TEXT("ServerIdleEvent")})
+        CloseHandle(event(ending));
+    CloseHandle(existing(CreateMutexW(nullptr, FALSE, (base + TEXT("TransactionMutex")).c_str())));
     server_.Process().Continue();
     EXPECT_EQ("abc", server_.End().text);
+    server_.Do("broadcast news 1000");
+    expectBlock(TEXT("Resp"), {0, 4, 0x0100}, "news");
+    CloseHandle(replied);
+}
+
+TEST_F(Channel, An_opening_that_fails_leaves_none_of_its_objects) {
+    const WideText base = TEXT("Global\\") + Widened(name_);
+    const HANDLE squatter = CreateMutexW(nullptr, FALSE, (base + TEXT("ServerIdleEvent")).c_str());
+    EXPECT_FALSE(Open(client_, 200));
+    EXPECT_EQ(6u, GetLastError());
+    for (const WCHAR* ending : {TEXT("Cmd"), TEXT("Resp")}) {
+        const HANDLE section = CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 100,
+                                                  (base + ending).c_str());
+        EXPECT_EQ(0u, GetLastError()) << "it is a new one";
+        CloseHandle(section);
+    }
+    CloseHandle(squatter);
+    EXPECT_TRUE(Open(client_, 200));
 }
 
 }  // namespace
