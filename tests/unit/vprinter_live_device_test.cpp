@@ -142,6 +142,8 @@ TEST_F(VprinterLiveDevice, An_upgrade_takes_a_firmware_file_and_its_time) {
     tickMs_ += 2500;
     EXPECT_EQ(Value("DeviceSettings.System.Version.Printer"), Escaped("9900.2210.420"));
     EXPECT_EQ(NumberAt(Status(), 12), 0xFFFFFFFFu);
+    Ask("DeviceSettings.System.RestoreDefaults=All;");
+    EXPECT_EQ(Value("DeviceSettings.System.Version.Lagoon"), "420");
 }
 
 }  // namespace
