@@ -41,6 +41,7 @@ TEST_F(VprinterResponder, Settings_are_read_set_and_judged_by_their_type) {
         {record + "[0].Name=" + std::string(40, 'n') + ";", "3450,"},
         {record + "[0].Address=" + std::string(50, 'a') + ";", "3450,"},
         {record + "[60].Name?", "3400,"},
+        {"DeviceSettings.AddressBook.OneTouchDialRecords.NamedSingleEntry[5].Name?", "3400,"},
         {ip + "#4=\x0A\x00\x00;;"s, "0000," + ip + "#4=\x0A\x00\x00;;"s},
         {ip + "#5=12345;", "3450,"},
         {"DeviceSettings.System.Information.RPID=x;", "3400,Cannot be set: "},
