@@ -97,11 +97,14 @@ TEST_F(VprinterLiveDevice, The_clock_runs_from_what_was_set) {
         EXPECT_TRUE(Ask(rtc + "=" + bad + ";").starts_with("3450,")) << bad;
 }
 
-TEST_F(VprinterLiveDevice, Access_points_and_pings_come_with_time) {
+TEST_F(VprinterLiveDevice, Access_points_pings_and_hosts_come_with_time) {
     ASSERT_EQ(Control(R"({"USB001": {"search.networks": "one, two", "search.seconds": 2}})"), "");
-    Ask("DeviceNetwork.WiFiAccessPoints.SearchAccessPoints=YES;");
+    const std::string points = "DeviceNetwork.WiFiAccessPoints.";
+    Ask(points + "SearchAccessPoints=YES;");
     tickMs_ += 1000;
-    EXPECT_EQ(Value("DeviceNetwork.WiFiAccessPoints.AccessPointsFound"), "1");
+    EXPECT_EQ(Value(points + "AccessPointsFound"), "1");
+    EXPECT_TRUE(
+        Ask(points + "GetAccessPoints?").starts_with("0101," + points + "GetAccessPoints[0].MacAddr#6="));
 
     const std::string network = "DeviceNetwork.Network.";
     const auto pings = [&] {
@@ -119,6 +122,7 @@ TEST_F(VprinterLiveDevice, Access_points_and_pings_come_with_time) {
     Ask(ping);
     tickMs_ += 4100;  // two time-outs
     EXPECT_EQ(pings(), "2 made, 0 answered");
+    EXPECT_EQ(Value(network + "GetMDNSHostList"), "(null)");
 }
 
 TEST_F(VprinterLiveDevice, An_upgrade_takes_a_firmware_file_and_its_time) {
@@ -142,6 +146,8 @@ TEST_F(VprinterLiveDevice, An_upgrade_takes_a_firmware_file_and_its_time) {
     tickMs_ += 2500;
     EXPECT_EQ(Value("DeviceSettings.System.Version.Printer"), Escaped("9900.2210.420"));
     EXPECT_EQ(NumberAt(Status(), 12), 0xFFFFFFFFu);
+    Ask("DeviceSettings.System.RestoreDefaults=All;");
+    EXPECT_EQ(Value("DeviceSettings.System.Version.Lagoon"), "420");
 }
 
 }  // namespace

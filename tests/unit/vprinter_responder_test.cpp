@@ -41,6 +41,7 @@ TEST_F(VprinterResponder, Settings_are_read_set_and_judged_by_their_type) {
         {record + "[0].Name=" + std::string(40, 'n') + ";", "3450,"},
         {record + "[0].Address=" + std::string(50, 'a') + ";", "3450,"},
         {record + "[60].Name?", "3400,"},
+        {"DeviceSettings.AddressBook.OneTouchDialRecords.NamedSingleEntry[5].Name?", "3400,"},
         {ip + "#4=\x0A\x00\x00;;"s, "0000," + ip + "#4=\x0A\x00\x00;;"s},
         {ip + "#5=12345;", "3450,"},
         {"DeviceSettings.System.Information.RPID=x;", "3400,Cannot be set: "},
@@ -96,11 +97,12 @@ TEST_F(VprinterResponder, Words_have_their_response_numbers_and_the_lock_belongs
 TEST_F(VprinterResponder, A_client_has_given_up_after_the_time_out_that_it_announced) {
     EXPECT_FALSE(responder_.HasGivenUp(kClient, 1'000'000));
     Ask("ZRTimeoutParam=950;");
+    Ask("ZRTimeoutParam=-214748366;", kDead);
     EXPECT_FALSE(responder_.HasGivenUp(kClient, 1000));
     EXPECT_TRUE(responder_.HasGivenUp(kClient, 1001));
+    EXPECT_FALSE(responder_.HasGivenUp(kDead, 1'000'000));
     for (uint32_t flood = 1000; flood < 1100; ++flood)
-        Ask("ZRTimeoutParam=-214748366;", flood);
-    EXPECT_FALSE(responder_.HasGivenUp(1099, 1'000'000));
+        Ask("ZRTimeoutParam=1;", flood);
     EXPECT_FALSE(responder_.HasGivenUp(kClient, 1001)) << "forgotten, not mixed up";
 }
 
