@@ -80,6 +80,15 @@ TEST_F(VprinterLiveDevice, A_control_file_is_taken_whole_or_refused_with_the_rea
     EXPECT_EQ(Ask("OrderInk?"), "0000,OrderInk=FALSE;");
 }
 
+TEST_F(VprinterLiveDevice, A_control_file_of_the_same_time_and_size_is_known_by_its_text) {
+    ASSERT_EQ(Control(R"({"*": {"ink.black": 10}})"), "");
+    const auto time = std::filesystem::last_write_time(path_);
+    Write(R"({"*": {"ink.black": 20}})");
+    std::filesystem::last_write_time(path_, time);
+    EXPECT_EQ(control_.Apply(model_), "");
+    EXPECT_EQ(model_.Value("ink.black"), "20");
+}
+
 TEST_F(VprinterLiveDevice, The_clock_runs_from_what_was_set) {
     const std::string time = "DeviceSettings.System.Time";
     localSeconds_ += 30 * 86'400;  // the 31st: the month that is set next is shorter

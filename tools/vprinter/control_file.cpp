@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <utility>
 #include <vector>
@@ -42,10 +43,9 @@ void CollectChanges(const json& values, DeviceModel& model, Changes& changes) {
 
 std::string ControlFile::Apply(DeviceModel& model) {
     if (path_.empty() || !IsWrittenAnew()) return {};
-    std::ifstream file(path_, std::ios::binary);
     Changes changes;
     try {
-        const json document = json::parse(file);
+        const json document = json::parse(text_);
         for (const std::string& name : {std::string(kEveryPrinter), port_}) {
             if (document.contains(name)) CollectChanges(document.at(name), model, changes);
         }
@@ -63,13 +63,16 @@ std::string ControlFile::Apply(DeviceModel& model) {
     return {};
 }
 
+// By its time and by its text: some systems count the time in whole seconds.
 bool ControlFile::IsWrittenAnew() {
     std::error_code error;
     const fs::file_time_type writtenAt = fs::last_write_time(path_, error);
-    const uintmax_t size = error ? 0 : fs::file_size(path_, error);
-    if (error || (writtenAt == writtenAt_ && size == size_)) return false;
+    if (error) return false;
+    std::ifstream file(path_, std::ios::binary);
+    std::string text{std::istreambuf_iterator<char>(file), {}};
+    if (writtenAt == writtenAt_ && text == text_) return false;
     writtenAt_ = writtenAt;
-    size_ = size;
+    text_ = std::move(text);
     return true;
 }
 

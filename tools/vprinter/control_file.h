@@ -7,7 +7,6 @@
 // anew; what it does not name stays as it is.
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -32,7 +31,7 @@ class ControlFile final {
     std::string path_;
     std::string port_;
     std::filesystem::file_time_type writtenAt_ = std::filesystem::file_time_type::min();
-    uintmax_t size_ = 0;
+    std::string text_;
 };
 
 }  // namespace vprinter
