@@ -129,6 +129,8 @@ TEST(Framer, Takes_the_longest_message_and_not_a_byte_more) {
     OPLParser block;
     EXPECT_EQ(Feed(block, "K#999999999999999=" + filler), Framed(kMoreInput));
     EXPECT_EQ(Feed(block, filler + filler), Framed(kMalformed));
+    OPLParser length;
+    EXPECT_EQ(Feed(length, "K#" + std::string(OPLParser::kMaxMessage, '0') + "1=a;"), Framed(kMalformed));
 }
 
 TEST(Extraction, Reads_response_numbers_and_indices) {
