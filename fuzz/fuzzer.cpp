@@ -2,8 +2,10 @@
 //
 //   kestrel_fuzz --target=NAME [libFuzzer's options] [CORPUS...]
 #include <cstdint>
-#include <cstring>
-#include <string>
+#include <cstdlib>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
 
 #include "own_folder.h"
 #include "targets.h"
@@ -21,7 +23,13 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
         if (argument.starts_with(kOption)) chosen = fuzz::FindTarget(argument.substr(kOption.size()));
     }
     fuzz::Require(chosen != nullptr, "--target names a target");
-    fuzz::Require(!MakeOwnFolder().empty(), "a folder for the target's files");
+    static const std::filesystem::path folder = MakeOwnFolder();
+    fuzz::Require(!folder.empty(), "a folder for the target's files");
+    // The fuzzer comes back from its work by exit alone.
+    std::atexit([] {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder, ignored);
+    });
     return 0;
 }
 
