@@ -10,11 +10,12 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 MAY_INCLUDE = {
     "kwt": set(),
     "opl": set(),
+    "catalogue": {"opl"},
     "ipc": {"kwt"},
     "host": {"kwt"},
     "session": {"host", "ipc", "opl", "kwt"},
-    "settings": {"session", "host", "ipc", "opl", "kwt"},
-    "entry": {"settings", "session", "host", "ipc", "opl", "kwt"},
+    "settings": {"session", "host", "ipc", "catalogue", "opl", "kwt"},
+    "entry": {"settings", "session", "host", "ipc", "catalogue", "opl", "kwt"},
 }
 SYSTEM = {"windows.h", "winspool.h", "psapi.h", "rpc.h", "wtsapi32.h", "userenv.h", "objbase.h"}
 INCLUDE = re.compile(r'^\s*#\s*include\s+(["<])([^">]+)[">]', re.M)

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "catalogue/rows.h"
 #include "library/library.h"
 #include "library/printer.h"
-#include "settings/catalogue.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ constexpr Call kGetters[] = {
 #define INDEXED(base, index, name, bytes, about) \
     [](void* value) { return Get##base(index, static_cast<kestrel_char*>(value), kTimeoutMs); },
 #define WITHOUT_KEY(base, name, type, about) [](void* value) { return Into(Get##base, value); },
-#include "settings/settings.def"
+#include "catalogue/settings.def"
 };
 
 class Sweep final : public Client {

@@ -71,7 +71,7 @@ struct IndexedSetting {
 };
 constexpr IndexedSetting kIndexedSettings[] = {
 #define INDEXED(base, index, name, bytes, about) {#base, index, {OplKey::base##index, kNoWords, bytes}},
-#include "settings/settings.def"
+#include "catalogue/settings.def"
 };
 
 const SettingAccess* FindIndexed(std::string_view base, uint32_t index) {
@@ -98,7 +98,7 @@ const SettingAccess* FindIndexed(std::string_view base, uint32_t index) {
     kestrel_bool function(In##type value, uint32_t timeoutMs) {                           \
         return Set<In##type>(Write##type, {OplKey::base, k##words, 0}, value, timeoutMs); \
     }
-#include "settings/settings.def"
+#include "catalogue/settings.def"
 
 kestrel_bool GetWirelessSecurityKey(uint32_t index, kestrel_char* text, uint32_t timeoutMs) {
     const SettingAccess* const setting = FindIndexed("WirelessSecurityKey", index);

@@ -6,9 +6,9 @@
 
 #include <cstdint>
 
+#include "catalogue/value_tables.h"
 #include "opl/vocabulary.h"
 #include "session/kestrel_sdk.h"
-#include "settings/value_tables.h"
 
 /// What the row of a setting says about its exchange.
 struct SettingAccess {

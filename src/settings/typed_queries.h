@@ -10,9 +10,9 @@
 #include <cstdint>
 #include <string>
 
+#include "catalogue/value_tables.h"
 #include "opl/vocabulary.h"
 #include "session/kestrel_sdk.h"
-#include "settings/value_tables.h"
 
 /// 0 or 1.
 bool QueryBool(KestrelSDK& sdk, uint8_t& value, const std::string& request, uint32_t timeoutMs);

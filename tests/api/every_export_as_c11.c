@@ -64,7 +64,7 @@ static void CallSettings(void) {
 #define READ_ONLY(base, name, type, words, bytes, about) FAILS(Get##base, ((void*)&out, kMs));
 #define WRITE_ONLY(function, base, name, type, words, about) FAILS(function, (VALUE_##type, kMs));
 #define WITHOUT_KEY(base, name, type, about) SUCCEEDS(Get##base, ((void*)&out, kMs));
-#include "settings/settings.def"
+#include "catalogue/settings.def"
     FAILS(GetWirelessSecurityKey, (0, out.text, kMs));
     FAILS(SetWirelessSecurityKey, (0, kNoText, kMs));
 }

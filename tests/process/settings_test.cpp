@@ -7,9 +7,9 @@
 #include <map>
 #include <tuple>
 
+#include "catalogue/rows.h"
 #include "installed_printer.h"
 #include "recording_monitor.h"
-#include "settings/catalogue.h"
 
 namespace {
 

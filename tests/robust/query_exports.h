@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "settings/catalogue.h"
+#include "catalogue/rows.h"
 
 struct QueryExport {
     std::string name;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <settings/catalogue.h>
+#include <catalogue/rows.h>
 
 #include <nlohmann/json.hpp>
 

@@ -5,7 +5,7 @@
 #include <deque>
 #include <string>
 
-#include "settings/value_tables.h"
+#include "catalogue/value_tables.h"
 
 namespace vprinter {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "settings/catalogue.h"
+#include "catalogue/rows.h"
 #include "vprinter/address_book.h"
 #include "vprinter/condition.h"
 #include "vprinter/device_facts.h"

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "settings/catalogue.h"
+#include "catalogue/rows.h"
 
 namespace {
 

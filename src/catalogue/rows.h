@@ -6,7 +6,7 @@
 #include <span>
 #include <string_view>
 
-#include "settings/value_tables.h"
+#include "catalogue/value_tables.h"
 
 /// The value's type in the exported functions. Numbers have the width their names say; an enumeration is a
 /// uint32_t; a text is zero-terminated UTF-16; an address is read as four bytes in the order of the wire, and

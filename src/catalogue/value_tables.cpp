@@ -1,4 +1,4 @@
-#include "settings/value_tables.h"
+#include "catalogue/value_tables.h"
 
 const EnumEntry* FindByName(const EnumEntry* table, std::string_view name) {
     for (const EnumEntry* entry = table; entry->name != nullptr; ++entry) {

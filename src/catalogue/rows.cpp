@@ -1,4 +1,4 @@
-#include "settings/catalogue.h"
+#include "catalogue/rows.h"
 
 #include <iterator>
 
@@ -37,7 +37,7 @@ constexpr SettingRow kRows[] = {
      about},
 #define WITHOUT_KEY(base, name, type, about) \
     {name, {}, k##type, "Get" #base, nullptr, k##type, k##type, kNoIndex, 0, WordsOf(kNoWords), about},
-#include "settings/settings.def"
+#include "catalogue/settings.def"
 };
 
 }  // namespace
