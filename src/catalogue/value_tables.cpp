@@ -1,5 +1,7 @@
 #include "catalogue/value_tables.h"
 
+namespace catalogue {
+
 const EnumEntry* FindByName(const EnumEntry* table, std::string_view name) {
     for (const EnumEntry* entry = table; entry->name != nullptr; ++entry) {
         if (name == entry->name) return entry;
@@ -13,3 +15,5 @@ const EnumEntry* FindByValue(const EnumEntry* table, uint32_t value) {
     }
     return nullptr;
 }
+
+}  // namespace catalogue

@@ -6,6 +6,8 @@
 
 #include "kestrel/sdk_types.h"
 
+namespace catalogue {
+
 struct EnumEntry {
     const char* name;  // as the device sends and accepts it, letter for letter
     uint32_t value;
@@ -225,3 +227,5 @@ inline constexpr EnumEntry kWirelessState[] = {
     {"ErrorConnectingRadio", KESTREL_WIRELESS_STATE_ERROR_CONNECTING_RADIO},
     {nullptr, 0},
 };
+
+}  // namespace catalogue

@@ -70,7 +70,8 @@ struct IndexedSetting {
     SettingAccess access;
 };
 constexpr IndexedSetting kIndexedSettings[] = {
-#define INDEXED(base, index, name, bytes, about) {#base, index, {OplKey::base##index, kNoWords, bytes}},
+#define INDEXED(base, index, name, initial, bytes, privacy, about) \
+    {#base, index, {OplKey::base##index, catalogue::kNoWords, bytes}},
 #include "catalogue/settings.def"
 };
 
@@ -83,20 +84,13 @@ const SettingAccess* FindIndexed(std::string_view base, uint32_t index) {
 
 }  // namespace
 
-#define SETTING_AS(base, name, read, write, words, bytes, about)                                \
-    kestrel_bool Get##base(Out##read* value, uint32_t timeoutMs) {                              \
-        return Get<Out##read>(Read##read, {OplKey::base, k##words, bytes}, value, timeoutMs);   \
-    }                                                                                           \
-    kestrel_bool Set##base(In##write value, uint32_t timeoutMs) {                               \
-        return Set<In##write>(Write##write, {OplKey::base, k##words, bytes}, value, timeoutMs); \
+#define GETTER(function, base, type, words, bytes)                                                       \
+    kestrel_bool function(Out##type* value, uint32_t timeoutMs) {                                        \
+        return Get<Out##type>(Read##type, {OplKey::base, catalogue::k##words, bytes}, value, timeoutMs); \
     }
-#define READ_ONLY(base, name, type, words, bytes, about)                                      \
-    kestrel_bool Get##base(Out##type* value, uint32_t timeoutMs) {                            \
-        return Get<Out##type>(Read##type, {OplKey::base, k##words, bytes}, value, timeoutMs); \
-    }
-#define WRITE_ONLY(function, base, name, type, words, about)                              \
-    kestrel_bool function(In##type value, uint32_t timeoutMs) {                           \
-        return Set<In##type>(Write##type, {OplKey::base, k##words, 0}, value, timeoutMs); \
+#define SETTER(function, base, type, words)                                                          \
+    kestrel_bool function(In##type value, uint32_t timeoutMs) {                                      \
+        return Set<In##type>(Write##type, {OplKey::base, catalogue::k##words, 0}, value, timeoutMs); \
     }
 #include "catalogue/settings.def"
 

@@ -33,7 +33,7 @@ bool ReadField(KestrelSDK& sdk, OplRecordList list, uint32_t index, OplRecordFie
     std::string& request = sdk.NewRequest();
     sdk.builder.AppendRecordQuery(request, list, index, field);
     if (field == OplRecordField::AddressType)
-        return QueryEnum(sdk, record.addressType, kAddressType, request, timeoutMs);
+        return QueryEnum(sdk, record.addressType, catalogue::kAddressType, request, timeoutMs);
     return field == OplRecordField::Name
                ? QueryPlainText(sdk, record.name, sizeof(record.name), request, timeoutMs)
                : QueryPlainText(sdk, record.address, sizeof(record.address), request, timeoutMs);
@@ -47,7 +47,8 @@ std::string FieldText(std::span<const WCHAR> field) {
 
 bool AppendRecord(KestrelSDK& sdk, std::string& request, OplRecordList list, uint32_t index,
                   const KestrelQuickDial& record) {
-    const EnumEntry* const type = FindByValue(kAddressType, record.addressType);
+    const catalogue::EnumEntry* const type =
+        catalogue::FindByValue(catalogue::kAddressType, record.addressType);
     if (type == nullptr) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return false;

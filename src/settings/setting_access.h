@@ -13,8 +13,8 @@
 /// What the row of a setting says about its exchange.
 struct SettingAccess {
     OplKey key;
-    const EnumEntry* words;  // of an enumeration
-    uint32_t bufferBytes;    // of a text
+    const catalogue::EnumEntry* words;  // of an enumeration
+    uint32_t bufferBytes;               // of a text
 };
 
 bool ReadBool(KestrelSDK& sdk, const SettingAccess& setting, uint8_t* value, uint32_t timeoutMs);

@@ -70,13 +70,13 @@ bool QueryAddress(KestrelSDK& sdk, uint8_t* address, const std::string& request,
     return true;
 }
 
-bool QueryEnum(KestrelSDK& sdk, uint32_t& value, const EnumEntry* table, const std::string& request,
-               uint32_t timeoutMs) {
+bool QueryEnum(KestrelSDK& sdk, uint32_t& value, const catalogue::EnumEntry* table,
+               const std::string& request, uint32_t timeoutMs) {
     std::string& reply = sdk.NewReply();
     if (!sdk.Query(request, reply, timeoutMs)) return false;
     std::string word;
     if (!sdk.parser.GetValue(reply, word)) return sdk.RejectReply(reply, SDK_ERROR_BAD_REPLY);
-    const EnumEntry* const entry = FindByName(table, word);
+    const catalogue::EnumEntry* const entry = catalogue::FindByName(table, word);
     if (entry == nullptr) return sdk.RejectReply(reply, ERROR_INVALID_PARAMETER);
     value = entry->value;
     return true;
@@ -86,8 +86,9 @@ bool SetValue(KestrelSDK& sdk, const std::string& request, uint32_t timeoutMs) {
     return sdk.SetWithAck(request, timeoutMs);
 }
 
-bool SetEnum(KestrelSDK& sdk, OplKey key, const EnumEntry* table, uint32_t value, uint32_t timeoutMs) {
-    const EnumEntry* const entry = FindByValue(table, value);
+bool SetEnum(KestrelSDK& sdk, OplKey key, const catalogue::EnumEntry* table, uint32_t value,
+             uint32_t timeoutMs) {
+    const catalogue::EnumEntry* const entry = catalogue::FindByValue(table, value);
     if (entry == nullptr) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return false;

@@ -34,11 +34,12 @@ bool QueryAddress(KestrelSDK& sdk, uint8_t* address, const std::string& request,
 
 /// The number of the device's word in `table`; a word that is not there fails with 87. Written on success
 /// only.
-bool QueryEnum(KestrelSDK& sdk, uint32_t& value, const EnumEntry* table, const std::string& request,
-               uint32_t timeoutMs);
+bool QueryEnum(KestrelSDK& sdk, uint32_t& value, const catalogue::EnumEntry* table,
+               const std::string& request, uint32_t timeoutMs);
 
 /// Sends a complete set request; the device alone judges the value.
 bool SetValue(KestrelSDK& sdk, const std::string& request, uint32_t timeoutMs);
 
 /// Sends the word for `value`; a number that is not in `table` fails with 87 and sends nothing.
-bool SetEnum(KestrelSDK& sdk, OplKey key, const EnumEntry* table, uint32_t value, uint32_t timeoutMs);
+bool SetEnum(KestrelSDK& sdk, OplKey key, const catalogue::EnumEntry* table, uint32_t value,
+             uint32_t timeoutMs);

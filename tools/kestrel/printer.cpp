@@ -58,24 +58,24 @@ bool SetNumber(const Library& library, const char* setter, std::int64_t number, 
 }
 
 struct NumberCalls {
-    SettingType type;
+    catalogue::Type type;
     bool (*get)(const Library&, const char*, std::int64_t&, std::uint32_t);
     bool (*set)(const Library&, const char*, std::int64_t, std::uint32_t);
 };
 // An address is read into four bytes and set as one number whose lowest byte goes first: on the machines
 // that this runs on both are the same 32 bits.
 constexpr NumberCalls kNumberCalls[] = {
-    {SettingType::kBool, GetNumber<kestrel_bool>, SetNumber<kestrel_bool>},
-    {SettingType::kU8, GetNumber<std::uint8_t>, SetNumber<std::uint8_t>},
-    {SettingType::kS8, GetNumber<std::int8_t>, SetNumber<std::int8_t>},
-    {SettingType::kU16, GetNumber<std::uint16_t>, SetNumber<std::uint16_t>},
-    {SettingType::kU32, GetNumber<std::uint32_t>, SetNumber<std::uint32_t>},
-    {SettingType::kS32, GetNumber<std::int32_t>, SetNumber<std::int32_t>},
-    {SettingType::kEnum, GetNumber<std::uint32_t>, SetNumber<std::uint32_t>},
-    {SettingType::kAddress, GetNumber<std::uint32_t>, SetNumber<std::uint32_t>},
+    {catalogue::Type::Bool, GetNumber<kestrel_bool>, SetNumber<kestrel_bool>},
+    {catalogue::Type::U8, GetNumber<std::uint8_t>, SetNumber<std::uint8_t>},
+    {catalogue::Type::S8, GetNumber<std::int8_t>, SetNumber<std::int8_t>},
+    {catalogue::Type::U16, GetNumber<std::uint16_t>, SetNumber<std::uint16_t>},
+    {catalogue::Type::U32, GetNumber<std::uint32_t>, SetNumber<std::uint32_t>},
+    {catalogue::Type::S32, GetNumber<std::int32_t>, SetNumber<std::int32_t>},
+    {catalogue::Type::Enum, GetNumber<std::uint32_t>, SetNumber<std::uint32_t>},
+    {catalogue::Type::Address, GetNumber<std::uint32_t>, SetNumber<std::uint32_t>},
 };
 
-const NumberCalls& CallsOf(SettingType type) {
+const NumberCalls& CallsOf(catalogue::Type type) {
     for (const NumberCalls& calls : kNumberCalls) {
         if (calls.type == type) return calls;
     }
@@ -84,7 +84,7 @@ const NumberCalls& CallsOf(SettingType type) {
 }
 
 // One of several texts behind a pair of functions is chosen by a number in front of the other arguments.
-bool GetText(const Library& library, const SettingRow& row, std::string& text, std::uint32_t timeoutMs) {
+bool GetText(const Library& library, const catalogue::Row& row, std::string& text, std::uint32_t timeoutMs) {
     using Plain = kestrel_bool(kestrel_char*, std::uint32_t);
     using Indexed = kestrel_bool(std::uint32_t, kestrel_char*, std::uint32_t);
     std::vector<kestrel_char> buffer(row.bufferBytes / sizeof(kestrel_char));
@@ -96,7 +96,7 @@ bool GetText(const Library& library, const SettingRow& row, std::string& text, s
     return done != 0;
 }
 
-bool SetText(const Library& library, const SettingRow& row, const std::string& text,
+bool SetText(const Library& library, const catalogue::Row& row, const std::string& text,
              std::uint32_t timeoutMs) {
     using Plain = kestrel_bool(const kestrel_char*, std::uint32_t);
     using Indexed = kestrel_bool(std::uint32_t, const kestrel_char*, std::uint32_t);
@@ -119,7 +119,7 @@ Printer::Printer(const Library& library, const std::string& product, const std::
     if (!select(name.empty() ? nullptr : wide.c_str())) throw SelectionFailure(library, product, name);
 }
 
-Value Printer::Get(const SettingRow& row) const {
+Value Printer::Get(const catalogue::Row& row) const {
     Value value;
     const bool done = FormOf(row) == ValueForm::kText
                           ? GetText(library_, row, value.text, timeoutMs_)
@@ -128,7 +128,7 @@ Value Printer::Get(const SettingRow& row) const {
     return value;
 }
 
-void Printer::Set(const SettingRow& row, const Value& value) const {
+void Printer::Set(const catalogue::Row& row, const Value& value) const {
     const bool done = FormOf(row) == ValueForm::kText
                           ? SetText(library_, row, value.text, timeoutMs_)
                           : CallsOf(row.writeType).set(library_, row.setter, value.number, timeoutMs_);

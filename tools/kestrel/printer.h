@@ -24,8 +24,8 @@ class Printer final {
     Printer(const Library& library, const std::string& product, const std::string& name,
             std::uint32_t timeoutMs);
 
-    [[nodiscard]] Value Get(const SettingRow& row) const;
-    void Set(const SettingRow& row, const Value& value) const;
+    [[nodiscard]] Value Get(const catalogue::Row& row) const;
+    void Set(const catalogue::Row& row, const Value& value) const;
 
     // One request of the command language as it stands; a reply judged bad is a failure that shows it.
     [[nodiscard]] RawReply Send(std::string_view request) const;

@@ -19,29 +19,27 @@ constexpr IntegerRange RangeOf() {
 }
 
 struct TypeRow {
-    SettingType type;
+    catalogue::Type type;
     std::string_view name;
     ValueForm form;
     IntegerRange range;  // of integers
 };
 constexpr std::array<TypeRow, 9> kTypes = {{
-    {SettingType::kBool, "bool", ValueForm::kBool, {}},
-    {SettingType::kU8, "u8", ValueForm::kInteger, RangeOf<std::uint8_t>()},
-    {SettingType::kS8, "s8", ValueForm::kInteger, RangeOf<std::int8_t>()},
-    {SettingType::kU16, "u16", ValueForm::kInteger, RangeOf<std::uint16_t>()},
-    {SettingType::kU32, "u32", ValueForm::kInteger, RangeOf<std::uint32_t>()},
-    {SettingType::kS32, "s32", ValueForm::kInteger, RangeOf<std::int32_t>()},
-    {SettingType::kEnum, "enum", ValueForm::kWord, {}},
-    {SettingType::kText, "text", ValueForm::kText, {}},
-    {SettingType::kAddress, "address", ValueForm::kAddress, {}},
+    {catalogue::Type::Bool, "bool", ValueForm::kBool, {}},
+    {catalogue::Type::U8, "u8", ValueForm::kInteger, RangeOf<std::uint8_t>()},
+    {catalogue::Type::S8, "s8", ValueForm::kInteger, RangeOf<std::int8_t>()},
+    {catalogue::Type::U16, "u16", ValueForm::kInteger, RangeOf<std::uint16_t>()},
+    {catalogue::Type::U32, "u32", ValueForm::kInteger, RangeOf<std::uint32_t>()},
+    {catalogue::Type::S32, "s32", ValueForm::kInteger, RangeOf<std::int32_t>()},
+    {catalogue::Type::Enum, "enum", ValueForm::kWord, {}},
+    {catalogue::Type::Text, "text", ValueForm::kText, {}},
+    {catalogue::Type::Address, "address", ValueForm::kAddress, {}},
 }};
 
-const TypeRow& TypeOf(SettingType type) {
+const TypeRow& TypeOf(catalogue::Type type) {
     return *std::find_if(kTypes.begin(), kTypes.end(),
                          [type](const TypeRow& row) { return row.type == type; });
 }
-
-constexpr std::array<std::string_view, 2> kSecretNames = {"wireless.security-key", "wireless.pass-phrase"};
 
 bool GlobMatches(std::string_view pattern, std::string_view text) {
     if (pattern.empty()) return text.empty();
@@ -84,7 +82,7 @@ std::vector<std::string_view> NearNames(std::string_view name) {
     const std::size_t limit = std::max<std::size_t>(2, LastPart(lower).size() / 3);
 
     std::vector<std::pair<std::size_t, std::string_view>> similar;
-    for (const SettingRow& row : Catalogue()) {
+    for (const catalogue::Row& row : catalogue::Rows()) {
         const std::size_t remoteness = Remoteness(lower, row.name);
         if (remoteness <= limit) similar.emplace_back(remoteness, row.name);
     }
@@ -102,48 +100,30 @@ std::string NumbersText(IntegerRange range) {
     return fmt::format("{} to {}", range.lowest, range.highest);
 }
 
-std::string WordsText(const SettingRow& row) {
+std::string WordsText(const catalogue::Row& row) {
     std::string text;
-    for (const EnumEntry& entry : Words(row))
+    for (const catalogue::EnumEntry& entry : row.words)
         text += fmt::format("{}{}", text.empty() ? "" : " ", entry.name);
     return text;
 }
 
 }  // namespace
 
-ValueForm FormOf(const SettingRow& row) {
+ValueForm FormOf(const catalogue::Row& row) {
     return TypeOf(row.readType).form;
 }
-bool IsReadable(const SettingRow& row) {
-    return row.getter != nullptr;
-}
-bool IsWritable(const SettingRow& row) {
-    return row.setter != nullptr;
-}
-
-bool IsSecret(const SettingRow& row) {
-    return std::any_of(kSecretNames.begin(), kSecretNames.end(),
-                       [&row](std::string_view beginning) { return row.name.starts_with(beginning); });
-}
-
-IntegerRange WritableRange(const SettingRow& row) {
+IntegerRange WritableRange(const catalogue::Row& row) {
     return TypeOf(row.writeType).range;
 }
-std::size_t LongestText(const SettingRow& row) {
-    return row.bufferBytes / 2 - 1;
-}
-std::span<const EnumEntry> Words(const SettingRow& row) {
-    return row.words;
-}
-std::string_view TypeName(const SettingRow& row) {
+std::string_view TypeName(const catalogue::Row& row) {
     return TypeOf(row.readType).name;
 }
 
-std::string AccessName(const SettingRow& row) {
-    return std::string(IsReadable(row) ? "r" : "-") + (IsWritable(row) ? "w" : "-");
+std::string AccessName(const catalogue::Row& row) {
+    return std::string(row.CanRead() ? "r" : "-") + (row.CanWrite() ? "w" : "-");
 }
 
-std::string AllowedValues(const SettingRow& row) {
+std::string AllowedValues(const catalogue::Row& row) {
     switch (FormOf(row)) {
         case ValueForm::kBool:
             return "yes no";
@@ -152,42 +132,42 @@ std::string AllowedValues(const SettingRow& row) {
         case ValueForm::kWord:
             return WordsText(row);
         case ValueForm::kText:
-            return fmt::format("at most {} characters", LongestText(row));
+            return fmt::format("at most {} characters", row.MaxCharacters());
         case ValueForm::kAddress:
             return "a.b.c.d";
     }
     return {};
 }
 
-const SettingRow& FindSetting(std::string_view name) {
+const catalogue::Row& FindSetting(std::string_view name) {
     const std::string lower = LowerAscii(name);
-    for (const SettingRow& row : Catalogue()) {
+    for (const catalogue::Row& row : catalogue::Rows()) {
         if (row.name == lower || (!lower.empty() && LowerAscii(row.key) == lower)) return row;
     }
     throw UsageFailure(fmt::format("there is no setting \"{}\"", name), NearNamesAdvice(name));
 }
 
-const SettingRow& FindReadableSetting(std::string_view name) {
-    const SettingRow& row = FindSetting(name);
-    if (!IsReadable(row)) {
+const catalogue::Row& FindReadableSetting(std::string_view name) {
+    const catalogue::Row& row = FindSetting(name);
+    if (!row.CanRead()) {
         throw UsageFailure(fmt::format("{} can only be set", row.name), "use `kestrel set`");
     }
     return row;
 }
 
-const SettingRow& FindWritableSetting(std::string_view name) {
-    const SettingRow& row = FindSetting(name);
-    if (!IsWritable(row)) {
+const catalogue::Row& FindWritableSetting(std::string_view name) {
+    const catalogue::Row& row = FindSetting(name);
+    if (!row.CanWrite()) {
         throw UsageFailure(fmt::format("{} can only be read", row.name), "use `kestrel get`");
     }
     return row;
 }
 
-std::vector<const SettingRow*> MatchingSettings(std::string_view pattern) {
+std::vector<const catalogue::Row*> MatchingSettings(std::string_view pattern) {
     const bool isGlob = pattern.find_first_of("*?") != std::string_view::npos;
     const std::string glob = isGlob ? LowerAscii(pattern) : "*" + LowerAscii(pattern) + "*";
-    std::vector<const SettingRow*> rows;
-    for (const SettingRow& row : Catalogue()) {
+    std::vector<const catalogue::Row*> rows;
+    for (const catalogue::Row& row : catalogue::Rows()) {
         if (GlobMatches(glob, row.name)) rows.push_back(&row);
     }
     return rows;

@@ -3,7 +3,6 @@
 #include <catalogue/rows.h>
 
 #include <cstdint>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,38 +17,27 @@ struct IntegerRange final {
     std::int64_t highest;
 };
 
-[[nodiscard]] ValueForm FormOf(const SettingRow& row);
-[[nodiscard]] bool IsReadable(const SettingRow& row);
-[[nodiscard]] bool IsWritable(const SettingRow& row);
-
-// Keys and pass phrases: not shown to somebody who did not ask for exactly them.
-[[nodiscard]] bool IsSecret(const SettingRow& row);
+[[nodiscard]] ValueForm FormOf(const catalogue::Row& row);
 
 // What the setter's type holds; the device may accept less.
-[[nodiscard]] IntegerRange WritableRange(const SettingRow& row);
-
-// Characters that can be read back of a text.
-[[nodiscard]] std::size_t LongestText(const SettingRow& row);
-
-// The words of an enumeration; none for other settings.
-[[nodiscard]] std::span<const EnumEntry> Words(const SettingRow& row);
+[[nodiscard]] IntegerRange WritableRange(const catalogue::Row& row);
 
 // For lists and refusals: "u8", "rw", "0 to 255".
-[[nodiscard]] std::string_view TypeName(const SettingRow& row);
-[[nodiscard]] std::string AccessName(const SettingRow& row);
-[[nodiscard]] std::string AllowedValues(const SettingRow& row);
+[[nodiscard]] std::string_view TypeName(const catalogue::Row& row);
+[[nodiscard]] std::string AccessName(const catalogue::Row& row);
+[[nodiscard]] std::string AllowedValues(const catalogue::Row& row);
 
 // The row with this name (fax.redials) or this key of the command language (DeviceSettings.Fax.Redials),
 // letters taken without case. Throws a usage failure that offers the nearest names.
-[[nodiscard]] const SettingRow& FindSetting(std::string_view name);
+[[nodiscard]] const catalogue::Row& FindSetting(std::string_view name);
 
 // The same, and a usage failure when the setting can only be written, or only be read.
-[[nodiscard]] const SettingRow& FindReadableSetting(std::string_view name);
-[[nodiscard]] const SettingRow& FindWritableSetting(std::string_view name);
+[[nodiscard]] const catalogue::Row& FindReadableSetting(std::string_view name);
+[[nodiscard]] const catalogue::Row& FindWritableSetting(std::string_view name);
 
 // Rows whose name matches, in the catalogue's order: `*` and `?` as in file names; a pattern without them
 // matches every name that contains it.
-[[nodiscard]] std::vector<const SettingRow*> MatchingSettings(std::string_view pattern);
+[[nodiscard]] std::vector<const catalogue::Row*> MatchingSettings(std::string_view pattern);
 
 // "did you mean fax.redials?" with at most three names, nearest first; where to look when nothing is near.
 [[nodiscard]] std::string NearNamesAdvice(std::string_view name);

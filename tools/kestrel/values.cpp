@@ -37,12 +37,12 @@ std::optional<std::int64_t> WholeNumber(std::string_view written) {
     return number;
 }
 
-[[noreturn]] void Refuse(const SettingRow& row, std::string_view written, std::string_view reason) {
+[[noreturn]] void Refuse(const catalogue::Row& row, std::string_view written, std::string_view reason) {
     throw ValueFailure(fmt::format("{} cannot be \"{}\": {}", row.name, written, reason),
                        fmt::format("allowed: {}", AllowedValues(row)));
 }
 
-Value ParseBool(const SettingRow& row, std::string_view written) {
+Value ParseBool(const catalogue::Row& row, std::string_view written) {
     const std::string lower = LowerAscii(written);
     const auto found = std::find_if(kBoolWords.begin(), kBoolWords.end(),
                                     [&lower](const BoolWord& entry) { return entry.word == lower; });
@@ -50,7 +50,7 @@ Value ParseBool(const SettingRow& row, std::string_view written) {
     return {found->value ? 1 : 0, {}};
 }
 
-Value ParseInteger(const SettingRow& row, std::string_view written) {
+Value ParseInteger(const catalogue::Row& row, std::string_view written) {
     const std::optional<std::int64_t> number = WholeNumber(written);
     if (!number) Refuse(row, written, "it is not a whole number");
     const IntegerRange range = WritableRange(row);
@@ -58,31 +58,31 @@ Value ParseInteger(const SettingRow& row, std::string_view written) {
     return {*number, {}};
 }
 
-Value ParseWord(const SettingRow& row, std::string_view written) {
+Value ParseWord(const catalogue::Row& row, std::string_view written) {
     const std::string lower = LowerAscii(written);
     const std::optional<std::int64_t> number = WholeNumber(written);
-    for (const EnumEntry& entry : Words(row)) {
+    for (const catalogue::EnumEntry& entry : row.words) {
         // A word wins over a number: some words begin with a digit.
         if (LowerAscii(entry.name) == lower) return {entry.value, {}};
     }
-    for (const EnumEntry& entry : Words(row)) {
+    for (const catalogue::EnumEntry& entry : row.words) {
         if (number == std::int64_t{entry.value}) return {entry.value, {}};
     }
     Refuse(row, written, "it is none of the words");
 }
 
-Value ParseAddress(const SettingRow& row, std::string_view written) {
+Value ParseAddress(const catalogue::Row& row, std::string_view written) {
     const std::optional<std::uint32_t> address = ParseDottedAddress(written);
     if (!address) Refuse(row, written, "it is not an address of four numbers");
     return {*address, {}};
 }
 
-Value ParseText(const SettingRow& row, std::string_view written) {
+Value ParseText(const catalogue::Row& row, std::string_view written) {
     const std::optional<WideText> wide = WideFromUtf8(written);
     if (!wide) Refuse(row, ForTerminal(written), "it is not UTF-8 text");
     // Control codes carry the command language's own characters on the wire and would come back as those.
     if (ForTerminal(written) != written) Refuse(row, ForTerminal(written), "it holds control characters");
-    if (wide->size() > LongestText(row)) {
+    if (wide->size() > row.MaxCharacters()) {
         Refuse(row, written, fmt::format("it has {} characters", wide->size()));
     }
     if (!AnsiFromWide(*wide)) Refuse(row, written, "the system's code page lacks some of its characters");
@@ -94,8 +94,8 @@ std::string DottedAddress(std::int64_t packed) {
                        (packed >> 24) & 0xFF);
 }
 
-const EnumEntry* WordOf(const SettingRow& row, std::int64_t number) {
-    for (const EnumEntry& entry : Words(row)) {
+const catalogue::EnumEntry* WordOf(const catalogue::Row& row, std::int64_t number) {
+    for (const catalogue::EnumEntry& entry : row.words) {
         if (entry.value == number) return &entry;
     }
     return nullptr;
@@ -120,7 +120,7 @@ std::optional<std::uint32_t> ParseDottedAddress(std::string_view written) {
     return packed;
 }
 
-Value ParseValue(const SettingRow& row, std::string_view written) {
+Value ParseValue(const catalogue::Row& row, std::string_view written) {
     switch (FormOf(row)) {
         case ValueForm::kBool:
             return ParseBool(row, written);
@@ -136,14 +136,14 @@ Value ParseValue(const SettingRow& row, std::string_view written) {
     return {};
 }
 
-std::string FormatValue(const SettingRow& row, const Value& value) {
+std::string FormatValue(const catalogue::Row& row, const Value& value) {
     switch (FormOf(row)) {
         case ValueForm::kBool:
             return value.number != 0 ? "yes" : "no";
         case ValueForm::kInteger:
             return std::to_string(value.number);
         case ValueForm::kWord:
-            if (const EnumEntry* const entry = WordOf(row, value.number)) return entry->name;
+            if (const catalogue::EnumEntry* const entry = WordOf(row, value.number)) return entry->name;
             return std::to_string(value.number);
         case ValueForm::kText:
             return value.text;
@@ -153,7 +153,7 @@ std::string FormatValue(const SettingRow& row, const Value& value) {
     return {};
 }
 
-nlohmann::ordered_json JsonValue(const SettingRow& row, const Value& value) {
+nlohmann::ordered_json JsonValue(const catalogue::Row& row, const Value& value) {
     switch (FormOf(row)) {
         case ValueForm::kBool:
             return value.number != 0;

@@ -22,15 +22,15 @@ struct Value final {
 // What a person wrote, as the row's setter takes it: yes/no words, numbers within the exported width, a word
 // or number of the table, a dotted address, a text that fits and that the code page holds. Throws a value
 // failure that names what is allowed.
-[[nodiscard]] Value ParseValue(const SettingRow& row, std::string_view written);
+[[nodiscard]] Value ParseValue(const catalogue::Row& row, std::string_view written);
 
 // Four decimal numbers with dots, the first one lowest; none for anything else.
 [[nodiscard]] std::optional<std::uint32_t> ParseDottedAddress(std::string_view written);
 
 // As `get` prints it, and as ParseValue reads it back. A number that the table does not know stays a number.
-[[nodiscard]] std::string FormatValue(const SettingRow& row, const Value& value);
+[[nodiscard]] std::string FormatValue(const catalogue::Row& row, const Value& value);
 
 // Booleans and numbers as such; an enumeration as its word.
-[[nodiscard]] nlohmann::ordered_json JsonValue(const SettingRow& row, const Value& value);
+[[nodiscard]] nlohmann::ordered_json JsonValue(const catalogue::Row& row, const Value& value);
 
 }  // namespace cli

@@ -41,7 +41,8 @@ std::vector<SettingSpec> MakeRecords(std::deque<std::string>& keys) {
                 spec.initial = field.initial;
                 spec.maxLength = field.maxLength;
                 if (field.kind == ValueKind::Word) {
-                    for (const EnumEntry* word = kAddressType; word->name != nullptr; ++word)
+                    for (const catalogue::EnumEntry* word = catalogue::kAddressType; word->name != nullptr;
+                         ++word)
                         spec.words.push_back(word->name);
                 }
                 specs.push_back(std::move(spec));

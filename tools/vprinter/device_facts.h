@@ -1,5 +1,5 @@
-// What this printer is and allows: the first value of each setting and the range of each number. Keys, types
-// and words are the product's own and stand elsewhere.
+// What this printer answers besides its settings: the first value of each such key and the range of each
+// number. What the settings begin with and take stands in their catalogue.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,8 @@ struct DeviceFact {
     bool live = false;  // made when it is asked, or something happens when it is set
 };
 
-/// One row for each key that the printer answers; a key without a row is unknown to it.
+/// One row for each key that the printer answers; a key that is neither here nor a setting's is unknown to
+/// it.
 [[nodiscard]] std::span<const DeviceFact> DeviceFacts();
 
 }  // namespace vprinter

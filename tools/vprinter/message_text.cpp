@@ -6,8 +6,8 @@
 #include <charconv>
 #include <iterator>
 
+#include "catalogue/rows.h"
 #include "vprinter/readable_text.h"
-#include "vprinter/secrets.h"
 
 namespace vprinter {
 namespace {
@@ -31,6 +31,12 @@ void AppendBlock(std::string& out, std::string_view block, size_t maxBytes) {
                        static_cast<uint8_t>(block[i]));
     }
     out += block.size() > maxBytes ? " ...>" : ">";
+}
+
+bool EndsInSecretKey(std::string_view text) {
+    return std::ranges::any_of(catalogue::Rows(), [&](const catalogue::Row& row) {
+        return row.IsSecret() && text.ends_with(row.key);
+    });
 }
 
 /// Walks over a message and appends it piece by piece.

@@ -1,7 +1,5 @@
 #include "vprinter/setting_spec.h"
 
-#include <algorithm>
-
 #include "catalogue/rows.h"
 #include "vprinter/address_book.h"
 #include "vprinter/condition.h"
@@ -12,22 +10,21 @@ namespace {
 
 constexpr uint32_t kMaxOtherText = 64;
 
-ValueKind KindOf(SettingType type) {
+ValueKind KindOf(catalogue::Type type) {
     switch (type) {
-        case SettingType::kBool:
+        case catalogue::Type::Bool:
             return ValueKind::Flag;
-        case SettingType::kEnum:
+        case catalogue::Type::Enum:
             return ValueKind::Word;
-        case SettingType::kText:
+        case catalogue::Type::Text:
             return ValueKind::Text;
-        case SettingType::kAddress:
+        case catalogue::Type::Address:
             return ValueKind::Address;
         default:
             return ValueKind::Number;
     }
 }
 
-/// For keys that are no setting of their own on the product's side.
 ValueKind KindOf(OplFormatter formatter, const DeviceFact& fact) {
     switch (formatter) {
         case OplFormatter::YesNoValue:
@@ -44,28 +41,36 @@ ValueKind KindOf(OplFormatter formatter, const DeviceFact& fact) {
     }
 }
 
-SettingSpec MakeSpec(const DeviceFact& fact) {
+SettingSpec SpecOf(const catalogue::Row& row) {
+    SettingSpec spec;
+    spec.id = row.id;
+    spec.key = row.key;
+    spec.kind = KindOf(row.readType);
+    spec.readable = row.CanRead();
+    spec.writable = row.CanWrite();
+    spec.live = row.access == catalogue::Access::Command;
+    for (const catalogue::EnumEntry& entry : row.words)
+        spec.words.push_back(entry.name);
+    spec.maxLength = row.MaxCharacters();
+    spec.lowest = row.lowest;
+    spec.highest = row.highest;
+    spec.initial = row.initial;
+    return spec;
+}
+
+SettingSpec SpecOf(const DeviceFact& fact) {
     const OplKeyRow& row = KeyRow(fact.key);
     SettingSpec spec;
     spec.id = fact.key;
     spec.key = row.text;
+    spec.kind = KindOf(row.formatter, fact);
     spec.readable = row.CanQuery();
     spec.writable = row.CanSet();
     spec.live = fact.live;
-    spec.initial = fact.initial;
+    spec.maxLength = kMaxOtherText;
     spec.lowest = fact.lowest;
     spec.highest = fact.highest;
-    const std::span<const SettingRow> catalogue = Catalogue();
-    const auto product = std::ranges::find(catalogue, row.text, &SettingRow::key);
-    if (product == catalogue.end()) {
-        spec.kind = KindOf(row.formatter, fact);
-        spec.maxLength = kMaxOtherText;
-        return spec;
-    }
-    spec.kind = KindOf(product->type);
-    spec.maxLength = product->bufferBytes / 2 - 1;
-    for (const EnumEntry& entry : product->words)
-        spec.words.push_back(entry.name);
+    spec.initial = fact.initial;
     return spec;
 }
 
@@ -73,9 +78,10 @@ SettingSpec MakeSpec(const DeviceFact& fact) {
 
 std::vector<SettingSpec> PrinterSettings() {
     std::vector<SettingSpec> specs;
-    for (const DeviceFact& fact : DeviceFacts()) {
-        specs.push_back(MakeSpec(fact));
-    }
+    for (const catalogue::Row& row : catalogue::Rows())
+        if (row.id) specs.push_back(SpecOf(row));
+    for (const DeviceFact& fact : DeviceFacts())
+        specs.push_back(SpecOf(fact));
     AppendAddressBook(specs);
     AppendConditions(specs);
     return specs;

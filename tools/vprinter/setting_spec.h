@@ -1,6 +1,6 @@
-// What the device side knows of each of its values: of the settings, the product's own rows (key, type,
-// words, text length) joined with this printer's facts (first value, range); of the address book, its
-// records; and of the printer's condition, what no request reaches.
+// What the device side knows of each of its values: of the settings, the catalogue's rows; of what it answers
+// besides, this printer's facts; of the address book, its records; and of the printer's condition, what no
+// request reaches.
 #pragma once
 
 #include <cstdint>

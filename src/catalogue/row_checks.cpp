@@ -1,0 +1,163 @@
+// What is asked of every row. There is nothing here to run: a table that breaks one of these does not
+// compile.
+#include <algorithm>
+#include <utility>
+
+#include "catalogue/rows.h"
+
+namespace catalogue {
+namespace {
+
+constexpr const Row& RowOf(std::string_view name) {
+    return *std::ranges::find(Rows(), name, &Row::name);
+}
+
+/// The key can be asked and set where the row has a getter and a setter, and nowhere else.
+constexpr bool AccessAgrees(const Row& row) {
+    const OplKeyRow& key = KeyRow(*row.id);
+    return key.CanQuery() == row.CanRead() && key.CanSet() == row.CanWrite();
+}
+
+/// The setter of this type can be written in the form that the key's row in vocabulary.def names.
+constexpr bool FormatterAgrees(const Row& row) {
+    if (!row.CanWrite()) return true;
+    const OplFormatter formatter = KeyRow(*row.id).formatter;
+    switch (row.writeType) {
+        case Type::Bool:
+            return formatter == OplFormatter::YesNoValue || formatter == OplFormatter::TrueFalseValue;
+        case Type::U8:
+            return formatter == OplFormatter::IntValue || formatter == OplFormatter::ByteValue;
+        case Type::S8:
+            return formatter == OplFormatter::IntValue || formatter == OplFormatter::SignedByteValue;
+        case Type::U16:
+            return formatter == OplFormatter::IntValue || formatter == OplFormatter::WordValue;
+        case Type::U32:
+        case Type::S32:
+            return formatter == OplFormatter::IntValue;
+        case Type::Enum:
+        case Type::Text:
+            return formatter == OplFormatter::TextValue;
+        case Type::Address:
+            return formatter == OplFormatter::AddressValue;
+    }
+    return false;
+}
+
+constexpr bool Holds(Type type, int64_t number) {
+    switch (type) {
+        case Type::U8:
+            return std::in_range<uint8_t>(number);
+        case Type::S8:
+            return std::in_range<int8_t>(number);
+        case Type::U16:
+            return std::in_range<uint16_t>(number);
+        case Type::U32:
+            return std::in_range<uint32_t>(number);
+        case Type::S32:
+            return std::in_range<int32_t>(number);
+        default:
+            return true;
+    }
+}
+
+/// What the printer takes can be read and set; a text's buffer is of whole units and holds one at least.
+constexpr bool LimitsFit(const Row& row) {
+    if (row.readType == Type::Text) return row.bufferBytes % 2 == 0 && row.MaxCharacters() > 0;
+    return row.lowest <= row.highest && Holds(row.readType, row.lowest) && Holds(row.readType, row.highest) &&
+           Holds(row.writeType, row.lowest) && Holds(row.writeType, row.highest);
+}
+
+/// Takes a decimal number off the front; false when there is none or it has more than nine digits.
+constexpr bool TakeNumber(std::string_view& text, int64_t& number) {
+    constexpr size_t kMaxDigits = 9;
+    const bool negative = text.starts_with('-');
+    text.remove_prefix(negative ? 1 : 0);
+    const size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
+    number = 0;
+    for (const char digit : text.substr(0, digits))
+        number = number * 10 + (digit - '0');
+    if (negative) number = -number;
+    text.remove_prefix(digits);
+    return digits > 0 && digits <= kMaxDigits;
+}
+
+constexpr bool IsNumberWithin(std::string_view text, int64_t lowest, int64_t highest) {
+    int64_t number = 0;
+    return TakeNumber(text, number) && text.empty() && lowest <= number && number <= highest;
+}
+
+constexpr bool IsAddress(std::string_view text) {
+    for (int parts = 4; parts > 0; --parts) {
+        int64_t part = 0;
+        if (!TakeNumber(text, part) || part < 0 || part > 255) return false;
+        if (parts > 1 && !text.starts_with('.')) return false;
+        text.remove_prefix(parts > 1 ? 1 : 0);
+    }
+    return text.empty();
+}
+
+/// The printer takes its own first value.
+constexpr bool InitialFits(const Row& row) {
+    switch (row.readType) {
+        case Type::Bool:
+            return row.initial == "YES" || row.initial == "NO";
+        case Type::Enum:
+            return std::ranges::any_of(row.words,
+                                       [&](const EnumEntry& word) { return row.initial == word.name; });
+        case Type::Text:
+            return row.initial.size() <= row.MaxCharacters();
+        case Type::Address:
+            return IsAddress(row.initial);
+        default:
+            return IsNumberWithin(row.initial, row.lowest, row.highest);
+    }
+}
+
+#define CHECKED(name)                                                                                    \
+    static_assert(AccessAgrees(RowOf(name)), name ": its key can be read or set, or cannot, otherwise"); \
+    static_assert(FormatterAgrees(RowOf(name)), name ": its key's formatter does not write this type");  \
+    static_assert(LimitsFit(RowOf(name)), name ": its types cannot hold what the printer takes");        \
+    static_assert(InitialFits(RowOf(name)), name ": the initial value is none that it takes");
+#define ROW(base, name, access, initial, read, write, lowest, highest, words, bytes, privacy, about) \
+    CHECKED(name)
+#define INDEXED(base, index, name, initial, bytes, privacy, about) CHECKED(name)
+#include "catalogue/settings.def"
+#undef CHECKED
+
+template <auto kColumn>
+constexpr bool IsUnique() {
+    for (auto row = Rows().begin(); row != Rows().end(); ++row)
+        if (std::find_if(row + 1, Rows().end(), [&](const Row& other) {
+                return (other.*kColumn) == (*row).*kColumn;
+            }) != Rows().end())
+            return false;
+    return true;
+}
+static_assert(IsUnique<&Row::name>(), "two settings have one name");
+static_assert(IsUnique<&Row::key>(), "two settings have one key");
+
+constexpr bool IsWellNamed(const Row& row) {
+    const auto fits = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '.' || c == '-';
+    };
+    return row.name.find('.') != row.name.npos && std::ranges::all_of(row.name, fits) && !row.about.empty();
+}
+static_assert(std::ranges::all_of(Rows(), IsWellNamed),
+              "a name is family and setting in lower case, and every row says what it is about");
+
+/// As many numbers as words, from 0 on, and no word or number twice.
+constexpr bool IsOneToOne(std::span<const EnumEntry> words) {
+    for (const EnumEntry& word : words) {
+        const auto same = [&](const EnumEntry& other) {
+            return other.value == word.value || std::string_view(other.name) == word.name;
+        };
+        if (word.value >= words.size() || std::ranges::count_if(words, same) != 1) return false;
+    }
+    return true;
+}
+static_assert(std::ranges::all_of(Rows(), [](const Row& row) { return IsOneToOne(row.words); }),
+              "the words and the numbers of a table do not lead to each other");
+static_assert(IsOneToOne(detail::WordsOf(kAddressType)));
+
+}  // namespace
+}  // namespace catalogue
