@@ -29,9 +29,6 @@ run_suites() {
 install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" binutils python3
 CMAKE_EXTRA=(-DKESTREL_TESTS=ON -DKESTREL_BENCH=OFF)
 build_preset native
-
-say "Checking who includes whom"
-python3 scripts/check_includes.py
 run_suites native native -j2
 
 if [ "${1:-}" != --native ]; then
