@@ -13,7 +13,7 @@
 #include <cstdint>
 
 #include "winport/handles/kernel_object.h"
-#include "winport/module/thread_record.h"
+#include "winport/threads/thread_record.h"
 
 namespace winport {
 

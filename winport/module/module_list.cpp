@@ -3,7 +3,7 @@
 // it. Only LoadLibraryW can act on a refusal; elsewhere the library stays, refused, and gets no more notices.
 //
 // lib<stem>.so is shown as <stem>.dll in the same folder, in the letters of the file on disk.
-#include "winport/module/module_list.h"
+#include "winport/module/module_folders.h"
 
 #include <dlfcn.h>
 #include <limits.h>
@@ -21,6 +21,7 @@
 
 #include "winport/module/dll_entry.h"
 #include "winport/text/utf.h"
+#include "winport/threads/thread_record.h"
 
 struct WinportModule {
     std::string path;                // of the file, as the dynamic linker knows it
@@ -138,6 +139,11 @@ void NotifyThread(DWORD reason) {
         if (module.attached && module.entry != nullptr) module.entry(&module, reason, nullptr);
 }
 
+[[gnu::constructor]] void RegisterThreadNotices() {
+    AtThreadStart([](ThreadRecord&) { NotifyThread(DLL_THREAD_ATTACH); });
+    AtThreadEnd([](ThreadRecord&) { NotifyThread(DLL_THREAD_DETACH); });
+}
+
 }  // namespace
 
 std::string ProgramFolder() {
@@ -196,14 +202,6 @@ HMODULE Load(const std::string& name) {
 }
 
 }  // namespace
-
-void NotifyThreadStart() {
-    NotifyThread(DLL_THREAD_ATTACH);
-}
-
-void NotifyThreadEnd() {
-    NotifyThread(DLL_THREAD_DETACH);
-}
 
 }  // namespace winport
 

@@ -1,13 +1,9 @@
-// The libraries that have told winport of their load-notice function.
+// Where the files of this process lie.
 #pragma once
 
 #include <string>
 
 namespace winport {
-
-// The notices of a thread's begin and end, on that thread, under the loader lock.
-void NotifyThreadStart();
-void NotifyThreadEnd();
 
 // Where the program of this process lies, and where winport does with its tools.
 std::string ProgramFolder();

@@ -1,14 +1,11 @@
 // A pthread key tells when a thread ends: its destructor runs on the ending thread, after the destructors of
 // the thread's C++ objects, and again if one of the notices made the thread use winport anew.
-#include "winport/module/thread_record.h"
+#include "winport/threads/thread_record.h"
 
 #include <pthread.h>
 
+#include <algorithm>
 #include <new>
-
-#include "winport/module/module_list.h"
-#include "winport/sync/mutex_object.h"
-#include "winport/user/message_queue.h"
 
 namespace winport {
 
@@ -19,17 +16,32 @@ namespace {
 std::atomic<ThreadRecord*> allRecords{nullptr};
 std::atomic<uint32_t> nextLocalId{1};
 
+// Filled while the library is loaded, by one thread, and only read later. One place for each room that
+// registers.
+struct ThreadCalls {
+    std::array<ThreadCall, 4> calls{};
+
+    void Add(ThreadCall call) { *std::find(calls.begin(), calls.end(), nullptr) = call; }
+    void Run(ThreadRecord& record) const {
+        for (const ThreadCall call : calls)
+            if (call != nullptr) call(record);
+    }
+};
+
+constinit ThreadCalls startNotices;
+constinit ThreadCalls endNotices;
+constinit ThreadCalls endBelongings;
+
 void EndThread(void* value) {
     auto& record = *static_cast<ThreadRecord*>(value);
     currentRecord = &record;
-    NotifyThreadEnd();
-    AbandonHeldMutexes(record);
+    endNotices.Run(record);
+    endBelongings.Run(record);
     for (auto& slot : record.tls)
         slot.store(nullptr, std::memory_order_relaxed);
     record.polling = {};
     record.impersonation.reset();
     record.cursor = nullptr;
-    ForgetMessages(record);
     record.hazard.store(nullptr, std::memory_order_release);
     currentRecord = nullptr;
     record.inUse.store(false, std::memory_order_release);
@@ -78,13 +90,25 @@ void ForgetHazardsInChild() {
 
 }  // namespace
 
+void AtThreadStart(ThreadCall notice) {
+    startNotices.Add(notice);
+}
+
+void AtThreadEnd(ThreadCall notice) {
+    endNotices.Add(notice);
+}
+
+void GiveBackAtThreadEnd(ThreadCall belongings) {
+    endBelongings.Add(belongings);
+}
+
 ThreadRecord& BeginThread() {
     ThreadRecord* record = TakeUnusedRecord();
     if (record == nullptr) record = LinkNewRecord();
     record->localId = nextLocalId.fetch_add(1, std::memory_order_relaxed);
     currentRecord = record;
     pthread_setspecific(ThreadEndKey(), record);
-    NotifyThreadStart();
+    startNotices.Run(*record);
     return *record;
 }
 

@@ -54,6 +54,14 @@ struct ThreadRecord {
 // initialisation: reading it is one instruction, where a call is an eighth of an exchange.
 extern constinit thread_local ThreadRecord* currentRecord __attribute__((tls_model("initial-exec")));
 
+// What rooms above do when a thread begins or ends, on that thread; they register it while this library is
+// loaded. At its end come first the notices, code of others that may use all of winport, and then the
+// belongings, which are given back.
+using ThreadCall = void (*)(ThreadRecord&);
+void AtThreadStart(ThreadCall notice);
+void AtThreadEnd(ThreadCall notice);
+void GiveBackAtThreadEnd(ThreadCall belongings);
+
 ThreadRecord& BeginThread();
 
 // The calling thread's record.

@@ -6,7 +6,7 @@
 #include <bit>
 #include <cstdint>
 
-#include "winport/module/thread_record.h"
+#include "winport/threads/thread_record.h"
 
 namespace {
 static_assert(winport::kTlsSlots == 64, "one bit for each slot");
