@@ -12,9 +12,9 @@
 #include "occupied_file.h"
 #include "rundll32/inf_file.h"
 #include "rundll32/refusal.h"
+#include "shared/user_error.h"
 #include "targets.h"
-#include "vprinter/fault_script.h"
-#include "vprinter/user_error.h"
+#include "vprinter/faults/fault_script.h"
 #include "winport/handles/object_page.h"
 
 namespace fuzz {
@@ -97,7 +97,7 @@ void FaultScripts(std::string_view bytes) {
                 if (const vprinter::Fault* fault = script.Next(request))
                     static_cast<void>(vprinter::FaultyReply(*fault, "0000,Key=value;", scratch));
         static_cast<void>(script.For("USB001").PrintersNamed());
-    } catch (const vprinter::UserError& error) {
+    } catch (const tools::UserError& error) {
         Require(std::string_view(error.what()).starts_with("faults.json:"), "an error says where");
     }
 }

@@ -8,7 +8,7 @@
 #include "opl/opl_parser.h"
 #include "session/response_judgement.h"
 #include "targets.h"
-#include "vprinter/request_reader.h"
+#include "vprinter/requests/request_reader.h"
 
 namespace fuzz {
 

@@ -18,7 +18,7 @@
 #include "ipc/opl_channel.h"
 #include "opl/value_escape.h"
 #include "query_exports.h"
-#include "vprinter/responder.h"
+#include "vprinter/requests/responder.h"
 
 namespace {
 

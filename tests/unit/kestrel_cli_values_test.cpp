@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "cli_refusal.h"
-#include "kestrel/settings.h"
-#include "kestrel/values.h"
+#include "kestrel/settings/settings.h"
+#include "kestrel/settings/values.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "asked_printer.h"
-#include "vprinter/control_file.h"
+#include "vprinter/files/control_file.h"
 
 namespace vprinter {
 namespace {

@@ -1,4 +1,4 @@
-#include "vprinter/responder.h"
+#include "vprinter/requests/responder.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 
 #include "asked_printer.h"
 #include "opl/vocabulary.h"
-#include "vprinter/state_file.h"
-#include "vprinter/user_error.h"
+#include "shared/user_error.h"
+#include "vprinter/files/state_file.h"
 
 namespace vprinter {
 namespace {
@@ -155,7 +155,7 @@ TEST_F(VprinterStateFile, A_file_that_cannot_be_used_is_refused_with_the_reason)
             state.Load();
             state.Restore("USB001", model_);
             ADD_FAILURE() << "taken: " << text;
-        } catch (const UserError& error) {
+        } catch (const tools::UserError& error) {
             EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
         }
     }

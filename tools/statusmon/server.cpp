@@ -7,8 +7,8 @@
 #include <cstring>
 #include <filesystem>
 
+#include "shared/process.h"
 #include "statusmon/requests.h"
-#include "vprinter/platform.h"
 
 namespace statusmon {
 namespace {
@@ -87,7 +87,7 @@ void Server::Serve(const void* data, size_t length) {
         entry.meaning = kind->meaning;
         entry.outcome = Meet(*kind, behaviour);
         log_.Write(entry);
-        if (behaviour.death != Death::None) vprinter::EndAbruptly();
+        if (behaviour.death != Death::None) tools::EndAbruptly();
         return;
     }
     entry.letters = number;

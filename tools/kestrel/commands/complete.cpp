@@ -1,5 +1,5 @@
-#include "../settings.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/settings/settings.h"
 
 namespace cli {
 namespace {

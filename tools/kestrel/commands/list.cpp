@@ -1,9 +1,9 @@
 #include <fmt/format.h>
 
-#include "../progress.h"
-#include "../settings.h"
-#include "../text.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/output/progress.h"
+#include "kestrel/settings/settings.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {

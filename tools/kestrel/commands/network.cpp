@@ -4,11 +4,11 @@
 #include <array>
 #include <thread>
 
-#include "../progress.h"
-#include "../settings.h"
-#include "../text.h"
-#include "../values.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/output/progress.h"
+#include "kestrel/settings/settings.h"
+#include "kestrel/settings/values.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {

@@ -1,8 +1,8 @@
 #include <fmt/format.h>
 
-#include "../settings.h"
-#include "../text.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/settings/settings.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {
