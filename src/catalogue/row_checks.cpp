@@ -14,31 +14,31 @@ constexpr const Row& RowOf(std::string_view name) {
 
 /// The key can be asked and set where the row has a getter and a setter, and nowhere else.
 constexpr bool AccessAgrees(const Row& row) {
-    const OplKeyRow& key = KeyRow(*row.id);
+    const opl::KeyRow& key = opl::RowOf(*row.id);
     return key.CanQuery() == row.CanRead() && key.CanSet() == row.CanWrite();
 }
 
 /// The setter of this type can be written in the form that the key's row in vocabulary.def names.
 constexpr bool FormatterAgrees(const Row& row) {
     if (!row.CanWrite()) return true;
-    const OplFormatter formatter = KeyRow(*row.id).formatter;
+    const opl::Formatter formatter = opl::RowOf(*row.id).formatter;
     switch (row.writeType) {
         case Type::Bool:
-            return formatter == OplFormatter::YesNoValue || formatter == OplFormatter::TrueFalseValue;
+            return formatter == opl::Formatter::YesNoValue || formatter == opl::Formatter::TrueFalseValue;
         case Type::U8:
-            return formatter == OplFormatter::IntValue || formatter == OplFormatter::ByteValue;
+            return formatter == opl::Formatter::IntValue || formatter == opl::Formatter::ByteValue;
         case Type::S8:
-            return formatter == OplFormatter::IntValue || formatter == OplFormatter::SignedByteValue;
+            return formatter == opl::Formatter::IntValue || formatter == opl::Formatter::SignedByteValue;
         case Type::U16:
-            return formatter == OplFormatter::IntValue || formatter == OplFormatter::WordValue;
+            return formatter == opl::Formatter::IntValue || formatter == opl::Formatter::WordValue;
         case Type::U32:
         case Type::S32:
-            return formatter == OplFormatter::IntValue;
+            return formatter == opl::Formatter::IntValue;
         case Type::Enum:
         case Type::Text:
-            return formatter == OplFormatter::TextValue;
+            return formatter == opl::Formatter::TextValue;
         case Type::Address:
-            return formatter == OplFormatter::AddressValue;
+            return formatter == opl::Formatter::AddressValue;
     }
     return false;
 }

@@ -25,9 +25,9 @@ enum class Access : uint8_t { ReadWrite, ReadOnly, WriteOnly, Command };
 enum class Privacy : uint8_t { Public, Secret };
 
 struct Row {
-    std::string_view name;     // fax.redials
-    std::optional<OplKey> id;  // none when the printer is not asked
-    std::string_view key;      // its text: DeviceSettings.Fax.Redials; empty when there is none
+    std::string_view name;       // fax.redials
+    std::optional<opl::Key> id;  // none when the printer is not asked
+    std::string_view key;        // its text: DeviceSettings.Fax.Redials; empty when there is none
     Access access;
     const char* getter;  // exported name; null when the setting can only be set
     const char* setter;  // exported name; null when the setting can only be read
@@ -71,12 +71,12 @@ constexpr std::span<const EnumEntry> WordsOf(const EnumEntry (&table)[kSize]) {
 // clang-format off
 inline constexpr Row kRows[] = {
 #define ROW(base, name, access, initial, read, write, lowest, highest, words, bytes, privacy, about)      \
-    {name, OplKey::base, KeyText(OplKey::base), Access::access,                                           \
+    {name, opl::Key::base, opl::KeyText(opl::Key::base), Access::access,                                           \
      GetterName(Access::access, "Get" #base), SetterName(Access::access, "Set" #base, #base),             \
      Type::read, Type::write, kNoIndex, initial, lowest, highest, WordsOf(k##words), bytes,               \
      Privacy::privacy, about},
 #define INDEXED(base, index, name, initial, bytes, privacy, about)                                        \
-    {name, OplKey::base##index, KeyText(OplKey::base##index), Access::ReadWrite,                          \
+    {name, opl::Key::base##index, opl::KeyText(opl::Key::base##index), Access::ReadWrite,                          \
      "Get" #base, "Set" #base,                                                                            \
      Type::Text, Type::Text, index, initial, 0, 0, {}, bytes,                                             \
      Privacy::privacy, about},

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+namespace entry {
 namespace {
 
 // Written while the library is loaded and unloaded only.
@@ -56,3 +57,5 @@ void ReleaseThreadSDK() {
     const std::unique_ptr<KestrelSDK> object(PeekThreadSDK());
     ClearThreadSlot();
 }
+
+}  // namespace entry

@@ -6,6 +6,7 @@
 #include "host/profile_reader.h"
 #include "kwt/last_error_keeper.h"
 
+namespace host {
 namespace {
 
 class Guard final {
@@ -251,3 +252,5 @@ bool CProductConfig::GetModelNameForURL(WideView driver, WideText& model) const 
     }
     return found;
 }
+
+}  // namespace host

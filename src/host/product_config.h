@@ -11,6 +11,8 @@
 
 #include "kwt/wide_text.h"
 
+namespace host {
+
 /// Eight settings of the maintenance programs, each from 1 to 10000.
 struct MaintenanceSettings {
     static constexpr size_t kValueCount = 8;
@@ -154,3 +156,5 @@ class CProductConfig final {
     std::vector<MaintenanceSettings> maintenance_;
     std::vector<UrlModelEntry> urlModels_;
 };
+
+}  // namespace host

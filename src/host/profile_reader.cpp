@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+namespace host {
 namespace {
 
 constexpr DWORD kSectionCapacity = 2600;
@@ -52,3 +53,5 @@ int32_t ParseInteger(WideView text) {
     }
     return static_cast<int32_t>(negative ? -value : value);
 }
+
+}  // namespace host

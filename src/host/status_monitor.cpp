@@ -44,9 +44,9 @@ bool StartStatusMonitor(DWORD& error) {
 }
 
 bool StartUnlessRunning(DWORD& error) {
-    const ObjectNameTable& names = ObjectNameTable::Instance();
-    kwt::WinEvent running(names[ObjectName::StatusMonitorClass].c_str(), false);
-    kwt::WinMutex starting(names[ObjectName::StatusMonitorStartingMutex].c_str(), false);
+    const kwt::ObjectNameTable& names = kwt::ObjectNameTable::Instance();
+    kwt::WinEvent running(names[kwt::ObjectName::StatusMonitorClass].c_str(), false);
+    kwt::WinMutex starting(names[kwt::ObjectName::StatusMonitorStartingMutex].c_str(), false);
     if (running.IsSignaled()) return true;
     if (starting.Lock(0) == kwt::WaitResult::TimedOut) {
         Sleep(kStartPauseMs);

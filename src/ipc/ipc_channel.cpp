@@ -12,9 +12,11 @@
 #include "ipc/server_thread.h"
 #include "kwt/step.h"
 
-namespace kwt {
+namespace ipc {
 
 namespace {
+
+using kwt::Step;
 
 constexpr uint32_t kServerSettleMs = 100;  // before a server clears stale signals
 constexpr uint32_t kForeignPauseMs = 50;   // before a client looks again after a message of another
@@ -122,8 +124,8 @@ bool IPCChannel::OpenChannel(ChannelRole role, const WCHAR* channelName, uint32_
     return true;
 }
 
-void IPCChannel::ClearHeader(SharedMemory& section) {
-    if (uint8_t* block = section.Lock(SectionAccess::Write, INFINITE)) {
+void IPCChannel::ClearHeader(kwt::SharedMemory& section) {
+    if (uint8_t* block = section.Lock(kwt::SectionAccess::Write, INFINITE)) {
         std::memset(block, 0, sizeof(MessageHeader));
         section.Unlock(false);
     }
@@ -157,12 +159,12 @@ void IPCChannel::Close() {
 uint32_t IPCChannel::TakeTransaction(uint32_t timeoutMs) {
     if (transactionMutex_.IsLockedByCurrentThread()) return kUnansweredSend;
     Step("transaction: before");
-    const WaitResult taken = transactionMutex_.Lock(timeoutMs);
+    const kwt::WaitResult taken = transactionMutex_.Lock(timeoutMs);
     Step("transaction: taken");
-    if (taken == WaitResult::Abandoned) return ERROR_ABANDONED_WAIT_0;
-    if (taken == WaitResult::TimedOut) return ERROR_TIMEOUT;
-    if (taken != WaitResult::Signaled) return ERROR_GEN_FAILURE;
-    return serverIdleEvent_.Wait(timeoutMs) == WaitResult::Signaled ? NO_ERROR : ERROR_TIMEOUT;
+    if (taken == kwt::WaitResult::Abandoned) return ERROR_ABANDONED_WAIT_0;
+    if (taken == kwt::WaitResult::TimedOut) return ERROR_TIMEOUT;
+    if (taken != kwt::WaitResult::Signaled) return ERROR_GEN_FAILURE;
+    return serverIdleEvent_.Wait(timeoutMs) == kwt::WaitResult::Signaled ? NO_ERROR : ERROR_TIMEOUT;
 }
 
 uint32_t IPCChannel::SendLocked(const void* data, uint32_t length, const MessageHeader& header,
@@ -172,10 +174,10 @@ uint32_t IPCChannel::SendLocked(const void* data, uint32_t length, const Message
         return 0;
     }
     Step("send: begin");
-    const WaitResult locked = sendLock_.Lock(timeoutMs);
+    const kwt::WaitResult locked = sendLock_.Lock(timeoutMs);
     Step("send: locked");
-    if (locked != WaitResult::Signaled) {
-        SetLastError(locked == WaitResult::TimedOut ? ERROR_TIMEOUT : ERROR_GEN_FAILURE);
+    if (locked != kwt::WaitResult::Signaled) {
+        SetLastError(locked == kwt::WaitResult::TimedOut ? ERROR_TIMEOUT : ERROR_GEN_FAILURE);
         return 0;
     }
     Outcome outcome;
@@ -212,8 +214,8 @@ uint32_t IPCChannel::Broadcast(const void* data, uint32_t length, uint32_t timeo
 
 IPCChannel::Outcome IPCChannel::Write(const void* data, uint32_t length, MessageHeader header,
                                       uint32_t timeoutMs) {
-    SharedMemory& section = IsClient() ? commandSection_ : responseSection_;
-    uint8_t* block = section.Lock(SectionAccess::Write, timeoutMs);
+    kwt::SharedMemory& section = IsClient() ? commandSection_ : responseSection_;
+    uint8_t* block = section.Lock(kwt::SectionAccess::Write, timeoutMs);
     if (block == nullptr) return {0, TimeoutAs1460(GetLastError())};
     Step("write: section locked");
     Outcome outcome;
@@ -247,7 +249,7 @@ uint32_t IPCChannel::Receive(void* buffer, uint32_t size, uint32_t timeoutMs) {
         SetLastError(ERROR_SHARING_VIOLATION);
         return 0;
     }
-    SharedMemory& section = IsClient() ? responseSection_ : commandSection_;
+    kwt::SharedMemory& section = IsClient() ? responseSection_ : commandSection_;
     Step("receive: begin");
     if (IsServer()) serverIdleEvent_.Set();
     Step("receive: announced");
@@ -273,12 +275,13 @@ uint32_t IPCChannel::Receive(void* buffer, uint32_t size, uint32_t timeoutMs) {
     return outcome.bytes;
 }
 
-IPCChannel::Outcome IPCChannel::ReadOnce(SharedMemory& section, void* buffer, uint32_t size,
+IPCChannel::Outcome IPCChannel::ReadOnce(kwt::SharedMemory& section, void* buffer, uint32_t size,
                                          uint32_t timeoutMs, bool& foreign) {
     foreign = false;
-    if (section.WaitForNotify(timeoutMs) != WaitResult::Signaled) return {0, TimeoutAs1460(GetLastError())};
+    if (section.WaitForNotify(timeoutMs) != kwt::WaitResult::Signaled)
+        return {0, TimeoutAs1460(GetLastError())};
     Step("read: notified");
-    uint8_t* block = section.Lock(SectionAccess::Read, timeoutMs);
+    uint8_t* block = section.Lock(kwt::SectionAccess::Read, timeoutMs);
     if (block == nullptr) return {0, TimeoutAs1460(GetLastError())};
     Step("read: section locked");
     const MessageHeader header = ReadHeader(block);
@@ -335,8 +338,8 @@ void IPCChannel::CancelAsServer() {
     Step("cancel: signal taken");
 }
 
-void IPCChannel::WithdrawMessage(SharedMemory& section) {
-    if (uint8_t* block = section.Lock(SectionAccess::Write, kCancelLockTimeoutMs)) {
+void IPCChannel::WithdrawMessage(kwt::SharedMemory& section) {
+    if (uint8_t* block = section.Lock(kwt::SectionAccess::Write, kCancelLockTimeoutMs)) {
         Step("withdraw: section locked");
         ClearLength(block);
         section.Unlock(false);
@@ -362,4 +365,4 @@ void IPCChannel::StopServerThread() {
     serverThread_.reset();
 }
 
-}  // namespace kwt
+}  // namespace ipc

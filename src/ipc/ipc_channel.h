@@ -11,7 +11,7 @@
 #include "kwt/win_event.h"
 #include "kwt/win_mutex.h"
 
-namespace kwt {
+namespace ipc {
 
 enum class ChannelRole : uint32_t { Client = 0, Server = 1 };
 
@@ -86,15 +86,15 @@ class IPCChannel {
 
     bool CreateObjects(const WideText& name, uint32_t sectionSize, uint32_t& commandError,
                        uint32_t& responseError);
-    static void ClearHeader(SharedMemory& section);
-    static void WithdrawMessage(SharedMemory& section);
+    static void ClearHeader(kwt::SharedMemory& section);
+    static void WithdrawMessage(kwt::SharedMemory& section);
     void ReturnToClosedState();
     void StopServerThread();
     [[nodiscard]] uint32_t TakeTransaction(uint32_t timeoutMs);
     uint32_t SendLocked(const void* data, uint32_t length, const MessageHeader& header, uint32_t timeoutMs);
     [[nodiscard]] Outcome Write(const void* data, uint32_t length, MessageHeader header, uint32_t timeoutMs);
-    [[nodiscard]] Outcome ReadOnce(SharedMemory& section, void* buffer, uint32_t size, uint32_t timeoutMs,
-                                   bool& foreign);
+    [[nodiscard]] Outcome ReadOnce(kwt::SharedMemory& section, void* buffer, uint32_t size,
+                                   uint32_t timeoutMs, bool& foreign);
     void CancelAsClient();
     void CancelAsServer();
 
@@ -103,12 +103,19 @@ class IPCChannel {
     ChannelRole role_ = ChannelRole::Server;
     uint32_t maxMessage_ = 0;
     uint32_t lastClientProcessId_ = 0;
-    WinMutex sendLock_;
-    WinMutex transactionMutex_;
-    SharedMemory commandSection_;
-    SharedMemory responseSection_;
+    kwt::WinMutex sendLock_;
+    kwt::WinMutex transactionMutex_;
+    kwt::SharedMemory commandSection_;
+    kwt::SharedMemory responseSection_;
     std::unique_ptr<ServerThread> serverThread_;
-    WinEvent serverIdleEvent_;
+    kwt::WinEvent serverIdleEvent_;
 };
+
+}  // namespace ipc
+
+namespace kwt {
+
+/// To the other modules of the package the channel is part of the platform layer.
+using ipc::IPCChannel;
 
 }  // namespace kwt

@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace kwt {
+namespace ipc {
 
 bool IsProcessRunning(uint32_t processId) {
     constexpr size_t kStep = 256;
@@ -24,4 +24,4 @@ bool IsProcessRunning(uint32_t processId) {
     return std::find(ids.begin(), ids.end(), processId) != ids.end();
 }
 
-}  // namespace kwt
+}  // namespace ipc

@@ -4,7 +4,7 @@
 
 #include "ipc/ipc_channel.h"
 
-namespace kwt {
+namespace ipc {
 
 ServerThread::ServerThread(IPCChannel& channel, uint32_t maxMessage)
     : channel_(channel),
@@ -33,4 +33,4 @@ void ServerThread::Run() {
     }
 }
 
-}  // namespace kwt
+}  // namespace ipc

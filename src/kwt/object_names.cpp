@@ -2,6 +2,7 @@
 
 #include <iterator>
 
+namespace kwt {
 namespace {
 
 struct Suffix {
@@ -91,3 +92,5 @@ bool ObjectNameTable::Build(const WideText& modulePath) {
     }
     return true;
 }
+
+}  // namespace kwt

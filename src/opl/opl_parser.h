@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+namespace opl {
+
 enum class ParseResult : int32_t {
     MessageReady = 0,  // a complete message is delivered
     MoreInput = 1,     // the input ended inside a message
@@ -94,3 +96,5 @@ class OPLParser {
     bool messageReady_ = false;
     uint32_t uncopied_ = 0;  // bytes consumed in this call that are not in the buffer yet
 };
+
+}  // namespace opl

@@ -1,7 +1,9 @@
 #include "session/kestrel_sdk.h"
 
+namespace session {
+
 KestrelSDK::KestrelSDK() {
-    remoteChannel.Open(kwt::ChannelRole::Client);
+    remoteChannel.Open(ipc::ChannelRole::Client);
 }
 
 KestrelSDK::~KestrelSDK() = default;
@@ -11,7 +13,7 @@ std::string& KestrelSDK::NewRequest() {
     return requestText_;
 }
 
-std::string& KestrelSDK::NewQuery(OplKey key) {
+std::string& KestrelSDK::NewQuery(opl::Key key) {
     std::string& request = NewRequest();
     builder.AppendQuery(request, key);
     return request;
@@ -21,3 +23,5 @@ std::string& KestrelSDK::NewReply() {
     replyText_.clear();
     return replyText_;
 }
+
+}  // namespace session

@@ -14,6 +14,8 @@
 #include "opl/opl_builder.h"
 #include "opl/opl_parser.h"
 
+namespace session {
+
 class RemainingTime;
 
 /// `lastResponseNum` before any reply has been read.
@@ -88,7 +90,7 @@ class KestrelSDK {
     bool OrderSupplies();
 
     /// Sends the selected printer's name to the status monitor; the reply is the caller's to receive.
-    bool SendPrinterName(RemoteCode code, uint32_t timeoutMs);
+    bool SendPrinterName(ipc::RemoteCode code, uint32_t timeoutMs);
 
     /// Keeps a reply that could not be understood for GetLastBadResponse, and sets the last-error value.
     /// Always false, the result of the operation that gives up.
@@ -103,14 +105,14 @@ class KestrelSDK {
     [[nodiscard]] std::string& NewRequest();
     [[nodiscard]] std::string& NewReply();
     /// A new request that asks for `key`.
-    [[nodiscard]] std::string& NewQuery(OplKey key);
+    [[nodiscard]] std::string& NewQuery(opl::Key key);
 
-    OPLBuilder builder;
-    OPLParser parser;
-    OPLChannel oplChannel;
+    opl::OPLBuilder builder;
+    opl::OPLParser parser;
+    ipc::OPLChannel oplChannel;
     WideText printerName;
     WideText driverName;
-    RemoteControlChannel remoteChannel;
+    ipc::RemoteControlChannel remoteChannel;
     uint32_t lastTimeoutSent = 0;  // milliseconds; what the language monitor was told last
     std::string lastBadResponse;
     uint32_t lastResponseNum = kNoResponseYet;
@@ -120,7 +122,7 @@ class KestrelSDK {
 
   private:
     /// The exchange and the verdict on its reply: 0 for a good reply, else the code of the failure. `reply`
-    /// has room for kMaxOplMessage bytes; `received` is not 0 whenever a reply was read.
+    /// has room for ipc::kMaxOplMessage bytes; `received` is not 0 whenever a reply was read.
     [[nodiscard]] uint32_t Transact(const void* request, uint32_t requestLength, char* reply,
                                     uint32_t& received, uint32_t timeoutMs);
     [[nodiscard]] uint32_t Exchange(const void* request, uint32_t requestLength, char* reply,
@@ -135,7 +137,7 @@ class KestrelSDK {
     void RequestStatusUpdate();
     [[nodiscard]] bool QueryStatus(DeviceStatusRecord* record);
 
-    [[nodiscard]] bool ShowOnStartedMonitor(RemoteCode window);
+    [[nodiscard]] bool ShowOnStartedMonitor(ipc::RemoteCode window);
     /// The outcome of a request to show a window that was sent or not.
     [[nodiscard]] bool JudgeShown(bool sent);
     [[nodiscard]] bool OrderThroughStatusMonitor();
@@ -149,3 +151,5 @@ class KestrelSDK {
     std::string replyText_;
     std::string announcement_;
 };
+
+}  // namespace session

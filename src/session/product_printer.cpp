@@ -8,6 +8,7 @@
 #include "host/product_config.h"
 #include "kwt/printer_handle.h"
 
+namespace session {
 namespace {
 
 constexpr DWORD kRecordLevel = 2;
@@ -41,7 +42,7 @@ bool EnumLocalPrinters(BYTE* block, DWORD size, DWORD& needed, DWORD& count) {
 bool LastOfProduct(const PRINTER_INFO_2W* records, DWORD count, WideText& name) {
     bool found = false;
     for (DWORD i = 0; i < count; ++i) {
-        if (!CProductConfig::Instance().IsPrinterDriver(TextOrEmpty(records[i].pDriverName))) continue;
+        if (!host::CProductConfig::Instance().IsPrinterDriver(TextOrEmpty(records[i].pDriverName))) continue;
         name = TextOrEmpty(records[i].pPrinterName);
         found = true;
     }
@@ -88,3 +89,5 @@ bool FindProductPrinter(WideText& name) {
     SetLastError(kPrinterNotFound);
     return false;
 }
+
+}  // namespace session

@@ -4,6 +4,7 @@
 
 #include "kestrel/sdk_errors.h"
 
+namespace session {
 namespace {
 
 constexpr uint32_t kDeviceNotAvailable = 4319;
@@ -42,3 +43,5 @@ uint32_t ErrorOfResponse(uint32_t number) {
         if (number == bad.number) return bad.error;
     return ERROR_GEN_FAILURE;
 }
+
+}  // namespace session

@@ -4,6 +4,7 @@
 #include "session/remaining_time.h"
 #include "session/timing_table.h"
 
+namespace session {
 namespace {
 
 constexpr uint32_t kTimeoutMs = 5000;
@@ -15,7 +16,7 @@ constexpr uint32_t kCacheSwitched = 101;
 
 bool KestrelSDK::Lock(uint32_t timeoutMs) {
     std::string& request = NewRequest();
-    builder.AppendWord(request, OplWord::LockPrinter);
+    builder.AppendWord(request, opl::Word::LockPrinter);
     std::string& reply = NewReply();
     if (!Query(request, reply, timeoutMs) || !TakeResponseNumber(reply)) return false;
     if (lastResponseNum != kLocked) {
@@ -39,7 +40,7 @@ bool KestrelSDK::AskToUnlock(uint32_t timeoutMs) {
         return false;
     }
     std::string& request = NewRequest();
-    builder.AppendWord(request, OplWord::UnlockPrinter);
+    builder.AppendWord(request, opl::Word::UnlockPrinter);
     std::string& reply = NewReply();
     while (Query(request, reply, timeoutMs)) {
         uint32_t number = 0;
@@ -60,13 +61,13 @@ bool KestrelSDK::AskToUnlock(uint32_t timeoutMs) {
 
 bool KestrelSDK::Cancel() {
     std::string& request = NewRequest();
-    builder.AppendWord(request, OplWord::Cancel);
+    builder.AppendWord(request, opl::Word::Cancel);
     return Query(request, NewReply(), kTimeoutMs);
 }
 
 bool KestrelSDK::EnableCache(bool enable) {
     std::string& request = NewRequest();
-    builder.AppendSetBool(request, OplKey::Cache, enable);
+    builder.AppendSetBool(request, opl::Key::Cache, enable);
     std::string& reply = NewReply();
     if (!Query(request, reply, kTimeoutMs)) return false;
     uint32_t number = 0;
@@ -74,3 +75,5 @@ bool KestrelSDK::EnableCache(bool enable) {
     lastResponseNum = number;
     return number == kCacheSwitched;
 }
+
+}  // namespace session

@@ -12,12 +12,14 @@
 #include "session/response_judgement.h"
 #include "session/timeout_announcement.h"
 
+namespace session {
+
 bool KestrelSDK::SendCmd(const void* request, uint32_t requestLength, void* replyBuffer,
                          uint32_t replyBufferSize, uint32_t* replyLength, uint32_t timeoutMs) {
     if (replyLength != nullptr) *replyLength = 0;
     // Every reply fits a buffer of this size, so it can be received in place.
-    const bool inPlace = replyBuffer != nullptr && replyBufferSize >= kMaxOplMessage;
-    char ownBuffer[kMaxOplMessage];
+    const bool inPlace = replyBuffer != nullptr && replyBufferSize >= ipc::kMaxOplMessage;
+    char ownBuffer[ipc::kMaxOplMessage];
     char* const reply = inPlace ? static_cast<char*>(replyBuffer) : ownBuffer;
     uint32_t received = 0;
     const uint32_t error = Transact(request, requestLength, reply, received, timeoutMs);
@@ -32,15 +34,15 @@ bool KestrelSDK::SendCmd(const void* request, uint32_t requestLength, void* repl
 
 bool KestrelSDK::Query(const std::string& request, std::string& reply, uint32_t timeoutMs) {
     reply.clear();
-    char stream[kMaxOplMessage];
+    char stream[ipc::kMaxOplMessage];
     uint32_t received = 0;
     uint32_t error =
         Transact(request.data(), static_cast<uint32_t>(request.size()), stream, received, timeoutMs);
     if (error == NO_ERROR) {
-        OPLParser framer;
+        opl::OPLParser framer;
         const char* message = nullptr;
         uint32_t messageLength = 0;
-        if (framer.ParseStream(stream, received, message, messageLength) == ParseResult::MessageReady)
+        if (framer.ParseStream(stream, received, message, messageLength) == opl::ParseResult::MessageReady)
             reply.assign(message, messageLength);
         if (reply.empty()) error = SDK_ERROR_UNEXPECTED_REPLY;
     }
@@ -85,14 +87,14 @@ uint32_t KestrelSDK::Exchange(const void* request, uint32_t requestLength, char*
         left = time.Milliseconds();
     }
     // The channel would post the beginning of a longer request and wait for its reply to be fetched.
-    if (requestLength > kMaxOplMessage) return SDK_ERROR_SEND_INCOMPLETE;
+    if (requestLength > ipc::kMaxOplMessage) return SDK_ERROR_SEND_INCOMPLETE;
     if (oplChannel.Send(request, requestLength, left) < requestLength) return SDK_ERROR_SEND_INCOMPLETE;
     left = time.Milliseconds();
     if (left == 0) {
         oplChannel.Cancel();
         return ERROR_TIMEOUT;
     }
-    received = oplChannel.Receive(reply, kMaxOplMessage, left);
+    received = oplChannel.Receive(reply, ipc::kMaxOplMessage, left);
     return received != 0 ? NO_ERROR : SDK_ERROR_NO_REPLY;
 }
 
@@ -101,7 +103,7 @@ uint32_t KestrelSDK::AnnounceTimeout(uint32_t timeoutMs, const RemainingTime& ti
     // Before it is sent, and it stays after a failure: an announcement that fails is not made again.
     lastTimeoutSent = timeoutMs;
     announcement_.clear();
-    builder.AppendSetInt(announcement_, OplKey::TimeoutParam, AnnouncedTimeout(timeoutMs));
+    builder.AppendSetInt(announcement_, opl::Key::TimeoutParam, AnnouncedTimeout(timeoutMs));
     if (oplChannel.Send(announcement_.data(), static_cast<uint32_t>(announcement_.size()), timeoutMs) == 0)
         return SDK_ERROR_SEND_INCOMPLETE;
     const uint32_t left = time.Milliseconds();
@@ -121,3 +123,5 @@ uint32_t KestrelSDK::Judge(std::string_view reply) {
     if (error != NO_ERROR) lastBadResponse = reply;
     return error;
 }
+
+}  // namespace session

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 
+namespace settings {
 namespace {
 
 constexpr int32_t kApril = 4;
@@ -68,3 +69,5 @@ bool SecondsSince2000(const CalendarTime& time, bool observesDaylightSaving, uin
     if (observesDaylightSaving && InDaylightSavingPeriod(time)) seconds -= kHour;
     return true;
 }
+
+}  // namespace settings

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 
+namespace settings {
 namespace {
 
 constexpr int kTmYears = 1900;
@@ -50,3 +51,5 @@ bool FormatClockText(uint64_t hostId, const HostClock& clock, std::string& text)
     if (clock.utcOffsetMinutes < 0) text[kOffsetPosition] = '1';
     return true;
 }
+
+}  // namespace settings

@@ -6,6 +6,7 @@
 #include "kestrel/sdk_errors.h"
 #include "kwt/strings.h"
 
+namespace settings {
 namespace {
 
 constexpr size_t kAddressBytes = 4;
@@ -13,14 +14,14 @@ constexpr std::string_view kNoText = "(null)";
 
 }  // namespace
 
-bool QueryBool(KestrelSDK& sdk, uint8_t& value, const std::string& request, uint32_t timeoutMs) {
+bool QueryBool(session::KestrelSDK& sdk, uint8_t& value, const std::string& request, uint32_t timeoutMs) {
     value = 0;
     std::string& reply = sdk.NewReply();
     if (!sdk.Query(request, reply, timeoutMs)) return false;
     return sdk.parser.GetBoolValue(reply, value) || sdk.RejectReply(reply, SDK_ERROR_BAD_REPLY);
 }
 
-bool QueryText(KestrelSDK& sdk, WCHAR* text, size_t sizeBytes, const std::string& request,
+bool QueryText(session::KestrelSDK& sdk, WCHAR* text, size_t sizeBytes, const std::string& request,
                uint32_t timeoutMs) {
     *text = 0;
     std::string& reply = sdk.NewReply();
@@ -31,35 +32,36 @@ bool QueryText(KestrelSDK& sdk, WCHAR* text, size_t sizeBytes, const std::string
     return true;
 }
 
-bool QueryInt(KestrelSDK& sdk, int32_t& value, const std::string& request, uint32_t timeoutMs) {
+bool QueryInt(session::KestrelSDK& sdk, int32_t& value, const std::string& request, uint32_t timeoutMs) {
     value = 0;
     std::string& reply = sdk.NewReply();
     if (!sdk.Query(request, reply, timeoutMs)) return false;
     return sdk.parser.GetIntValue(reply, value) || sdk.RejectReply(reply, SDK_ERROR_BAD_REPLY);
 }
 
-bool QueryInt32(KestrelSDK& sdk, uint32_t& value, const std::string& request, uint32_t timeoutMs) {
+bool QueryInt32(session::KestrelSDK& sdk, uint32_t& value, const std::string& request, uint32_t timeoutMs) {
     int32_t number = 0;
     const bool done = QueryInt(sdk, number, request, timeoutMs);
     value = static_cast<uint32_t>(number);
     return done;
 }
 
-bool QueryInt16(KestrelSDK& sdk, uint16_t& value, const std::string& request, uint32_t timeoutMs) {
+bool QueryInt16(session::KestrelSDK& sdk, uint16_t& value, const std::string& request, uint32_t timeoutMs) {
     int32_t number = 0;
     const bool done = QueryInt(sdk, number, request, timeoutMs);
     value = static_cast<uint16_t>(number);
     return done;
 }
 
-bool QueryInt8(KestrelSDK& sdk, uint8_t& value, const std::string& request, uint32_t timeoutMs) {
+bool QueryInt8(session::KestrelSDK& sdk, uint8_t& value, const std::string& request, uint32_t timeoutMs) {
     int32_t number = 0;
     const bool done = QueryInt(sdk, number, request, timeoutMs);
     value = static_cast<uint8_t>(number);
     return done;
 }
 
-bool QueryAddress(KestrelSDK& sdk, uint8_t* address, const std::string& request, uint32_t timeoutMs) {
+bool QueryAddress(session::KestrelSDK& sdk, uint8_t* address, const std::string& request,
+                  uint32_t timeoutMs) {
     std::fill_n(address, kAddressBytes, uint8_t{0});
     std::string& reply = sdk.NewReply();
     if (!sdk.Query(request, reply, timeoutMs)) return false;
@@ -70,7 +72,7 @@ bool QueryAddress(KestrelSDK& sdk, uint8_t* address, const std::string& request,
     return true;
 }
 
-bool QueryEnum(KestrelSDK& sdk, uint32_t& value, const catalogue::EnumEntry* table,
+bool QueryEnum(session::KestrelSDK& sdk, uint32_t& value, const catalogue::EnumEntry* table,
                const std::string& request, uint32_t timeoutMs) {
     std::string& reply = sdk.NewReply();
     if (!sdk.Query(request, reply, timeoutMs)) return false;
@@ -82,11 +84,11 @@ bool QueryEnum(KestrelSDK& sdk, uint32_t& value, const catalogue::EnumEntry* tab
     return true;
 }
 
-bool SetValue(KestrelSDK& sdk, const std::string& request, uint32_t timeoutMs) {
+bool SetValue(session::KestrelSDK& sdk, const std::string& request, uint32_t timeoutMs) {
     return sdk.SetWithAck(request, timeoutMs);
 }
 
-bool SetEnum(KestrelSDK& sdk, OplKey key, const catalogue::EnumEntry* table, uint32_t value,
+bool SetEnum(session::KestrelSDK& sdk, opl::Key key, const catalogue::EnumEntry* table, uint32_t value,
              uint32_t timeoutMs) {
     const catalogue::EnumEntry* const entry = catalogue::FindByValue(table, value);
     if (entry == nullptr) {
@@ -97,3 +99,5 @@ bool SetEnum(KestrelSDK& sdk, OplKey key, const catalogue::EnumEntry* table, uin
     sdk.builder.AppendSetText(request, key, entry->name);
     return SetValue(sdk, request, timeoutMs);
 }
+
+}  // namespace settings

@@ -14,32 +14,36 @@
 #include "opl/vocabulary.h"
 #include "session/kestrel_sdk.h"
 
+namespace settings {
+
 /// 0 or 1.
-bool QueryBool(KestrelSDK& sdk, uint8_t& value, const std::string& request, uint32_t timeoutMs);
+bool QueryBool(session::KestrelSDK& sdk, uint8_t& value, const std::string& request, uint32_t timeoutMs);
 
 /// At most `sizeBytes`/2 - 1 characters and a terminator. The device's word for "no text" gives an empty
 /// text.
-bool QueryText(KestrelSDK& sdk, WCHAR* text, size_t sizeBytes, const std::string& request,
+bool QueryText(session::KestrelSDK& sdk, WCHAR* text, size_t sizeBytes, const std::string& request,
                uint32_t timeoutMs);
 
-bool QueryInt(KestrelSDK& sdk, int32_t& value, const std::string& request, uint32_t timeoutMs);
+bool QueryInt(session::KestrelSDK& sdk, int32_t& value, const std::string& request, uint32_t timeoutMs);
 
 /// The low bits of QueryInt's number: no range is checked.
-bool QueryInt32(KestrelSDK& sdk, uint32_t& value, const std::string& request, uint32_t timeoutMs);
-bool QueryInt16(KestrelSDK& sdk, uint16_t& value, const std::string& request, uint32_t timeoutMs);
-bool QueryInt8(KestrelSDK& sdk, uint8_t& value, const std::string& request, uint32_t timeoutMs);
+bool QueryInt32(session::KestrelSDK& sdk, uint32_t& value, const std::string& request, uint32_t timeoutMs);
+bool QueryInt16(session::KestrelSDK& sdk, uint16_t& value, const std::string& request, uint32_t timeoutMs);
+bool QueryInt8(session::KestrelSDK& sdk, uint8_t& value, const std::string& request, uint32_t timeoutMs);
 
 /// Four bytes in the order of the wire. A block of another size is an unexpected reply.
-bool QueryAddress(KestrelSDK& sdk, uint8_t* address, const std::string& request, uint32_t timeoutMs);
+bool QueryAddress(session::KestrelSDK& sdk, uint8_t* address, const std::string& request, uint32_t timeoutMs);
 
 /// The number of the device's word in `table`; a word that is not there fails with 87. Written on success
 /// only.
-bool QueryEnum(KestrelSDK& sdk, uint32_t& value, const catalogue::EnumEntry* table,
+bool QueryEnum(session::KestrelSDK& sdk, uint32_t& value, const catalogue::EnumEntry* table,
                const std::string& request, uint32_t timeoutMs);
 
 /// Sends a complete set request; the device alone judges the value.
-bool SetValue(KestrelSDK& sdk, const std::string& request, uint32_t timeoutMs);
+bool SetValue(session::KestrelSDK& sdk, const std::string& request, uint32_t timeoutMs);
 
 /// Sends the word for `value`; a number that is not in `table` fails with 87 and sends nothing.
-bool SetEnum(KestrelSDK& sdk, OplKey key, const catalogue::EnumEntry* table, uint32_t value,
+bool SetEnum(session::KestrelSDK& sdk, opl::Key key, const catalogue::EnumEntry* table, uint32_t value,
              uint32_t timeoutMs);
+
+}  // namespace settings
