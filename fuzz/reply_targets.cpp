@@ -28,9 +28,9 @@ constexpr uint32_t kTimeoutMs = 2000;
 constexpr const WCHAR* kChannel = TEXT("Fuzz");
 
 /// Answers every request with the same bytes.
-class Counterpart final : public OPLChannel {
+class Counterpart final : public ipc::OPLChannel {
   public:
-    Counterpart() { Require(Open(kwt::ChannelRole::Server, kChannel) && StartServerThread(), "a server"); }
+    Counterpart() { Require(Open(ipc::ChannelRole::Server, kChannel) && StartServerThread(), "a server"); }
     void OnMessage(const void*, size_t) override {
         const std::lock_guard guard(lock_);
         Send(reply_.data(), static_cast<uint32_t>(reply_.size()), kTimeoutMs);
@@ -45,11 +45,11 @@ class Counterpart final : public OPLChannel {
     std::string reply_;
 };
 
-KestrelSDK& ClientAnsweredWith(std::string_view reply) {
+session::KestrelSDK& ClientAnsweredWith(std::string_view reply) {
     static auto* const server = new Counterpart;
     static auto* const client = [] {
-        auto* const sdk = new KestrelSDK;
-        Require(sdk->oplChannel.Open(kwt::ChannelRole::Client, kChannel), "a client");
+        auto* const sdk = new session::KestrelSDK;
+        Require(sdk->oplChannel.Open(ipc::ChannelRole::Client, kChannel), "a client");
         sdk->lastTimeoutSent = kTimeoutMs;
         return sdk;
     }();
@@ -81,57 +81,58 @@ bool Judged(bool done) {
 }
 
 template <auto read, typename Value>
-void ReadOne(KestrelSDK& sdk, OplKey key) {
+void ReadOne(session::KestrelSDK& sdk, opl::Key key) {
     Output<Value> value;
     const bool done = Judged(read(sdk, {key, nullptr, 0}, value.Get(), kTimeoutMs));
     Require(done || (value.IsCleared() && GetLastError() != NO_ERROR), "a failure clears and tells why");
 }
 
-void ReadOneEnum(KestrelSDK& sdk) {
+void ReadOneEnum(session::KestrelSDK& sdk) {
     Output<uint32_t> value;
-    const bool done = Judged(ReadEnum(sdk, {OplKey::DisplayLanguage, kLanguage, 0}, value.Get(), kTimeoutMs));
+    const bool done =
+        Judged(settings::ReadEnum(sdk, {opl::Key::DisplayLanguage, kLanguage, 0}, value.Get(), kTimeoutMs));
     Require(done == (*value.Get() != 0xA5A5A5A5), "written on success only");
 }
 
-void ReadOneText(KestrelSDK& sdk) {
+void ReadOneText(session::KestrelSDK& sdk) {
     constexpr size_t kCharacters = 8;
     Output<WCHAR> text(kCharacters);
-    const bool done = Judged(
-        ReadText(sdk, {OplKey::ServiceNumber, nullptr, kCharacters * sizeof(WCHAR)}, text.Get(), kTimeoutMs));
+    const bool done = Judged(settings::ReadText(
+        sdk, {opl::Key::ServiceNumber, nullptr, kCharacters * sizeof(WCHAR)}, text.Get(), kTimeoutMs));
     Require(WideView(text.Get(), kCharacters).find(WCHAR{0}) != WideView::npos, "terminated");
     Require(done || *text.Get() == 0, "empty on failure");
 }
 
-void ReadOneAddress(KestrelSDK& sdk) {
+void ReadOneAddress(session::KestrelSDK& sdk) {
     Output<uint8_t> address(4);
     const bool done =
-        Judged(ReadAddress(sdk, {OplKey::AutoIPAddress, nullptr, 0}, address.Get(), kTimeoutMs));
+        Judged(settings::ReadAddress(sdk, {opl::Key::AutoIPAddress, nullptr, 0}, address.Get(), kTimeoutMs));
     Require(done || address.IsCleared(), "cleared on failure");
 }
 
 // Chosen by the first byte.
-constexpr void (*kReaders[])(KestrelSDK&) = {
-    [](KestrelSDK& sdk) { ReadOne<ReadBool, uint8_t>(sdk, OplKey::SceneBalance); },
-    [](KestrelSDK& sdk) { ReadOne<ReadU8, uint8_t>(sdk, OplKey::FaxRedials); },
-    [](KestrelSDK& sdk) { ReadOne<ReadPercent, uint8_t>(sdk, OplKey::UpperTrayLevel); },
-    [](KestrelSDK& sdk) { ReadOne<ReadS8, int8_t>(sdk, OplKey::CopyBrightness); },
-    [](KestrelSDK& sdk) { ReadOne<ReadU16, uint16_t>(sdk, OplKey::CopySizeScale); },
-    [](KestrelSDK& sdk) { ReadOne<ReadU32, uint32_t>(sdk, OplKey::WirelessSpeed); },
-    [](KestrelSDK& sdk) { ReadOne<ReadS32, uint32_t>(sdk, OplKey::WirelessRSSIdBm); },
+constexpr void (*kReaders[])(session::KestrelSDK&) = {
+    [](session::KestrelSDK& sdk) { ReadOne<settings::ReadBool, uint8_t>(sdk, opl::Key::SceneBalance); },
+    [](session::KestrelSDK& sdk) { ReadOne<settings::ReadU8, uint8_t>(sdk, opl::Key::FaxRedials); },
+    [](session::KestrelSDK& sdk) { ReadOne<settings::ReadPercent, uint8_t>(sdk, opl::Key::UpperTrayLevel); },
+    [](session::KestrelSDK& sdk) { ReadOne<settings::ReadS8, int8_t>(sdk, opl::Key::CopyBrightness); },
+    [](session::KestrelSDK& sdk) { ReadOne<settings::ReadU16, uint16_t>(sdk, opl::Key::CopySizeScale); },
+    [](session::KestrelSDK& sdk) { ReadOne<settings::ReadU32, uint32_t>(sdk, opl::Key::WirelessSpeed); },
+    [](session::KestrelSDK& sdk) { ReadOne<settings::ReadS32, uint32_t>(sdk, opl::Key::WirelessRSSIdBm); },
     ReadOneEnum,
     ReadOneText,
     ReadOneAddress,
-    [](KestrelSDK& sdk) {
-        DeviceTime time;
-        Judged(GetDeviceTime(sdk, time, kTimeoutMs));
+    [](session::KestrelSDK& sdk) {
+        settings::DeviceTime time;
+        Judged(settings::GetDeviceTime(sdk, time, kTimeoutMs));
     },
-    [](KestrelSDK& sdk) {
+    [](session::KestrelSDK& sdk) {
         Output<uint8_t> block(48);
-        GetCapabilities(sdk, block.Get(), 48);
+        settings::GetCapabilities(sdk, block.Get(), 48);
     },
-    [](KestrelSDK& sdk) {
+    [](session::KestrelSDK& sdk) {
         uint32_t version = 0;
-        Judged(GetCapRBNVer(sdk, version, kTimeoutMs));
+        Judged(settings::GetCapRBNVer(sdk, version, kTimeoutMs));
     },
 };
 
@@ -144,7 +145,8 @@ void TypedReplies(std::string_view bytes) {
 void AddressBook(std::string_view bytes) {
     if (bytes.empty()) return;
     Output<KestrelQuickDial> record;
-    const bool done = Judged(GetQuickDialButton(ClientAnsweredWith(bytes), 0, record.Get(), kTimeoutMs));
+    const bool done =
+        Judged(settings::GetQuickDialButton(ClientAnsweredWith(bytes), 0, record.Get(), kTimeoutMs));
     const KestrelQuickDial& read = *record.Get();
     Require(read.name[std::size(read.name) - 1] == 0 && read.address[std::size(read.address) - 1] == 0,
             "terminated");
@@ -155,21 +157,21 @@ void AddressBook(std::string_view bytes) {
 void AccessPoints(std::string_view bytes) {
     if (bytes.empty()) return;
     Output<KestrelAccessPoint> records(KESTREL_MAX_ACCESS_POINTS);
-    Judged(GetAccessPoints(ClientAnsweredWith(bytes), records.Get(), kTimeoutMs));
+    Judged(settings::GetAccessPoints(ClientAnsweredWith(bytes), records.Get(), kTimeoutMs));
     for (const KestrelAccessPoint& record : std::span(records.Get(), KESTREL_MAX_ACCESS_POINTS))
         Require(record.macAddress[std::size(record.macAddress) - 1] == 0 &&
                     record.ssid[std::size(record.ssid) - 1] == 0,
                 "terminated");
     Output<KestrelHost> hosts(KESTREL_MAX_HOSTS);
-    Judged(GetMDNSHostList(ClientAnsweredWith(bytes), hosts.Get(), kTimeoutMs));
+    Judged(settings::GetMDNSHostList(ClientAnsweredWith(bytes), hosts.Get(), kTimeoutMs));
 }
 
 void Status(std::string_view bytes) {
     std::vector<uint8_t> sent;
-    if (!OPLParser::GetBinaryValue(bytes, sent)) sent.assign(bytes.begin(), bytes.end());
+    if (!opl::OPLParser::GetBinaryValue(bytes, sent)) sent.assign(bytes.begin(), bytes.end());
     sent.reserve(1);  // an empty block has an address too
     Output<DeviceStatusRecord> record;
-    const StatusBlock block(sent);
+    const session::StatusBlock block(sent);
     block.CopyTo(record.Get());
     Require(std::memcmp(record.Get(), sent.data(), std::min(sent.size(), sizeof(DeviceStatusRecord))) == 0,
             "the record is the beginning of the block");
@@ -201,11 +203,11 @@ void ChannelHeader(std::string_view bytes) {
     constexpr uint32_t kCapacity = 64;
     if (bytes.empty()) return;
     const uint32_t size = static_cast<unsigned char>(bytes.front()) % 80;
-    const std::string_view message = bytes.substr(1, sizeof(kwt::MessageHeader) + kCapacity);
-    static OPLChannel server;
-    static OPLChannel client;
-    static const bool opened = server.Open(kwt::ChannelRole::Server, TEXT("FuzzHeader"), kCapacity) &&
-                               client.Open(kwt::ChannelRole::Client, TEXT("FuzzHeader"), kCapacity);
+    const std::string_view message = bytes.substr(1, sizeof(ipc::MessageHeader) + kCapacity);
+    static ipc::OPLChannel server;
+    static ipc::OPLChannel client;
+    static const bool opened = server.Open(ipc::ChannelRole::Server, TEXT("FuzzHeader"), kCapacity) &&
+                               client.Open(ipc::ChannelRole::Client, TEXT("FuzzHeader"), kCapacity);
     Require(opened, "a channel");
     static Scribbler command(TEXT("Global\\FuzzHeaderCmd"));
     static Scribbler response(TEXT("Global\\FuzzHeaderResp"));

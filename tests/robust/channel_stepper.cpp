@@ -40,7 +40,7 @@ std::string doomedPlace;
 std::atomic<int> doomedHit{0};
 constexpr int kNever = -1;  // a server of this hit serves until it is killed
 
-class Echo final : public OPLChannel {
+class Echo final : public ipc::OPLChannel {
   public:
     void OnMessage(const void* data, size_t length) override {
         const auto bytes = static_cast<uint32_t>(length);
@@ -57,7 +57,7 @@ class Echo final : public OPLChannel {
     std::atomic<int> served{0};
 };
 
-bool Open(OPLChannel& channel, kwt::ChannelRole role, const std::string& name) {
+bool Open(ipc::OPLChannel& channel, ipc::ChannelRole role, const std::string& name) {
     return channel.Open(role, WideText(name.begin(), name.end()).c_str());
 }
 
@@ -65,7 +65,7 @@ bool Open(OPLChannel& channel, kwt::ChannelRole role, const std::string& name) {
 // that.
 enum class Outcome { Good, Failed, Wrong, Late };
 
-Outcome Exchange(OPLChannel& channel, uint64_t nonce, uint32_t timeoutMs) {
+Outcome Exchange(ipc::OPLChannel& channel, uint64_t nonce, uint32_t timeoutMs) {
     const std::string process = std::to_string(GetCurrentProcessId()) + '-';
     const std::string request = process + std::to_string(nonce);
     std::array<char, 64> reply;
@@ -79,8 +79,8 @@ Outcome Exchange(OPLChannel& channel, uint64_t nonce, uint32_t timeoutMs) {
 }
 
 int RunClient(const std::string& name) {
-    OPLChannel channel;
-    if (!Open(channel, kwt::ChannelRole::Client, name)) return 1;
+    ipc::OPLChannel channel;
+    if (!Open(channel, ipc::ChannelRole::Client, name)) return 1;
     for (uint64_t i = 0; i < 3; ++i)
         Exchange(channel, i, kTimeoutMs);
     channel.Send("x", 1, kTimeoutMs);
@@ -91,7 +91,7 @@ int RunClient(const std::string& name) {
 
 int RunServer(const std::string& name) {
     Echo channel;
-    if (!Open(channel, kwt::ChannelRole::Server, name)) return 1;
+    if (!Open(channel, ipc::ChannelRole::Server, name)) return 1;
     channel.StartServerThread();
     std::cout << "ready" << std::endl;
     const bool isToStay = doomedHit == kNever;
@@ -107,16 +107,16 @@ int RunServer(const std::string& name) {
 }
 
 int RunOpen(const std::string& name) {
-    OPLChannel channel;
-    const bool opened = Open(channel, kwt::ChannelRole::Client, name);
+    ipc::OPLChannel channel;
+    const bool opened = Open(channel, ipc::ChannelRole::Client, name);
     std::cout << opened << ' ' << GetLastError() << std::endl;
     return 0;
 }
 
 int RunOnce(const std::string& name) {
-    OPLChannel channel;
+    ipc::OPLChannel channel;
     const uint64_t start = GetTickCount64();
-    if (!Open(channel, kwt::ChannelRole::Client, name)) return 1;
+    if (!Open(channel, ipc::ChannelRole::Client, name)) return 1;
     // What the dead left is told to somebody, once: that costs an attempt.
     int attempts = 0;
     Outcome outcome = Outcome::Failed;
@@ -135,8 +135,8 @@ bool InputEnded() {
 }
 
 int RunWorker(const std::string& name, uint32_t timeoutMs, uint32_t pauseMs) {
-    OPLChannel channel;
-    if (!Open(channel, kwt::ChannelRole::Client, name)) return 1;
+    ipc::OPLChannel channel;
+    if (!Open(channel, ipc::ChannelRole::Client, name)) return 1;
     std::cout << "ready" << std::endl;
     std::array<uint64_t, 4> counts{};
     uint64_t longest = 0;

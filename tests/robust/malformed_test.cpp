@@ -25,7 +25,7 @@ namespace {
 constexpr uint32_t kTimeoutMs = 5000;
 
 /// Answers as the virtual printer does, except one request.
-class Counterpart final : public OPLChannel {
+class Counterpart final : public ipc::OPLChannel {
   public:
     void OnMessage(const void* data, size_t length) override {
         const std::lock_guard guard(lock_);
@@ -222,7 +222,7 @@ class MalformedReplies : public testing::Test {
 TEST_F(MalformedReplies,
        Every_query_gives_the_right_value_or_a_documented_error_and_writes_its_buffer_alone) {
     ASSERT_TRUE(InstallDesk()) << GetLastError();
-    ASSERT_TRUE(server_.Open(kwt::ChannelRole::Server, kCommandChannel));
+    ASSERT_TRUE(server_.Open(ipc::ChannelRole::Server, kCommandChannel));
     ASSERT_TRUE(server_.StartServerThread());
     const std::vector<QueryExport> queries = QueryExports();
     ASSERT_TRUE(OnDesk([&] {

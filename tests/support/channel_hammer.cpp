@@ -37,7 +37,7 @@ long& CountOf(HammerCounts& counts, DWORD error) {
 }
 
 // Which of the counts one exchange adds to.
-long& Exchange(OPLChannel& channel, const std::string& process, const std::string& request,
+long& Exchange(ipc::OPLChannel& channel, const std::string& process, const std::string& request,
                uint32_t timeoutMs, HammerCounts& counts) {
     std::array<char, 256> reply;
     const auto length = static_cast<uint32_t>(request.size());
@@ -48,7 +48,7 @@ long& Exchange(OPLChannel& channel, const std::string& process, const std::strin
     return text == request ? counts.good : text.starts_with(process) ? counts.late : counts.wrong;
 }
 
-void Hammer(OPLChannel& channel, size_t thread, Clock::time_point end, uint32_t timeoutMs,
+void Hammer(ipc::OPLChannel& channel, size_t thread, Clock::time_point end, uint32_t timeoutMs,
             HammerCounts& counts) {
     const std::string process = std::to_string(GetCurrentProcessId()) + '-';
     const std::string prefix = process + std::to_string(thread) + '-';
@@ -66,10 +66,10 @@ void Hammer(OPLChannel& channel, size_t thread, Clock::time_point end, uint32_t 
 int main(int argc, char** argv) {
     if (argc != 5) return 2;
     const std::string name = argv[1];
-    std::vector<std::unique_ptr<OPLChannel>> channels;
+    std::vector<std::unique_ptr<ipc::OPLChannel>> channels;
     for (int i = 0; i < std::atoi(argv[2]); ++i) {
-        channels.push_back(std::make_unique<OPLChannel>());
-        if (!channels.back()->Open(kwt::ChannelRole::Client, Widened(name).c_str())) return 1;
+        channels.push_back(std::make_unique<ipc::OPLChannel>());
+        if (!channels.back()->Open(ipc::ChannelRole::Client, Widened(name).c_str())) return 1;
     }
     std::cout << "ready" << std::endl;
     std::string go;

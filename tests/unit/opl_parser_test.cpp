@@ -9,6 +9,8 @@
 #include <variant>
 #include <vector>
 
+using namespace opl;
+
 namespace {
 
 using namespace std::string_literals;

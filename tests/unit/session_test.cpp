@@ -12,6 +12,8 @@
 #include "session/response_judgement.h"
 #include "session/timeout_announcement.h"
 
+using namespace session;
+
 TEST(Judgement, Every_response_number_has_its_verdict) {
     const std::map<uint32_t, std::vector<uint32_t>> numbersOfError = {
         {0, {0, 1, 101, 1000, 4000, 4199, 100000}},

@@ -19,7 +19,7 @@ using namespace std::literals;
 using VprinterResponder = AskedPrinter;
 
 TEST_F(VprinterResponder, Settings_are_read_set_and_judged_by_their_type) {
-    const std::string ip = std::string(KeyText(OplKey::StaticIPAddress));
+    const std::string ip = std::string(opl::KeyText(opl::Key::StaticIPAddress));
     const std::string record = "DeviceSettings.AddressBook.SpeedDialRecords.NamedSingleEntry";
     // Each request with the beginning of its reply.
     const std::pair<std::string, std::string> cases[] = {
@@ -107,7 +107,7 @@ TEST_F(VprinterResponder, A_client_has_given_up_after_the_time_out_that_it_annou
 }
 
 TEST_F(VprinterResponder, Restoring_defaults_goes_back_to_the_first_values) {
-    ASSERT_EQ(model_.SetInitial(KeyText(OplKey::FriendlyName), "mine"), "");
+    ASSERT_EQ(model_.SetInitial(opl::KeyText(opl::Key::FriendlyName), "mine"), "");
     Ask("DeviceSettings.System.Name=yours;DeviceNetwork.WiFiSettings.Mac_Configuration.Channel=11;");
     EXPECT_EQ(model_.ChangedValues().size(), 2u);
     Ask("DeviceSettings.System.RestoreDefaults=Network;");
@@ -121,7 +121,7 @@ using VprinterStateFile = AskedPrinter;
 
 TEST_F(VprinterStateFile, Changed_values_of_every_printer_survive) {
     ASSERT_EQ(model_.SetFromText(*model_.Find("DeviceSettings.System.Name"), "na\xEFve;\x01"), "");
-    ASSERT_EQ(model_.SetFromText(*model_.Find(KeyText(OplKey::StaticIPAddress)), "10.0.0.1"), "");
+    ASSERT_EQ(model_.SetFromText(*model_.Find(opl::KeyText(opl::Key::StaticIPAddress)), "10.0.0.1"), "");
     ASSERT_TRUE(StateFile(path_).Save("USB001", model_.ChangedValues()));
     StateFile second(path_);
     second.Load();

@@ -30,7 +30,7 @@ constexpr uint32_t kStopPatienceMs = 10000;
 fs::path OwnPath() {
     WCHAR path[MAX_PATH];
     const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
-    if (!ObjectNameTable::Instance().Build(WideText(path, length)))
+    if (!kwt::ObjectNameTable::Instance().Build(WideText(path, length)))
         throw tools::UserError(
             "this program's file name must end in MUI.exe after the product's prefix, such "
             "as " KESTREL_PRODUCT "MUI.exe");
@@ -118,7 +118,7 @@ ExitCode Run(int argc, char** argv) {
     ReadSettingsFile(fs::path(self).replace_extension(".json").string(), options.settings);
     int exitCode = kDone;
     if (!ReadCommandLine(argc, argv, options, exitCode)) return static_cast<ExitCode>(exitCode);
-    Instance instance(ObjectNameTable::Instance());
+    Instance instance(kwt::ObjectNameTable::Instance());
     return options.stop ? StopRunning(instance) : Serve(instance, options.settings, self);
 }
 

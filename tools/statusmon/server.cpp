@@ -51,7 +51,7 @@ Request ReadRequest(const uint8_t* message, size_t length) {
 
 bool Server::Start() {
     lastRequest_ = Clock::now();
-    return channel_.Open(kwt::ChannelRole::Server) && channel_.StartServerThread();
+    return channel_.Open(ipc::ChannelRole::Server) && channel_.StartServerThread();
 }
 
 void Server::Stop() {

@@ -55,7 +55,7 @@ FaultScript LoadFaults(const Options& options) {
 DeviceModel MakeModel(const Options& options, const std::string& port, const StateFile* state) {
     DeviceModel model;
     if (!options.modelName.empty()) {
-        const std::string problem = model.SetInitial(KeyText(OplKey::FriendlyName), options.modelName);
+        const std::string problem = model.SetInitial(opl::KeyText(opl::Key::FriendlyName), options.modelName);
         if (!problem.empty()) throw tools::UserError("--model-name: " + problem);
     }
     if (!port.starts_with(kUsbPort)) static_cast<void>(model.SetInitial(condition::kConnection, "Network"));

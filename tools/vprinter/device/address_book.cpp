@@ -11,21 +11,21 @@ namespace vprinter {
 namespace {
 
 struct List {
-    OplRecordList list;
+    opl::RecordList list;
     int records;
 };
-constexpr List kLists[] = {{OplRecordList::SpeedDial, 60}, {OplRecordList::OneTouch, 5}};
+constexpr List kLists[] = {{opl::RecordList::SpeedDial, 60}, {opl::RecordList::OneTouch, 5}};
 
 struct Field {
-    OplRecordField field;
+    opl::RecordField field;
     ValueKind kind;
     std::string_view initial;
     uint32_t maxLength;
 };
 constexpr Field kFields[] = {
-    {OplRecordField::AddressType, ValueKind::Word, "(null)", 0},
-    {OplRecordField::Name, ValueKind::Text, "", 39},
-    {OplRecordField::Address, ValueKind::Text, "", 49},
+    {opl::RecordField::AddressType, ValueKind::Word, "(null)", 0},
+    {opl::RecordField::Name, ValueKind::Text, "", 39},
+    {opl::RecordField::Address, ValueKind::Text, "", 49},
 };
 
 std::vector<SettingSpec> MakeRecords(std::deque<std::string>& keys) {
@@ -34,8 +34,8 @@ std::vector<SettingSpec> MakeRecords(std::deque<std::string>& keys) {
         for (int index = 0; index < list.records; ++index) {
             for (const Field& field : kFields) {
                 SettingSpec spec;
-                spec.key = keys.emplace_back(
-                    fmt::format("{}[{}]{}", RecordListText(list.list), index, RecordFieldText(field.field)));
+                spec.key = keys.emplace_back(fmt::format("{}[{}]{}", opl::RecordListText(list.list), index,
+                                                         opl::RecordFieldText(field.field)));
                 spec.kind = field.kind;
                 spec.writable = true;
                 spec.initial = field.initial;

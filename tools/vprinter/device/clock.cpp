@@ -28,13 +28,13 @@ struct Calendar {
 };
 
 struct Field {
-    OplKey key;
+    opl::Key key;
     int64_t Calendar::*member;
 };
 constexpr Field kFields[] = {
-    {OplKey::DeviceTimeYear, &Calendar::year},     {OplKey::DeviceTimeMonth, &Calendar::month},
-    {OplKey::DeviceTimeDay, &Calendar::day},       {OplKey::DeviceTimeHour, &Calendar::hour},
-    {OplKey::DeviceTimeMinute, &Calendar::minute},
+    {opl::Key::DeviceTimeYear, &Calendar::year},     {opl::Key::DeviceTimeMonth, &Calendar::month},
+    {opl::Key::DeviceTimeDay, &Calendar::day},       {opl::Key::DeviceTimeHour, &Calendar::hour},
+    {opl::Key::DeviceTimeMinute, &Calendar::minute},
 };
 
 constexpr sys_days kEpoch = sys_days(year(2000) / January / 1);
@@ -81,23 +81,23 @@ std::string DeviceClock::TimeItems() const {
     const Calendar now = ToCalendar(Now());
     ReplyItems items;
     for (const Field& field : kFields)
-        items.Number(KeyText(field.key), now.*field.member);
+        items.Number(opl::KeyText(field.key), now.*field.member);
     return items.Take();
 }
 
 std::string DeviceClock::YearItem() const {
-    return ReplyItems().Number(KeyText(OplKey::DeviceTimeYear), ToCalendar(Now()).year).Take();
+    return ReplyItems().Number(opl::KeyText(opl::Key::DeviceTimeYear), ToCalendar(Now()).year).Take();
 }
 
-std::string DeviceClock::SetField(OplKey key, int64_t value) {
+std::string DeviceClock::SetField(opl::Key key, int64_t value) {
     Calendar time = ToCalendar(Now());
     time.*std::ranges::find(kFields, key, &Field::key)->member = value;
     const int64_t lastDay = DaysInMonth(time);
-    if (key == OplKey::DeviceTimeDay && value > lastDay) {
+    if (key == opl::Key::DeviceTimeDay && value > lastDay) {
         return fmt::format("Expected a day from 1 to {}", lastDay);
     }
     time.day = std::min(time.day, lastDay);
-    if (key == OplKey::DeviceTimeMinute) time.second = 0;
+    if (key == opl::Key::DeviceTimeMinute) time.second = 0;
     SetNow(ToSeconds(time));
     return {};
 }
@@ -105,7 +105,7 @@ std::string DeviceClock::SetField(OplKey key, int64_t value) {
 std::string DeviceClock::ClockText() const {
     const std::string text = fmt::format("{}{:08X}{}", model_.Value(condition::kClockHost),
                                          static_cast<uint32_t>(Now()), model_.Value(condition::kClockZone));
-    return ReplyItems().Text(KeyText(OplKey::CurrentTimeRTC), text).Take();
+    return ReplyItems().Text(opl::KeyText(opl::Key::CurrentTimeRTC), text).Take();
 }
 
 std::string DeviceClock::SetClockText(std::string_view text) {

@@ -21,7 +21,7 @@ class DeviceClock final {
     [[nodiscard]] std::string YearItem() const;
     /// Sets one of the five fields, whose value is within its range. The day gives way to a shorter month; a
     /// set minute begins anew. Returns what is wrong with it.
-    [[nodiscard]] std::string SetField(OplKey field, int64_t value);
+    [[nodiscard]] std::string SetField(opl::Key field, int64_t value);
 
     /// 28 hexadecimal digits: the host that set the clock, the seconds since 2000, that host's offset from
     /// UTC.

@@ -10,42 +10,42 @@ constexpr bool kLive = true;
 
 constexpr DeviceFact kFacts[] = {
     // Identity
-    {OplKey::VendorID, "65520", 0, 65535},
-    {OplKey::ProductID, "9900", 0, 65535},
+    {opl::Key::VendorID, "65520", 0, 65535},
+    {opl::Key::ProductID, "9900", 0, 65535},
 
     // Clock
-    {OplKey::DeviceTime, "", 0, 0, kLive},
-    {OplKey::DeviceTimeYear, "2012", 2000, 2136, kLive},
-    {OplKey::DeviceTimeMonth, "1", 1, 12, kLive},
-    {OplKey::DeviceTimeDay, "1", 1, 31, kLive},
-    {OplKey::DeviceTimeHour, "0", 0, 23, kLive},
-    {OplKey::DeviceTimeMinute, "0", 0, 59, kLive},
-    {OplKey::CurrentTimeRTC, "", 0, 0, kLive},
+    {opl::Key::DeviceTime, "", 0, 0, kLive},
+    {opl::Key::DeviceTimeYear, "2012", 2000, 2136, kLive},
+    {opl::Key::DeviceTimeMonth, "1", 1, 12, kLive},
+    {opl::Key::DeviceTimeDay, "1", 1, 31, kLive},
+    {opl::Key::DeviceTimeHour, "0", 0, 23, kLive},
+    {opl::Key::DeviceTimeMinute, "0", 0, 59, kLive},
+    {opl::Key::CurrentTimeRTC, "", 0, 0, kLive},
 
     // Firmware and capabilities
-    {OplKey::FWVersionLagoon, "417", 0, kAny},
-    {OplKey::FWVersionCustomer, "2209", 0, kAny},
-    {OplKey::FWVersionPrinter, "9900.2209.417"},
-    {OplKey::CapFWUpgrade, "OPL"},
-    {OplKey::CapRBNVer, "B"},
-    {OplKey::CapTOFEdgeOverride, "YES"},
-    {OplKey::Configuration, "", 0, 0, kLive},
-    {OplKey::GCPConfigured, "NO"},
-    {OplKey::PennantConfigured, "NO"},
+    {opl::Key::FWVersionLagoon, "417", 0, kAny},
+    {opl::Key::FWVersionCustomer, "2209", 0, kAny},
+    {opl::Key::FWVersionPrinter, "9900.2209.417"},
+    {opl::Key::CapFWUpgrade, "OPL"},
+    {opl::Key::CapRBNVer, "B"},
+    {opl::Key::CapTOFEdgeOverride, "YES"},
+    {opl::Key::Configuration, "", 0, 0, kLive},
+    {opl::Key::GCPConfigured, "NO"},
+    {opl::Key::PennantConfigured, "NO"},
 
     // Trays
-    {OplKey::PhotoTrayEngaged, "NO"},
+    {opl::Key::PhotoTrayEngaged, "NO"},
 
     // Access points and network diagnostics; the time-out of one ping in seconds
-    {OplKey::SearchForAccessPoints, "NO", 0, 0, kLive},
-    {OplKey::NumAccessPoints, "0", 0, 30, kLive},
-    {OplKey::AccessPoints, "", 0, 0, kLive},
-    {OplKey::PingAddress, "0.0.0.0", 0, 0, kLive},
-    {OplKey::PingCount, "0", 0, 255, kLive},
-    {OplKey::PingTimeout, "0", 0, 255, kLive},
-    {OplKey::NumOfPingExecuted, "0", 0, 255, kLive},
-    {OplKey::NumOfPingSuccess, "0", 0, 255, kLive},
-    {OplKey::MDNSHostList, "", 0, 0, kLive},
+    {opl::Key::SearchForAccessPoints, "NO", 0, 0, kLive},
+    {opl::Key::NumAccessPoints, "0", 0, 30, kLive},
+    {opl::Key::AccessPoints, "", 0, 0, kLive},
+    {opl::Key::PingAddress, "0.0.0.0", 0, 0, kLive},
+    {opl::Key::PingCount, "0", 0, 255, kLive},
+    {opl::Key::PingTimeout, "0", 0, 255, kLive},
+    {opl::Key::NumOfPingExecuted, "0", 0, 255, kLive},
+    {opl::Key::NumOfPingSuccess, "0", 0, 255, kLive},
+    {opl::Key::MDNSHostList, "", 0, 0, kLive},
 };
 
 }  // namespace

@@ -11,7 +11,7 @@
 namespace vprinter {
 
 struct DeviceFact {
-    OplKey key;
+    opl::Key key;
     std::string_view initial;  // as people write it; addresses dotted
     int32_t lowest = 0;        // of a number
     int32_t highest = 0;

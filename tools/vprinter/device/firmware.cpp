@@ -67,7 +67,7 @@ std::optional<FirmwareUpgrade::Refusal> FirmwareUpgrade::Begin(const std::string
     if (!beginning) return Refusal{kNoSuchFile, "The firmware file cannot be read"};
     const std::optional<FirmwareVersion> version = ReadFirmwareLine(*beginning);
     if (!version) return Refusal{kBadFile, "Expected a file that begins with ZRFW 1 and a version"};
-    const std::string& product = model_.Value(KeyText(OplKey::ProductID));
+    const std::string& product = model_.Value(opl::KeyText(opl::Key::ProductID));
     if (std::to_string(version->product) != product) {
         return Refusal{kBadFile, "Expected firmware for product " + product};
     }
@@ -78,9 +78,9 @@ std::optional<FirmwareUpgrade::Refusal> FirmwareUpgrade::Begin(const std::string
 
 void FirmwareUpgrade::Advance() {
     if (!IsUnderWay() || tickMs_() - beganAt_ < DurationMs()) return;
-    model_.Change(KeyText(OplKey::FWVersionLagoon), std::to_string(next_->lagoon));
-    model_.Change(KeyText(OplKey::FWVersionCustomer), std::to_string(next_->customer));
-    model_.Change(KeyText(OplKey::FWVersionPrinter),
+    model_.Change(opl::KeyText(opl::Key::FWVersionLagoon), std::to_string(next_->lagoon));
+    model_.Change(opl::KeyText(opl::Key::FWVersionCustomer), std::to_string(next_->customer));
+    model_.Change(opl::KeyText(opl::Key::FWVersionPrinter),
                   fmt::format("{}.{}.{}", next_->product, next_->customer, next_->lagoon));
     next_.reset();
 }

@@ -10,31 +10,31 @@ constexpr uint32_t kList = 101;
 }
 
 struct LiveDevice::Row {
-    OplKey key;
+    opl::Key key;
     std::string (LiveDevice::*read)();
     std::string (LiveDevice::*act)(const Setting& setting);
     uint32_t number = 0;
 };
 
 const LiveDevice::Row LiveDevice::kRows[] = {
-    {OplKey::RestoreDefaults, nullptr, &LiveDevice::RestoreDefaults},
-    {OplKey::DeviceTime, &LiveDevice::ReadTime, nullptr},
-    {OplKey::DeviceTimeYear, &LiveDevice::ReadYear, &LiveDevice::SetTimeField},
-    {OplKey::DeviceTimeMonth, nullptr, &LiveDevice::SetTimeField},
-    {OplKey::DeviceTimeDay, nullptr, &LiveDevice::SetTimeField},
-    {OplKey::DeviceTimeHour, nullptr, &LiveDevice::SetTimeField},
-    {OplKey::DeviceTimeMinute, nullptr, &LiveDevice::SetTimeField},
-    {OplKey::CurrentTimeRTC, &LiveDevice::ReadClockText, &LiveDevice::SetClockText},
-    {OplKey::Configuration, &LiveDevice::ReadConfiguration, nullptr},
-    {OplKey::SearchForAccessPoints, nullptr, &LiveDevice::Search},
-    {OplKey::NumAccessPoints, &LiveDevice::ReadAccessPointsFound, nullptr},
-    {OplKey::AccessPoints, &LiveDevice::ReadAccessPoints, nullptr, kList},
-    {OplKey::PingAddress, nullptr, &LiveDevice::Ping},
-    {OplKey::PingCount, nullptr, &LiveDevice::Ping},
-    {OplKey::PingTimeout, nullptr, &LiveDevice::Ping},
-    {OplKey::NumOfPingExecuted, &LiveDevice::ReadPingsExecuted, nullptr},
-    {OplKey::NumOfPingSuccess, &LiveDevice::ReadPingsAnswered, nullptr},
-    {OplKey::MDNSHostList, &LiveDevice::ReadHosts, nullptr, kList},
+    {opl::Key::RestoreDefaults, nullptr, &LiveDevice::RestoreDefaults},
+    {opl::Key::DeviceTime, &LiveDevice::ReadTime, nullptr},
+    {opl::Key::DeviceTimeYear, &LiveDevice::ReadYear, &LiveDevice::SetTimeField},
+    {opl::Key::DeviceTimeMonth, nullptr, &LiveDevice::SetTimeField},
+    {opl::Key::DeviceTimeDay, nullptr, &LiveDevice::SetTimeField},
+    {opl::Key::DeviceTimeHour, nullptr, &LiveDevice::SetTimeField},
+    {opl::Key::DeviceTimeMinute, nullptr, &LiveDevice::SetTimeField},
+    {opl::Key::CurrentTimeRTC, &LiveDevice::ReadClockText, &LiveDevice::SetClockText},
+    {opl::Key::Configuration, &LiveDevice::ReadConfiguration, nullptr},
+    {opl::Key::SearchForAccessPoints, nullptr, &LiveDevice::Search},
+    {opl::Key::NumAccessPoints, &LiveDevice::ReadAccessPointsFound, nullptr},
+    {opl::Key::AccessPoints, &LiveDevice::ReadAccessPoints, nullptr, kList},
+    {opl::Key::PingAddress, nullptr, &LiveDevice::Ping},
+    {opl::Key::PingCount, nullptr, &LiveDevice::Ping},
+    {opl::Key::PingTimeout, nullptr, &LiveDevice::Ping},
+    {opl::Key::NumOfPingExecuted, &LiveDevice::ReadPingsExecuted, nullptr},
+    {opl::Key::NumOfPingSuccess, &LiveDevice::ReadPingsAnswered, nullptr},
+    {opl::Key::MDNSHostList, &LiveDevice::ReadHosts, nullptr, kList},
 };
 
 LiveDevice::LiveDevice(DeviceModel& model, const Surroundings& surroundings)
@@ -59,23 +59,23 @@ std::string LiveDevice::Act(const Setting& setting) {
 // Both values are asked one by one afterwards; this reply names those that the printer has.
 std::string LiveDevice::ReadConfiguration() {
     ReplyItems items;
-    for (const OplKey key : {OplKey::GCPConfigured, OplKey::PennantConfigured})
-        items.Text(KeyText(key), model_.Value(KeyText(key)));
+    for (const opl::Key key : {opl::Key::GCPConfigured, opl::Key::PennantConfigured})
+        items.Text(opl::KeyText(key), model_.Value(opl::KeyText(key)));
     return items.Take();
 }
 
 std::string LiveDevice::ReadAccessPointsFound() {
     return ReplyItems()
-        .Number(KeyText(OplKey::NumAccessPoints), static_cast<int64_t>(network_.AccessPointsFound()))
+        .Number(opl::KeyText(opl::Key::NumAccessPoints), static_cast<int64_t>(network_.AccessPointsFound()))
         .Take();
 }
 
 std::string LiveDevice::ReadPingsExecuted() {
-    return ReplyItems().Number(KeyText(OplKey::NumOfPingExecuted), network_.PingsExecuted()).Take();
+    return ReplyItems().Number(opl::KeyText(opl::Key::NumOfPingExecuted), network_.PingsExecuted()).Take();
 }
 
 std::string LiveDevice::ReadPingsAnswered() {
-    return ReplyItems().Number(KeyText(OplKey::NumOfPingSuccess), network_.PingsAnswered()).Take();
+    return ReplyItems().Number(opl::KeyText(opl::Key::NumOfPingSuccess), network_.PingsAnswered()).Take();
 }
 
 std::string LiveDevice::RestoreDefaults(const Setting& setting) {

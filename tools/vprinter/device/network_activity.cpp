@@ -21,7 +21,7 @@ constexpr uint64_t kAnsweredPingMs = 200;  // from one ping to the next
 // What is not worth a condition of its own follows from the place in the list.
 void AppendAccessPoint(ReplyItems& items, size_t index, std::string_view name) {
     const auto key = [&](std::string_view field) {
-        return fmt::format("{}[{}].{}", KeyText(OplKey::AccessPoints), index, field);
+        return fmt::format("{}[{}].{}", opl::KeyText(opl::Key::AccessPoints), index, field);
     };
     const auto number = static_cast<int64_t>(index);
     const char mac[] = {0x02, 0x4B, 0x53, 0x00, 0x00, static_cast<char>(index + 1)};
@@ -41,7 +41,7 @@ void NetworkActivity::Search() {
 }
 
 size_t NetworkActivity::AccessPointsFound() const {
-    if (!searchBegan_ || !model_.Flag(KeyText(OplKey::WirelessRadio))) return 0;
+    if (!searchBegan_ || !model_.Flag(opl::KeyText(opl::Key::WirelessRadio))) return 0;
     const size_t all = std::min(ListParts(model_.Value(condition::kNetworks)).size(), kMaxAccessPoints);
     const auto duration = static_cast<uint64_t>(model_.Number(condition::kSearchSeconds)) * 1000;
     const uint64_t elapsed = MsSince(*searchBegan_);
@@ -65,9 +65,9 @@ void NetworkActivity::Ping() {
 void NetworkActivity::AdvancePings() {
     if (!lastPingAt_) return;
     const int64_t answered = IsConnected() ? model_.Number(condition::kPingAnswered) : 0;
-    const int64_t timeoutSeconds = std::max<int64_t>(model_.Number(KeyText(OplKey::PingTimeout)), 1);
+    const int64_t timeoutSeconds = std::max<int64_t>(model_.Number(opl::KeyText(opl::Key::PingTimeout)), 1);
     const uint64_t intervalMs = answered > 0 ? kAnsweredPingMs : static_cast<uint64_t>(timeoutSeconds) * 1000;
-    const int64_t count = model_.Number(KeyText(OplKey::PingCount));
+    const int64_t count = model_.Number(opl::KeyText(opl::Key::PingCount));
     while (pingsExecuted_ < count && MsSince(*lastPingAt_) >= intervalMs) {
         *lastPingAt_ += intervalMs;
         ++pingsExecuted_;
@@ -92,12 +92,12 @@ std::string NetworkActivity::HostItems() const {
     hosts.resize(std::min(hosts.size(), kMaxHosts));
     ReplyItems items;
     for (size_t i = 0; i < hosts.size(); ++i)
-        items.Text(fmt::format("{}[{}]", KeyText(OplKey::MDNSHostList), i), hosts[i]);
+        items.Text(fmt::format("{}[{}]", opl::KeyText(opl::Key::MDNSHostList), i), hosts[i]);
     return items.Take();
 }
 
 bool NetworkActivity::IsConnected() const {
-    return model_.Value(KeyText(OplKey::WirelessState)) == "Connected";
+    return model_.Value(opl::KeyText(opl::Key::WirelessState)) == "Connected";
 }
 
 }  // namespace vprinter

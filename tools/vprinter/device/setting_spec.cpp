@@ -25,15 +25,15 @@ ValueKind KindOf(catalogue::Type type) {
     }
 }
 
-ValueKind KindOf(OplFormatter formatter, const DeviceFact& fact) {
+ValueKind KindOf(opl::Formatter formatter, const DeviceFact& fact) {
     switch (formatter) {
-        case OplFormatter::YesNoValue:
+        case opl::Formatter::YesNoValue:
             return ValueKind::Flag;
-        case OplFormatter::TextValue:
+        case opl::Formatter::TextValue:
             return ValueKind::Text;
-        case OplFormatter::AddressValue:
+        case opl::Formatter::AddressValue:
             return ValueKind::Address;
-        case OplFormatter::None:
+        case opl::Formatter::None:
             if (fact.initial == "YES" || fact.initial == "NO") return ValueKind::Flag;
             return fact.lowest < fact.highest ? ValueKind::Number : ValueKind::Text;
         default:
@@ -59,7 +59,7 @@ SettingSpec SpecOf(const catalogue::Row& row) {
 }
 
 SettingSpec SpecOf(const DeviceFact& fact) {
-    const OplKeyRow& row = KeyRow(fact.key);
+    const opl::KeyRow& row = opl::RowOf(fact.key);
     SettingSpec spec;
     spec.id = fact.key;
     spec.key = row.text;

@@ -15,7 +15,7 @@ namespace vprinter {
 enum class ValueKind : uint8_t { Flag, Number, Word, Text, Address };
 
 struct SettingSpec {
-    std::optional<OplKey> id;  // none for a record or a condition
+    std::optional<opl::Key> id;  // none for a record or a condition
     std::string_view key;
     ValueKind kind = ValueKind::Text;
     bool readable = true;

@@ -61,7 +61,8 @@ PrinterState StateOf(const DeviceModel& model, bool upgrading) {
     if (row->state != PrinterState::Ready) return row->state;
     const auto isEmpty = [&](std::string_view key) { return model.Number(key) == 0; };
     if (std::ranges::any_of(condition::kInks, isEmpty)) return PrinterState::InkOut;
-    const bool noPaper = isEmpty(KeyText(OplKey::UpperTrayLevel)) && isEmpty(KeyText(OplKey::LowerTrayLevel));
+    const bool noPaper =
+        isEmpty(opl::KeyText(opl::Key::UpperTrayLevel)) && isEmpty(opl::KeyText(opl::Key::LowerTrayLevel));
     return noPaper ? PrinterState::PaperOut : PrinterState::Ready;
 }
 
@@ -106,14 +107,14 @@ std::string StatusBlock(const DeviceModel& model, std::optional<uint32_t> upgrad
     block.Put(at::kState, static_cast<uint64_t>(state));
     block.Put(at::kProgress, upgradePercent.value_or(kNoProgress));
     PutInks(block, model);
-    block.Put(at::kUpperTray, static_cast<uint64_t>(model.Number(KeyText(OplKey::UpperTrayLevel))));
-    block.Put(at::kLowerTray, static_cast<uint64_t>(model.Number(KeyText(OplKey::LowerTrayLevel))));
-    block.Put(at::kPhotoTray, model.Flag(KeyText(OplKey::PhotoTrayEngaged)) ? 1 : 0);
+    block.Put(at::kUpperTray, static_cast<uint64_t>(model.Number(opl::KeyText(opl::Key::UpperTrayLevel))));
+    block.Put(at::kLowerTray, static_cast<uint64_t>(model.Number(opl::KeyText(opl::Key::LowerTrayLevel))));
+    block.Put(at::kPhotoTray, model.Flag(opl::KeyText(opl::Key::PhotoTrayEngaged)) ? 1 : 0);
     block.Put(at::kConnection, model.Value(condition::kConnection) == "USB" ? 1 : 0, 1);
-    block.Put(at::kNetworkUp, model.Value(KeyText(OplKey::WirelessState)) == "Connected" ? 1 : 0, 1);
+    block.Put(at::kNetworkUp, model.Value(opl::KeyText(opl::Key::WirelessState)) == "Connected" ? 1 : 0, 1);
     block.PutText(at::kText, at::kFirmware, text);
-    block.PutText(at::kFirmware, at::kName, model.Value(KeyText(OplKey::FWVersionPrinter)));
-    block.PutText(at::kName, at::kWhole, model.Value(KeyText(OplKey::FriendlyName)));
+    block.PutText(at::kFirmware, at::kName, model.Value(opl::KeyText(opl::Key::FWVersionPrinter)));
+    block.PutText(at::kName, at::kWhole, model.Value(opl::KeyText(opl::Key::FriendlyName)));
     return block.Take();
 }
 
@@ -124,8 +125,8 @@ std::string CapabilityBlock(const DeviceModel& model) {
     block.Put(at::kSize, at::kWhole);
     block.Put(at::kVersion, kLayoutVersion);
     block.Put(at::kFeatures, kEveryFeature);
-    block.Put(at::kVendor, static_cast<uint64_t>(model.Number(KeyText(OplKey::VendorID))), 2);
-    block.Put(at::kProduct, static_cast<uint64_t>(model.Number(KeyText(OplKey::ProductID))), 2);
+    block.Put(at::kVendor, static_cast<uint64_t>(model.Number(opl::KeyText(opl::Key::VendorID))), 2);
+    block.Put(at::kProduct, static_cast<uint64_t>(model.Number(opl::KeyText(opl::Key::ProductID))), 2);
     block.Put(at::kInks, std::size(condition::kInks));
     block.Put(at::kTrays, 2);
     block.Put(at::kSpeedDial, 60);

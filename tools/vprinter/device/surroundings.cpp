@@ -21,7 +21,7 @@ int64_t LocalSeconds() {
 }  // namespace
 
 Surroundings RealSurroundings() {
-    return {kwt::IsProcessRunning, [] { return uint64_t{GetTickCount64()}; }, LocalSeconds};
+    return {ipc::IsProcessRunning, [] { return uint64_t{GetTickCount64()}; }, LocalSeconds};
 }
 
 }  // namespace vprinter

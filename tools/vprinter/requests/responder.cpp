@@ -48,24 +48,24 @@ struct Responder::WordRow {
 };
 
 const Responder::WordRow Responder::kWords[] = {
-    {WordText(OplWord::Ping), 0, &Responder::Acknowledge},
-    {WordText(OplWord::Cancel), 0, &Responder::Acknowledge},
-    {WordText(OplWord::LockPrinter), 2, &Responder::Lock},
-    {WordText(OplWord::UnlockPrinter), 3, &Responder::Unlock},
-    {WordText(OplWord::ClearFWCaps), 101, &Responder::Acknowledge},
-    {WordText(OplWord::CalibrateHead), 96, &Responder::Acknowledge, true},
-    {WordText(OplWord::PrintTestPage), 96, &Responder::Acknowledge, true},
-    {WordText(OplWord::CleanHead), 96, &Responder::Acknowledge, true},
-    {WordText(OplWord::CleanHeadThoroughly), 96, &Responder::Acknowledge, true},
-    {WordText(OplWord::CheckNozzle), 96, &Responder::Acknowledge, true},
-    {WordText(OplWord::AlignHead), 96, &Responder::Acknowledge, true},
-    {WordText(OplWord::VTOE), 96, &Responder::Acknowledge, true},
-    {WordText(OplWord::OrderInk), 0, &Responder::OrderSupplies, true},
-    {WordText(OplWord::GetStatus), 0, &Responder::GetStatus},
-    {WordText(OplWord::GetCapabilities), 0, &Responder::GetCapabilities},
-    {KeyText(OplKey::TimeoutParam), 0, &Responder::AnnounceTimeout},
-    {KeyText(OplKey::Cache), 101, &Responder::SwitchCache},
-    {KeyText(OplKey::UpgradeFW), 101, &Responder::UpgradeFirmware, true},
+    {opl::WordText(opl::Word::Ping), 0, &Responder::Acknowledge},
+    {opl::WordText(opl::Word::Cancel), 0, &Responder::Acknowledge},
+    {opl::WordText(opl::Word::LockPrinter), 2, &Responder::Lock},
+    {opl::WordText(opl::Word::UnlockPrinter), 3, &Responder::Unlock},
+    {opl::WordText(opl::Word::ClearFWCaps), 101, &Responder::Acknowledge},
+    {opl::WordText(opl::Word::CalibrateHead), 96, &Responder::Acknowledge, true},
+    {opl::WordText(opl::Word::PrintTestPage), 96, &Responder::Acknowledge, true},
+    {opl::WordText(opl::Word::CleanHead), 96, &Responder::Acknowledge, true},
+    {opl::WordText(opl::Word::CleanHeadThoroughly), 96, &Responder::Acknowledge, true},
+    {opl::WordText(opl::Word::CheckNozzle), 96, &Responder::Acknowledge, true},
+    {opl::WordText(opl::Word::AlignHead), 96, &Responder::Acknowledge, true},
+    {opl::WordText(opl::Word::VTOE), 96, &Responder::Acknowledge, true},
+    {opl::WordText(opl::Word::OrderInk), 0, &Responder::OrderSupplies, true},
+    {opl::WordText(opl::Word::GetStatus), 0, &Responder::GetStatus},
+    {opl::WordText(opl::Word::GetCapabilities), 0, &Responder::GetCapabilities},
+    {opl::KeyText(opl::Key::TimeoutParam), 0, &Responder::AnnounceTimeout},
+    {opl::KeyText(opl::Key::Cache), 101, &Responder::SwitchCache},
+    {opl::KeyText(opl::Key::UpgradeFW), 101, &Responder::UpgradeFirmware, true},
 };
 
 Responder::Responder(DeviceModel& model, Surroundings surroundings)
@@ -133,7 +133,7 @@ bool Responder::ReadSetting(const Setting& setting, const Command& command) {
 }
 
 bool Responder::Done(uint32_t number, std::string_view item) {
-    if (items_.size() + item.size() + 16 > kMaxOplMessage) {
+    if (items_.size() + item.size() + 16 > ipc::kMaxOplMessage) {
         return Refuse(kBadCommand, "The reply would not fit into one message", {});
     }
     if (number_ == 0) number_ = number;

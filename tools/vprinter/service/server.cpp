@@ -33,9 +33,9 @@ using Clock = std::chrono::steady_clock;
 }  // namespace
 
 WideText ChannelName(const std::string& product, const std::string& port) {
-    ObjectNameTable names;
+    kwt::ObjectNameTable names;
     if (!names.Build(ToWide(product + "MON.DLL"))) return {};
-    return names[ObjectName::CommandChannelBase] + ToWide(port);
+    return names[kwt::ObjectName::CommandChannelBase] + ToWide(port);
 }
 
 // A backslash would make part of the name a namespace.
@@ -97,7 +97,7 @@ void PrinterServer::Stop() {
 }
 
 void PrinterServer::Serve(std::promise<bool> opened) {
-    const bool isOpen = channel_.Open(kwt::ChannelRole::Server, channelName_.c_str());
+    const bool isOpen = channel_.Open(ipc::ChannelRole::Server, channelName_.c_str());
     if (!isOpen) Fail(fmt::format("its channel cannot be opened (error {})", GetLastError()));
     opened.set_value(isOpen);
     if (!isOpen) return;
@@ -111,10 +111,10 @@ void PrinterServer::Serve(std::promise<bool> opened) {
 }
 
 void PrinterServer::ServeRequests() {
-    const auto buffer = std::make_unique_for_overwrite<char[]>(kMaxOplMessage);
+    const auto buffer = std::make_unique_for_overwrite<char[]>(ipc::kMaxOplMessage);
     int failures = 0;
     while (!stopping_) {
-        const uint32_t length = channel_.Receive(buffer.get(), kMaxOplMessage, kNoLimit);
+        const uint32_t length = channel_.Receive(buffer.get(), ipc::kMaxOplMessage, kNoLimit);
         if (length > 0) {
             failures = 0;
             AnswerRequest({buffer.get(), length});

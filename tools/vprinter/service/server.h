@@ -86,7 +86,7 @@ class PrinterServer final {
     ControlFile control_;
     uint64_t savedRevision_;
 
-    OPLChannel channel_;
+    ipc::OPLChannel channel_;
     std::string faultyReply_;
     std::thread thread_;
     std::atomic<bool> failed_ = false;
