@@ -9,17 +9,6 @@
 namespace host {
 namespace {
 
-class Guard final {
-  public:
-    explicit Guard(CRITICAL_SECTION& section) : section_(section) { EnterCriticalSection(&section_); }
-    ~Guard() { LeaveCriticalSection(&section_); }
-    Guard(const Guard&) = delete;
-    Guard& operator=(const Guard&) = delete;
-
-  private:
-    CRITICAL_SECTION& section_;
-};
-
 constexpr int32_t kLowestMaintenanceValue = 1;
 constexpr int32_t kHighestMaintenanceValue = 10000;
 
@@ -105,16 +94,8 @@ CProductConfig& CProductConfig::Instance() {
     return config;
 }
 
-CProductConfig::CProductConfig() {
-    InitializeCriticalSection(&lock_);
-}
-
-CProductConfig::~CProductConfig() {
-    DeleteCriticalSection(&lock_);
-}
-
 bool CProductConfig::IsLoaded() const {
-    const Guard guard(lock_);
+    const kwt::CriticalSection::Guard guard(lock_);
     return loaded_;
 }
 
@@ -135,7 +116,7 @@ bool CProductConfig::LoadForModule(HMODULE module) {
 
 bool CProductConfig::Load(const WideText& path) {
     const kwt::LastErrorKeeper keeper;
-    const Guard guard(lock_);
+    const kwt::CriticalSection::Guard guard(lock_);
     if (loaded_) return true;
     loaded_ = true;  // visible to others when the lock is left
     try {

@@ -9,6 +9,7 @@
 #include <span>
 #include <vector>
 
+#include "kwt/critical_section.h"
 #include "kwt/wide_text.h"
 
 namespace host {
@@ -48,8 +49,7 @@ class CProductConfig final {
     /// The one that all code but tests uses.
     [[nodiscard]] static CProductConfig& Instance();
 
-    CProductConfig();
-    ~CProductConfig();
+    CProductConfig() = default;
     CProductConfig(const CProductConfig&) = delete;
     CProductConfig& operator=(const CProductConfig&) = delete;
 
@@ -122,7 +122,7 @@ class CProductConfig final {
     void ReadUrlModels();
     [[nodiscard]] bool DeriveNames();
 
-    mutable CRITICAL_SECTION lock_;
+    mutable kwt::CriticalSection lock_;
     bool loaded_ = false;
     WideText configFilePath_;
     WideText jobControlRoot_;

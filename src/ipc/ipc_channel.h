@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "ipc/message_header.h"
 #include "kwt/shared_memory.h"
@@ -46,7 +47,6 @@ class IPCChannel {
     [[nodiscard]] bool IsOpen() const { return open_; }
     /// The name as opened: characters that object names do not take are replaced by letters.
     [[nodiscard]] WideText GetName() const { return name_; }
-    [[nodiscard]] const WideText& Name() const { return name_; }
     [[nodiscard]] bool IsClient() const { return role_ == ChannelRole::Client; }
     [[nodiscard]] bool IsServer() const { return role_ == ChannelRole::Server; }
 
@@ -91,10 +91,13 @@ class IPCChannel {
     void ReturnToClosedState();
     void StopServerThread();
     [[nodiscard]] uint32_t TakeTransaction(uint32_t timeoutMs);
-    uint32_t SendLocked(const void* data, uint32_t length, const MessageHeader& header, uint32_t timeoutMs);
+    uint32_t Post(const void* data, uint32_t length, const MessageHeader& header, uint32_t timeoutMs);
+    [[nodiscard]] Outcome PostInTurn(const void* data, uint32_t length, const MessageHeader& header,
+                                     uint32_t timeoutMs);
     [[nodiscard]] Outcome Write(const void* data, uint32_t length, MessageHeader header, uint32_t timeoutMs);
-    [[nodiscard]] Outcome ReadOnce(kwt::SharedMemory& section, void* buffer, uint32_t size,
-                                   uint32_t timeoutMs, bool& foreign);
+    /// Nothing when the message that lies there is for another client.
+    [[nodiscard]] std::optional<Outcome> ReadOnce(kwt::SharedMemory& section, void* buffer, uint32_t size,
+                                                  uint32_t timeoutMs);
     void CancelAsClient();
     void CancelAsServer();
 
@@ -104,7 +107,7 @@ class IPCChannel {
     uint32_t maxMessage_ = 0;
     uint32_t lastClientProcessId_ = 0;
     kwt::WinMutex sendLock_;
-    kwt::WinMutex transactionMutex_;
+    kwt::WinMutex transactionMutex_;  // outlives the scope that takes it: held until the reply or a cancel
     kwt::SharedMemory commandSection_;
     kwt::SharedMemory responseSection_;
     std::unique_ptr<ServerThread> serverThread_;

@@ -4,7 +4,7 @@ namespace ipc {
 
 bool OPLChannel::Open(ChannelRole role, const WCHAR* channelName, uint32_t maxMessage) {
     const bool opened = OpenChannel(role, channelName, maxMessage);
-    isForPortList_ = Name().find(TEXT(',')) != WideText::npos;
+    isForPortList_ = GetName().find(TEXT(',')) != WideText::npos;
     return opened;
 }
 

@@ -4,6 +4,8 @@
 #include <windows.h>
 #include <winspool.h>
 
+#include "kwt/unique_handle.h"
+
 namespace kwt {
 
 class PrinterHandleClass final {
@@ -13,14 +15,13 @@ class PrinterHandleClass final {
     PrinterHandleClass(const WCHAR* name, PRINTER_DEFAULTSW* defaults);
     PrinterHandleClass(const PrinterHandleClass&) = delete;
     PrinterHandleClass& operator=(const PrinterHandleClass&) = delete;
-    virtual ~PrinterHandleClass();
+    virtual ~PrinterHandleClass() = default;
 
     /// Null when nothing was opened.
-    [[nodiscard]] HANDLE GetHandle() const { return handle_; }
+    [[nodiscard]] HANDLE GetHandle() const { return handle_.Get(); }
 
   private:
-    HANDLE handle_ = nullptr;
-    bool opened_ = false;
+    UniqueHandle<ClosePrinter> handle_;
 };
 
 /// Asks the printer's language monitor, through the spooler, to wake up; true when it answered. The

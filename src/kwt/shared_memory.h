@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "kwt/unique_handle.h"
 #include "kwt/wide_text.h"
 #include "kwt/win_event.h"
 #include "kwt/win_mutex.h"
@@ -46,8 +47,8 @@ class SharedMemory final {
   private:
     [[nodiscard]] bool MapBlock(const WCHAR* name, bool global);
 
-    HANDLE mapping_ = nullptr;
-    uint8_t* view_ = nullptr;
+    UniqueHandle<CloseHandle> mapping_;
+    UniqueHandle<UnmapViewOfFile, 0, uint8_t*> view_;
     WinMutex mutex_;
     WinEventAuto notifyEvent_;
     WinEventAuto cancelEvent_;

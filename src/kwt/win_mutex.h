@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 
+#include "kwt/critical_section.h"
 #include "kwt/wait_result.h"
 #include "kwt/wide_text.h"
 
@@ -45,7 +46,7 @@ class WinMutex final {
     std::atomic<uint32_t> lockCount_ = 0;
     std::atomic<uint32_t> ownerProcessId_ = 0;
     std::atomic<uint32_t> ownerThreadId_ = 0;
-    CRITICAL_SECTION guard_;  // of the handle's changes; never held while waiting for the system mutex
+    CriticalSection guard_;  // of the handle's changes; never held while waiting for the system mutex
 };
 
 }  // namespace kwt
