@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "ipc/late_reply.h"
 #include "ipc/process_list.h"
 #include "ipc/server_thread.h"
 #include "kwt/scoped_locks.h"
@@ -23,7 +24,6 @@ using kwt::SectionLock;
 using kwt::Step;
 
 constexpr uint32_t kServerSettleMs = 100;  // before a server clears stale signals
-constexpr uint32_t kForeignPauseMs = 50;   // before a client looks again after a message of another
 constexpr uint32_t kCancelLockTimeoutMs = 5000;
 constexpr uint32_t kUnansweredSend = 776;  // the thread has posted a request and not received its reply
 

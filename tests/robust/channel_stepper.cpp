@@ -24,6 +24,7 @@
 #include <string>
 #include <string_view>
 
+#include "ipc/late_reply.h"
 #include "ipc/opl_channel.h"
 #include "kwt/step.h"
 
@@ -32,7 +33,6 @@ namespace {
 constexpr uint32_t kTimeoutMs = 250;
 constexpr uint32_t kShortTimeoutMs = 10;
 constexpr uint32_t kPauseAfterFailureMs = 50;
-constexpr uint32_t kPauseAfterCancelMs = 75;  // a client that met another's message rests 50 ms
 
 std::mutex hitsLock;
 std::map<std::string, int> hits;
@@ -45,13 +45,11 @@ class Echo final : public ipc::OPLChannel {
     void OnMessage(const void* data, size_t length) override {
         const auto bytes = static_cast<uint32_t>(length);
         const uint64_t start = GetTickCount64();
-        if (Send(data, bytes, kTimeoutMs) == 0 && GetLastError() == ERROR_SHARING_VIOLATION) {
-            // The late reply to a client that lives and asks no more.
-            Cancel();
-            Sleep(kPauseAfterCancelMs);
-            // A reply has no number: one that comes late is taken for that to the next request.
-            if (GetTickCount64() - start < kTimeoutMs / 2) Send(data, bytes, kTimeoutMs);
-        }
+        // A reply has no number: one that comes late is taken for that to the next request.
+        const auto send = [&] {
+            return GetTickCount64() - start < kTimeoutMs / 2 && Send(data, bytes, kTimeoutMs) != 0;
+        };
+        static_cast<void>(ipc::SendPastLateReply(*this, send, Sleep));
         ++served;
     }
     std::atomic<int> served{0};

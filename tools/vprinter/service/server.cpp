@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "ipc/late_reply.h"
 #include "kwt/object_names.h"
 #include "shared/process.h"
 
@@ -20,8 +21,6 @@ constexpr uint32_t kNoLimit = 0xFFFFFFFF;
 constexpr uint32_t kSendTimeoutMs = 1000;
 constexpr int kMaxFailures = 20;
 constexpr uint32_t kPauseAfterFailureMs = 50;
-// A client that met another's message rests 50 ms and then clears the signal, ours too if it came meanwhile.
-constexpr uint32_t kPauseAfterCancelMs = 75;
 
 WideText ToWide(const std::string& text) {
     const std::u16string wide = std::filesystem::path(text).u16string();
@@ -168,15 +167,12 @@ void PrinterServer::SendReply(Turn& turn) {
         turn.remark = "not sent: the client has given up";
         return;
     }
-    if (Post(turn) > 0 || turn.reply.empty()) return;
-    if (GetLastError() == ERROR_SHARING_VIOLATION) {
-        // The late reply to a client that lives and asks no more would keep every other client from its own.
-        channel_.Cancel();
-        static_cast<void>(WaitUnlessStopped(kPauseAfterCancelMs));
+    const ipc::ReplySent sent = ipc::SendPastLateReply(
+        channel_, [&] { return Post(turn) > 0 || turn.reply.empty(); },
+        [this](uint32_t milliseconds) { static_cast<void>(WaitUnlessStopped(milliseconds)); });
+    if (sent == ipc::ReplySent::PastLateReply)
         turn.remark = "sent after the unread reply to another client was taken back";
-        if (Post(turn) > 0) return;
-    }
-    turn.remark = "the reply could not be sent";
+    if (sent == ipc::ReplySent::Never) turn.remark = "the reply could not be sent";
 }
 
 uint32_t PrinterServer::Post(const Turn& turn) {
