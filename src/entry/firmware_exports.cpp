@@ -36,7 +36,7 @@ kestrel_bool GetCapRBNVer(uint32_t* version, uint32_t timeoutMs) {
 
 kestrel_bool GetCapTOFEdgeOverride(kestrel_bool* capable, uint32_t timeoutMs) {
     return WithPointers({capable}, [&](KestrelSDK& sdk) {
-        return settings::QueryBool(sdk, *capable, sdk.NewQuery(opl::Key::CapTOFEdgeOverride), timeoutMs);
+        return settings::QueryBool(sdk, *capable, opl::Key::CapTOFEdgeOverride, timeoutMs);
     });
 }
 

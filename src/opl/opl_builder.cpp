@@ -72,10 +72,6 @@ void OPLBuilder::AppendWord(std::string& out, Word word) const {
     out += WordText(word);
 }
 
-void OPLBuilder::AppendCleanHead(std::string& out, bool thoroughly) const {
-    AppendWord(out, thoroughly ? Word::CleanHeadThoroughly : Word::CleanHead);
-}
-
 void OPLBuilder::AppendRecordQuery(std::string& out, RecordList list, uint32_t index,
                                    RecordField field) const {
     AppendRecordKey(out, list, index, field);

@@ -32,8 +32,6 @@ class OPLBuilder {
 
     /// A word that stands for itself.
     void AppendWord(std::string& out, Word word) const;
-    /// The one maintenance action with a choice.
-    void AppendCleanHead(std::string& out, bool thoroughly) const;
 
     /// One field of record `index` of an address book list. The index is not checked: the device judges it.
     void AppendRecordQuery(std::string& out, RecordList list, uint32_t index, RecordField field) const;

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -51,12 +52,24 @@ class KestrelSDK {
     bool SendCmd(const void* request, uint32_t requestLength, void* replyBuffer, uint32_t replyBufferSize,
                  uint32_t* replyLength, uint32_t timeoutMs);
 
-    /// Exchanges `request` and sets `reply` to the first complete message of a good reply. False, with
-    /// `reply` empty, when the exchange failed or held no complete message. `reply` keeps its capacity.
-    bool Query(const std::string& request, std::string& reply, uint32_t timeoutMs);
+    /// Exchanges `request` and sets `reply` to the first complete message of a good reply, which lies in this
+    /// object until its next query. False, with `reply` empty, when the exchange failed or held no complete
+    /// message.
+    bool Query(std::string_view request, std::string_view& reply, uint32_t timeoutMs);
+    /// The same with the request that asks for a key, for several keys at once, for one field of an address
+    /// book record, or with a word that stands for itself.
+    bool Query(opl::Key key, std::string_view& reply, uint32_t timeoutMs);
+    bool Query(std::initializer_list<opl::Key> keys, std::string_view& reply, uint32_t timeoutMs);
+    bool Query(opl::RecordList list, uint32_t index, opl::RecordField field, std::string_view& reply,
+               uint32_t timeoutMs);
+    bool Query(opl::Word word, std::string_view& reply, uint32_t timeoutMs);
+
+    /// An empty text to build a request in that sets something. It is this object's own, because it keeps its
+    /// buffer: one request at a time.
+    [[nodiscard]] std::string& NewRequest();
 
     /// Exchanges `request` and reports the verdict on the reply alone.
-    bool SetWithAck(const std::string& request, uint32_t timeoutMs);
+    bool SetWithAck(std::string_view request, uint32_t timeoutMs);
 
     /// Takes the printer for this thread; refused replies give SDK_ERROR_UNEXPECTED_REPLY.
     bool Lock(uint32_t timeoutMs);
@@ -94,18 +107,11 @@ class KestrelSDK {
 
     /// Keeps a reply that could not be understood for GetLastBadResponse, and sets the last-error value.
     /// Always false, the result of the operation that gives up.
-    bool RejectReply(const std::string& reply, uint32_t error);
+    bool RejectReply(std::string_view reply, uint32_t error);
 
     /// Keeps the response number of a reply in `lastResponseNum`. A reply without one is rejected with
     /// SDK_ERROR_BAD_REPLY: false.
-    bool TakeResponseNumber(const std::string& reply);
-
-    /// The scratch texts below, emptied: an operation that builds its request in the one and reads its reply
-    /// into the other allocates nothing. One operation at a time may use each.
-    [[nodiscard]] std::string& NewRequest();
-    [[nodiscard]] std::string& NewReply();
-    /// A new request that asks for `key`.
-    [[nodiscard]] std::string& NewQuery(opl::Key key);
+    bool TakeResponseNumber(std::string_view reply);
 
     opl::OPLBuilder builder;
     opl::OPLParser parser;
@@ -147,8 +153,9 @@ class KestrelSDK {
     [[nodiscard]] bool OpenCommandChannel(const WideText& port, uint32_t& error);
     [[nodiscard]] bool Ping();
 
-    std::string requestText_;
-    std::string replyText_;
+    // Of the exchanges; they keep their buffers, so that an exchange allocates nothing.
+    std::string request_;
+    std::string reply_;
     std::string announcement_;
 };
 

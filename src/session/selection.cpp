@@ -70,9 +70,8 @@ bool KestrelSDK::OpenCommandChannel(const WideText& port, uint32_t& error) {
 }
 
 bool KestrelSDK::Ping() {
-    std::string& request = NewRequest();
-    builder.AppendWord(request, opl::Word::Ping);
-    return Query(request, NewReply(), kPingTimeoutMs);
+    std::string_view reply;
+    return Query(opl::Word::Ping, reply, kPingTimeoutMs);
 }
 
 }  // namespace session

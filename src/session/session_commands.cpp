@@ -15,10 +15,8 @@ constexpr uint32_t kCacheSwitched = 101;
 }  // namespace
 
 bool KestrelSDK::Lock(uint32_t timeoutMs) {
-    std::string& request = NewRequest();
-    builder.AppendWord(request, opl::Word::LockPrinter);
-    std::string& reply = NewReply();
-    if (!Query(request, reply, timeoutMs) || !TakeResponseNumber(reply)) return false;
+    std::string_view reply;
+    if (!Query(opl::Word::LockPrinter, reply, timeoutMs) || !TakeResponseNumber(reply)) return false;
     if (lastResponseNum != kLocked) {
         SetLastError(SDK_ERROR_UNEXPECTED_REPLY);
         return false;
@@ -39,10 +37,8 @@ bool KestrelSDK::AskToUnlock(uint32_t timeoutMs) {
         SetLastError(SDK_ERROR_CHANNEL_NOT_OPEN);
         return false;
     }
-    std::string& request = NewRequest();
-    builder.AppendWord(request, opl::Word::UnlockPrinter);
-    std::string& reply = NewReply();
-    while (Query(request, reply, timeoutMs)) {
+    std::string_view reply;
+    while (Query(opl::Word::UnlockPrinter, reply, timeoutMs)) {
         uint32_t number = 0;
         if (parser.GetResponseNumber(reply, number) && number == kUnlocked) {
             lastResponseNum = number;
@@ -60,15 +56,14 @@ bool KestrelSDK::AskToUnlock(uint32_t timeoutMs) {
 }
 
 bool KestrelSDK::Cancel() {
-    std::string& request = NewRequest();
-    builder.AppendWord(request, opl::Word::Cancel);
-    return Query(request, NewReply(), kTimeoutMs);
+    std::string_view reply;
+    return Query(opl::Word::Cancel, reply, kTimeoutMs);
 }
 
 bool KestrelSDK::EnableCache(bool enable) {
     std::string& request = NewRequest();
     builder.AppendSetBool(request, opl::Key::Cache, enable);
-    std::string& reply = NewReply();
+    std::string_view reply;
     if (!Query(request, reply, kTimeoutMs)) return false;
     uint32_t number = 0;
     if (!parser.GetResponseNumber(reply, number)) number = 0;

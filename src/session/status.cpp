@@ -39,12 +39,10 @@ void KestrelSDK::RequestStatusUpdate() {
 }
 
 bool KestrelSDK::QueryStatus(DeviceStatusRecord* record) {
-    std::string& request = NewRequest();
-    builder.AppendWord(request, opl::Word::GetStatus);
-    std::string& reply = NewReply();
+    std::string_view reply;
     std::vector<uint8_t> sent;
     for (int left = kAttempts - 1; left >= 0; --left) {
-        if (!Query(request, reply, kQueryMs)) continue;
+        if (!Query(opl::Word::GetStatus, reply, kQueryMs)) continue;
         if (!parser.GetBinaryValue(reply, sent)) {
             RejectReply(reply, SDK_ERROR_BAD_REPLY);
             continue;

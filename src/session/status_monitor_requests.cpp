@@ -70,10 +70,9 @@ bool KestrelSDK::SendPrinterName(ipc::RemoteCode code, uint32_t timeoutMs) {
 
 bool KestrelSDK::OrderSupplies() {
     SetLastError(NO_ERROR);
-    std::string& request = NewRequest();
-    builder.AppendWord(request, opl::Word::OrderInk);
-    std::string& reply = NewReply();
-    if (!Query(request, reply, kOrderMs)) return remoteChannel.IsOpen() && OrderThroughStatusMonitor();
+    std::string_view reply;
+    if (!Query(opl::Word::OrderInk, reply, kOrderMs))
+        return remoteChannel.IsOpen() && OrderThroughStatusMonitor();
     uint8_t ordered = 0;
     if (!parser.GetBoolValue(reply, ordered)) return RejectReply(reply, SDK_ERROR_BAD_REPLY);
     if (ordered == 0) SetLastError(ERROR_GEN_FAILURE);

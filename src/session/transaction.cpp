@@ -32,8 +32,32 @@ bool KestrelSDK::SendCmd(const void* request, uint32_t requestLength, void* repl
     return error == NO_ERROR;
 }
 
-bool KestrelSDK::Query(const std::string& request, std::string& reply, uint32_t timeoutMs) {
-    reply.clear();
+bool KestrelSDK::Query(opl::Key key, std::string_view& reply, uint32_t timeoutMs) {
+    return Query({key}, reply, timeoutMs);
+}
+
+bool KestrelSDK::Query(std::initializer_list<opl::Key> keys, std::string_view& reply, uint32_t timeoutMs) {
+    std::string& request = NewRequest();
+    for (const opl::Key key : keys)
+        builder.AppendQuery(request, key);
+    return Query(request, reply, timeoutMs);
+}
+
+bool KestrelSDK::Query(opl::RecordList list, uint32_t index, opl::RecordField field, std::string_view& reply,
+                       uint32_t timeoutMs) {
+    std::string& request = NewRequest();
+    builder.AppendRecordQuery(request, list, index, field);
+    return Query(request, reply, timeoutMs);
+}
+
+bool KestrelSDK::Query(opl::Word word, std::string_view& reply, uint32_t timeoutMs) {
+    std::string& request = NewRequest();
+    builder.AppendWord(request, word);
+    return Query(request, reply, timeoutMs);
+}
+
+bool KestrelSDK::Query(std::string_view request, std::string_view& reply, uint32_t timeoutMs) {
+    reply_.clear();
     char stream[ipc::kMaxOplMessage];
     uint32_t received = 0;
     uint32_t error =
@@ -43,24 +67,30 @@ bool KestrelSDK::Query(const std::string& request, std::string& reply, uint32_t 
         const char* message = nullptr;
         uint32_t messageLength = 0;
         if (framer.ParseStream(stream, received, message, messageLength) == opl::ParseResult::MessageReady)
-            reply.assign(message, messageLength);
-        if (reply.empty()) error = SDK_ERROR_UNEXPECTED_REPLY;
+            reply_.assign(message, messageLength);
+        if (reply_.empty()) error = SDK_ERROR_UNEXPECTED_REPLY;
     }
+    reply = reply_;
     SetLastError(error);
     return error == NO_ERROR;
 }
 
-bool KestrelSDK::SetWithAck(const std::string& request, uint32_t timeoutMs) {
+std::string& KestrelSDK::NewRequest() {
+    request_.clear();
+    return request_;
+}
+
+bool KestrelSDK::SetWithAck(std::string_view request, uint32_t timeoutMs) {
     return SendCmd(request.data(), static_cast<uint32_t>(request.size()), nullptr, 0, nullptr, timeoutMs);
 }
 
-bool KestrelSDK::RejectReply(const std::string& reply, uint32_t error) {
+bool KestrelSDK::RejectReply(std::string_view reply, uint32_t error) {
     lastBadResponse = reply;
     SetLastError(error);
     return false;
 }
 
-bool KestrelSDK::TakeResponseNumber(const std::string& reply) {
+bool KestrelSDK::TakeResponseNumber(std::string_view reply) {
     uint32_t number = 0;
     if (!parser.GetResponseNumber(reply, number)) return RejectReply(reply, SDK_ERROR_BAD_REPLY);
     lastResponseNum = number;

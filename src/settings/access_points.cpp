@@ -87,9 +87,7 @@ bool ReadItem(const std::string& item, KestrelAccessPoint* records) {
 }  // namespace
 
 bool StartSearchForAccessPoints(session::KestrelSDK& sdk, uint32_t timeoutMs) {
-    std::string& request = sdk.NewRequest();
-    sdk.builder.AppendSetBool(request, opl::Key::SearchForAccessPoints, true);
-    return SetValue(sdk, request, timeoutMs);
+    return SetBool(sdk, opl::Key::SearchForAccessPoints, true, timeoutMs);
 }
 
 bool GetAccessPoints(session::KestrelSDK& sdk, KestrelAccessPoint* records, uint32_t timeoutMs) {

@@ -19,10 +19,7 @@ constexpr opl::RecordField kFields[] = {opl::RecordField::AddressType, opl::Reco
                                         opl::RecordField::Address};
 
 // Unlike a setting's text, the device's word for "no text" is copied as it comes.
-bool QueryPlainText(session::KestrelSDK& sdk, WCHAR* text, size_t sizeBytes, const std::string& request,
-                    uint32_t timeoutMs) {
-    std::string& reply = sdk.NewReply();
-    if (!sdk.Query(request, reply, timeoutMs)) return false;
+bool TakePlainText(session::KestrelSDK& sdk, WCHAR* text, size_t sizeBytes, std::string_view reply) {
     std::string value;
     if (!sdk.parser.GetValue(reply, value)) return sdk.RejectReply(reply, SDK_ERROR_BAD_REPLY);
     kwt::AsciiToWideBuffer(text, value.c_str(), sizeBytes);
@@ -31,13 +28,13 @@ bool QueryPlainText(session::KestrelSDK& sdk, WCHAR* text, size_t sizeBytes, con
 
 bool ReadField(session::KestrelSDK& sdk, opl::RecordList list, uint32_t index, opl::RecordField field,
                KestrelQuickDial& record, uint32_t timeoutMs) {
-    std::string& request = sdk.NewRequest();
-    sdk.builder.AppendRecordQuery(request, list, index, field);
+    std::string_view reply;
+    if (!sdk.Query(list, index, field, reply, timeoutMs)) return false;
     if (field == opl::RecordField::AddressType)
-        return QueryEnum(sdk, record.addressType, catalogue::kAddressType, request, timeoutMs);
+        return TakeEnum(sdk, record.addressType, catalogue::kAddressType, reply);
     return field == opl::RecordField::Name
-               ? QueryPlainText(sdk, record.name, sizeof(record.name), request, timeoutMs)
-               : QueryPlainText(sdk, record.address, sizeof(record.address), request, timeoutMs);
+               ? TakePlainText(sdk, record.name, sizeof(record.name), reply)
+               : TakePlainText(sdk, record.address, sizeof(record.address), reply);
 }
 
 // A text without a terminator ends with its field.

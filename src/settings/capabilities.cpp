@@ -19,19 +19,18 @@ constexpr uint32_t kNoVersion = ' ';
 bool GetCapRBNVer(session::KestrelSDK& sdk, uint32_t& version, uint32_t timeoutMs) {
     version = kNoVersion;
     WCHAR text[kVersionBytes / sizeof(WCHAR)];
-    std::string& request = sdk.NewQuery(opl::Key::CapRBNVer);
-    sdk.builder.AppendQuery(request, opl::Key::CapFWUpgrade);
-    if (!QueryText(sdk, text, sizeof(text), request, timeoutMs)) return false;
+    std::string_view reply;
+    if (!sdk.Query({opl::Key::CapRBNVer, opl::Key::CapFWUpgrade}, reply, timeoutMs) ||
+        !TakeText(sdk, text, sizeof(text), reply))
+        return false;
     const std::string bytes = kwt::AsciiString(text).ToByteString();
     version = bytes.empty() ? 0 : static_cast<uint32_t>(static_cast<signed char>(bytes.front()));
     return true;
 }
 
 bool GetCapabilities(session::KestrelSDK& sdk, void* buffer, uint32_t size) {
-    std::string& request = sdk.NewRequest();
-    sdk.builder.AppendWord(request, opl::Word::GetCapabilities);
-    std::string& reply = sdk.NewReply();
-    if (!sdk.Query(request, reply, kCapabilitiesMs)) return false;
+    std::string_view reply;
+    if (!sdk.Query(opl::Word::GetCapabilities, reply, kCapabilitiesMs)) return false;
     std::vector<uint8_t> block;
     if (!sdk.parser.GetBinaryValue(reply, block)) return false;
     if (size == 0 || size > block.size()) return false;
@@ -47,20 +46,20 @@ bool GetCapabilities(session::KestrelSDK& sdk, void* buffer, uint32_t size) {
 bool GetServiceConfigured(session::KestrelSDK& sdk, opl::Key key, uint8_t& configured, uint32_t timeoutMs) {
     const session::RemainingTime time(timeoutMs);
     configured = 0;
-    std::string& reply = sdk.NewReply();
-    if (!sdk.Query(sdk.NewQuery(opl::Key::Configuration), reply, timeoutMs)) return false;
-    if (reply.find(opl::KeyText(key)) == std::string::npos) return false;
+    std::string_view reply;
+    if (!sdk.Query(opl::Key::Configuration, reply, timeoutMs)) return false;
+    if (reply.find(opl::KeyText(key)) == std::string_view::npos) return false;
     uint32_t left = 0;
-    return time.IsLeft(left) && QueryBool(sdk, configured, sdk.NewQuery(key), left);
+    return time.IsLeft(left) && QueryBool(sdk, configured, key, left);
 }
 
 bool GetVendorProductIDs(session::KestrelSDK& sdk, uint32_t& vendor, uint32_t& product, uint32_t timeoutMs) {
     const session::RemainingTime time(timeoutMs);
     vendor = 0;
     product = 0;
-    if (!QueryInt32(sdk, vendor, sdk.NewQuery(opl::Key::VendorID), timeoutMs)) return false;
+    if (!QueryInt32(sdk, vendor, opl::Key::VendorID, timeoutMs)) return false;
     uint32_t left = 0;
-    return time.IsLeft(left) && QueryInt32(sdk, product, sdk.NewQuery(opl::Key::ProductID), left);
+    return time.IsLeft(left) && QueryInt32(sdk, product, opl::Key::ProductID, left);
 }
 
 }  // namespace settings

@@ -37,8 +37,8 @@ bool ReadItem(const std::string& item, DeviceTime& time) {
 
 bool GetDeviceTime(session::KestrelSDK& sdk, DeviceTime& time, uint32_t timeoutMs) {
     time = {};
-    std::string& reply = sdk.NewReply();
-    if (!sdk.Query(sdk.NewQuery(opl::Key::DeviceTime), reply, timeoutMs)) return false;
+    std::string_view reply;
+    if (!sdk.Query(opl::Key::DeviceTime, reply, timeoutMs)) return false;
     std::vector<std::string> items;
     if (!sdk.parser.SplitList(reply, items) || items.size() != std::size(kFields)) return false;
     for (const std::string& item : items) {
@@ -55,11 +55,11 @@ bool SetDeviceTime(session::KestrelSDK& sdk, const DeviceTime& time, uint32_t ti
     if (!SetValue(sdk, request, timeoutMs)) return false;
     uint32_t left = 0;
     int32_t year = 0;
-    return remaining.IsLeft(left) && QueryInt(sdk, year, sdk.NewQuery(opl::Key::DeviceTimeYear), left);
+    return remaining.IsLeft(left) && QueryInt(sdk, year, opl::Key::DeviceTimeYear, left);
 }
 
 bool GetCurrentTimeRTC(session::KestrelSDK& sdk, WCHAR* text, uint32_t timeoutMs) {
-    return QueryText(sdk, text, kClockTextBytes, sdk.NewQuery(opl::Key::CurrentTimeRTC), timeoutMs);
+    return QueryText(sdk, text, kClockTextBytes, opl::Key::CurrentTimeRTC, timeoutMs);
 }
 
 bool SetCurrentTimeRTC(session::KestrelSDK& sdk, uint32_t timeoutMs) {
@@ -71,9 +71,7 @@ bool SetCurrentTimeRTC(session::KestrelSDK& sdk, uint32_t timeoutMs) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return false;
     }
-    std::string& request = sdk.NewRequest();
-    sdk.builder.AppendSetText(request, opl::Key::CurrentTimeRTC, text);
-    return SetValue(sdk, request, timeoutMs);
+    return SetText(sdk, opl::Key::CurrentTimeRTC, text, timeoutMs);
 }
 
 }  // namespace settings

@@ -35,25 +35,23 @@ bool GetFWVersion(session::KestrelSDK& sdk, uint32_t& lagoon, uint32_t& customer
     customer = 0;
     *printer = 0;
     uint32_t left = 0;
-    return time.IsLeft(left) && QueryInt32(sdk, lagoon, sdk.NewQuery(opl::Key::FWVersionLagoon), left) &&
-           time.IsLeft(left) && QueryInt32(sdk, customer, sdk.NewQuery(opl::Key::FWVersionCustomer), left) &&
+    return time.IsLeft(left) && QueryInt32(sdk, lagoon, opl::Key::FWVersionLagoon, left) &&
+           time.IsLeft(left) && QueryInt32(sdk, customer, opl::Key::FWVersionCustomer, left) &&
            time.IsLeft(left) &&
-           QueryText(sdk, printer, kPrinterVersionBytes, sdk.NewQuery(opl::Key::FWVersionPrinter), left);
+           QueryText(sdk, printer, kPrinterVersionBytes, opl::Key::FWVersionPrinter, left);
 }
 
 bool GetCapFWUpgrade(session::KestrelSDK& sdk, uint8_t& capable, uint32_t timeoutMs) {
     capable = 0;
     WCHAR text[kCapabilityBytes / sizeof(WCHAR)];
-    if (!QueryText(sdk, text, sizeof(text), sdk.NewQuery(opl::Key::CapFWUpgrade), timeoutMs)) return false;
+    if (!QueryText(sdk, text, sizeof(text), opl::Key::CapFWUpgrade, timeoutMs)) return false;
     capable = kwt::AsciiString(text).ToByteString() == kThroughCommandLanguage;
     return true;
 }
 
 bool RefreshFWCapabilities(session::KestrelSDK& sdk, uint32_t timeoutMs) {
-    std::string& request = sdk.NewRequest();
-    sdk.builder.AppendWord(request, opl::Word::ClearFWCaps);
-    std::string& reply = sdk.NewReply();
-    return sdk.Query(request, reply, timeoutMs) && sdk.TakeResponseNumber(reply) &&
+    std::string_view reply;
+    return sdk.Query(opl::Word::ClearFWCaps, reply, timeoutMs) && sdk.TakeResponseNumber(reply) &&
            sdk.lastResponseNum == kDone;
 }
 
@@ -70,7 +68,7 @@ bool UpgradeFW(session::KestrelSDK& sdk, const WCHAR* path) {
     NotifyStatusMonitor(sdk);
     std::string& request = sdk.NewRequest();
     sdk.builder.AppendSetText(request, opl::Key::UpgradeFW, kwt::AsciiString(path).ToByteString());
-    std::string& reply = sdk.NewReply();
+    std::string_view reply;
     return sdk.Query(request, reply, kUpgradeMs) && sdk.TakeResponseNumber(reply) &&
            (sdk.lastResponseNum == kDone || sdk.lastResponseNum == kUpgradeStarted);
 }

@@ -8,8 +8,8 @@ constexpr uint32_t kList = 101;
 }
 
 bool QueryList(session::KestrelSDK& sdk, opl::Key key, std::vector<std::string>& items, uint32_t timeoutMs) {
-    std::string& reply = sdk.NewReply();
-    if (!sdk.Query(sdk.NewQuery(key), reply, timeoutMs) || !sdk.TakeResponseNumber(reply)) return false;
+    std::string_view reply;
+    if (!sdk.Query(key, reply, timeoutMs) || !sdk.TakeResponseNumber(reply)) return false;
     if (sdk.lastResponseNum != kList) {
         SetLastError(SDK_ERROR_UNEXPECTED_REPLY);
         return false;

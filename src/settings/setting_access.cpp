@@ -10,26 +10,14 @@ namespace {
 
 constexpr uint8_t kWholePercent = 100;
 
-const std::string& QueryRequest(session::KestrelSDK& sdk, const SettingAccess& setting) {
-    std::string& request = sdk.NewRequest();
-    sdk.builder.AppendQuery(request, setting.key);
-    return request;
-}
-
-bool WriteInt(session::KestrelSDK& sdk, const SettingAccess& setting, int32_t value, uint32_t timeoutMs) {
-    std::string& request = sdk.NewRequest();
-    sdk.builder.AppendSetInt(request, setting.key, value);
-    return SetValue(sdk, request, timeoutMs);
-}
-
 }  // namespace
 
 bool ReadBool(session::KestrelSDK& sdk, const SettingAccess& setting, uint8_t* value, uint32_t timeoutMs) {
-    return QueryBool(sdk, *value, QueryRequest(sdk, setting), timeoutMs);
+    return QueryBool(sdk, *value, setting.key, timeoutMs);
 }
 
 bool ReadU8(session::KestrelSDK& sdk, const SettingAccess& setting, uint8_t* value, uint32_t timeoutMs) {
-    return QueryInt8(sdk, *value, QueryRequest(sdk, setting), timeoutMs);
+    return QueryInt8(sdk, *value, setting.key, timeoutMs);
 }
 
 bool ReadPercent(session::KestrelSDK& sdk, const SettingAccess& setting, uint8_t* value, uint32_t timeoutMs) {
@@ -46,11 +34,11 @@ bool ReadS8(session::KestrelSDK& sdk, const SettingAccess& setting, int8_t* valu
 }
 
 bool ReadU16(session::KestrelSDK& sdk, const SettingAccess& setting, uint16_t* value, uint32_t timeoutMs) {
-    return QueryInt16(sdk, *value, QueryRequest(sdk, setting), timeoutMs);
+    return QueryInt16(sdk, *value, setting.key, timeoutMs);
 }
 
 bool ReadU32(session::KestrelSDK& sdk, const SettingAccess& setting, uint32_t* value, uint32_t timeoutMs) {
-    return QueryInt32(sdk, *value, QueryRequest(sdk, setting), timeoutMs);
+    return QueryInt32(sdk, *value, setting.key, timeoutMs);
 }
 
 bool ReadS32(session::KestrelSDK& sdk, const SettingAccess& setting, uint32_t* value, uint32_t timeoutMs) {
@@ -58,34 +46,32 @@ bool ReadS32(session::KestrelSDK& sdk, const SettingAccess& setting, uint32_t* v
 }
 
 bool ReadEnum(session::KestrelSDK& sdk, const SettingAccess& setting, uint32_t* value, uint32_t timeoutMs) {
-    return QueryEnum(sdk, *value, setting.words, QueryRequest(sdk, setting), timeoutMs);
+    return QueryEnum(sdk, *value, setting.words, setting.key, timeoutMs);
 }
 
 bool ReadText(session::KestrelSDK& sdk, const SettingAccess& setting, WCHAR* text, uint32_t timeoutMs) {
-    return QueryText(sdk, text, setting.bufferBytes, QueryRequest(sdk, setting), timeoutMs);
+    return QueryText(sdk, text, setting.bufferBytes, setting.key, timeoutMs);
 }
 
 bool ReadAddress(session::KestrelSDK& sdk, const SettingAccess& setting, uint8_t* address,
                  uint32_t timeoutMs) {
-    return QueryAddress(sdk, address, QueryRequest(sdk, setting), timeoutMs);
+    return QueryAddress(sdk, address, setting.key, timeoutMs);
 }
 
 bool WriteBool(session::KestrelSDK& sdk, const SettingAccess& setting, uint8_t value, uint32_t timeoutMs) {
-    std::string& request = sdk.NewRequest();
-    sdk.builder.AppendSetBool(request, setting.key, value != 0);
-    return SetValue(sdk, request, timeoutMs);
+    return SetBool(sdk, setting.key, value != 0, timeoutMs);
 }
 
 bool WriteU8(session::KestrelSDK& sdk, const SettingAccess& setting, uint8_t value, uint32_t timeoutMs) {
-    return WriteInt(sdk, setting, value, timeoutMs);
+    return SetInt(sdk, setting.key, value, timeoutMs);
 }
 
 bool WriteS8(session::KestrelSDK& sdk, const SettingAccess& setting, int8_t value, uint32_t timeoutMs) {
-    return WriteInt(sdk, setting, value, timeoutMs);
+    return SetInt(sdk, setting.key, value, timeoutMs);
 }
 
 bool WriteU16(session::KestrelSDK& sdk, const SettingAccess& setting, uint16_t value, uint32_t timeoutMs) {
-    return WriteInt(sdk, setting, value, timeoutMs);
+    return SetInt(sdk, setting.key, value, timeoutMs);
 }
 
 bool WriteEnum(session::KestrelSDK& sdk, const SettingAccess& setting, uint32_t value, uint32_t timeoutMs) {
@@ -94,20 +80,14 @@ bool WriteEnum(session::KestrelSDK& sdk, const SettingAccess& setting, uint32_t 
 
 bool WriteText(session::KestrelSDK& sdk, const SettingAccess& setting, const WCHAR* text,
                uint32_t timeoutMs) {
-    if (text == nullptr) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return false;
-    }
-    std::string& request = sdk.NewRequest();
-    sdk.builder.AppendSetText(request, setting.key, kwt::AsciiString(text).ToByteString());
-    return SetValue(sdk, request, timeoutMs);
+    if (text != nullptr) return SetText(sdk, setting.key, kwt::AsciiString(text).ToByteString(), timeoutMs);
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return false;
 }
 
 bool WriteAddress(session::KestrelSDK& sdk, const SettingAccess& setting, uint32_t address,
                   uint32_t timeoutMs) {
-    std::string& request = sdk.NewRequest();
-    sdk.builder.AppendSetAddress(request, setting.key, address);
-    return SetValue(sdk, request, timeoutMs);
+    return SetAddress(sdk, setting.key, address, timeoutMs);
 }
 
 }  // namespace settings

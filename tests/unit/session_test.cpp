@@ -67,7 +67,7 @@ TEST(Session, Without_a_printer_a_request_fails_and_forgets_the_last_bad_reply) 
     EXPECT_EQ(sdk->lastTimeoutSent, 0u);
     EXPECT_EQ(sdk->lastResponseNum, 100000u);
 
-    std::string text = "stale";
+    std::string_view text = "stale";
     EXPECT_FALSE(sdk->Query("A?", text, 100));
     EXPECT_EQ(GetLastError(), SDK_ERROR_CHANNEL_NOT_OPEN);
     EXPECT_EQ(text, "");
