@@ -1,3 +1,4 @@
+// One slot of the system's thread-local storage for all threads' objects.
 #include "entry/thread_object.h"
 
 #include <memory>

@@ -1,3 +1,4 @@
+// A candidate is named after the module, and its own text must name the module in turn.
 #include "host/config_discovery.h"
 
 #include "host/driver_folder.h"

@@ -1,3 +1,4 @@
+// The identity is the check sum of a random text, made once and kept in the registry.
 #include "host/host_identity.h"
 
 #include <windows.h>

@@ -1,3 +1,4 @@
+// Ports are asked of the port monitor; drivers and printers are left to the system's own program.
 #include "host/printer_installation.h"
 
 #include <winspool.h>

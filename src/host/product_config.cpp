@@ -1,3 +1,4 @@
+// The file is read by tables of sections and keys, in the order of their rows.
 #include "host/product_config.h"
 
 #include <algorithm>

@@ -40,6 +40,8 @@ struct UrlModelEntry {
 /// its outcome. Any thread may call any operation. Getters and lookups take no lock and are for the time
 /// after a Load. Names are compared letter for letter.
 ///
+/// It holds the whole file: other modules of the package read what this library does not.
+///
 /// The last-error value is left alone by all operations; no exception leaves Load or LoadForModule.
 class CProductConfig final {
   public:

@@ -1,3 +1,4 @@
+// The system's readers, with the sizes that their callers are promised.
 #include "host/profile_reader.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Only one process at a time starts the status monitor; its display mode is a value of the registry.
 #include "host/status_monitor.h"
 
 #include <windows.h>

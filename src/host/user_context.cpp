@@ -1,3 +1,4 @@
+// The token is that of a user who is logged on; profile and environment follow from it.
 #include "host/user_context.h"
 
 #include <wtsapi32.h>

@@ -38,7 +38,7 @@ class IPCChannel {
     IPCChannel();
     IPCChannel(const IPCChannel&) = delete;
     IPCChannel& operator=(const IPCChannel&) = delete;
-    virtual ~IPCChannel();
+    virtual ~IPCChannel();  // the classes of the channel kinds, and those of the servers, derive from it
 
     /// Called by the server's dispatch thread for every request; does nothing here.
     virtual void OnMessage(const void* data, size_t length);

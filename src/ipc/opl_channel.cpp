@@ -1,3 +1,4 @@
+// The name tells whether the channel belongs to one port.
 #include "ipc/opl_channel.h"
 
 namespace ipc {

@@ -8,6 +8,7 @@ namespace ipc {
 /// Bytes of the longest request and of the longest reply.
 inline constexpr uint32_t kMaxOplMessage = 0x100FF;
 
+/// `Open` is virtual: all modules of the package agree on the class.
 class OPLChannel : public IPCChannel {
   public:
     OPLChannel() = default;

@@ -1,3 +1,4 @@
+// The system's list of process ids, read until it is whole.
 #include "ipc/process_list.h"
 
 #include <windows.h>

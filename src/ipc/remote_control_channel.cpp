@@ -1,3 +1,4 @@
+// A command is a record of code, length and data, of which only the bytes in use travel.
 #include "ipc/remote_control_channel.h"
 
 #include <cstring>

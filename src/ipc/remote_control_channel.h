@@ -28,6 +28,7 @@ struct RemoteCommand {
 };
 static_assert(sizeof(RemoteCommand) == kMaxRemoteMessage);
 
+/// Both ends in one class, virtual in this order: all modules of the package agree on it.
 class RemoteControlChannel : public IPCChannel {
   public:
     RemoteControlChannel() = default;

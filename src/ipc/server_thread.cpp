@@ -1,3 +1,4 @@
+// One loop around Receive.
 #include "ipc/server_thread.h"
 
 #include <windows.h>

@@ -1,3 +1,4 @@
+// Two tables: the suffixes that tell a module's kind, and how each name is formed from an earlier one.
 #include "kwt/object_names.h"
 
 #include <iterator>

@@ -1,3 +1,4 @@
+// The wake-up is a query for a printer-data value that only the language monitor answers.
 #include "kwt/printer_handle.h"
 
 #include "kwt/strings.h"

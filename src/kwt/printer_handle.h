@@ -8,6 +8,7 @@
 
 namespace kwt {
 
+/// Virtual in its end alone, like the other classes of the package.
 class PrinterHandleClass final {
   public:
     /// Opens the printer; the last-error value is 0 on success and for an absent or empty name, else the

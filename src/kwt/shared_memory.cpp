@@ -1,3 +1,4 @@
+// A section is a mapping, its view, and the objects named after it.
 #include "kwt/shared_memory.h"
 
 #include "kwt/open_security.h"

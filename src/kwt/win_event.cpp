@@ -1,3 +1,4 @@
+// The system's results, told in the words of the transport.
 #include "kwt/win_event.h"
 
 #include <algorithm>

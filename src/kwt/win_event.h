@@ -10,7 +10,8 @@
 namespace kwt {
 
 /// A manual-reset event. `Set`, `Reset` and the waits may come from any thread; `Create` and destruction
-/// belong to the owner.
+/// belong to the owner. Virtual, in this order, and complete: the interface that all modules of the package
+/// agree on, whatever this one calls.
 class WinEvent {
   public:
     /// An unnamed event.

@@ -1,3 +1,4 @@
+// The system keeps the mutex; the levels and the owner are kept here.
 #include "kwt/win_mutex.h"
 
 #include "kwt/open_security.h"

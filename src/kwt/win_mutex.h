@@ -10,7 +10,8 @@
 
 namespace kwt {
 
-/// May be used from several threads of the process.
+/// May be used from several threads of the process. Virtual, in this order, and complete: the interface that
+/// all modules of the package agree on, whatever this one calls.
 class WinMutex final {
   public:
     /// An unnamed mutex, local to the process.

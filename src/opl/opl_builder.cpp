@@ -1,3 +1,4 @@
+// Requests are keys of the vocabulary with a value part behind them.
 #include "opl/opl_builder.h"
 
 #include <cassert>

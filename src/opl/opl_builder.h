@@ -11,6 +11,7 @@ namespace opl {
 
 /// Every operation appends to `out` and never clears it: several calls on one string make one compound
 /// request, its commands in the order of the calls. Holds no data; may be shared by any number of threads.
+/// Virtual in its end alone, like the other classes of the package.
 class OPLBuilder {
   public:
     OPLBuilder() = default;

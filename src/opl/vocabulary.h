@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <string_view>
 
 namespace opl {
@@ -76,9 +75,6 @@ inline constexpr std::string_view kRecordFields[] = {
 #define OPL_RECORD_FIELD(name, text) text,
 #include "opl/vocabulary.def"
 };
-
-inline constexpr size_t kKeyCount = std::size(kKeys);
-inline constexpr size_t kWordCount = std::size(kWords);
 
 [[nodiscard]] constexpr const KeyRow& RowOf(Key key) {
     return kKeys[static_cast<size_t>(key)];

@@ -1,3 +1,4 @@
+// The life of the object; its operations are in the files of their subjects.
 #include "session/kestrel_sdk.h"
 
 namespace session {

@@ -30,7 +30,7 @@ inline constexpr size_t kMaxPrinterName = MAX_PATH - 1;
 ///
 /// Its data are public because the operations on them are written in the rooms of their subjects (settings,
 /// clock, ...) as functions that take a KestrelSDK&. Errors are reported through the thread's last-error
-/// value.
+/// value. Virtual in its end alone, like the other classes of the package.
 class KestrelSDK {
   public:
     /// Opens the channel to the status monitor; a failure shows at the first request to it.

@@ -1,3 +1,4 @@
+// The spooler is asked twice: for the size of its answer, then for the answer.
 #include "session/product_printer.h"
 
 #include <winspool.h>

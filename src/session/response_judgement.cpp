@@ -1,3 +1,4 @@
+// Good numbers are ranges, bad ones a table; what is in neither is a general failure.
 #include "session/response_judgement.h"
 
 #include <windows.h>

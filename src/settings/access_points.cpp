@@ -1,3 +1,4 @@
+// The list is read item by item: each names a record and one of its fields.
 #include "settings/access_points.h"
 
 #include <algorithm>

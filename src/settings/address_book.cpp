@@ -1,3 +1,4 @@
+// A record is three fields, each asked for by itself; a whole record is set in one request.
 #include "settings/address_book.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Whole days from tables, one of the months and one of the years.
 #include "settings/calendar.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// Capabilities come as a text, as a block, or as the presence of a key in a longer reply.
 #include "settings/capabilities.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// The five fields of the time come in one list and go in one request.
 #include "settings/clock.h"
 
 #include <vector>

@@ -1,3 +1,4 @@
+// The text is made of numbers of fixed width, so that every field has its place in it.
 #include "settings/clock_text.h"
 
 #include <ctime>

@@ -1,3 +1,4 @@
+// An upgrade is asked for in steps: whether the printer can, a notice to the status monitor, the file.
 #include "settings/firmware.h"
 
 #include "kwt/strings.h"

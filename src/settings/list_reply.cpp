@@ -1,3 +1,4 @@
+// A list is recognised by its response number before anything is read from it.
 #include "settings/list_reply.h"
 
 #include "kestrel/sdk_errors.h"

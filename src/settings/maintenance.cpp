@@ -1,3 +1,4 @@
+// An action is one word, and its answer one response number.
 #include "settings/maintenance.h"
 
 namespace settings {

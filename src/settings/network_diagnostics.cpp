@@ -1,3 +1,4 @@
+// A ping is set up in one request; the hosts come as a list.
 #include "settings/network_diagnostics.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// From the type columns of the settings to the typed queries and setters.
 #include "settings/setting_access.h"
 
 #include <algorithm>

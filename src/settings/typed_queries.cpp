@@ -1,3 +1,4 @@
+// Each query is the exchange and one extraction; each setter one value part and the exchange.
 #include "settings/typed_queries.h"
 
 #include <algorithm>
