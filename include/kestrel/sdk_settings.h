@@ -18,6 +18,9 @@
      not passed: a smaller one is overrun. A longer text is cut, and always terminated.
    - An address is read as four bytes: a.b.c.d gives a, b, c, d. It is set as one number whose lowest
      byte goes first: a + b * 0x100 + c * 0x10000 + d * 0x1000000.
+   - Numbers are read with 32 bits and a sign: a decimal one above 2147483647 gives 2147483647, and
+     whoever needs more must be sent the number in hexadecimal, as 0xFFFFFFFF. Narrower types get the
+     lowest bits.
    - Booleans are read as 0 or 1; as an argument any other number than 0 is true.
    - Setters check no ranges: the printer judges the numbers and refuses what it does not support.
      Where no unit is named here, the unit is the printer's own. */

@@ -24,6 +24,7 @@ bool QueryBool(session::KestrelSDK& sdk, uint8_t& value, opl::Key key, uint32_t 
 /// text.
 bool QueryText(session::KestrelSDK& sdk, WCHAR* text, size_t sizeBytes, opl::Key key, uint32_t timeoutMs);
 
+/// A number by the rule of OPLParser::GetIntValue.
 bool QueryInt(session::KestrelSDK& sdk, int32_t& value, opl::Key key, uint32_t timeoutMs);
 
 /// The low bits of QueryInt's number: no range is checked.
