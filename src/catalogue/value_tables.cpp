@@ -1,3 +1,4 @@
+// A table is walked from its first entry to its end mark.
 #include "catalogue/value_tables.h"
 
 namespace catalogue {
