@@ -89,7 +89,8 @@ void ReadOne(KestrelSDK& sdk, OplKey key) {
 
 void ReadOneEnum(KestrelSDK& sdk) {
     Output<uint32_t> value;
-    const bool done = Judged(ReadEnum(sdk, {OplKey::DisplayLanguage, kLanguage, 0}, value.Get(), kTimeoutMs));
+    const bool done =
+        Judged(ReadEnum(sdk, {OplKey::DisplayLanguage, catalogue::kLanguage, 0}, value.Get(), kTimeoutMs));
     Require(done == (*value.Get() != 0xA5A5A5A5), "written on success only");
 }
 

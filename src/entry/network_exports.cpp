@@ -11,7 +11,7 @@ namespace {
 
 kestrel_bool GetNumber(OplKey key, uint32_t* number, uint32_t timeoutMs) {
     return WithPointers({number}, [&](KestrelSDK& sdk) {
-        return ReadU32(sdk, {key, kNoWords, 0}, number, timeoutMs);
+        return ReadU32(sdk, {key, catalogue::kNoWords, 0}, number, timeoutMs);
     });
 }
 
