@@ -89,8 +89,8 @@ void ReadOne(session::KestrelSDK& sdk, opl::Key key) {
 
 void ReadOneEnum(session::KestrelSDK& sdk) {
     Output<uint32_t> value;
-    const bool done =
-        Judged(settings::ReadEnum(sdk, {opl::Key::DisplayLanguage, kLanguage, 0}, value.Get(), kTimeoutMs));
+    const bool done = Judged(settings::ReadEnum(sdk, {opl::Key::DisplayLanguage, catalogue::kLanguage, 0},
+                                                value.Get(), kTimeoutMs));
     Require(done == (*value.Get() != 0xA5A5A5A5), "written on success only");
 }
 

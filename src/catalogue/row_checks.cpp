@@ -8,21 +8,16 @@
 namespace catalogue {
 namespace {
 
-constexpr const Row& RowOf(std::string_view name) {
-    return *std::ranges::find(Rows(), name, &Row::name);
-}
-
 /// The key can be asked and set where the row has a getter and a setter, and nowhere else.
-constexpr bool AccessAgrees(const Row& row) {
-    const opl::KeyRow& key = opl::RowOf(*row.id);
-    return key.CanQuery() == row.CanRead() && key.CanSet() == row.CanWrite();
+constexpr bool AccessAgrees(Access access, opl::Key key) {
+    const bool reads = access == Access::ReadWrite || access == Access::ReadOnly;
+    return opl::RowOf(key).CanQuery() == reads && opl::RowOf(key).CanSet() == (access != Access::ReadOnly);
 }
 
-/// The setter of this type can be written in the form that the key's row in vocabulary.def names.
-constexpr bool FormatterAgrees(const Row& row) {
-    if (!row.CanWrite()) return true;
-    const opl::Formatter formatter = opl::RowOf(*row.id).formatter;
-    switch (row.writeType) {
+/// A setter of this type can be written in the form that the key's row in vocabulary.def names.
+constexpr bool FormatterAgrees(Type type, opl::Key key) {
+    const opl::Formatter formatter = opl::RowOf(key).formatter;
+    switch (type) {
         case Type::Bool:
             return formatter == opl::Formatter::YesNoValue || formatter == opl::Formatter::TrueFalseValue;
         case Type::U8:
@@ -60,11 +55,11 @@ constexpr bool Holds(Type type, int64_t number) {
     }
 }
 
-/// What the printer takes can be read and set; a text's buffer is of whole units and holds one at least.
-constexpr bool LimitsFit(const Row& row) {
-    if (row.readType == Type::Text) return row.bufferBytes % 2 == 0 && row.MaxCharacters() > 0;
-    return row.lowest <= row.highest && Holds(row.readType, row.lowest) && Holds(row.readType, row.highest) &&
-           Holds(row.writeType, row.lowest) && Holds(row.writeType, row.highest);
+/// The type holds what the printer takes. A text's buffer is of whole units, a terminator and one more at
+/// least.
+constexpr bool LimitsFit(Type type, int64_t lowest, int64_t highest, uint32_t bytes) {
+    if (type == Type::Text) return bytes % 2 == 0 && bytes > 2;
+    return lowest <= highest && Holds(type, lowest) && Holds(type, highest);
 }
 
 /// Takes a decimal number off the front; false when there is none or it has more than nine digits.
@@ -97,32 +92,35 @@ constexpr bool IsAddress(std::string_view text) {
 }
 
 /// The printer takes its own first value.
-constexpr bool InitialFits(const Row& row) {
-    switch (row.readType) {
+constexpr bool InitialFits(Type type, std::string_view initial, int64_t lowest, int64_t highest,
+                           std::span<const EnumEntry> words, uint32_t bytes) {
+    switch (type) {
         case Type::Bool:
-            return row.initial == "YES" || row.initial == "NO";
+            return initial == "YES" || initial == "NO";
         case Type::Enum:
-            return std::ranges::any_of(row.words,
-                                       [&](const EnumEntry& word) { return row.initial == word.name; });
+            return std::ranges::any_of(words, [&](const EnumEntry& word) { return initial == word.name; });
         case Type::Text:
-            return row.initial.size() <= row.MaxCharacters();
+            return initial.size() <= bytes / 2 - 1;
         case Type::Address:
-            return IsAddress(row.initial);
+            return IsAddress(initial);
         default:
-            return IsNumberWithin(row.initial, row.lowest, row.highest);
+            return IsNumberWithin(initial, lowest, highest);
     }
 }
 
-#define CHECKED(name)                                                                                    \
-    static_assert(AccessAgrees(RowOf(name)), name ": its key can be read or set, or cannot, otherwise"); \
-    static_assert(FormatterAgrees(RowOf(name)), name ": its key's formatter does not write this type");  \
-    static_assert(LimitsFit(RowOf(name)), name ": its types cannot hold what the printer takes");        \
-    static_assert(InitialFits(RowOf(name)), name ": the initial value is none that it takes");
-#define ROW(base, name, access, initial, read, write, lowest, highest, words, bytes, privacy, about) \
-    CHECKED(name)
-#define INDEXED(base, index, name, initial, bytes, privacy, about) CHECKED(name)
+#define ROW(base, name, access, initial, read, write, lowest, highest, words, bytes, privacy, about)        \
+    static_assert(AccessAgrees(Access::access, opl::Key::base), name ": its key is read or set otherwise"); \
+    static_assert(Access::access == Access::ReadOnly || FormatterAgrees(Type::write, opl::Key::base),       \
+                  name ": the formatter of its key does not write this type");                              \
+    static_assert(LimitsFit(Type::read, lowest, highest, bytes),                                            \
+                  name ": its type does not hold its limits");                                              \
+    static_assert(LimitsFit(Type::write, lowest, highest, bytes),                                           \
+                  name ": its type does not hold its limits");                                              \
+    static_assert(InitialFits(Type::read, initial, lowest, highest, detail::WordsOf(k##words), bytes),      \
+                  name ": it does not take its initial value");
+#define INDEXED(base, index, name, initial, bytes, privacy, about) \
+    ROW(base##index, name, ReadWrite, initial, Text, Text, 0, 0, NoWords, bytes, privacy, about)
 #include "catalogue/settings.def"
-#undef CHECKED
 
 template <auto kColumn>
 constexpr bool IsUnique() {

@@ -13,7 +13,7 @@ namespace {
 
 kestrel_bool GetNumber(opl::Key key, uint32_t* number, uint32_t timeoutMs) {
     return WithPointers({number}, [&](KestrelSDK& sdk) {
-        return settings::ReadU32(sdk, {key, kNoWords, 0}, number, timeoutMs);
+        return settings::ReadU32(sdk, {key, catalogue::kNoWords, 0}, number, timeoutMs);
     });
 }
 

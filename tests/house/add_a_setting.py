@@ -47,7 +47,7 @@ PLACES = {
         "typedef enum KestrelScanColour {\n    KESTREL_SCAN_COLOUR_GREY = 0,\n    KESTREL_SCAN_COLOUR_FULL = 1\n"
         "} KestrelScanColour;\n"),
     "src/catalogue/value_tables.h": after(
-        "namespace catalogue {",
+        "inline constexpr EnumEntry kNoWords[]",
         '\ninline constexpr EnumEntry kScanColour[] = {\n    {"Grey", KESTREL_SCAN_COLOUR_GREY},\n'
         '    {"Full", KESTREL_SCAN_COLOUR_FULL},\n    {nullptr, 0},\n};\n'),
 }
