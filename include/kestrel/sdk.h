@@ -115,7 +115,7 @@ KESTREL_API kestrel_bool SendCmd(const void* request, uint32_t requestLength, vo
 // --- The session with the printer ---
 
 /// Takes the printer for this thread: until Unlock, this thread can select no printer and the requests of
-/// other programs may be refused as busy.
+/// other programs may be refused as busy. A thread that ends does not give it back.
 ///
 /// `timeoutMs`: T, the time allowed for the exchange.
 ///

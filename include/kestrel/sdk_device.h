@@ -124,10 +124,10 @@ KESTREL_API kestrel_bool SetDeviceTime(uint16_t year, uint8_t month, uint8_t day
 
 /// The printer's clock as a text of 28 hexadecimal digits:
 ///     1 to 16   identity of the computer that set the clock last
-///     17 to 24  local time in seconds from 2000-01-01 00:00 on, less an hour in the daylight-saving period,
-///     which is
-///               taken to last from the first Sunday of April, 2:00, to the first Sunday of October, 1:00
+///     17 to 24  local time in seconds from 2000-01-01 00:00 on, less an hour in the daylight-saving period
 ///     25 to 28  minutes between local time and UTC; the first digit is 1 west of UTC
+/// The daylight-saving period is taken to last from 2:00 on the first Sunday of April to 1:00 on the first of
+/// October, in every time zone that has one.
 /// `text`: buffer of 58 bytes, 28 characters and the terminator.
 KESTREL_API kestrel_bool GetCurrentTimeRTC(kestrel_char* text, uint32_t timeoutMs);
 

@@ -90,7 +90,7 @@ KESTREL_API kestrel_bool AddNetPort(const kestrel_char* hostAddress, uint32_t po
 /// Makes a printer with a driver of a setup information file, through the printer user interface of the
 /// system. Returns when that program has ended, while the calling thread's window messages are dispatched
 /// every 500 ms. Success means that the program could be started: whether the printer was made is not
-/// examined.
+/// examined. The texts become words of a command line: they must not hold double quotes.
 ///
 /// `printerName`: its name.
 /// `infPath`: the setup information file.
