@@ -298,8 +298,9 @@ KESTREL_API kestrel_bool SetWirelessAuthentication(uint32_t value, uint32_t time
 KESTREL_API kestrel_bool GetWirelessSecurityType(uint32_t* value, uint32_t timeoutMs);
 KESTREL_API kestrel_bool SetWirelessSecurityType(uint32_t value, uint32_t timeoutMs);
 
-/// The four encryption keys. Buffer: 66 bytes, 32 characters and the terminator.
+/// The four encryption keys.
 /// `index`: 0 to 3; any other fails with 87, sends nothing and writes nothing.
+/// Buffer: 66 bytes, 32 characters and the terminator.
 KESTREL_API kestrel_bool GetWirelessSecurityKey(uint32_t index, kestrel_char* text, uint32_t timeoutMs);
 KESTREL_API kestrel_bool SetWirelessSecurityKey(uint32_t index, const kestrel_char* text, uint32_t timeoutMs);
 
