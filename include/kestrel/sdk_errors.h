@@ -18,8 +18,8 @@
 //             it answers with 0. The others come from the channel: 32, 735 and 995 are gone at the next call
 //   start     0, 6, 1722, 1727, system: the status monitor cannot be started. 0: no printer was selected in
 //             this process yet, so nobody knows which program it is. 6: the program cannot be started
-//   system    4, 5, 6, 14, 87, 112, 1117, 1450, 1455: the system refuses an object, a file or a setting of
-//             the spooler
+//   system    4, 5, 6, 14, 31, 87, 112, 170, 1009, 1117, 1392, 1450, 1455: the system refuses an object, a
+//             file, the registry or the spooler's work, for its own reason
 #pragma once
 
 // The library's own codes; the others are those of the system, with their usual meaning.
@@ -123,6 +123,9 @@
     ROW("ERROR_OPERATION_ABORTED", 995u,                                                                     \
         "the request to the status monitor was cancelled",                                                   \
         "repeat the call")                                                                                   \
+    ROW("ERROR_BADDB", 1009u,                                                                                \
+        "the system's registry is damaged",                                                                  \
+        "restore it from a copy, or on Linux remove the state folder and install the printers anew")         \
     ROW("ERROR_DLL_INIT_FAILED", 1114u,                                                                      \
         "the library was refused while it was being loaded",                                                 \
         "give the library file back its own name, which ends in SDK")                                        \
