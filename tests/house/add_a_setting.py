@@ -35,7 +35,7 @@ PLACES = {
         "FLAG(ScanPreview,", 'CHOICE(ScanColour, "scan.colour", ReadWrite, "Grey", ScanColour, "colours of a scan")\n'),
     "include/kestrel/sdk_settings.h": after(
         "KESTREL_API kestrel_bool SetScanPreview(",
-        "\n/* Colours of a scan: a KestrelScanColour. */\n"
+        "\n/// Colours of a scan: a KestrelScanColour.\n"
         "KESTREL_API kestrel_bool GetScanColour(uint32_t* value, uint32_t timeoutMs);\n"
         "KESTREL_API kestrel_bool SetScanColour(uint32_t value, uint32_t timeoutMs);\n"),
     "src/entry/exports.list": both(
@@ -43,7 +43,7 @@ PLACES = {
     "docs/vprinter.md": None,
     "include/kestrel/sdk_types.h": after(
         "} KestrelScanTo;",
-        "\n/* Colours of a scan. */\n"
+        "\n/// Colours of a scan.\n"
         "typedef enum KestrelScanColour {\n    KESTREL_SCAN_COLOUR_GREY = 0,\n    KESTREL_SCAN_COLOUR_FULL = 1\n"
         "} KestrelScanColour;\n"),
     "src/catalogue/value_tables.h": after(
