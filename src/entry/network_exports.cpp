@@ -3,7 +3,7 @@
 #include "kestrel/sdk_device.h"
 #include "settings/access_points.h"
 #include "settings/network_diagnostics.h"
-#include "settings/setting_access.h"
+#include "settings/typed_queries.h"
 
 #pragma GCC diagnostic error "-Wmissing-declarations"
 
@@ -12,9 +12,8 @@ using namespace entry;
 namespace {
 
 kestrel_bool GetNumber(opl::Key key, uint32_t* number, uint32_t timeoutMs) {
-    return WithPointers({number}, [&](KestrelSDK& sdk) {
-        return settings::ReadU32(sdk, {key, catalogue::kNoWords, 0}, number, timeoutMs);
-    });
+    return WithPointers({number},
+                        [&](KestrelSDK& sdk) { return settings::QueryInt32(sdk, *number, key, timeoutMs); });
 }
 
 }  // namespace
