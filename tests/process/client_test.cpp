@@ -40,6 +40,7 @@ TEST_F(Client, Exit_codes_have_one_meaning_each) {
         {{"set", "photo.quality", "Splendid"}, 6, ""},
         {{"get", "fax.redial"}, 2, ""},
         {{"fly"}, 2, ""},
+        {{"addressbook", "import", "/"}, 6, ""},
         {{"get", "fax.rings"}, 1, ""},
         {{"get", "copy.quality"}, 7, ""},
         {{"--timeout", "200ms", "get", "copy.preview"}, 4, ""},
@@ -48,6 +49,7 @@ TEST_F(Client, Exit_codes_have_one_meaning_each) {
     });
     EXPECT_EQ(3, RunClient({"-p", "Nobody", "get", "fax.redials"}).code);
     EXPECT_EQ(4, RunProgram({KESTREL_VPRINTER, "--port", "USB001"}).code) << "one port, one printer";
+    EXPECT_EQ(2, RunProgram({KESTREL_VPRINTER, "--port", "USB002", "--state", "/"}).code) << "a folder";
     printer_.Terminate();
     EXPECT_EQ(0, printer_.Wait());
     EXPECT_EQ(4, Run({"--timeout", "200ms", "get", "fax.redials"}).code);
@@ -55,13 +57,13 @@ TEST_F(Client, Exit_codes_have_one_meaning_each) {
 
 TEST_F(Client, Json_is_one_document_with_the_exit_code_inside) {
     StartPrinter();
-    const auto good = nlohmann::json::parse(Run({"--json", "get", "fax.redials"}).output);
-    EXPECT_EQ(1, good.at("version"));
-    EXPECT_EQ(0, good.at("exitCode"));
-    EXPECT_NE(std::string::npos, good.dump().find(":3"));
+    const auto good = tools::Json::Parse(Run({"--json", "get", "fax.redials"}).output);
+    EXPECT_EQ(1, good.At("version"));
+    EXPECT_EQ(0, good.At("exitCode"));
+    EXPECT_NE(std::string::npos, good.Dump().find(":3"));
     const ProgramResult bad = Run({"--json", "set", "photo.quality", "Splendid"});
     EXPECT_EQ(6, bad.code);
-    EXPECT_EQ(6, nlohmann::json::parse(bad.output).at("exitCode"));
+    EXPECT_EQ(6, tools::Json::Parse(bad.output).At("exitCode"));
 }
 
 TEST_F(Client, Secrets_are_masked_in_lists_and_shown_when_asked_for) {

@@ -171,7 +171,7 @@ TEST_F(Device, The_identity_is_kept_in_little_endian_order_where_the_configurati
         return SentClock().substr(0, 16);
     };
     const auto keepAt = [this](const std::string& place) {
-        const std::string file = setup_.at("configuration");
+        const std::string file = setup_.At("configuration").Text();
         static const std::regex setting("(\\[Host ID\\][^[]*RegDir *=)[^\r\n]*");
         const std::string text = std::regex_replace(FileText(file), setting, "$1" + place);
         std::ofstream(file, std::ios::binary) << text;

@@ -11,13 +11,13 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "child_process.h"
+#include "shared/json.h"
 #include "widened.h"
 
 using Clock = std::chrono::steady_clock;
@@ -62,7 +62,7 @@ inline void OnFreshThread(const std::function<void()>& body) {
 class InstalledPrinter : public testing::Test {
   protected:
     InstalledPrinter() : home_(std::getenv("KESTREL_TEST_FOLDER")) {
-        setup_ = nlohmann::json::parse(RunClient({"setup", "--json"}).output);
+        setup_ = tools::Json::Parse(RunClient({"setup", "--json"}).output);
         AddPrinter("P", "USB001");
     }
     ~InstalledPrinter() override {
@@ -111,7 +111,7 @@ class InstalledPrinter : public testing::Test {
     }
 
     std::filesystem::path home_;
-    nlohmann::json setup_;  // what the installation says of itself
+    tools::Json setup_;  // what the installation says of itself
     std::vector<std::string> added_;
     ChildProcess printer_;
 };

@@ -8,7 +8,7 @@
 
 class InstalledStatusMonitor : public InstalledPrinter {
   protected:
-    InstalledStatusMonitor() : program_(setup_.at("statusMonitor").get<std::string>()) {
+    InstalledStatusMonitor() : program_(setup_.At("statusMonitor").Text()) {
         std::filesystem::remove(LogFile());
     }
     ~InstalledStatusMonitor() override {

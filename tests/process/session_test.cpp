@@ -60,7 +60,7 @@ TEST_F(Selection, No_name_takes_the_last_printer_of_the_product_and_holds_for_it
 }
 
 TEST_F(Selection, A_configuration_that_is_missing_empty_or_half_written_fails_it) {
-    const std::filesystem::path file = setup_.at("configuration").get<std::string>();
+    const std::filesystem::path file = setup_.At("configuration").Text();
     const std::string whole = FileText(file);
     // Another process each time: a process reads the file once.
     const auto get = [] { return RunClient({"-p", "P", "get", "fax.redials"}).code; };

@@ -83,10 +83,10 @@ TEST(KestrelFailures, Show_code_reply_and_advice_to_people_and_to_scripts) {
     for (const char* part : {"cannot read", "[0xE0000003]", "reply: 3400,no;", "response number: 3400"})
         EXPECT_NE(people.find(part), std::string::npos) << part;
 
-    const auto document = nlohmann::json::parse(cli::JsonDocument("get", report));
-    EXPECT_EQ(document["exitCode"], 4);
-    EXPECT_EQ(document["error"]["code"], 0xE0000003);
-    EXPECT_EQ(document["error"]["responseNumber"], 3400);
+    const auto document = tools::Json::Parse(cli::JsonDocument("get", report));
+    EXPECT_EQ(document.At("exitCode"), 4);
+    EXPECT_EQ(document.At("error").At("code"), 0xE0000003);
+    EXPECT_EQ(document.At("error").At("responseNumber"), 3400);
 }
 
 TEST(KestrelOutput, Aligns_columns_by_characters_not_bytes) {

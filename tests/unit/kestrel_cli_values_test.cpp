@@ -72,7 +72,7 @@ TEST(KestrelValues, Are_refused_with_the_allowed_ones_when_the_type_cannot_hold_
 TEST(KestrelValues, Are_numbers_and_booleans_in_json_and_words_where_the_table_has_one) {
     const auto json = [](const char* name, const char* written) {
         const catalogue::Row& row = cli::FindSetting(name);
-        return cli::JsonValue(row, cli::ParseValue(row, written)).dump();
+        return cli::JsonValue(row, cli::ParseValue(row, written)).Dump();
     };
     EXPECT_EQ(json("fax.backup", "on"), "true");
     EXPECT_EQ(json("copy.brightness", "-2"), "-2");
@@ -113,10 +113,10 @@ TEST(KestrelSettings, Match_by_part_and_by_pattern) {
 TEST(KestrelSettings, Know_which_of_them_are_secret) {
     std::size_t secrets = 0;
     for (const catalogue::Row& row : catalogue::Rows())
-        secrets += row.IsSecret() ? 1 : 0;
+        secrets += cli::IsSecret(row) ? 1 : 0;
     EXPECT_EQ(secrets, 5u);
-    EXPECT_TRUE(cli::FindSetting("wireless.pass-phrase").IsSecret());
-    EXPECT_FALSE(cli::FindSetting("wireless.security-type").IsSecret());
+    EXPECT_TRUE(cli::IsSecret(cli::FindSetting("wireless.pass-phrase")));
+    EXPECT_FALSE(cli::IsSecret(cli::FindSetting("wireless.security-type")));
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+// The options that every command takes, and the list of the commands.
 #include "kestrel/command_line.h"
 
 #include <array>
@@ -14,39 +15,34 @@ constexpr const char* kExitCodes =
     "130 interrupted.\n\n"
     "Example: kestrel -p \"Office\" get fax.redials";
 
-void DeclareGlobalOptions(CLI::App& app, GlobalOptions& options) {
-    app.add_option("-p,--printer", options.printer, "Installed printer; none: the product's own")
-        ->envname("KESTREL_PRINTER")
-        ->type_name("PRINTER");
-    app.add_option("--product", options.product, "Prefix of the product's file names")
-        ->capture_default_str()
-        ->type_name("PREFIX");
+void DeclareGlobalOptions(const tools::Command& app, GlobalOptions& options) {
+    app.AddOption("-p,--printer", options.printer, "Installed printer; none: the product's own")
+        .Environment("KESTREL_PRINTER")
+        .TypeName("PRINTER");
+    app.AddOption("--product", options.product, "Prefix of the product's file names")
+        .ShowsDefault()
+        .TypeName("PREFIX");
     AddTimeOption(
         app, "--timeout",
         [&options](std::chrono::milliseconds time) {
-            options.timeoutMs = static_cast<std::uint32_t>(time.count());
+            options.timeoutMs = static_cast<uint32_t>(time.count());
         },
         "Time for each exchange with the printer: 500ms, 5s, 2m [5s]");
-    app.add_flag("--json", options.json, "One JSON document on standard output, errors inside");
-    app.add_flag("--no-color", options.noColour, "No colours, also on a terminal");
+    app.AddFlag("--json", options.json, "One JSON document on standard output, errors inside");
+    app.AddFlag("--no-color", options.noColour, "No colours, also on a terminal");
 }
 
 }  // namespace
 
-CLI::Option* AddTimeOption(CLI::App& app, const std::string& name,
-                           std::function<void(std::chrono::milliseconds)> take, const std::string& help) {
-    return app
-        .add_option_function<std::string>(
-            name,
-            [name, take](const std::string& written) {
-                const auto milliseconds = ParseDuration(written);
-                if (!milliseconds) {
-                    throw CLI::ValidationError(name, "\"" + written + "\" is no time; write 500ms, 5s or 2m");
-                }
-                take(std::chrono::milliseconds(*milliseconds));
-            },
-            help)
-        ->type_name("TIME");
+tools::Option AddTimeOption(const tools::Command& command, const std::string& name,
+                            std::function<void(std::chrono::milliseconds)> take, const std::string& help) {
+    const auto read = [take = std::move(take)](const std::string& written) -> std::string {
+        const auto milliseconds = ParseDuration(written);
+        if (!milliseconds) return "\"" + written + "\" is no time; write 500ms, 5s or 2m";
+        take(std::chrono::milliseconds(*milliseconds));
+        return {};
+    };
+    return command.AddOption(name, read, help).TypeName("TIME");
 }
 
 const Library& Context::GetLibrary() {
@@ -62,14 +58,12 @@ const Printer& Context::GetPrinter() {
     return *printer_;
 }
 
-void DeclareCommandLine(CLI::App& app, GlobalOptions& options, Chosen& chosen) {
-    app.description("Reads and changes the settings of a printer");
-    app.footer(kExitCodes);
-    app.set_version_flag("--version", "kestrel " KESTREL_VERSION);
-    // At most one, so that a value which happens to be a command's name stays a value.
-    app.require_subcommand(0, 1);
-    // Inherited by the commands declared below: they take the global options too.
-    app.fallthrough();
+void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chosen& chosen) {
+    app.Description("Reads and changes the settings of a printer");
+    app.Footer(kExitCodes);
+    app.VersionFlag("--version", "kestrel " KESTREL_VERSION);
+    app.AllowOneSubcommand();
+    app.PassOptionsOn();
     DeclareGlobalOptions(app, options);
 
     constexpr std::array kCommands = {AddSetup,    AddPrinters,    AddStatus,   AddGet,          AddSet,

@@ -1,6 +1,5 @@
+// What the command line says, and what a command works with.
 #pragma once
-
-#include <CLI/CLI.hpp>
 
 #include <chrono>
 #include <cstdint>
@@ -11,6 +10,7 @@
 #include "kestrel/output/output.h"
 #include "kestrel/printer/library.h"
 #include "kestrel/printer/printer.h"
+#include "shared/command_line.h"
 
 namespace cli {
 
@@ -18,7 +18,7 @@ namespace cli {
 struct GlobalOptions final {
     std::string printer;  // empty: the library picks the product's printer
     std::string product = KESTREL_PRODUCT;
-    std::uint32_t timeoutMs = 5000;
+    uint32_t timeoutMs = 5000;
     bool json = false;
     bool noColour = false;
 };
@@ -47,10 +47,10 @@ struct Chosen final {
 };
 
 // An option whose value is a time: 500ms, 5s, 2m.
-CLI::Option* AddTimeOption(CLI::App& app, const std::string& name,
-                           std::function<void(std::chrono::milliseconds)> take, const std::string& help);
+tools::Option AddTimeOption(const tools::Command& command, const std::string& name,
+                            std::function<void(std::chrono::milliseconds)> take, const std::string& help);
 
 // Declares the global options and every command.
-void DeclareCommandLine(CLI::App& app, GlobalOptions& options, Chosen& chosen);
+void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chosen& chosen);
 
 }  // namespace cli

@@ -1,3 +1,4 @@
+// The client's exit codes.
 #pragma once
 
 namespace cli {

@@ -1,6 +1,7 @@
+// The words and the exit code of each error code.
 #include "kestrel/failure.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 #include <kestrel/sdk_errors.h>
 #include <windows.h>
 
@@ -12,7 +13,7 @@ namespace {
 
 struct KnownText {
     const char* name;
-    std::uint32_t code;
+    uint32_t code;
     const char* text;
     const char* advice;
 };
@@ -46,11 +47,11 @@ constexpr KnownText kOwnTexts[] = {
 };
 
 struct CodeExit {
-    std::uint32_t code;
+    uint32_t code;
     ExitCode exit;
 };
 
-constexpr std::uint32_t kDeviceNotAvailable = 4319;
+constexpr uint32_t kDeviceNotAvailable = 4319;
 
 // A code that is not here is a fault of this installation.
 constexpr CodeExit kExits[] = {
@@ -79,8 +80,8 @@ constexpr CodeExit kExits[] = {
     {ERROR_PRINTER_ALREADY_EXISTS, ExitCode::kValueRefused},
 };
 
-template <typename Row, std::size_t count>
-const Row* FindCode(const Row (&rows)[count], std::uint32_t code) {
+template <typename Row, size_t count>
+const Row* FindCode(const Row (&rows)[count], uint32_t code) {
     const Row* const found =
         std::find_if(std::begin(rows), std::end(rows), [code](const Row& row) { return row.code == code; });
     return found == std::end(rows) ? nullptr : found;
@@ -88,12 +89,12 @@ const Row* FindCode(const Row (&rows)[count], std::uint32_t code) {
 
 }  // namespace
 
-std::string CodeText(std::uint32_t code) {
-    constexpr std::uint32_t kLibraryCodes = 0xE0000000;
+std::string CodeText(uint32_t code) {
+    constexpr uint32_t kLibraryCodes = 0xE0000000;
     return code >= kLibraryCodes ? fmt::format("0x{:08X}", code) : fmt::format("{}", code);
 }
 
-Failure FailureFromCode(std::uint32_t code, const std::string& attempt, Exchange direction) {
+Failure FailureFromCode(uint32_t code, const std::string& attempt, Exchange direction) {
     const KnownText* known = FindCode(kOwnTexts, code);
     if (known == nullptr) known = FindCode(kLibraryTexts, code);
     const CodeExit* const exit = FindCode(kExits, code);

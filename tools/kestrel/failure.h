@@ -1,3 +1,4 @@
+// Why a command did not do what was asked.
 #pragma once
 
 #include <cstdint>
@@ -11,11 +12,11 @@ namespace cli {
 // The one thing that is thrown here: why a command did not do what was asked, for people and for scripts.
 struct Failure final {
     ExitCode exit = ExitCode::kOwnFault;
-    std::string text;                             // what happened, what was expected
-    std::string advice;                           // what to do; may be empty
-    std::optional<std::uint32_t> code;            // the last-error value, when a call set one
-    std::string badReply;                         // the reply judged bad, made readable; may be empty
-    std::optional<std::uint32_t> responseNumber;  // of badReply
+    std::string text;                        // what happened, what was expected
+    std::string advice;                      // what to do; may be empty
+    std::optional<uint32_t> code;            // the last-error value, when a call set one
+    std::string badReply;                    // the reply judged bad, made readable; may be empty
+    std::optional<uint32_t> responseNumber;  // of badReply
 };
 
 enum class Exchange { kRead, kWrite };
@@ -23,10 +24,10 @@ enum class Exchange { kRead, kWrite };
 // The failure that a last-error value of the library or the spooler stands for. `attempt` opens the text
 // ("cannot read fax.redials"). The direction matters for one code: an invalid parameter is the caller's
 // value when writing and the device's word when reading.
-[[nodiscard]] Failure FailureFromCode(std::uint32_t code, const std::string& attempt, Exchange direction);
+[[nodiscard]] Failure FailureFromCode(uint32_t code, const std::string& attempt, Exchange direction);
 
 // "0xE0000003" for the library's own codes, decimal for the system's.
-[[nodiscard]] std::string CodeText(std::uint32_t code);
+[[nodiscard]] std::string CodeText(uint32_t code);
 
 [[nodiscard]] Failure UsageFailure(std::string text, std::string advice);
 [[nodiscard]] Failure ValueFailure(std::string text, std::string advice);

@@ -6,6 +6,7 @@
 
 #include "kestrel/command_line.h"
 #include "kestrel/platform.h"
+#include "shared/process.h"
 
 namespace cli {
 namespace {
@@ -18,7 +19,7 @@ Failure Interrupted() {
 
 // Ctrl-C ends an exchange that waits; also then --json gives its one document.
 void PrepareForInterrupt(const GlobalOptions& options, const std::string& command) {
-    const Report report{{}, nlohmann::ordered_json::object(), Interrupted()};
+    const Report report{{}, tools::Json::EmptyObject(), Interrupted()};
     const std::string document = options.json ? JsonDocument(command, report) : std::string();
     const std::string message =
         options.json ? std::string() : "\n" + FailureText(*report.failure, Paint(false));
@@ -42,35 +43,33 @@ Report RunGuarded(const Chosen& chosen, Context& context) {
     return report;
 }
 
-int ReportParseEnd(const CLI::App& app, const CLI::ParseError& end, bool json, bool noColour) {
-    if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return app.exit(end);
+int ReportFailure(const Failure& failure, bool json, bool noColour) {
     Report report;
-    report.failure = UsageFailure(end.what(), kHelpAdvice);
+    report.failure = failure;
     return Print("", report, json, noColour);
 }
 
 int Run(int argc, char** argv) {
     platform::KeepLineEnds();
-    CLI::App app("", "kestrel");
-    app.allow_windows_style_options(false);  // "/nowhere" is a path
+    tools::CommandLine line("", "kestrel");
     GlobalOptions options;
     Chosen chosen;
-    DeclareCommandLine(app, options, chosen);
+    DeclareCommandLine(line.Root(), options, chosen);
 
-    std::vector<std::string> arguments = platform::Arguments(argc, argv);
-    // A line that cannot be read still says how it wants its error.
-    const bool json = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
-    std::reverse(arguments.begin(), arguments.end());  // the order that the parser takes
-    try {
-        app.parse(std::move(arguments));
-    } catch (const CLI::ParseError& end) {
-        return ReportParseEnd(app, end, json, options.noColour);
+    const std::vector<std::string> arguments = tools::Arguments(argc, argv);
+    switch (line.Read(arguments)) {
+        case tools::CommandLine::Outcome::Read:
+            break;
+        case tools::CommandLine::Outcome::HelpShown:
+            return static_cast<int>(ExitCode::kDone);
+        case tools::CommandLine::Outcome::Wrong:
+            // A line that cannot be read still says how it wants its error.
+            return ReportFailure(UsageFailure(line.Problem(), kHelpAdvice),
+                                 std::ranges::find(arguments, "--json") != arguments.end(), options.noColour);
     }
-    if (!chosen.work) {
-        Report report;
-        report.failure = UsageFailure("no command is given", kHelpAdvice);
-        return Print("", report, options.json, options.noColour);
-    }
+    if (!chosen.work)
+        return ReportFailure(UsageFailure("no command is given", kHelpAdvice), options.json,
+                             options.noColour);
 
     PrepareForInterrupt(options, chosen.name);
     Context context(options);

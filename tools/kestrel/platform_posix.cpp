@@ -1,9 +1,13 @@
+// Signals, descriptors and the rights of folders.
 #include "kestrel/platform.h"
 
+#include <fmt/core.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <utility>
 
 namespace cli::platform {
@@ -18,11 +22,11 @@ struct LastWords {
 const LastWords* lastWords = nullptr;
 
 void WriteAll(int descriptor, const std::string& text) {
-    std::size_t written = 0;
+    size_t written = 0;
     while (written < text.size()) {
         const ssize_t count = write(descriptor, text.data() + written, text.size() - written);
         if (count <= 0) return;
-        written += static_cast<std::size_t>(count);
+        written += static_cast<size_t>(count);
     }
 }
 
@@ -64,15 +68,7 @@ class InterruptEndsWait final {
 
 }  // namespace
 
-std::vector<std::string> Arguments(int count, char** values) {
-    return count > 0 ? std::vector<std::string>(values + 1, values + count) : std::vector<std::string>();
-}
-
 void KeepLineEnds() {}
-
-bool IsTerminal(Stream stream) {
-    return isatty(stream == Stream::kOut ? STDOUT_FILENO : STDERR_FILENO) == 1;
-}
 
 void EndOnInterrupt(std::string outText, std::string errorText, int exitStatus) {
     static const LastWords words{std::move(outText), std::move(errorText), exitStatus};
@@ -95,6 +91,21 @@ WaitEnd WaitForUser(std::optional<std::chrono::milliseconds> time) {
     const int ready = ppoll(&input, time ? 0 : 1, time ? &limit : nullptr, interruptEndsWait.MaskOfWait());
     if (ready < 0) return WaitEnd::kInterrupt;
     return ready > 0 ? WaitEnd::kEnter : WaitEnd::kTime;
+}
+
+// winport refuses a home of its own choice that others can enter; one of WINPORT_HOME it takes as it is, and
+// gives its own folders below it the same rights.
+std::string OpenHomeWarning() {
+    constexpr mode_t kEveryAccount = S_IROTH | S_IXOTH;
+    const char* const home = std::getenv("WINPORT_HOME");
+    struct stat status {};
+    if (home == nullptr || *home == '\0' || stat(home, &status) != 0 || (status.st_mode & kEveryAccount) == 0)
+        return {};
+    return fmt::format(
+        "every account of this computer can read what the programs and the printers tell one another: {0} "
+        "has "
+        "the mode {1:o}; close it with `chmod -R o-rwx {0}`, and give the accounts that share it a group",
+        home, status.st_mode & 07777);
 }
 
 void EndWithoutUnloading(int exitStatus) {

@@ -1,16 +1,13 @@
+// Console events, and arguments that the run-time's own would lose.
 #include "kestrel/platform.h"
 
-#include <windows.h>
-// The shell's header needs the one above.
 #include <fcntl.h>
 #include <io.h>
-#include <shellapi.h>
+#include <windows.h>
 
 #include <cstdio>
 #include <thread>
 #include <utility>
-
-#include "kestrel/text/text.h"
 
 namespace cli::platform {
 namespace {
@@ -67,23 +64,8 @@ BOOL WINAPI OnConsoleEvent(DWORD) {
 
 }  // namespace
 
-// The run-time's own arguments have lost what the ANSI code page cannot hold.
-std::vector<std::string> Arguments(int, char**) {
-    int count = 0;
-    WCHAR** const values = CommandLineToArgvW(GetCommandLineW(), &count);
-    std::vector<std::string> arguments;
-    for (int i = 1; i < count; ++i)
-        arguments.push_back(Utf8FromWide(values[i]));
-    LocalFree(values);
-    return arguments;
-}
-
 void KeepLineEnds() {
     _setmode(_fileno(stdout), _O_BINARY);
-}
-
-bool IsTerminal(Stream stream) {
-    return _isatty(_fileno(stream == Stream::kOut ? stdout : stderr)) != 0;
 }
 
 void EndOnInterrupt(std::string outText, std::string errorText, int exitStatus) {
@@ -108,6 +90,11 @@ WaitEnd WaitForUser(std::optional<std::chrono::milliseconds> time) {
     SetConsoleCtrlHandler(OnWaitInterrupted, FALSE);
     if (ended == WAIT_OBJECT_0) return WaitEnd::kInterrupt;
     return ended == WAIT_OBJECT_0 + 1 ? WaitEnd::kEnter : WaitEnd::kTime;
+}
+
+// Kernel objects guard themselves.
+std::string OpenHomeWarning() {
+    return {};
 }
 
 void EndWithoutUnloading(int exitStatus) {

@@ -1,12 +1,14 @@
+// Options by table: what each is called, what it fills and which action needs it.
 #include "rundll32/command_line.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <optional>
 #include <string_view>
 
 #include "rundll32/refusal.h"
+#include "rundll32/text.h"
 
 namespace printui {
 
@@ -64,13 +66,7 @@ Refusal UsageRefusal(std::string text) {
     return {std::move(text), "Call it without arguments for the list of options.", 2};
 }
 
-std::string LowerAscii(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; });
-    return text;
-}
-
-template <typename Row, std::size_t kCount>
+template <typename Row, size_t kCount>
 const Row* FindRow(const Row (&rows)[kCount], std::string_view option) {
     const auto found =
         std::find_if(std::begin(rows), std::end(rows), [&](const Row& row) { return row.option == option; });

@@ -1,9 +1,9 @@
+// From the model's line over its install section to the files that it names.
 #include "rundll32/driver.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
-#include <optional>
 
 #include "rundll32/refusal.h"
 
@@ -20,7 +20,7 @@ constexpr WCHAR kMachine[] = TEXT(".ntarm64");
 constexpr WCHAR kMachine[] = TEXT(".ntx86");
 #endif
 
-constexpr std::size_t kMostModelsNamed = 8;
+constexpr size_t kMostModelsNamed = 8;
 
 struct Model {
     WideText name;
@@ -39,8 +39,9 @@ std::vector<WideText> ModelSections(const InfFile& file) {
             sections.push_back(base);
         }
     }
-    std::stable_partition(sections.begin(), sections.end(),
-                          [](const WideText& name) { return Lower(name).find(kMachine) != WideText::npos; });
+    std::stable_partition(sections.begin(), sections.end(), [](const WideText& name) {
+        return LowerAscii(name).find(kMachine) != WideText::npos;
+    });
     return sections;
 }
 
@@ -66,8 +67,8 @@ std::vector<Model> Models(const InfFile& file) {
     if (cut) names.resize(kMostModelsNamed);
     throw Refusal{fmt::format("\"{}\" has no model \"{}\".", path, Utf8FromWide(model)),
                   names.empty() ? std::string("It names no models at all: give another file with /f.")
-                                : fmt::format("Give one of its models with /m: {}{}.", fmt::join(names, ", "),
-                                              cut ? ", ..." : "")};
+                                : fmt::format("Give one of its models with /m: {}{}.",
+                                              tools::Joined(names, ", "), cut ? ", ..." : "")};
 }
 
 }  // namespace

@@ -1,22 +1,22 @@
+// Bytes to text, text to lines, lines to sections; then the texts between "%".
 #include "rundll32/inf_file.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 
 #include "rundll32/refusal.h"
+#include "shared/file.h"
 
 namespace printui {
 
 namespace {
 
 constexpr const char* kAdvice = "Give the path of the driver's .INF file with /f.";
-constexpr std::uintmax_t kLargestFile = 16 * 1024 * 1024;
+constexpr uintmax_t kLargestFile = 16 * 1024 * 1024;
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 
@@ -33,23 +33,21 @@ std::string ReadBytes(const std::string& path) {
     if (!std::filesystem::is_regular_file(status)) Refuse(path, "it is a folder or a device, not a file");
     if (std::filesystem::file_size(hostPath, failure) > kLargestFile || failure)
         Refuse(path, "it is too large for a set-up information file");
-    std::ifstream file(hostPath, std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (!file) Refuse(path, "reading it is not allowed or fails");
-    return bytes;
+    std::optional<std::string> bytes = tools::ReadFile(hostPath);
+    if (!bytes) Refuse(path, "reading it is not allowed or fails");
+    return *std::move(bytes);
 }
 
 WideText FromCodePage(const std::string& bytes) {
     const int size = static_cast<int>(bytes.size());
     WideText text(bytes.size(), 0);
-    text.resize(
-        static_cast<std::size_t>(MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, text.data(), size)));
+    text.resize(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, text.data(), size)));
     return text;
 }
 
 WideText FromUtf16(std::string_view bytes) {
     WideText text;
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+    for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
         const auto low = static_cast<unsigned char>(bytes[i]);
         const auto high = static_cast<unsigned char>(bytes[i + 1]);
         text.push_back(static_cast<WCHAR>(high << 8 | low));
@@ -62,7 +60,9 @@ WideText Decode(const std::string& path, const std::string& bytes) {
     if (bytes.starts_with(kUtf16Mark)) {
         text = FromUtf16(std::string_view(bytes).substr(kUtf16Mark.size()));
     } else if (bytes.starts_with(kUtf8Mark)) {
-        text = WideFromUtf8(bytes.substr(kUtf8Mark.size()));
+        auto wide = tools::WideFromUtf8(std::string_view(bytes).substr(kUtf8Mark.size()));
+        if (!wide) Refuse(path, "it is not UTF-8 text, as its beginning says");
+        text = *std::move(wide);
     } else {
         text = FromCodePage(bytes);
     }
@@ -72,7 +72,7 @@ WideText Decode(const std::string& path, const std::string& bytes) {
 
 WideView Trimmed(WideView text) {
     constexpr WCHAR kBlanks[] = TEXT(" \t\r");
-    const std::size_t start = text.find_first_not_of(kBlanks);
+    const size_t start = text.find_first_not_of(kBlanks);
     if (start == WideView::npos) return {};
     return text.substr(start, text.find_last_not_of(kBlanks) - start + 1);
 }
@@ -83,7 +83,7 @@ InfLine ParseLine(WideView text) {
     WideText field;
     bool quoted = false;
     bool hasKey = false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (size_t i = 0; i < text.size(); ++i) {
         const WCHAR unit = text[i];
         if (unit == '"') {
             const bool doubled = quoted && i + 1 < text.size() && text[i + 1] == '"';
@@ -112,7 +112,7 @@ InfLine ParseLine(WideView text) {
 WideText TakeLine(WideView& text) {
     WideText line;
     while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
+        const size_t end = std::min(text.find('\n'), text.size());
         const WideView part = Trimmed(text.substr(0, end));
         text.remove_prefix(std::min(end + 1, text.size()));
         const bool goesOn = part.ends_with('\\');
@@ -125,14 +125,14 @@ WideText TakeLine(WideView& text) {
 // %name% as the strings say, %% as one; a name that they lack stays as it is.
 WideText WithStrings(const WideText& text, const std::map<WideText, WideText>& strings) {
     WideText result;
-    std::size_t at = 0;
+    size_t at = 0;
     while (at < text.size()) {
-        const std::size_t start = std::min(text.find('%', at), text.size());
+        const size_t start = std::min(text.find('%', at), text.size());
         result.append(text, at, start - at);
-        const std::size_t end = start < text.size() ? text.find('%', start + 1) : WideText::npos;
+        const size_t end = start < text.size() ? text.find('%', start + 1) : WideText::npos;
         if (end == WideText::npos) return result.append(text, start, WideText::npos);
         const WideText name = text.substr(start + 1, end - start - 1);
-        const auto found = strings.find(Lower(name));
+        const auto found = strings.find(LowerAscii(name));
         if (name.empty())
             result.push_back('%');
         else
@@ -148,7 +148,7 @@ InfFile InfFile::Read(const std::string& path) {
     InfFile file;
     file.Parse(Decode(path, ReadBytes(path)));
     file.PutStringsIn();
-    if (!Lower(file.Value(TEXT("Version"), TEXT("Signature"))).starts_with('$'))
+    if (!LowerAscii(file.Value(TEXT("Version"), TEXT("Signature"))).starts_with('$'))
         Refuse(path, "it has no [Version] section with a signature, so it is no set-up information file");
     const WideText kind = file.Value(TEXT("Version"), TEXT("Class"));
     if (!kind.empty() && !IsSameName(kind, TEXT("Printer"))) Refuse(path, "it is not about printers");
@@ -160,9 +160,9 @@ void InfFile::Parse(WideView text) {
     while (!text.empty()) {
         const WideText line = TakeLine(text);
         if (line.empty() || line[0] == ';') continue;
-        const std::size_t end = line.find(']');
+        const size_t end = line.find(']');
         if (line[0] == '[' && end != WideText::npos) {
-            section = &sections_[Lower(Trimmed(WideView(line).substr(1, end - 1)))];
+            section = &sections_[LowerAscii(Trimmed(WideView(line).substr(1, end - 1)))];
         } else if (section != nullptr) {
             section->push_back(ParseLine(line));
         }
@@ -173,7 +173,7 @@ void InfFile::PutStringsIn() {
     std::map<WideText, WideText> strings;
     if (const auto* lines = Find(TEXT("Strings")))
         for (const InfLine& line : *lines)
-            strings.emplace(Lower(line.key), line.values.front());
+            strings.emplace(LowerAscii(line.key), line.values.front());
     for (auto& [name, lines] : sections_) {
         for (InfLine& line : lines) {
             line.key = WithStrings(line.key, strings);
@@ -184,7 +184,7 @@ void InfFile::PutStringsIn() {
 }
 
 const std::vector<InfLine>* InfFile::Find(WideView section) const {
-    const auto found = sections_.find(Lower(section));
+    const auto found = sections_.find(LowerAscii(section));
     return found != sections_.end() ? &found->second : nullptr;
 }
 

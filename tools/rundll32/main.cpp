@@ -1,4 +1,5 @@
-#include <fmt/format.h>
+// rundll32: installs drivers and printers, and makes a printer the default one.
+#include <fmt/core.h>
 
 #include <cstdio>
 #include <exception>
@@ -13,7 +14,7 @@ using namespace printui;
 
 void Run(const CommandLine& line) {
     if (line.action == Action::kMakeDefault) return MakeDefault(line.printer);
-    const Driver driver = FindDriver(InfFile::Read(line.infPath), line.infPath, WideFromUtf8(line.model));
+    const Driver driver = FindDriver(InfFile::Read(line.infPath), line.infPath, WideArgument(line.model));
     if (line.action == Action::kInstallDriver) return AddDriver(driver);
     CheckPort(line.port);
     if (!line.keepDriver || !HasDriver(driver.model)) AddDriver(driver);

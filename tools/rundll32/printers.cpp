@@ -1,10 +1,11 @@
+// Each action as its spooler call.
 #include "rundll32/printers.h"
 
 #include <windows.h>
 // The spooler's header needs the one above.
 #include <winspool.h>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <vector>
@@ -60,7 +61,7 @@ bool Holds(const std::vector<WideText>& names, WideView wanted) {
 
 // USB001 and so on come with their devices and stand in no list.
 bool IsUsbPort(WideView port) {
-    return port.size() == 6 && Lower(port).starts_with(TEXT("usb")) &&
+    return port.size() == 6 && LowerAscii(port).starts_with(TEXT("usb")) &&
            std::all_of(port.begin() + 3, port.end(), [](WCHAR unit) { return unit >= '0' && unit <= '9'; });
 }
 
@@ -87,7 +88,7 @@ void AddDriver(const Driver& driver) {
 }
 
 void CheckPort(const std::string& port) {
-    const WideText wanted = WideFromUtf8(port);
+    const WideText wanted = WideArgument(port);
     if (IsUsbPort(wanted) || Holds(Ports(), wanted)) return;
     throw Refusal{
         fmt::format("there is no port \"{}\".", port),
@@ -95,8 +96,8 @@ void CheckPort(const std::string& port) {
 }
 
 void AddPrinter(const std::string& name, const std::string& port, const WideText& model) {
-    const WideText wideName = WideFromUtf8(name);
-    const WideText widePort = WideFromUtf8(port);
+    const WideText wideName = WideArgument(name);
+    const WideText widePort = WideArgument(port);
     PRINTER_INFO_2W info{};
     info.pPrinterName = Writable(wideName);
     info.pPortName = Writable(widePort);
@@ -110,7 +111,7 @@ void AddPrinter(const std::string& name, const std::string& port, const WideText
 }
 
 void MakeDefault(const std::string& name) {
-    if (!SetDefaultPrinterW(WideFromUtf8(name).c_str()))
+    if (!SetDefaultPrinterW(WideArgument(name).c_str()))
         throw RefusalFromLastError(fmt::format("cannot make \"{}\" the default printer", name));
 }
 

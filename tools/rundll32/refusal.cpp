@@ -1,6 +1,7 @@
+// The spooler's codes in words.
 #include "rundll32/refusal.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 #include <windows.h>
 
 namespace printui {

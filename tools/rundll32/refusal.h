@@ -1,3 +1,4 @@
+// Why nothing was done.
 #pragma once
 
 #include <string>

@@ -1,8 +1,15 @@
-// How this process is asked to end, how it ends, and who watches it. The build chooses the source for the
-// system.
+// How this process is called, how it is asked to end, how it ends, and who watches it. The build chooses the
+// source for the system.
 #pragma once
 
+#include <cstdio>
+#include <string>
+#include <vector>
+
 namespace tools {
+
+/// The arguments after the program's name, as UTF-8.
+[[nodiscard]] std::vector<std::string> Arguments(int count, const char* const* values);
 
 /// The user's wish that the program ends: an interrupt or a request to terminate. One object a process, made
 /// before any other thread.
@@ -21,7 +28,7 @@ class EndRequest final {
 /// The process is gone at once: no destructor, no buffer written, nothing released.
 [[noreturn]] void EndAbruptly();
 
-/// Whether somebody may be looking at the error output.
-[[nodiscard]] bool ErrorOutputIsTerminal();
+/// Whether somebody may be looking at stdout or stderr.
+[[nodiscard]] bool IsTerminal(std::FILE* stream);
 
 }  // namespace tools

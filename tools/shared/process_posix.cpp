@@ -1,3 +1,4 @@
+// Signals, which the whole process blocks and one thread waits for.
 #include <pthread.h>
 #include <unistd.h>
 
@@ -17,6 +18,10 @@ sigset_t EndSignals() {
 }
 
 }  // namespace
+
+std::vector<std::string> Arguments(int count, const char* const* values) {
+    return count > 0 ? std::vector<std::string>(values + 1, values + count) : std::vector<std::string>();
+}
 
 // Blocked here, before there are other threads, the signals reach nobody but the sigwait below. A closed
 // reader of the output ends a write, not the printers.
@@ -43,8 +48,8 @@ void EndAbruptly() {
         pause();
 }
 
-bool ErrorOutputIsTerminal() {
-    return isatty(STDERR_FILENO) == 1;
+bool IsTerminal(std::FILE* stream) {
+    return isatty(fileno(stream)) == 1;
 }
 
 }  // namespace tools

@@ -1,11 +1,17 @@
+// An event of the process's own, which the console's events and other processes set.
 #include <windows.h>
+
+// The shell's header needs the one above.
+#include <shellapi.h>
 
 #include <io.h>
 
 #include <cstdio>
+#include <memory>
 #include <string>
 
 #include "shared/process.h"
+#include "shared/text.h"
 
 namespace tools {
 namespace {
@@ -29,6 +35,19 @@ BOOL WINAPI OnConsoleEvent(DWORD) {
 
 }  // namespace
 
+// The run-time's own arguments have lost what the ANSI code page cannot hold.
+std::vector<std::string> Arguments(int, const char* const*) {
+    struct Frees {
+        void operator()(WCHAR** words) const { LocalFree(words); }
+    };
+    int count = 0;
+    const std::unique_ptr<WCHAR*[], Frees> values(CommandLineToArgvW(GetCommandLineW(), &count));
+    std::vector<std::string> arguments;
+    for (int i = 1; i < count; ++i)
+        arguments.push_back(Utf8FromWide(values[static_cast<size_t>(i)]));
+    return arguments;
+}
+
 EndRequest::EndRequest() {
     EndEvent();
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
@@ -48,8 +67,8 @@ void EndAbruptly() {
         Sleep(INFINITE);
 }
 
-bool ErrorOutputIsTerminal() {
-    return _isatty(_fileno(stderr)) != 0;
+bool IsTerminal(std::FILE* stream) {
+    return _isatty(_fileno(stream)) != 0;
 }
 
 }  // namespace tools

@@ -1,3 +1,4 @@
+// A mutex says who is the one, an event that it answers, another one that it shall end.
 #include "statusmon/instance.h"
 
 namespace statusmon {

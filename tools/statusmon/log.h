@@ -4,9 +4,10 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
-#include <memory>
 #include <string>
 #include <string_view>
+
+#include "shared/line_file.h"
 
 namespace statusmon {
 
@@ -15,29 +16,24 @@ struct LogEntry {
     uint32_t clientProcessId = 0;
     std::string_view letters;  // empty for a message that is no request
     std::string_view meaning;
-    std::string_view printer;  // empty when the request names none
+    std::string_view printer;  // as the client says; empty when the request names none
     std::string_view outcome;
 };
 
-/// With its line feed.
+/// With its line feed, the only one: a name with line ends makes no line of its own.
 [[nodiscard]] std::string LogLine(const LogEntry& entry);
 
-/// Each line is on its way to the reader when Write returns.
+/// Used by one thread at a time.
 class Log final {
   public:
-    /// To the standard output.
-    Log() = default;
-    /// To the end of a file. Throws a UserError when it cannot be opened.
-    explicit Log(const std::string& path);
+    /// `path`: a file to append to, which has to open (UserError). Without one the log goes to the output,
+    /// and where there is none to the file `name` of the state folder, if this account has one.
+    Log(const std::string& path, const std::string& name);
 
-    void Write(const LogEntry& entry) { WriteLine(LogLine(entry)); }
-    void WriteLine(const std::string& line);
+    void Write(const LogEntry& entry) { file_.Write(LogLine(entry)); }
 
   private:
-    struct CloseFile {
-        void operator()(std::FILE* file) const { std::fclose(file); }
-    };
-    std::unique_ptr<std::FILE, CloseFile> file_;
+    tools::LineFile file_{stdout};
 };
 
 }  // namespace statusmon

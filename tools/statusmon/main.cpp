@@ -1,11 +1,10 @@
 // The status monitor: the program that the library starts when a printer's state is to be shown, and asks to
 // show its windows. This one has no windows; it says in words what it is asked for.
-#include <fmt/format.h>
+#include <fmt/core.h>
 #include <windows.h>
 
 #include <exception>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <thread>
 
@@ -37,16 +36,16 @@ fs::path OwnPath() {
     return fs::path(std::basic_string_view<WCHAR>(path, length));
 }
 
-ExitCode StopRunning(Instance& instance) {
+tools::ExitCode StopRunning(Instance& instance) {
     if (instance.Claim(0)) {
         fmt::print("no status monitor runs\n");
-        return kNotRunning;
+        return tools::kNotRunning;
     }
     instance.AskToEnd();
-    if (instance.Claim(kStopPatienceMs)) return kDone;
+    if (instance.Claim(kStopPatienceMs)) return tools::kDone;
     fmt::print(stderr, "the status monitor does not end within {} s; end its process\n",
                kStopPatienceMs / 1000);
-    return kOwnFault;
+    return tools::kOwnFault;
 }
 
 /// Turns what another process asks for, or the idle limit, into the user's own wish to end.
@@ -84,22 +83,17 @@ class EndWatch final {
     std::thread thread_;
 };
 
-std::string DefaultLog(const fs::path& self) {
-    return HasOutput() ? "" : StateFolder() + "/" + self.stem().string() + ".log";
-}
-
-ExitCode Serve(Instance& instance, const Settings& settings, const fs::path& self) {
+tools::ExitCode Serve(Instance& instance, const Settings& settings, const fs::path& self) {
     tools::EndRequest end;  // before there are other threads
     if (!instance.Claim(0)) {
         fmt::print(stderr, "{} runs already; end it with --stop\n", self.stem().string());
-        return kRunningAlready;
+        return tools::kRunsAlready;
     }
-    const std::string logFile = settings.logFile.empty() ? DefaultLog(self) : settings.logFile;
-    Log log = logFile.empty() ? Log() : Log(logFile);
+    Log log(settings.logFile, self.stem().string() + ".log");
     Server server(settings, log);
     if (!server.Start()) {
         fmt::print(stderr, "the channel for requests cannot be opened (error {})\n", GetLastError());
-        return kOwnFault;
+        return tools::kOwnFault;
     }
     instance.AnnounceRunning();
     fmt::print("ready: {}\n", self.stem().string());
@@ -109,15 +103,14 @@ ExitCode Serve(Instance& instance, const Settings& settings, const fs::path& sel
         end.Wait();
     }
     server.Stop();
-    return kDone;
+    return tools::kDone;
 }
 
-ExitCode Run(int argc, char** argv) {
+tools::ExitCode Run(int argc, char** argv) {
     const fs::path self = OwnPath();
     Options options;
     ReadSettingsFile(fs::path(self).replace_extension(".json").string(), options.settings);
-    int exitCode = kDone;
-    if (!ReadCommandLine(argc, argv, options, exitCode)) return static_cast<ExitCode>(exitCode);
+    if (const auto end = ReadCommandLine(argc, argv, options)) return *end;
     Instance instance(kwt::ObjectNameTable::Instance());
     return options.stop ? StopRunning(instance) : Serve(instance, options.settings, self);
 }
@@ -129,9 +122,9 @@ int main(int argc, char** argv) {
         return Run(argc, argv);
     } catch (const tools::UserError& error) {
         fmt::print(stderr, "status monitor: {}\n", error.what());
-        return kWrongUsage;
+        return tools::kWrongUsage;
     } catch (const std::exception& error) {
         fmt::print(stderr, "status monitor: {}\n", error.what());
-        return kOwnFault;
+        return tools::kOwnFault;
     }
 }

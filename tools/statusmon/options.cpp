@@ -1,9 +1,13 @@
+// The options, and the complaints about them.
 #include "statusmon/options.h"
 
-#include <CLI/CLI.hpp>
+#include <fmt/core.h>
 
-#include <fmt/format.h>
+#include <charconv>
+#include <functional>
+#include <string_view>
 
+#include "shared/command_line.h"
 #include "shared/user_error.h"
 
 namespace statusmon {
@@ -24,7 +28,7 @@ Exit codes:
   4   another status monitor of the product runs
   70  a fault of this program or of the system)";
 
-/// A text that is no request becomes CLI11's own complaint.
+/// What a text that is no request is answered with.
 std::string Complaint(const std::function<void()>& apply) {
     try {
         apply();
@@ -34,53 +38,49 @@ std::string Complaint(const std::function<void()>& apply) {
     }
 }
 
+bool ReadNumber(std::string_view text, uint32_t& number) {
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end;
+}
+
 std::string ApplyDelay(const std::string& text, Settings& settings) {
     const size_t equals = text.find('=');
     uint32_t milliseconds = 0;
-    if (equals == std::string::npos || !CLI::detail::lexical_cast(text.substr(equals + 1), milliseconds))
+    if (equals == std::string::npos || !ReadNumber(std::string_view(text).substr(equals + 1), milliseconds))
         return fmt::format("expected CODE=MS, such as UpSt=500, instead of {}", text);
     return Complaint([&] { settings.Delay(text.substr(0, equals), milliseconds); });
 }
 
-void Declare(CLI::App& app, Options& options, std::vector<std::string>& words) {
+void Declare(const tools::Command& program, Options& options) {
     Settings& settings = options.settings;
     const auto declare = [&](const char* name, const char* type, const char* help, auto apply) {
-        app.add_option(name, words, help)
-            ->delimiter(',')
-            ->allow_extra_args(false)
-            ->type_name(type)
-            ->check(CLI::Validator(apply, ""));
+        program.AddOption(name, apply, help).SplitAt(',').OneEachTime().TypeName(type);
     };
     for (const WishName& name : kWishNames)
-        declare(name.option, "CODE[,CODE]", name.help, [&settings, wish = name.wish](std::string& letters) {
-            return Complaint([&] { settings.Apply(wish, letters); });
-        });
+        declare(name.option, "CODE[,CODE]", name.help,
+                [&settings, wish = name.wish](const std::string& letters) {
+                    return Complaint([&] { settings.Apply(wish, letters); });
+                });
     declare("--slow", "CODE=MS[,CODE=MS]", "answer these requests after so many milliseconds",
-            [&settings](std::string& text) { return ApplyDelay(text, settings); });
-    app.add_option("--exit-after", settings.exitAfterMs, "end after so many milliseconds without a request")
-        ->type_name("MS");
-    app.add_option("--log", settings.logFile, "file to append one line a request to (default: the output)")
-        ->type_name("FILE");
-    app.add_flag("--stop", options.stop, "end the status monitor that runs");
+            [&settings](const std::string& text) { return ApplyDelay(text, settings); });
+    program
+        .AddOption("--exit-after", settings.exitAfterMs, "end after so many milliseconds without a request")
+        .TypeName("MS");
+    program.AddOption("--log", settings.logFile, "file to append one line a request to (default: the output)")
+        .TypeName("FILE");
+    program.AddFlag("--stop", options.stop, "end the status monitor that runs");
 }
 
 }  // namespace
 
-bool ReadCommandLine(int argc, const char* const* argv, Options& options, int& exitCode) {
-    CLI::App app{
+std::optional<tools::ExitCode> ReadCommandLine(int argc, const char* const* argv, Options& options) {
+    tools::CommandLine line(
         "Status monitor: answers what the library asks of the program that shows the printer's state.",
-        KESTREL_PRODUCT "MUI.exe"};
-    app.allow_windows_style_options(false);  // a path may begin with "/"
-    app.footer(kFooter);
-    std::vector<std::string> words;
-    Declare(app, options, words);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        exitCode = app.exit(error) == 0 ? kDone : kWrongUsage;
-        return false;
-    }
-    return true;
+        KESTREL_PRODUCT "MUI.exe");
+    line.Root().Footer(kFooter);
+    Declare(line.Root(), options);
+    return line.ReadOrExplain(argc, argv);
 }
 
 }  // namespace statusmon

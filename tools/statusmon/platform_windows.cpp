@@ -1,3 +1,4 @@
+// The log lies where this user's programs keep theirs.
 #include <windows.h>
 
 #include <cstdlib>
@@ -16,7 +17,12 @@ std::string StateFolder() {
         const char* const folder = std::getenv(variable);
         if (folder != nullptr && folder[0] != '\0') return folder;
     }
-    return ".";
+    return {};
+}
+
+std::FILE* OpenStateFile(const std::string& name) {
+    const std::string folder = StateFolder();
+    return folder.empty() ? nullptr : std::fopen((folder + '/' + name).c_str(), "a");
 }
 
 }  // namespace statusmon

@@ -1,14 +1,15 @@
+// A request as it came, what is to be done about it, and its line in the log.
 #include "statusmon/server.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 #include <windows.h>
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 
 #include "ipc/late_reply.h"
 #include "shared/process.h"
+#include "shared/text.h"
 #include "statusmon/requests.h"
 
 namespace statusmon {
@@ -27,14 +28,10 @@ struct Request {
 };
 
 std::string TextOf(const uint8_t* data, size_t bytes) {
-    std::u16string text(bytes / sizeof(char16_t), u'\0');
-    std::memcpy(text.data(), data, text.size() * sizeof(char16_t));
-    text.resize(std::min(text.find(u'\0'), text.size()));
-    try {
-        return std::filesystem::path(text).string();
-    } catch (const std::exception&) {
-        return "(a name that is not text)";
-    }
+    tools::WideText text(bytes / sizeof(WCHAR), WCHAR{0});
+    std::memcpy(text.data(), data, text.size() * sizeof(WCHAR));
+    text.resize(std::min(text.find(WCHAR{0}), text.size()));
+    return tools::Utf8FromWide(text);
 }
 
 Request ReadRequest(const uint8_t* message, size_t length) {

@@ -1,17 +1,18 @@
+// The settings file, read key by key.
 #include "statusmon/settings.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <filesystem>
-#include <fstream>
-#include <nlohmann/json.hpp>
 
+#include "shared/file.h"
+#include "shared/json.h"
 #include "shared/user_error.h"
 
 namespace statusmon {
 namespace {
 
-using nlohmann::json;
+using tools::Json;
 
 std::string AllLetters() {
     std::string all;
@@ -20,27 +21,28 @@ std::string AllLetters() {
     return all;
 }
 
-uint32_t Milliseconds(const json& value) {
-    if (!value.is_number_unsigned() || value.get<uint64_t>() > UINT32_MAX)
-        throw tools::UserError("expected a number of milliseconds instead of " + value.dump());
-    return value.get<uint32_t>();
+uint32_t Milliseconds(const Json& value) {
+    if (!value.IsUnsigned() || value.Unsigned() > UINT32_MAX)
+        throw tools::UserError("expected a number of milliseconds instead of " + value.Dump());
+    return static_cast<uint32_t>(value.Unsigned());
 }
 
-void ApplyWish(const WishName& name, const json& codes, Settings& settings) {
-    for (const json& code : codes.is_array() ? codes : json::array({codes}))
-        settings.Apply(name.wish, code.get<std::string>());
+void ApplyWish(const WishName& name, const Json& codes, Settings& settings) {
+    if (!codes.IsArray()) return settings.Apply(name.wish, codes.Text());
+    for (const Json& code : codes.Items())
+        settings.Apply(name.wish, code.Text());
 }
 
-void ApplyKey(const std::string& key, const json& value, Settings& settings) {
+void ApplyKey(const std::string& key, const Json& value, Settings& settings) {
     for (const WishName& name : kWishNames)
         if (key == name.key) return ApplyWish(name, value, settings);
     if (key == "slow") {
-        for (const auto& [code, milliseconds] : value.items())
+        for (const auto& [code, milliseconds] : value.Members())
             settings.Delay(code, Milliseconds(milliseconds));
     } else if (key == "exitAfter") {
         settings.exitAfterMs = Milliseconds(value);
     } else if (key == "log") {
-        settings.logFile = value.get<std::string>();
+        settings.logFile = value.Text();
     } else {
         throw tools::UserError(fmt::format(
             "there is no setting \"{}\"; expected refuse, silent, slow, die, dieAfter, exitAfter or log",
@@ -83,14 +85,14 @@ void Settings::Delay(std::string_view letters, uint32_t milliseconds) {
 void ReadSettingsFile(const std::string& path, Settings& settings) {
     std::error_code error;
     if (!std::filesystem::exists(path, error)) return;
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw tools::UserError(path + " cannot be read; check its permissions");
+    const std::optional<std::string> text = tools::ReadFile(path);
+    if (!text) throw tools::UserError(path + " cannot be read; check its permissions");
     try {
-        const json document = json::parse(file);
-        if (!document.is_object()) throw tools::UserError("expected an object in braces");
-        for (const auto& [key, value] : document.items())
+        const Json document = Json::Parse(*text);
+        if (!document.IsObject()) throw tools::UserError("expected an object in braces");
+        for (const auto& [key, value] : document.Members())
             ApplyKey(key, value, settings);
-    } catch (const json::exception& problem) {
+    } catch (const tools::JsonError& problem) {
         throw tools::UserError(fmt::format("{}: {}; correct or delete the file", path, problem.what()));
     } catch (const tools::UserError& problem) {
         throw tools::UserError(fmt::format("{}: {}", path, problem.what()));

@@ -1,18 +1,18 @@
 // kestrel-vprinter: printers that exist in this process only, answering on the channels of a language
 // monitor.
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <deque>
 #include <exception>
-#include <fstream>
 #include <future>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "shared/file.h"
 #include "shared/process.h"
+#include "shared/text.h"
 #include "shared/user_error.h"
 #include "vprinter/device/condition.h"
 #include "vprinter/files/control_file.h"
@@ -27,21 +27,16 @@ constexpr std::string_view kUsbPort = "USB";
 
 /// Ends the program with an exit code of its own.
 struct Refusal {
-    ExitCode code;
+    tools::ExitCode code;
     std::string text;
 };
 
-std::string ReadWhole(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    if (!file) throw tools::UserError(path + " cannot be read; check the name and its permissions");
-    return text.str();
-}
-
 FaultScript LoadFaults(const Options& options) {
     if (options.faultsFile.empty()) return {};
-    FaultScript script = FaultScript::Parse(ReadWhole(options.faultsFile), options.faultsFile);
+    const std::optional<std::string> text = tools::ReadFile(options.faultsFile);
+    if (!text)
+        throw tools::UserError(options.faultsFile + " cannot be read; check the name and its permissions");
+    FaultScript script = FaultScript::Parse(*text, options.faultsFile);
     for (const std::string& port : script.PrintersNamed()) {
         if (std::find(options.ports.begin(), options.ports.end(), port) == options.ports.end()) {
             throw tools::UserError(fmt::format(
@@ -86,7 +81,7 @@ class Printers final {
         bool all = true;
         for (std::future<bool>& isOpen : opened)
             all = isOpen.get() && all;
-        if (!all) throw Refusal{kOwnFault, "not every printer could be started"};
+        if (!all) throw Refusal{tools::kOwnFault, "not every printer could be started"};
     }
 
     void Stop() {
@@ -108,7 +103,7 @@ class Printers final {
         }
         if (!claims_.emplace_back(channelName).Take()) {
             throw Refusal{
-                kServedAlready,
+                tools::kRunsAlready,
                 fmt::format("printer {} of product {} is served by another virtual printer that is still "
                             "running; end that one or choose another --port",
                             port, options_.product)};
@@ -127,19 +122,19 @@ class Printers final {
     std::deque<PrinterServer> servers_;
 };
 
-ExitCode Run(const Options& options) {
+tools::ExitCode Run(const Options& options) {
     tools::EndRequest end;
     Printers printers(options, end);
     printers.Start();
-    fmt::print("ready: {}\n", fmt::join(options.ports, " "));
+    fmt::print("ready: {}\n", tools::Joined(options.ports, " "));
     std::fflush(stdout);
     end.Wait();
     printers.Stop();
     if (!options.quiet) fmt::print(stderr, "kestrel-vprinter: ended\n");
-    return printers.HasFailed() ? kOwnFault : kDone;
+    return printers.HasFailed() ? tools::kOwnFault : tools::kDone;
 }
 
-ExitCode Complain(ExitCode code, const std::string& text) {
+tools::ExitCode Complain(tools::ExitCode code, const std::string& text) {
     fmt::print(stderr, "kestrel-vprinter: {}\n", text);
     return code;
 }
@@ -148,15 +143,14 @@ ExitCode Complain(ExitCode code, const std::string& text) {
 
 int main(int argc, char** argv) {
     Options options;
-    int exitCode = kDone;
-    if (!ReadCommandLine(argc, argv, options, exitCode)) return exitCode;
+    if (const auto end = ReadCommandLine(argc, argv, options)) return *end;
     try {
         return Run(options);
     } catch (const Refusal& refusal) {
         return Complain(refusal.code, refusal.text);
     } catch (const tools::UserError& error) {
-        return Complain(kWrongUsage, error.what());
+        return Complain(tools::kWrongUsage, error.what());
     } catch (const std::exception& error) {
-        return Complain(kOwnFault, error.what());
+        return Complain(tools::kOwnFault, error.what());
     }
 }

@@ -1,12 +1,14 @@
-#include <fmt/format.h>
+// kestrel addressbook: the printer's fax and e-mail destinations, one record or a whole list at a time.
+#include <fmt/core.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
 
 #include "kestrel/commands/commands.h"
 #include "kestrel/printer/address_book.h"
 #include "kestrel/text/text.h"
+#include "shared/file.h"
 
 namespace cli {
 namespace {
@@ -17,11 +19,10 @@ struct FileOptions {
 };
 
 // A list takes three exchanges a record: the time of one exchange stands for each of them.
-std::uint32_t ListTimeout(const Context& context, const AddressList& list) {
-    constexpr std::uint64_t kLongest = 600000;
-    const std::uint64_t whole = std::uint64_t{context.Options().timeoutMs} * list.records;
-    return static_cast<std::uint32_t>(
-        std::min(whole, std::max<std::uint64_t>(kLongest, context.Options().timeoutMs)));
+uint32_t ListTimeout(const Context& context, const AddressList& list) {
+    constexpr uint64_t kLongest = 600000;
+    const uint64_t whole = uint64_t{context.Options().timeoutMs} * list.records;
+    return static_cast<uint32_t>(std::min(whole, std::max<uint64_t>(kLongest, context.Options().timeoutMs)));
 }
 
 constexpr CodelessFailure kOutOfTime = {ExitCode::kNoAnswer, "the time for the whole list ran out",
@@ -29,7 +30,7 @@ constexpr CodelessFailure kOutOfTime = {ExitCode::kNoAnswer, "the time for the w
 
 std::vector<KestrelQuickDial> ReadList(Context& context, const AddressList& list) {
     std::vector<KestrelQuickDial> records(list.records);
-    Demand<kestrel_bool(KestrelQuickDial*, std::uint32_t)>(
+    Demand<kestrel_bool(KestrelQuickDial*, uint32_t)>(
         context.GetPrinter().GetLibrary(), list.getter,
         {fmt::format("cannot read the {} list", list.name), Exchange::kRead, kOutOfTime}, records.data(),
         ListTimeout(context, list));
@@ -37,7 +38,7 @@ std::vector<KestrelQuickDial> ReadList(Context& context, const AddressList& list
 }
 
 void WriteList(Context& context, const AddressList& list, const std::vector<KestrelQuickDial>& records) {
-    Demand<kestrel_bool(const KestrelQuickDial*, std::uint32_t)>(
+    Demand<kestrel_bool(const KestrelQuickDial*, uint32_t)>(
         context.GetPrinter().GetLibrary(), list.setter,
         {fmt::format("cannot write the {} list", list.name), Exchange::kWrite, kOutOfTime}, records.data(),
         ListTimeout(context, list));
@@ -48,15 +49,14 @@ Report Show(Context& context, const std::string& only) {
     std::vector<std::vector<std::string>> rows = {{"LIST", "NUMBER", "TYPE", "NAME", "ADDRESS"}};
     for (const AddressList& list : kAddressLists) {
         if (!only.empty() && list.name != only) continue;
-        nlohmann::ordered_json& entries = report.data[std::string(list.name)] =
-            nlohmann::ordered_json::array();
+        tools::Json& entries = report.data[std::string(list.name)] = tools::Json::EmptyArray();
         const std::vector<KestrelQuickDial> records = ReadList(context, list);
-        for (std::size_t i = 0; i < records.size(); ++i) {
+        for (size_t i = 0; i < records.size(); ++i) {
             if (IsEmpty(records[i])) continue;
             const AddressEntry entry = EntryFrom(records[i]);
             rows.push_back({std::string(list.name), std::to_string(i), entry.type, ForTerminal(entry.name),
                             ForTerminal(entry.address)});
-            entries.push_back(
+            entries.Append(
                 {{"number", i}, {"type", entry.type}, {"name", entry.name}, {"address", entry.address}});
         }
     }
@@ -66,12 +66,11 @@ Report Show(Context& context, const std::string& only) {
 
 struct SetOptions {
     std::string list = "speed-dial";
-    std::uint32_t number = 0;
+    uint32_t number = 0;
     AddressEntry entry;
 };
 
-void WriteRecord(Context& context, const AddressList& list, std::uint32_t number,
-                 const KestrelQuickDial& record) {
+void WriteRecord(Context& context, const AddressList& list, uint32_t number, const KestrelQuickDial& record) {
     if (list.recordSetter == nullptr) {
         std::vector<KestrelQuickDial> records = ReadList(context, list);
         records[number] = record;
@@ -97,7 +96,7 @@ Report Export(Context& context, const FileOptions& options) {
     const std::string text = CsvFromRecords(ReadList(context, list));
     if (options.file.empty()) return {text, {{"list", list.name}, {"csv", text}}, {}};
 
-    std::ofstream file(options.file, std::ios::binary);
+    std::ofstream file(std::filesystem::path(options.file), std::ios::binary);
     file << text;
     file.close();
     if (!file) {
@@ -108,17 +107,16 @@ Report Export(Context& context, const FileOptions& options) {
 }
 
 std::string FileContents(const std::string& name) {
-    std::ifstream file(name, std::ios::binary);
-    std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    if (!file) throw ValueFailure(fmt::format("the file {} cannot be read", name), "check its name");
-    return text;
+    std::optional<std::string> text = tools::ReadFile(name);
+    if (!text) throw ValueFailure(fmt::format("the file {} cannot be read", name), "check its name");
+    return *std::move(text);
 }
 
 // Replaces the list: records that the file does not name become empty.
 Report Import(Context& context, const FileOptions& options) {
     const AddressList& list = FindAddressList(options.list);
     const std::vector<KestrelQuickDial> records = RecordsFromCsv(FileContents(options.file), list);
-    const auto used = static_cast<std::size_t>(std::count_if(
+    const auto used = static_cast<size_t>(std::count_if(
         records.begin(), records.end(), [](const KestrelQuickDial& record) { return !IsEmpty(record); }));
     WriteList(context, list, records);
     return {fmt::format("wrote {} records of the {} list\n", used, list.name),
@@ -126,66 +124,67 @@ Report Import(Context& context, const FileOptions& options) {
             {}};
 }
 
-void AddListOption(CLI::App& command, std::string& list) {
-    command.add_option("--list", list, "speed-dial (60 records) or one-touch (5 records)")
-        ->check(CLI::IsMember({"speed-dial", "one-touch"}))
-        ->type_name("LIST");
+void AddListOption(const tools::Command& command, std::string& list) {
+    command.AddOption("--list", list, "speed-dial (60 records) or one-touch (5 records)")
+        .OneOf({"speed-dial", "one-touch"})
+        .TypeName("LIST");
 }
 
-void DeclareShow(CLI::App& book, Chosen& chosen) {
-    CLI::App* const command = book.add_subcommand("show", "Print the records in use");
+void DeclareShow(const tools::Command& book, Chosen& chosen) {
+    const tools::Command command = book.AddSubcommand("show", "Print the records in use");
     const auto list = std::make_shared<std::string>();
-    AddListOption(*command, *list);
-    command->footer("Without --list both lists.\n\nExample: kestrel addressbook show --list one-touch");
-    command->callback([&chosen, list] {
+    AddListOption(command, *list);
+    command.Footer("Without --list both lists.\n\nExample: kestrel addressbook show --list one-touch");
+    command.OnUse([&chosen, list] {
         chosen = {"addressbook show", [list](Context& context) { return Show(context, *list); }};
     });
 }
 
-void DeclareSet(CLI::App& book, Chosen& chosen) {
-    CLI::App* const command = book.add_subcommand("set", "Change one record");
+void DeclareSet(const tools::Command& book, Chosen& chosen) {
+    const tools::Command command = book.AddSubcommand("set", "Change one record");
     const auto options = std::make_shared<SetOptions>();
-    command->add_option("NUMBER", options->number, "Record, from 0")->required();
-    command->add_option("TYPE", options->entry.type, "none, fax or email")->required();
-    command->add_option("NAME", options->entry.name, "Name of the destination");
-    command->add_option("ADDRESS", options->entry.address, "Fax number or e-mail address");
-    AddListOption(*command, options->list);
-    command->footer("Example: kestrel addressbook set 3 fax \"Head office\" 0301234567");
-    command->callback([&chosen, options] {
+    command.AddOption("NUMBER", options->number, "Record, from 0").Required();
+    command.AddOption("TYPE", options->entry.type, "none, fax or email").Required();
+    command.AddOption("NAME", options->entry.name, "Name of the destination");
+    command.AddOption("ADDRESS", options->entry.address, "Fax number or e-mail address");
+    AddListOption(command, options->list);
+    command.Footer("Example: kestrel addressbook set 3 fax \"Head office\" 0301234567");
+    command.OnUse([&chosen, options] {
         chosen = {"addressbook set", [options](Context& context) { return Set(context, *options); }};
     });
 }
 
-void DeclareFiles(CLI::App& book, Chosen& chosen) {
-    CLI::App* const exports = book.add_subcommand("export", "Write a list as comma-separated values");
+void DeclareFiles(const tools::Command& book, Chosen& chosen) {
+    const tools::Command exports = book.AddSubcommand("export", "Write a list as comma-separated values");
     const auto out = std::make_shared<FileOptions>();
-    exports->add_option("FILE", out->file, "File to write [standard output]");
-    AddListOption(*exports, out->list);
-    exports->footer("Example: kestrel addressbook export book.csv");
-    exports->callback([&chosen, out] {
+    exports.AddOption("FILE", out->file, "File to write [standard output]");
+    AddListOption(exports, out->list);
+    exports.Footer("Example: kestrel addressbook export book.csv");
+    exports.OnUse([&chosen, out] {
         chosen = {"addressbook export", [out](Context& context) { return Export(context, *out); }};
     });
 
-    CLI::App* const imports = book.add_subcommand("import", "Replace a list by that of a file");
+    const tools::Command imports = book.AddSubcommand("import", "Replace a list by that of a file");
     const auto in = std::make_shared<FileOptions>();
-    imports->add_option("FILE", in->file, "File with lines number,type,name,address")->required();
-    AddListOption(*imports, in->list);
-    imports->footer(
+    imports.AddOption("FILE", in->file, "File with lines number,type,name,address").Required();
+    AddListOption(imports, in->list);
+    imports.Footer(
         "Nothing is sent when a line is wrong. Records that the file leaves out become empty.\n\n"
         "Example: kestrel addressbook import book.csv");
-    imports->callback([&chosen, in] {
+    imports.OnUse([&chosen, in] {
         chosen = {"addressbook import", [in](Context& context) { return Import(context, *in); }};
     });
 }
 
 }  // namespace
 
-void AddAddressBook(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand("addressbook", "The printer's fax and e-mail destinations");
-    command->require_subcommand(1);
-    DeclareShow(*command, chosen);
-    DeclareSet(*command, chosen);
-    DeclareFiles(*command, chosen);
+void AddAddressBook(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command =
+        app.AddSubcommand("addressbook", "The printer's fax and e-mail destinations");
+    command.RequireSubcommand();
+    DeclareShow(command, chosen);
+    DeclareSet(command, chosen);
+    DeclareFiles(command, chosen);
 }
 
 }  // namespace cli

@@ -1,4 +1,5 @@
-#include <fmt/format.h>
+// kestrel clock: the printer's time, read, set, and taken from this computer.
+#include <fmt/core.h>
 
 #include <array>
 #include <charconv>
@@ -10,11 +11,11 @@ namespace cli {
 namespace {
 
 struct WallTime {
-    std::uint32_t year = 0;
-    std::uint32_t month = 0;
-    std::uint32_t day = 0;
-    std::uint32_t hour = 0;
-    std::uint32_t minute = 0;
+    uint32_t year = 0;
+    uint32_t month = 0;
+    uint32_t day = 0;
+    uint32_t hour = 0;
+    uint32_t minute = 0;
 };
 
 std::string Text(const WallTime& time) {
@@ -28,7 +29,7 @@ constexpr CodelessFailure kNoCompleteTime = {ExitCode::kBadReply,
 
 Report ShowClock(Context& context) {
     const Library& library = context.GetPrinter().GetLibrary();
-    const std::uint32_t timeoutMs = context.Options().timeoutMs;
+    const uint32_t timeoutMs = context.Options().timeoutMs;
     WallTime time;
     Demand<decltype(GetDeviceTime)>(library, "GetDeviceTime",
                                     {"cannot read the clock", Exchange::kRead, kNoCompleteTime}, &time.year,
@@ -46,9 +47,9 @@ Report ShowClock(Context& context) {
 // YYYY-MM-DD HH:MM, also with a T between; the printer judges the numbers.
 WallTime ParseTime(const std::string& written) {
     struct Part {
-        std::size_t begin;
-        std::size_t length;
-        std::uint32_t WallTime::*field;
+        size_t begin;
+        size_t length;
+        uint32_t WallTime::*field;
     };
     static constexpr std::array<Part, 5> kParts = {{{0, 4, &WallTime::year},
                                                     {5, 2, &WallTime::month},
@@ -58,7 +59,7 @@ WallTime ParseTime(const std::string& written) {
     static constexpr std::string_view kForm = "0000-00-00 00:00";
     WallTime time;
     bool fits = written.size() == kForm.size() && (written[10] == ' ' || written[10] == 'T');
-    for (const std::size_t position : {4U, 7U, 13U})
+    for (const size_t position : {4U, 7U, 13U})
         fits = fits && written[position] == kForm[position];
     for (const Part& part : kParts) {
         if (!fits) break;
@@ -72,11 +73,10 @@ WallTime ParseTime(const std::string& written) {
 
 Report SetClock(Context& context, const std::string& written) {
     const WallTime time = ParseTime(written);
-    Demand<decltype(SetDeviceTime)>(context.GetPrinter().GetLibrary(), "SetDeviceTime",
-                                    {"cannot set the clock"}, static_cast<std::uint16_t>(time.year),
-                                    static_cast<std::uint8_t>(time.month),
-                                    static_cast<std::uint8_t>(time.day), static_cast<std::uint8_t>(time.hour),
-                                    static_cast<std::uint8_t>(time.minute), context.Options().timeoutMs);
+    Demand<decltype(SetDeviceTime)>(
+        context.GetPrinter().GetLibrary(), "SetDeviceTime", {"cannot set the clock"},
+        static_cast<uint16_t>(time.year), static_cast<uint8_t>(time.month), static_cast<uint8_t>(time.day),
+        static_cast<uint8_t>(time.hour), static_cast<uint8_t>(time.minute), context.Options().timeoutMs);
     return {fmt::format("the clock is set to {}\n", Text(time)), {{"time", Text(time)}}, {}};
 }
 
@@ -87,32 +87,32 @@ Report SyncClock(Context& context) {
          Exchange::kWrite,
          {ExitCode::kOwnFault, "this computer has no identity", "check the rights on the registry"}},
         context.Options().timeoutMs);
-    return {"the clock is that of this computer\n", nlohmann::ordered_json::object(), {}};
+    return {"the clock is that of this computer\n", tools::Json::EmptyObject(), {}};
 }
 
 }  // namespace
 
-void AddClock(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand("clock", "Read and set the printer's clock");
-    command->require_subcommand(1);
+void AddClock(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command = app.AddSubcommand("clock", "Read and set the printer's clock");
+    command.RequireSubcommand();
 
-    CLI::App* const show = command->add_subcommand("show", "Print the time and the clock text");
-    show->footer("Example: kestrel clock show");
-    show->callback([&chosen] { chosen = {"clock show", ShowClock}; });
+    const tools::Command show = command.AddSubcommand("show", "Print the time and the clock text");
+    show.Footer("Example: kestrel clock show");
+    show.OnUse([&chosen] { chosen = {"clock show", ShowClock}; });
 
-    CLI::App* const set = command->add_subcommand("set", "Set the time");
+    const tools::Command set = command.AddSubcommand("set", "Set the time");
     const auto written = std::make_shared<std::string>();
-    set->add_option("TIME", *written, "YYYY-MM-DD HH:MM")->required();
-    set->footer("Example: kestrel clock set '2026-11-24 18:30'");
-    set->callback([&chosen, written] {
+    set.AddOption("TIME", *written, "YYYY-MM-DD HH:MM").Required();
+    set.Footer("Example: kestrel clock set '2026-11-24 18:30'");
+    set.OnUse([&chosen, written] {
         chosen = {"clock set", [written](Context& context) { return SetClock(context, *written); }};
     });
 
-    CLI::App* const sync = command->add_subcommand("sync", "Set the time to that of this computer");
-    sync->footer(
+    const tools::Command sync = command.AddSubcommand("sync", "Set the time to that of this computer");
+    sync.Footer(
         "The printer also learns the time zone and the identity of this computer.\n\n"
         "Example: kestrel clock sync");
-    sync->callback([&chosen] { chosen = {"clock sync", SyncClock}; });
+    sync.OnUse([&chosen] { chosen = {"clock sync", SyncClock}; });
 }
 
 }  // namespace cli

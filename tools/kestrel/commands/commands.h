@@ -1,3 +1,4 @@
+// The commands, one function each.
 #pragma once
 
 #include "kestrel/command_line.h"
@@ -6,30 +7,30 @@ namespace cli {
 
 // Each declares one command with its options, help and example, and puts the work into `chosen` when it is
 // used.
-void AddSetup(CLI::App& app, Chosen& chosen);
-void AddPrinters(CLI::App& app, Chosen& chosen);
-void AddGet(CLI::App& app, Chosen& chosen);
-void AddSet(CLI::App& app, Chosen& chosen);
-void AddList(CLI::App& app, Chosen& chosen);
-void AddRaw(CLI::App& app, Chosen& chosen);
-void AddMaintenance(CLI::App& app, Chosen& chosen);
-void AddLock(CLI::App& app, Chosen& chosen);
-void AddUnlock(CLI::App& app, Chosen& chosen);
-void AddCancel(CLI::App& app, Chosen& chosen);
-void AddCache(CLI::App& app, Chosen& chosen);
-void AddStatus(CLI::App& app, Chosen& chosen);
-void AddAddressBook(CLI::App& app, Chosen& chosen);
-void AddWifi(CLI::App& app, Chosen& chosen);
-void AddPing(CLI::App& app, Chosen& chosen);
-void AddHosts(CLI::App& app, Chosen& chosen);
-void AddClock(CLI::App& app, Chosen& chosen);
-void AddFirmware(CLI::App& app, Chosen& chosen);
-void AddCapabilities(CLI::App& app, Chosen& chosen);
-void AddIdentity(CLI::App& app, Chosen& chosen);
-void AddSupplies(CLI::App& app, Chosen& chosen);
-void AddMonitor(CLI::App& app, Chosen& chosen);
-void AddInstall(CLI::App& app, Chosen& chosen);
-void AddVersion(CLI::App& app, Chosen& chosen);
-void AddComplete(CLI::App& app, Chosen& chosen);
+void AddSetup(const tools::Command& app, Chosen& chosen);
+void AddPrinters(const tools::Command& app, Chosen& chosen);
+void AddGet(const tools::Command& app, Chosen& chosen);
+void AddSet(const tools::Command& app, Chosen& chosen);
+void AddList(const tools::Command& app, Chosen& chosen);
+void AddRaw(const tools::Command& app, Chosen& chosen);
+void AddMaintenance(const tools::Command& app, Chosen& chosen);
+void AddLock(const tools::Command& app, Chosen& chosen);
+void AddUnlock(const tools::Command& app, Chosen& chosen);
+void AddCancel(const tools::Command& app, Chosen& chosen);
+void AddCache(const tools::Command& app, Chosen& chosen);
+void AddStatus(const tools::Command& app, Chosen& chosen);
+void AddAddressBook(const tools::Command& app, Chosen& chosen);
+void AddWifi(const tools::Command& app, Chosen& chosen);
+void AddPing(const tools::Command& app, Chosen& chosen);
+void AddHosts(const tools::Command& app, Chosen& chosen);
+void AddClock(const tools::Command& app, Chosen& chosen);
+void AddFirmware(const tools::Command& app, Chosen& chosen);
+void AddCapabilities(const tools::Command& app, Chosen& chosen);
+void AddIdentity(const tools::Command& app, Chosen& chosen);
+void AddSupplies(const tools::Command& app, Chosen& chosen);
+void AddMonitor(const tools::Command& app, Chosen& chosen);
+void AddInstall(const tools::Command& app, Chosen& chosen);
+void AddVersion(const tools::Command& app, Chosen& chosen);
+void AddComplete(const tools::Command& app, Chosen& chosen);
 
 }  // namespace cli

@@ -1,3 +1,4 @@
+// kestrel complete: names of settings for a shell's completion.
 #include "kestrel/commands/commands.h"
 #include "kestrel/settings/settings.h"
 
@@ -6,22 +7,22 @@ namespace {
 
 Report Complete(const std::string& prefix) {
     Report report;
-    report.data["keys"] = nlohmann::ordered_json::array();
+    report.data["keys"] = tools::Json::EmptyArray();
     for (const catalogue::Row* const row : MatchingSettings(prefix + "*")) {
         report.text += std::string(row->name) + '\n';
-        report.data["keys"].push_back(row->name);
+        report.data["keys"].Append(row->name);
     }
     return report;
 }
 
 }  // namespace
 
-void AddComplete(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand("complete", "Print the settings that begin with a text");
+void AddComplete(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command = app.AddSubcommand("complete", "Print the settings that begin with a text");
     const auto prefix = std::make_shared<std::string>();
-    command->add_option("KEYPREFIX", *prefix, "Beginning of a key [all settings]");
-    command->footer("Meant for shells; see completion.bash.\n\nExample: kestrel complete fax.");
-    command->callback([&chosen, prefix] {
+    command.AddOption("KEYPREFIX", *prefix, "Beginning of a key [all settings]");
+    command.Footer("Meant for shells; see completion.bash.\n\nExample: kestrel complete fax.");
+    command.OnUse([&chosen, prefix] {
         chosen = {"complete", [prefix](Context&) { return Complete(*prefix); }};
     });
 }

@@ -1,4 +1,5 @@
-#include <fmt/format.h>
+// kestrel firmware: versions, and the upgrade from a file.
+#include <fmt/core.h>
 
 #include <array>
 #include <filesystem>
@@ -11,8 +12,8 @@ namespace cli {
 namespace {
 
 struct Versions {
-    std::uint32_t lagoon = 0;
-    std::uint32_t customer = 0;
+    uint32_t lagoon = 0;
+    uint32_t customer = 0;
     std::array<kestrel_char, 64> printer{};
 };
 
@@ -42,7 +43,7 @@ Report Upgrade(Context& context, const std::string& written) {
         library, "UpgradeFW",
         {fmt::format("cannot upgrade the firmware from {}", path), Exchange::kWrite, kFileRefused},
         wide.c_str());
-    const std::uint32_t number = library.Find<decltype(GetLastResponseNum)>("GetLastResponseNum")();
+    const uint32_t number = library.Find<decltype(GetLastResponseNum)>("GetLastResponseNum")();
     return {"the printer has taken the file and goes on by itself; `kestrel status` shows how far it is\n",
             {{"file", path}, {"responseNumber", number}},
             {}};
@@ -52,33 +53,33 @@ Report Refresh(Context& context) {
     Demand<decltype(RefreshFWCapabilities)>(
         context.GetPrinter().GetLibrary(), "RefreshFWCapabilities",
         {"the language monitor does not forget the firmware's capabilities"}, context.Options().timeoutMs);
-    return {"the firmware's capabilities will be asked for anew\n", nlohmann::ordered_json::object(), {}};
+    return {"the firmware's capabilities will be asked for anew\n", tools::Json::EmptyObject(), {}};
 }
 
 }  // namespace
 
-void AddFirmware(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand("firmware", "Print the firmware's versions, upgrade it");
-    command->require_subcommand(1);
+void AddFirmware(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command = app.AddSubcommand("firmware", "Print the firmware's versions, upgrade it");
+    command.RequireSubcommand();
 
-    CLI::App* const show = command->add_subcommand("show", "Print the versions");
-    show->footer("Example: kestrel firmware show");
-    show->callback([&chosen] { chosen = {"firmware show", ShowFirmware}; });
+    const tools::Command show = command.AddSubcommand("show", "Print the versions");
+    show.Footer("Example: kestrel firmware show");
+    show.OnUse([&chosen] { chosen = {"firmware show", ShowFirmware}; });
 
-    CLI::App* const upgrade = command->add_subcommand("upgrade", "Hand an upgrade file to the printer");
+    const tools::Command upgrade = command.AddSubcommand("upgrade", "Hand an upgrade file to the printer");
     const auto path = std::make_shared<std::string>();
-    upgrade->add_option("FILE", *path, "Upgrade file")->required();
-    upgrade->footer(
+    upgrade.AddOption("FILE", *path, "Upgrade file").Required();
+    upgrade.Footer(
         "Up to 72 s are allowed; --timeout does not count here.\n\n"
         "Example: kestrel firmware upgrade zr9900.fw");
-    upgrade->callback([&chosen, path] {
+    upgrade.OnUse([&chosen, path] {
         chosen = {"firmware upgrade", [path](Context& context) { return Upgrade(context, *path); }};
     });
 
-    CLI::App* const refresh =
-        command->add_subcommand("refresh", "Have the firmware's capabilities asked for anew");
-    refresh->footer("Example: kestrel firmware refresh");
-    refresh->callback([&chosen] { chosen = {"firmware refresh", Refresh}; });
+    const tools::Command refresh =
+        command.AddSubcommand("refresh", "Have the firmware's capabilities asked for anew");
+    refresh.Footer("Example: kestrel firmware refresh");
+    refresh.OnUse([&chosen] { chosen = {"firmware refresh", Refresh}; });
 }
 
 }  // namespace cli

@@ -1,4 +1,5 @@
-#include <fmt/format.h>
+// kestrel get: values of settings.
+#include <fmt/core.h>
 
 #include "kestrel/commands/commands.h"
 #include "kestrel/settings/settings.h"
@@ -15,7 +16,7 @@ Report Get(Context& context, const std::vector<std::string>& names) {
         rows.push_back(&FindReadableSetting(name));
 
     Report report;
-    nlohmann::ordered_json& values = report.data["values"] = nlohmann::ordered_json::object();
+    tools::Json& values = report.data["values"] = tools::Json::EmptyObject();
     for (const catalogue::Row* const row : rows) {
         try {
             const Value value = context.GetPrinter().Get(*row);
@@ -32,14 +33,14 @@ Report Get(Context& context, const std::vector<std::string>& names) {
 
 }  // namespace
 
-void AddGet(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand("get", "Print the value of one or more settings");
+void AddGet(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command = app.AddSubcommand("get", "Print the value of one or more settings");
     const auto names = std::make_shared<std::vector<std::string>>();
-    command->add_option("KEY", *names, "Setting, such as fax.redials")->required();
-    command->footer(
+    command.AddOption("KEY", *names, "Setting, such as fax.redials").Required();
+    command.Footer(
         "One KEY prints the bare value, several print lines of key and value.\n\n"
         "Example: kestrel get fax.redials fax.mode");
-    command->callback([&chosen, names] {
+    command.OnUse([&chosen, names] {
         chosen = {"get", [names](Context& context) { return Get(context, *names); }};
     });
 }

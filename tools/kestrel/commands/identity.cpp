@@ -1,4 +1,5 @@
-#include <fmt/format.h>
+// kestrel identity and capabilities: who the printer is and what it can do.
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <array>
@@ -11,8 +12,8 @@
 namespace cli {
 namespace {
 
-constexpr std::uint32_t kLargestBlock = 65000;
-constexpr std::uint32_t kSizeBytes = 4;
+constexpr uint32_t kLargestBlock = 65000;
+constexpr uint32_t kSizeBytes = 4;
 
 struct CloudService {
     const char* name;
@@ -23,11 +24,10 @@ constexpr std::array<CloudService, 2> kServices = {{
     {"pennant", "GetPennantConfigured"},
 }};
 
-using GetFlag = kestrel_bool(kestrel_bool*, std::uint32_t);
+using GetFlag = kestrel_bool(kestrel_bool*, uint32_t);
 
 // A printer that does not know a service has no flag for it: no failure, and no value either.
-std::optional<bool> ServiceFlag(const Library& library, const CloudService& service,
-                                std::uint32_t timeoutMs) {
+std::optional<bool> ServiceFlag(const Library& library, const CloudService& service, uint32_t timeoutMs) {
     kestrel_bool configured = 0;
     if (library.Find<GetFlag>(service.function)(&configured, timeoutMs) != 0) return configured != 0;
     if (GetLastError() == ERROR_SUCCESS) return std::nullopt;
@@ -37,9 +37,9 @@ std::optional<bool> ServiceFlag(const Library& library, const CloudService& serv
 
 Report Identify(Context& context) {
     const Library& library = context.GetPrinter().GetLibrary();
-    const std::uint32_t timeoutMs = context.Options().timeoutMs;
-    std::uint32_t vendor = 0;
-    std::uint32_t product = 0;
+    const uint32_t timeoutMs = context.Options().timeoutMs;
+    uint32_t vendor = 0;
+    uint32_t product = 0;
     Demand<decltype(GetVendorProductIDs)>(library, "GetVendorProductIDs",
                                           {"cannot read the USB identifiers", Exchange::kRead}, &vendor,
                                           &product, timeoutMs);
@@ -52,21 +52,21 @@ Report Identify(Context& context) {
                                    !configured   ? "not known to this printer"
                                    : *configured ? "configured"
                                                  : "not configured");
-        report.data[service.name] = configured ? nlohmann::ordered_json(*configured) : nullptr;
+        report.data[service.name] = configured ? tools::Json(*configured) : nullptr;
     }
     return report;
 }
 
 // The block begins with its own size, which also a call that asks for less leaves in the buffer.
-std::vector<std::uint8_t> CapabilityBlock(const Library& library) {
-    std::vector<std::uint8_t> block(kSizeBytes);
+std::vector<uint8_t> CapabilityBlock(const Library& library) {
+    std::vector<uint8_t> block(kSizeBytes);
     const auto get = library.Find<decltype(GetCapabilities)>("GetCapabilities");
     bool got = get(block.data(), kSizeBytes, 0) != 0;
     if (!got && GetLastError() == ERROR_SUCCESS) {
-        std::uint32_t size = 0;
+        uint32_t size = 0;
         std::memcpy(&size, block.data(), sizeof(size));
         block.resize(std::clamp(size, kSizeBytes, kLargestBlock));
-        got = get(block.data(), static_cast<std::uint32_t>(block.size()), 0) != 0;
+        got = get(block.data(), static_cast<uint32_t>(block.size()), 0) != 0;
     }
     if (got) return block;
     throw FailureOfLastCall(library,
@@ -78,17 +78,17 @@ std::vector<std::uint8_t> CapabilityBlock(const Library& library) {
 
 Report ShowCapabilities(Context& context) {
     const Library& library = context.GetPrinter().GetLibrary();
-    const std::uint32_t timeoutMs = context.Options().timeoutMs;
+    const uint32_t timeoutMs = context.Options().timeoutMs;
     kestrel_bool upgrade = 0;
     kestrel_bool edge = 0;
-    std::uint32_t version = 0;
+    uint32_t version = 0;
     Demand<GetFlag>(library, "GetCapFWUpgrade", {"cannot read the upgrade capability", Exchange::kRead},
                     &upgrade, timeoutMs);
     Demand<GetFlag>(library, "GetCapTOFEdgeOverride", {"cannot read the edge capability", Exchange::kRead},
                     &edge, timeoutMs);
     Demand<decltype(GetCapRBNVer)>(library, "GetCapRBNVer", {"cannot read the RBN version", Exchange::kRead},
                                    &version, timeoutMs);
-    const std::vector<std::uint8_t> block = CapabilityBlock(library);
+    const std::vector<uint8_t> block = CapabilityBlock(library);
     const std::string bytes(block.begin(), block.end());
     const std::string letter(1, static_cast<char>(version));
     Report report;
@@ -104,17 +104,17 @@ Report ShowCapabilities(Context& context) {
 
 }  // namespace
 
-void AddIdentity(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command =
-        app.add_subcommand("identity", "Print the USB identifiers and the cloud services of the printer");
-    command->footer("Example: kestrel identity");
-    command->callback([&chosen] { chosen = {"identity", Identify}; });
+void AddIdentity(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command =
+        app.AddSubcommand("identity", "Print the USB identifiers and the cloud services of the printer");
+    command.Footer("Example: kestrel identity");
+    command.OnUse([&chosen] { chosen = {"identity", Identify}; });
 }
 
-void AddCapabilities(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand("capabilities", "Print what the printer can do");
-    command->footer("Example: kestrel capabilities");
-    command->callback([&chosen] { chosen = {"capabilities", ShowCapabilities}; });
+void AddCapabilities(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command = app.AddSubcommand("capabilities", "Print what the printer can do");
+    command.Footer("Example: kestrel capabilities");
+    command.OnUse([&chosen] { chosen = {"capabilities", ShowCapabilities}; });
 }
 
 }  // namespace cli

@@ -1,4 +1,5 @@
-#include <fmt/format.h>
+// kestrel install: what set-up programs do through the library.
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <array>
@@ -11,12 +12,12 @@
 namespace cli {
 namespace {
 
-constexpr std::size_t kPortNameUnits = 64;
-constexpr std::uint32_t kRawPrinting = 9100;
+constexpr size_t kPortNameUnits = 64;
+constexpr uint32_t kRawPrinting = 9100;
 
 struct NetPort {
     std::string host;
-    std::uint32_t number = kRawPrinting;
+    uint32_t number = kRawPrinting;
     std::string name;
 };
 
@@ -91,55 +92,56 @@ Report InstallQueue(Context& context, const NewPrinter& printer) {
             {}};
 }
 
-void DeclarePort(CLI::App& install, Chosen& chosen) {
-    CLI::App* const command = install.add_subcommand("port", "Make a network port for a printer's address");
+void DeclarePort(const tools::Command& install, Chosen& chosen) {
+    const tools::Command command =
+        install.AddSubcommand("port", "Make a network port for a printer's address");
     const auto port = std::make_shared<NetPort>();
-    command->add_option("HOST", port->host, "IPv4 address or host name")->required();
-    command->add_option("--number", port->number, "TCP port")->capture_default_str();
-    command->add_option("--name", port->name, "Name of the port [formed from the host]");
-    command->footer("Example: kestrel install port 192.168.0.20");
-    command->callback([&chosen, port] {
+    command.AddOption("HOST", port->host, "IPv4 address or host name").Required();
+    command.AddOption("--number", port->number, "TCP port").ShowsDefault();
+    command.AddOption("--name", port->name, "Name of the port [formed from the host]");
+    command.Footer("Example: kestrel install port 192.168.0.20");
+    command.OnUse([&chosen, port] {
         chosen = {"install port", [port](Context& context) { return InstallPort(context, *port); }};
     });
 }
 
-void AddModelOptions(CLI::App& command, NewPrinter& printer) {
-    command.add_option("FILE", printer.inf, "Set-up information file of the driver")->required();
-    command.add_option("MODEL", printer.model, "Model in that file")->required();
+void AddModelOptions(const tools::Command& command, NewPrinter& printer) {
+    command.AddOption("FILE", printer.inf, "Set-up information file of the driver").Required();
+    command.AddOption("MODEL", printer.model, "Model in that file").Required();
 }
 
-void DeclareDriver(CLI::App& install, Chosen& chosen) {
-    CLI::App* const command = install.add_subcommand("driver", "Install a printer driver");
+void DeclareDriver(const tools::Command& install, Chosen& chosen) {
+    const tools::Command command = install.AddSubcommand("driver", "Install a printer driver");
     const auto driver = std::make_shared<NewPrinter>();
-    AddModelOptions(*command, *driver);
-    command->footer("Example: kestrel install driver zr.inf \"ZR 9900\"");
-    command->callback([&chosen, driver] {
+    AddModelOptions(command, *driver);
+    command.Footer("Example: kestrel install driver zr.inf \"ZR 9900\"");
+    command.OnUse([&chosen, driver] {
         chosen = {"install driver", [driver](Context& context) { return InstallDriver(context, *driver); }};
     });
 }
 
-void DeclareQueue(CLI::App& install, Chosen& chosen) {
-    CLI::App* const command = install.add_subcommand("printer", "Install a printer with its driver");
+void DeclareQueue(const tools::Command& install, Chosen& chosen) {
+    const tools::Command command = install.AddSubcommand("printer", "Install a printer with its driver");
     const auto printer = std::make_shared<NewPrinter>();
-    command->add_option("NAME", printer->name, "Name of the new printer")->required();
-    AddModelOptions(*command, *printer);
-    command->add_option("PORT", printer->port, "Port that the printer is attached to")->required();
-    command->add_flag("--default", printer->makeDefault, "Make it the default printer");
-    command->footer("Example: kestrel install printer Office zr.inf \"ZR 9900\" USB001");
-    command->callback([&chosen, printer] {
+    command.AddOption("NAME", printer->name, "Name of the new printer").Required();
+    AddModelOptions(command, *printer);
+    command.AddOption("PORT", printer->port, "Port that the printer is attached to").Required();
+    command.AddFlag("--default", printer->makeDefault, "Make it the default printer");
+    command.Footer("Example: kestrel install printer Office zr.inf \"ZR 9900\" USB001");
+    command.OnUse([&chosen, printer] {
         chosen = {"install printer", [printer](Context& context) { return InstallQueue(context, *printer); }};
     });
 }
 
 }  // namespace
 
-void AddInstall(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command =
-        app.add_subcommand("install", "Install ports, drivers and printers as a set-up program does");
-    command->require_subcommand(1);
-    DeclarePort(*command, chosen);
-    DeclareDriver(*command, chosen);
-    DeclareQueue(*command, chosen);
+void AddInstall(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command =
+        app.AddSubcommand("install", "Install ports, drivers and printers as a set-up program does");
+    command.RequireSubcommand();
+    DeclarePort(command, chosen);
+    DeclareDriver(command, chosen);
+    DeclareQueue(command, chosen);
 }
 
 }  // namespace cli

@@ -1,4 +1,5 @@
-#include <fmt/format.h>
+// kestrel list: settings with their types, values and what they may be.
+#include <fmt/core.h>
 
 #include "kestrel/commands/commands.h"
 #include "kestrel/output/progress.h"
@@ -58,17 +59,17 @@ std::string AllowedColumn(const catalogue::Row& row) {
     return row.CanWrite() || FormOf(row) == ValueForm::kWord ? AllowedValues(row) : std::string();
 }
 
-nlohmann::ordered_json ListedJson(const Listed& listed, bool showSecrets) {
+tools::Json ListedJson(const Listed& listed, bool showSecrets) {
     const catalogue::Row& row = *listed.row;
-    nlohmann::ordered_json json = {{"key", row.name},
-                                   {"type", TypeName(row)},
-                                   {"readable", row.CanRead()},
-                                   {"writable", row.CanWrite()}};
+    tools::Json json = {{"key", row.name},
+                        {"type", TypeName(row)},
+                        {"readable", row.CanRead()},
+                        {"writable", row.CanWrite()}};
     for (const catalogue::EnumEntry& entry : row.words)
-        json["words"].push_back(entry.name);
+        json["words"].Append(entry.name);
     if (listed.value) {
         const bool masked = !showSecrets && row.IsSecret();
-        json["value"] = masked ? nlohmann::ordered_json(kMask) : JsonValue(row, *listed.value);
+        json["value"] = masked ? tools::Json(kMask) : JsonValue(row, *listed.value);
         if (masked) json["masked"] = true;
     }
     if (listed.failure) json["error"] = listed.failure->text;
@@ -83,13 +84,13 @@ Report List(Context& context, const ListOptions& options) {
     }
 
     Report report;
-    report.data["settings"] = nlohmann::ordered_json::array();
+    report.data["settings"] = tools::Json::EmptyArray();
     std::vector<std::vector<std::string>> rows = {{"KEY", "TYPE", "ACCESS", "VALUE", "ALLOWED"}};
     for (const Listed& listed : ReadAll(context, matching)) {
         const catalogue::Row& row = *listed.row;
         rows.push_back({std::string(row.name), std::string(TypeName(row)), AccessName(row),
                         ShownValue(listed, options.showSecrets), AllowedColumn(row)});
-        report.data["settings"].push_back(ListedJson(listed, options.showSecrets));
+        report.data["settings"].Append(ListedJson(listed, options.showSecrets));
         if (listed.failure && !report.failure) report.failure = listed.failure;
     }
     report.text = AlignedTable(rows, context.ResultPaint());
@@ -98,18 +99,16 @@ Report List(Context& context, const ListOptions& options) {
 
 }  // namespace
 
-void AddList(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command =
-        app.add_subcommand("list", "Print settings with type, value and allowed values");
+void AddList(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command =
+        app.AddSubcommand("list", "Print settings with type, value and allowed values");
     const auto options = std::make_shared<ListOptions>();
-    command->add_option("PATTERN", options->pattern,
-                        "Part of a key, or a pattern with * and ? [all settings]");
-    command->add_flag("--show-secrets", options->showSecrets,
-                      "Print keys and pass phrases instead of a mask");
-    command->footer(
+    command.AddOption("PATTERN", options->pattern, "Part of a key, or a pattern with * and ? [all settings]");
+    command.AddFlag("--show-secrets", options->showSecrets, "Print keys and pass phrases instead of a mask");
+    command.Footer(
         "A value of - cannot be read, one of ? could not be read this time.\n\n"
         "Example: kestrel list 'fax.*'");
-    command->callback([&chosen, options] {
+    command.OnUse([&chosen, options] {
         chosen = {"list", [options](Context& context) { return List(context, *options); }};
     });
 }

@@ -1,4 +1,5 @@
-#include <fmt/format.h>
+// kestrel maintenance: what the printer does to itself.
+#include <fmt/core.h>
 
 #include <array>
 
@@ -60,14 +61,14 @@ Report Maintain(Context& context, const std::string& name) {
 
 }  // namespace
 
-void AddMaintenance(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand("maintenance", "Run a maintenance action");
+void AddMaintenance(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command = app.AddSubcommand("maintenance", "Run a maintenance action");
     const auto name = std::make_shared<std::string>();
-    command->add_option("ACTION", *name, "What to do")->required();
-    command->footer(ActionList() +
-                    "The library allows five seconds for an action; --timeout does not count here.\n\n"
-                    "Example: kestrel maintenance check-nozzles");
-    command->callback([&chosen, name] {
+    command.AddOption("ACTION", *name, "What to do").Required();
+    command.Footer(ActionList() +
+                   "The library allows five seconds for an action; --timeout does not count here.\n\n"
+                   "Example: kestrel maintenance check-nozzles");
+    command.OnUse([&chosen, name] {
         chosen = {"maintenance", [name](Context& context) { return Maintain(context, *name); }};
     });
 }

@@ -1,4 +1,5 @@
-#include <fmt/format.h>
+// kestrel monitor: the status monitor's windows, and when it shows them.
+#include <fmt/core.h>
 
 #include <array>
 
@@ -45,34 +46,34 @@ Report Mode(Context& context, const std::string& wanted) {
     return {fmt::format("{}\n", word), {{"mode", word}}, {}};
 }
 
-void DeclareMode(CLI::App& monitor, Chosen& chosen) {
-    CLI::App* const command =
-        monitor.add_subcommand("mode", "Print or set whether the status window is always shown");
+void DeclareMode(const tools::Command& monitor, Chosen& chosen) {
+    const tools::Command command =
+        monitor.AddSubcommand("mode", "Print or set whether the status window is always shown");
     const auto wanted = std::make_shared<std::string>();
-    command->add_option("MODE", *wanted, "always or off [print it]")->check(CLI::IsMember({"always", "off"}));
-    command->footer("Example: kestrel monitor mode off");
-    command->callback([&chosen, wanted] {
+    command.AddOption("MODE", *wanted, "always or off [print it]").OneOf({"always", "off"});
+    command.Footer("Example: kestrel monitor mode off");
+    command.OnUse([&chosen, wanted] {
         chosen = {"monitor mode", [wanted](Context& context) { return Mode(context, *wanted); }};
     });
 }
 
 }  // namespace
 
-void AddMonitor(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand("monitor", "Let the status monitor open its windows");
-    command->require_subcommand(1);
+void AddMonitor(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command = app.AddSubcommand("monitor", "Let the status monitor open its windows");
+    command.RequireSubcommand();
     for (const Window& window : kWindows) {
-        CLI::App* const open = command->add_subcommand(window.name, window.help);
-        open->footer(
+        const tools::Command open = command.AddSubcommand(window.name, window.help);
+        open.Footer(
             fmt::format("Six seconds are allowed, and the start takes one more; --timeout does not "
                         "count here.\n\nExample: kestrel monitor {}",
                         window.name));
-        open->callback([&chosen, &window] {
+        open.OnUse([&chosen, &window] {
             chosen = {fmt::format("monitor {}", window.name),
                       [&window](Context& context) { return Show(context, window); }};
         });
     }
-    DeclareMode(*command, chosen);
+    DeclareMode(command, chosen);
 }
 
 }  // namespace cli

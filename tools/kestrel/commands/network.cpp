@@ -1,5 +1,5 @@
 // What the printer finds in its networks: access points, answers to pings, hosts.
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <array>
 #include <thread>
@@ -20,10 +20,9 @@ constexpr milliseconds kPollInterval{500};
 // A search that has found nothing new for so long has found what there is.
 constexpr milliseconds kQuietEnd{3000};
 
-std::uint32_t AskNumber(const Library& library, const char* function, const char* what,
-                        std::uint32_t timeoutMs) {
-    std::uint32_t number = 0;
-    Demand<kestrel_bool(std::uint32_t*, std::uint32_t)>(
+uint32_t AskNumber(const Library& library, const char* function, const char* what, uint32_t timeoutMs) {
+    uint32_t number = 0;
+    Demand<kestrel_bool(uint32_t*, uint32_t)>(
         library, function, {fmt::format("cannot read the number of {}", what), Exchange::kRead}, &number,
         timeoutMs);
     return number;
@@ -35,11 +34,11 @@ void WaitForSearch(Context& context, const Library& library, milliseconds limit)
     const WaitLine line("searching access points", !context.Options().json);
     const Clock::time_point end = Clock::now() + limit;
     Clock::time_point lastNews = Clock::now();
-    std::uint32_t found = 0;
+    uint32_t found = 0;
     while (Clock::now() < end && (found == 0 || Clock::now() - lastNews < kQuietEnd)) {
         line.Show(fmt::format("{} found", found));
         std::this_thread::sleep_for(kPollInterval);
-        const std::uint32_t now =
+        const uint32_t now =
             AskNumber(library, "GetNumAccessPoints", "access points", context.Options().timeoutMs);
         if (now != found) lastNews = Clock::now();
         found = now;
@@ -48,7 +47,7 @@ void WaitForSearch(Context& context, const Library& library, milliseconds limit)
 
 Report Scan(Context& context, milliseconds limit) {
     const Library& library = context.GetPrinter().GetLibrary();
-    const std::uint32_t timeoutMs = context.Options().timeoutMs;
+    const uint32_t timeoutMs = context.Options().timeoutMs;
     Demand<decltype(StartSearchForAccessPoints)>(library, "StartSearchForAccessPoints",
                                                  {"cannot start the search for access points"}, timeoutMs);
     WaitForSearch(context, library, limit);
@@ -58,7 +57,7 @@ Report Scan(Context& context, milliseconds limit) {
                                       {"cannot read the access points", Exchange::kRead}, points.data(),
                                       timeoutMs);
     Report report;
-    report.data["accessPoints"] = nlohmann::ordered_json::array();
+    report.data["accessPoints"] = tools::Json::EmptyArray();
     std::vector<std::vector<std::string>> rows = {{"SSID", "MAC ADDRESS", "CHANNEL", "SIGNAL", "ENCRYPTION"}};
     for (const KestrelAccessPoint& point : points) {
         const std::string ssid = Utf8FromWide(point.ssid);
@@ -67,13 +66,13 @@ Report Scan(Context& context, milliseconds limit) {
         if (ssid.empty() && address.empty()) continue;
         rows.push_back({ForTerminal(ssid), ForTerminal(address), std::to_string(point.channel),
                         std::to_string(point.signalStrength), std::to_string(point.encryption)});
-        report.data["accessPoints"].push_back({{"ssid", ssid},
-                                               {"macAddress", address},
-                                               {"channel", point.channel},
-                                               {"signalStrength", point.signalStrength},
-                                               {"beaconInterval", point.beaconInterval},
-                                               {"capabilities", point.capabilities},
-                                               {"encryption", point.encryption}});
+        report.data["accessPoints"].Append({{"ssid", ssid},
+                                            {"macAddress", address},
+                                            {"channel", point.channel},
+                                            {"signalStrength", point.signalStrength},
+                                            {"beaconInterval", point.beaconInterval},
+                                            {"capabilities", point.capabilities},
+                                            {"encryption", point.encryption}});
     }
     report.text = rows.size() > 1 ? AlignedTable(rows, context.ResultPaint()) : "no access point was found\n";
     return report;
@@ -87,7 +86,7 @@ constexpr std::array<const char*, 9> kShownSettings = {
 Report ShowWifi(Context& context) {
     Report report;
     std::vector<std::vector<std::string>> rows = {{"KEY", "VALUE"}};
-    nlohmann::ordered_json& values = report.data["values"] = nlohmann::ordered_json::object();
+    tools::Json& values = report.data["values"] = tools::Json::EmptyObject();
     for (const char* const name : kShownSettings) {
         const catalogue::Row& row = FindReadableSetting(name);
         const Value value = context.GetPrinter().Get(row);
@@ -121,15 +120,15 @@ Report SetWifi(Context& context, const WifiValues& written) {
     };
     // All are understood before the first is sent.
     std::vector<Change> changes;
-    for (std::size_t i = 0; i < kWifiOptions.size(); ++i) {
+    for (size_t i = 0; i < kWifiOptions.size(); ++i) {
         if (written[i].empty()) continue;
         const catalogue::Row& row = FindWritableSetting(kWifiOptions[i].setting);
-        changes.push_back({&row, ParseValue(row, written[i])});
+        changes.Append({&row, ParseValue(row, written[i])});
     }
     if (changes.empty()) throw UsageFailure("nothing is given to set", "give at least --ssid");
 
     Report report;
-    report.data["set"] = nlohmann::ordered_json::array();
+    report.data["set"] = tools::Json::EmptyArray();
     for (const Change& change : changes) {
         try {
             context.GetPrinter().Set(*change.row, change.value);
@@ -137,7 +136,7 @@ Report SetWifi(Context& context, const WifiValues& written) {
             report.failure = failure;
             break;
         }
-        report.data["set"].push_back(change.row->name);
+        report.data["set"].Append(change.row->name);
     }
     return report;
 }
@@ -146,23 +145,23 @@ Report SetWifi(Context& context, const WifiValues& written) {
 
 struct PingOptions {
     std::string address;
-    std::uint32_t count = 4;
-    std::uint32_t wait = 2;
+    uint32_t count = 4;
+    uint32_t wait = 2;
 };
 
 Report Ping(Context& context, const PingOptions& options) {
-    const std::optional<std::uint32_t> address = ParseDottedAddress(options.address);
+    const std::optional<uint32_t> address = ParseDottedAddress(options.address);
     if (!address) {
         throw ValueFailure(fmt::format("\"{}\" is no address", options.address),
                            "write four numbers with dots: 192.168.0.1");
     }
     const Library& library = context.GetPrinter().GetLibrary();
-    const std::uint32_t timeoutMs = context.Options().timeoutMs;
+    const uint32_t timeoutMs = context.Options().timeoutMs;
     Demand<decltype(SetPing)>(library, "SetPing", {fmt::format("cannot ping {}", options.address)}, *address,
-                              static_cast<std::uint8_t>(options.count),
-                              static_cast<std::uint8_t>(options.wait), timeoutMs);
+                              static_cast<uint8_t>(options.count), static_cast<uint8_t>(options.wait),
+                              timeoutMs);
 
-    std::uint32_t sent = 0;
+    uint32_t sent = 0;
     {
         const WaitLine line("pinging " + options.address, !context.Options().json);
         // The printer counts the time of a ping in its own unit, which is taken for a second here.
@@ -174,7 +173,7 @@ Report Ping(Context& context, const PingOptions& options) {
             sent = AskNumber(library, "GetNumOfPingExecuted", "pings sent", timeoutMs);
         }
     }
-    const std::uint32_t answered = AskNumber(library, "GetNumOfPingSuccess", "pings answered", timeoutMs);
+    const uint32_t answered = AskNumber(library, "GetNumOfPingSuccess", "pings answered", timeoutMs);
     Report report{fmt::format("{}: {} pings sent, {} answered\n", options.address, sent, answered),
                   {{"address", options.address}, {"sent", sent}, {"answered", answered}},
                   {}};
@@ -197,12 +196,12 @@ Report Hosts(Context& context) {
                                       {"cannot read the hosts", Exchange::kRead}, hosts.data(),
                                       context.Options().timeoutMs);
     Report report;
-    report.data["hosts"] = nlohmann::ordered_json::array();
+    report.data["hosts"] = tools::Json::EmptyArray();
     for (const KestrelHost& host : hosts) {
         const std::string name = Utf8FromWide(host.name);
         if (name.empty()) continue;
         report.text += ForTerminal(name) + '\n';
-        report.data["hosts"].push_back(name);
+        report.data["hosts"].Append(name);
     }
     if (report.text.empty()) report.text = "the printer has found no host\n";
     return report;
@@ -210,59 +209,56 @@ Report Hosts(Context& context) {
 
 }  // namespace
 
-void AddWifi(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand("wifi", "The printer's wireless network");
-    command->require_subcommand(1);
+void AddWifi(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command = app.AddSubcommand("wifi", "The printer's wireless network");
+    command.RequireSubcommand();
 
-    CLI::App* const show = command->add_subcommand("show", "Print the wireless settings and state");
-    show->footer("Example: kestrel wifi show");
-    show->callback([&chosen] { chosen = {"wifi show", ShowWifi}; });
+    const tools::Command show = command.AddSubcommand("show", "Print the wireless settings and state");
+    show.Footer("Example: kestrel wifi show");
+    show.OnUse([&chosen] { chosen = {"wifi show", ShowWifi}; });
 
-    CLI::App* const scan = command->add_subcommand("scan", "Let the printer search access points");
+    const tools::Command scan = command.AddSubcommand("scan", "Let the printer search access points");
     const auto limit = std::make_shared<milliseconds>(15000);
     AddTimeOption(
-        *scan, "--wait", [limit](milliseconds time) { *limit = time; }, "Longest search [15s]");
-    scan->footer(
+        scan, "--wait", [limit](milliseconds time) { *limit = time; }, "Longest search [15s]");
+    scan.Footer(
         "The search ends earlier when nothing new has been found for 3 seconds. The encryption is the\n"
         "printer's own number.\n\nExample: kestrel wifi scan");
-    scan->callback([&chosen, limit] {
+    scan.OnUse([&chosen, limit] {
         chosen = {"wifi scan", [limit](Context& context) { return Scan(context, *limit); }};
     });
 
-    CLI::App* const set = command->add_subcommand("set", "Change several wireless settings");
+    const tools::Command set = command.AddSubcommand("set", "Change several wireless settings");
     const auto values = std::make_shared<WifiValues>();
-    for (std::size_t i = 0; i < kWifiOptions.size(); ++i)
-        set->add_option(kWifiOptions[i].option, (*values)[i], kWifiOptions[i].help)->type_name("VALUE");
-    set->footer(
+    for (size_t i = 0; i < kWifiOptions.size(); ++i)
+        set.AddOption(kWifiOptions[i].option, (*values)[i], kWifiOptions[i].help).TypeName("VALUE");
+    set.Footer(
         "`kestrel list wireless` shows the allowed words.\n\n"
         "Example: kestrel wifi set --ssid Office --security WPA2PSK_AES --pass-phrase \"open sesame\"");
-    set->callback([&chosen, values] {
+    set.OnUse([&chosen, values] {
         chosen = {"wifi set", [values](Context& context) { return SetWifi(context, *values); }};
     });
 }
 
-void AddPing(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand("ping", "Let the printer ping an address");
+void AddPing(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command = app.AddSubcommand("ping", "Let the printer ping an address");
     const auto options = std::make_shared<PingOptions>();
-    command->add_option("ADDRESS", options->address, "Dotted address")->required();
-    command->add_option("--count", options->count, "How many pings")
-        ->capture_default_str()
-        ->check(CLI::Range(1, 255));
-    command
-        ->add_option("--wait", options->wait, "Time that the printer waits for each answer, in its own unit")
-        ->capture_default_str()
-        ->check(CLI::Range(1, 255));
-    command->footer("Without any answer the exit code is 1.\n\nExample: kestrel ping 192.168.0.1");
-    command->callback([&chosen, options] {
+    command.AddOption("ADDRESS", options->address, "Dotted address").Required();
+    command.AddOption("--count", options->count, "How many pings").ShowsDefault().Between(1, 255);
+    command.AddOption("--wait", options->wait, "Time that the printer waits for each answer, in its own unit")
+        .ShowsDefault()
+        .Between(1, 255);
+    command.Footer("Without any answer the exit code is 1.\n\nExample: kestrel ping 192.168.0.1");
+    command.OnUse([&chosen, options] {
         chosen = {"ping", [options](Context& context) { return Ping(context, *options); }};
     });
 }
 
-void AddHosts(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command =
-        app.add_subcommand("hosts", "Print the hosts that the printer found by multicast DNS");
-    command->footer("Example: kestrel hosts");
-    command->callback([&chosen] { chosen = {"hosts", Hosts}; });
+void AddHosts(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command =
+        app.AddSubcommand("hosts", "Print the hosts that the printer found by multicast DNS");
+    command.Footer("Example: kestrel hosts");
+    command.OnUse([&chosen] { chosen = {"hosts", Hosts}; });
 }
 
 }  // namespace cli

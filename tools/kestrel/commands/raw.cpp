@@ -1,4 +1,5 @@
-#include <fmt/format.h>
+// kestrel raw: a request of the command language as it stands.
+#include <fmt/core.h>
 
 #include "kestrel/commands/commands.h"
 #include "kestrel/text/text.h"
@@ -30,18 +31,17 @@ Report Raw(Context& context, const RawOptions& options) {
 
 }  // namespace
 
-void AddRaw(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command =
-        app.add_subcommand("raw", "Send one request of the command language as it stands");
+void AddRaw(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command =
+        app.AddSubcommand("raw", "Send one request of the command language as it stands");
     const auto options = std::make_shared<RawOptions>();
-    command
-        ->add_option("TEXT", options->text, "Request with its terminator; \\xNN is a byte, \\\\ a backslash")
-        ->required();
-    command->add_flag("--hex", options->hex, "Print the reply as a table of hexadecimal bytes");
-    command->footer(
+    command.AddOption("TEXT", options->text, "Request with its terminator; \\xNN is a byte, \\\\ a backslash")
+        .Required();
+    command.AddFlag("--hex", options->hex, "Print the reply as a table of hexadecimal bytes");
+    command.Footer(
         "The reply is printed in the same notation.\n\n"
         "Example: kestrel raw 'DeviceSettings.Fax.Redials?'");
-    command->callback([&chosen, options] {
+    command.OnUse([&chosen, options] {
         chosen = {"raw", [options](Context& context) { return Raw(context, *options); }};
     });
 }

@@ -1,4 +1,5 @@
-#include <fmt/format.h>
+// kestrel lock, unlock, cancel and cache: what concerns the exchange with the printer itself.
+#include <fmt/core.h>
 
 #include <cstdio>
 
@@ -27,14 +28,14 @@ const char* WordOf(platform::WaitEnd end) {
     return "";
 }
 
-void GiveBack(const Library& library, std::uint32_t timeoutMs) {
+void GiveBack(const Library& library, uint32_t timeoutMs) {
     Demand<decltype(Unlock)>(library, "Unlock", {"cannot unlock the printer"}, timeoutMs);
 }
 
 // The lock is this process's: it lasts as long as the process waits here.
 Report HoldLock(Context& context, std::optional<std::chrono::milliseconds> time) {
     const Library& library = context.GetPrinter().GetLibrary();
-    const std::uint32_t timeoutMs = context.Options().timeoutMs;
+    const uint32_t timeoutMs = context.Options().timeoutMs;
     Demand<decltype(Lock)>(library, "Lock", {"cannot lock the printer"}, timeoutMs);
     if (!context.Options().json) {
         fmt::print(stderr, "locked; {}\n",
@@ -47,13 +48,13 @@ Report HoldLock(Context& context, std::optional<std::chrono::milliseconds> time)
 
 Report UnlockPrinter(Context& context) {
     GiveBack(context.GetPrinter().GetLibrary(), context.Options().timeoutMs);
-    return {"unlocked\n", nlohmann::ordered_json::object(), {}};
+    return {"unlocked\n", tools::Json::EmptyObject(), {}};
 }
 
 Report CancelWork(Context& context) {
     Demand<decltype(Cancel)>(context.GetPrinter().GetLibrary(), "Cancel",
                              {"cannot cancel what the language monitor is doing"});
-    return {"cancelled\n", nlohmann::ordered_json::object(), {}};
+    return {"cancelled\n", tools::Json::EmptyObject(), {}};
 }
 
 Report SwitchCache(Context& context, bool on) {
@@ -67,42 +68,42 @@ Report SwitchCache(Context& context, bool on) {
 
 }  // namespace
 
-void AddLock(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand("lock", "Keep the printer for oneself for a while");
+void AddLock(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command = app.AddSubcommand("lock", "Keep the printer for oneself for a while");
     const auto time = std::make_shared<std::optional<std::chrono::milliseconds>>();
     AddTimeOption(
-        *command, "--hold", [time](std::chrono::milliseconds written) { *time = written; },
+        command, "--hold", [time](std::chrono::milliseconds written) { *time = written; },
         "How long: 30s, 2m [until Enter or Ctrl-C]");
-    command->footer(
+    command.Footer(
         "The lock belongs to this process and ends with it.\n\n"
         "Example: kestrel lock --hold 30s");
-    command->callback([&chosen, time] {
+    command.OnUse([&chosen, time] {
         chosen = {"lock", [time](Context& context) { return HoldLock(context, *time); }};
     });
 }
 
-void AddUnlock(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand("unlock", "Give the printer back");
-    command->footer(
+void AddUnlock(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command = app.AddSubcommand("unlock", "Give the printer back");
+    command.Footer(
         "Asks once a second until the printer confirms it or the time is over.\n\n"
         "Example: kestrel --timeout 10s unlock");
-    command->callback([&chosen] { chosen = {"unlock", UnlockPrinter}; });
+    command.OnUse([&chosen] { chosen = {"unlock", UnlockPrinter}; });
 }
 
-void AddCancel(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command =
-        app.add_subcommand("cancel", "Cancel what the language monitor is doing for the printer");
-    command->footer("Five seconds are allowed.\n\nExample: kestrel cancel");
-    command->callback([&chosen] { chosen = {"cancel", CancelWork}; });
+void AddCancel(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command =
+        app.AddSubcommand("cancel", "Cancel what the language monitor is doing for the printer");
+    command.Footer("Five seconds are allowed.\n\nExample: kestrel cancel");
+    command.OnUse([&chosen] { chosen = {"cancel", CancelWork}; });
 }
 
-void AddCache(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command =
-        app.add_subcommand("cache", "Allow the language monitor to answer from what it knows, or not");
+void AddCache(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command =
+        app.AddSubcommand("cache", "Allow the language monitor to answer from what it knows, or not");
     const auto word = std::make_shared<std::string>();
-    command->add_option("STATE", *word, "on or off")->required()->check(CLI::IsMember({"on", "off"}));
-    command->footer("Five seconds are allowed.\n\nExample: kestrel cache off");
-    command->callback([&chosen, word] {
+    command.AddOption("STATE", *word, "on or off").Required().OneOf({"on", "off"});
+    command.Footer("Five seconds are allowed.\n\nExample: kestrel cache off");
+    command.OnUse([&chosen, word] {
         chosen = {"cache", [word](Context& context) { return SwitchCache(context, *word == "on"); }};
     });
 }

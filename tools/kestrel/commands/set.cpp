@@ -1,4 +1,5 @@
-#include <fmt/format.h>
+// kestrel set: a setting's new value, read back on demand.
+#include <fmt/core.h>
 
 #include "kestrel/commands/commands.h"
 #include "kestrel/settings/settings.h"
@@ -41,17 +42,17 @@ Report Set(Context& context, const SetOptions& options) {
 
 }  // namespace
 
-void AddSet(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand("set", "Change a setting");
+void AddSet(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command = app.AddSubcommand("set", "Change a setting");
     const auto options = std::make_shared<SetOptions>();
-    command->add_option("KEY", options->name, "Setting, such as fax.redials")->required();
-    command->add_option("VALUE", options->written, "yes/no, a number, a word, a dotted address or a text")
-        ->required();
-    command->add_flag("--verify", options->verify, "Read the setting back and compare");
-    command->footer(
+    command.AddOption("KEY", options->name, "Setting, such as fax.redials").Required();
+    command.AddOption("VALUE", options->written, "yes/no, a number, a word, a dotted address or a text")
+        .Required();
+    command.AddFlag("--verify", options->verify, "Read the setting back and compare");
+    command.Footer(
         "`kestrel list KEY` shows the allowed words. A text that begins with a dash follows after --.\n\n"
         "Example: kestrel set fax.redials 3 --verify");
-    command->callback([&chosen, options] {
+    command.OnUse([&chosen, options] {
         chosen = {"set", [options](Context& context) { return Set(context, *options); }};
     });
 }

@@ -1,6 +1,7 @@
+// kestrel setup: everything where the driver installer would put it.
 #include <windows.h>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <array>
 #include <filesystem>
@@ -10,6 +11,7 @@
 #include "kestrel/failure.h"
 #include "kestrel/installation/product_configuration.h"
 #include "kestrel/installation/spooler.h"
+#include "kestrel/platform.h"
 
 namespace cli {
 namespace {
@@ -90,7 +92,7 @@ Report Setup(const Context& context, std::vector<std::string> drivers) {
     if (drivers.empty()) drivers.push_back(product + std::string(kDefaultDriverEnding));
     const std::string text = ConfigurationText(product, drivers);
     const std::filesystem::path path = ConfigurationPath(product);
-    const WrittenWords& words = kWrittenWords.at(static_cast<std::size_t>(WriteConfiguration(path, text)));
+    const WrittenWords& words = kWrittenWords.at(static_cast<size_t>(WriteConfiguration(path, text)));
 
     Report report;
     report.text = fmt::format("{} {}\n", words.sentence, path.string());
@@ -100,22 +102,25 @@ Report Setup(const Context& context, std::vector<std::string> drivers) {
         AddDriver(driver, product);
         report.text += fmt::format("the driver \"{}\" is installed\n", driver);
     }
+    if (const std::string warning = platform::OpenHomeWarning(); !warning.empty()) {
+        report.text += fmt::format("warning: {}\n", warning);
+        report.data["warning"] = warning;
+    }
     return report;
 }
 
 }  // namespace
 
-void AddSetup(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand(
+void AddSetup(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command = app.AddSubcommand(
         "setup",
         "Put the product configuration, the status monitor and the driver where the driver installer would");
     const auto drivers = std::make_shared<std::vector<std::string>>();
-    command->add_option("--driver", *drivers, "Driver of the product; repeatable [PREFIX Series]")
-        ->type_name("NAME")
-        ->expected(1)
-        ->take_all();
-    command->footer("Can be run again at any time.\n\nExample: kestrel setup --driver \"Workgroup Series\"");
-    command->callback([&chosen, drivers] {
+    command.AddOption("--driver", *drivers, "Driver of the product; repeatable [PREFIX Series]")
+        .TypeName("NAME")
+        .OneEachTime();
+    command.Footer("Can be run again at any time.\n\nExample: kestrel setup --driver \"Workgroup Series\"");
+    command.OnUse([&chosen, drivers] {
         chosen = {"setup", [drivers](Context& context) { return Setup(context, *drivers); }};
     });
 }

@@ -1,4 +1,5 @@
-#include <fmt/format.h>
+// kestrel status: the printer's state, once or at each change.
+#include <fmt/core.h>
 
 #include <cstdio>
 
@@ -24,7 +25,7 @@ DeviceStatus Ask(Context& context) {
     const Library& library = context.GetPrinter().GetLibrary();
     const Waiting waiting("asking for the status", !context.Options().json);
     Demand<decltype(GetStatus)>(library, "GetStatus", {"cannot read the status", Exchange::kRead}, &record,
-                                static_cast<std::uint32_t>(sizeof(record)));
+                                static_cast<uint32_t>(sizeof(record)));
     return ReadStatus(record);
 }
 
@@ -36,24 +37,25 @@ Report Once(Context& context) {
 // People see each change at once; the document has them all in the end.
 Report Watch(Context& context, const StatusOptions& options) {
     Report report;
-    nlohmann::ordered_json& changes = report.data["changes"] = nlohmann::ordered_json::array();
+    tools::Json& changes = report.data["changes"] = tools::Json::EmptyArray();
     const Clock::time_point start = Clock::now();
     const auto passed = [start] { return std::chrono::duration_cast<milliseconds>(Clock::now() - start); };
     do {
-        nlohmann::ordered_json now;
+        tools::Json now;
         try {
             const DeviceStatus status = Ask(context);
             now = StatusJson(status);
-            if (!context.Options().json && (changes.empty() || changes.back().at("status") != now)) {
-                fmt::print("{}{}", changes.empty() ? "" : "\n", StatusText(status));
+            if (!context.Options().json &&
+                (changes.Items().empty() || changes.Items().back().At("status") != now)) {
+                fmt::print("{}{}", changes.Items().empty() ? "" : "\n", StatusText(status));
                 std::fflush(stdout);
             }
         } catch (const Failure& failure) {
             report.failure = failure;
             return report;
         }
-        if (changes.empty() || changes.back().at("status") != now)
-            changes.push_back({{"afterMs", passed().count()}, {"status", now}});
+        if (changes.Items().empty() || changes.Items().back().At("status") != now)
+            changes.Append({{"afterMs", passed().count()}, {"status", now}});
         if (options.end && passed() >= *options.end) return report;
     } while (platform::WaitForUser(options.interval) == platform::WaitEnd::kTime);
     // The same end as that of an interrupt in the middle of a question.
@@ -63,23 +65,23 @@ Report Watch(Context& context, const StatusOptions& options) {
 
 }  // namespace
 
-void AddStatus(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand("status", "Print the printer's state, inks and trays");
+void AddStatus(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command = app.AddSubcommand("status", "Print the printer's state, inks and trays");
     const auto options = std::make_shared<StatusOptions>();
-    CLI::Option* const watch =
-        command->add_flag("--watch", options->watch, "Print it again at each change, until Ctrl-C");
+    const tools::Option watch =
+        command.AddFlag("--watch", options->watch, "Print it again at each change, until Ctrl-C");
     AddTimeOption(
-        *command, "--interval", [options](milliseconds time) { options->interval = time; },
+        command, "--interval", [options](milliseconds time) { options->interval = time; },
         "With --watch: time between two questions [2s]")
-        ->needs(watch);
+        .Needs(watch);
     AddTimeOption(
-        *command, "--for", [options](milliseconds time) { options->end = time; },
+        command, "--for", [options](milliseconds time) { options->end = time; },
         "With --watch: how long [until Ctrl-C]")
-        ->needs(watch);
-    command->footer(
+        .Needs(watch);
+    command.Footer(
         "The status monitor is started if it does not run. A status that is not known yet is waited for, up\n"
         "to 14 seconds.\n\nExample: kestrel status --watch --interval 1s");
-    command->callback([&chosen, options] {
+    command.OnUse([&chosen, options] {
         chosen = {"status", [options](Context& context) {
                       return options->watch ? Watch(context, *options) : Once(context);
                   }};

@@ -1,3 +1,4 @@
+// kestrel supplies: the order of ink and the like.
 #include "kestrel/commands/commands.h"
 
 namespace cli {
@@ -10,19 +11,19 @@ constexpr CodelessFailure kRefused = {ExitCode::kDeviceRefused,
 Report Order(Context& context) {
     Demand<decltype(OrderSupplies)>(context.GetPrinter().GetLibrary(), "OrderSupplies",
                                     {"cannot order supplies", Exchange::kWrite, kRefused});
-    return {"an order has been started\n", nlohmann::ordered_json::object(), {}};
+    return {"an order has been started\n", tools::Json::EmptyObject(), {}};
 }
 
 }  // namespace
 
-void AddSupplies(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command = app.add_subcommand("supplies", "Order ink and other supplies");
-    command->require_subcommand(1);
-    CLI::App* const order = command->add_subcommand("order", "Start an order");
-    order->footer(
+void AddSupplies(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command = app.AddSubcommand("supplies", "Order ink and other supplies");
+    command.RequireSubcommand();
+    const tools::Command order = command.AddSubcommand("order", "Start an order");
+    order.Footer(
         "The printer is asked for 4 s, and after it the status monitor for 8 s; --timeout does not count "
         "here.\n\nExample: kestrel supplies order");
-    order->callback([&chosen] { chosen = {"supplies order", Order}; });
+    order.OnUse([&chosen] { chosen = {"supplies order", Order}; });
 }
 
 }  // namespace cli

@@ -1,4 +1,5 @@
-#include <fmt/format.h>
+// kestrel version: this program's and the library's.
+#include <fmt/core.h>
 
 #include "kestrel/commands/commands.h"
 
@@ -7,7 +8,7 @@ namespace {
 
 Report Version(Context& context) {
     const Library& library = context.GetLibrary();
-    const std::uint32_t sdk = library.Find<decltype(GetSDKVersion)>("GetSDKVersion")();
+    const uint32_t sdk = library.Find<decltype(GetSDKVersion)>("GetSDKVersion")();
     return {fmt::format("kestrel {}\nlibrary {} (interface {})\n", KESTREL_VERSION, library.Path(), sdk),
             {{"client", KESTREL_VERSION}, {"library", library.Path()}, {"interface", sdk}},
             {}};
@@ -15,11 +16,11 @@ Report Version(Context& context) {
 
 }  // namespace
 
-void AddVersion(CLI::App& app, Chosen& chosen) {
-    CLI::App* const command =
-        app.add_subcommand("version", "Print the versions of this program and the library");
-    command->footer("Example: kestrel version");
-    command->callback([&chosen] { chosen = {"version", Version}; });
+void AddVersion(const tools::Command& app, Chosen& chosen) {
+    const tools::Command command =
+        app.AddSubcommand("version", "Print the versions of this program and the library");
+    command.Footer("Example: kestrel version");
+    command.OnUse([&chosen] { chosen = {"version", Version}; });
 }
 
 }  // namespace cli

@@ -1,17 +1,18 @@
+// The template filled in, and the file replaced in one step.
 #include "kestrel/installation/product_configuration.h"
 
 #include <windows.h>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 
 #include "kestrel/failure.h"
 #include "kestrel/installation/spooler.h"
 #include "kestrel/text/text.h"
+#include "shared/file.h"
 
 namespace cli {
 namespace {
@@ -20,8 +21,8 @@ namespace fs = std::filesystem;
 
 // The reader of the file sees no more of one section.
 constexpr DWORD kSectionUnits = 2600;
-constexpr std::size_t kLongestDriverName = 259;
-constexpr std::size_t kSignatureLength = 4;
+constexpr size_t kLongestDriverName = 259;
+constexpr size_t kSignatureLength = 4;
 
 std::string UpperAscii(std::string text) {
     for (char& c : text) {
@@ -69,14 +70,9 @@ void CheckProduct(const std::string& product) {
 }
 
 void ReplaceAll(std::string& text, std::string_view what, std::string_view with) {
-    for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size())) {
+    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size())) {
         text.replace(at, what.size(), with);
     }
-}
-
-std::string ReadWhole(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 [[noreturn]] void ThrowUnwritable(const fs::path& path, const std::string& reason) {
@@ -103,9 +99,9 @@ std::vector<std::string> ConfiguredDrivers(const std::string& product) {
         GetPrivateProfileSectionW(TEXT("Printers"), lines.data(), kSectionUnits, path.c_str());
 
     std::vector<std::string> drivers;
-    std::basic_string_view<WCHAR> rest(lines.data(), std::min<std::size_t>(length, lines.size()));
+    std::basic_string_view<WCHAR> rest(lines.data(), std::min<size_t>(length, lines.size()));
     while (!rest.empty()) {
-        const std::size_t end = std::min(rest.find(WCHAR{0}), rest.size());
+        const size_t end = std::min(rest.find(WCHAR{0}), rest.size());
         if (end > 0) drivers.push_back(Utf8FromWide(rest.substr(0, end)));
         rest.remove_prefix(std::min(end + 1, rest.size()));
     }
@@ -125,7 +121,7 @@ std::string ConfigurationText(const std::string& product, const std::vector<std:
     std::string text;
     std::string_view rest = filledTemplate;
     while (!rest.empty()) {
-        const std::size_t end = std::min(rest.find('\n'), rest.size() - 1) + 1;
+        const size_t end = std::min(rest.find('\n'), rest.size() - 1) + 1;
         const std::string_view line = rest.substr(0, end);
         rest.remove_prefix(end);
         if (line.find("{driver}") == std::string_view::npos) {
@@ -145,7 +141,7 @@ std::string ConfigurationText(const std::string& product, const std::vector<std:
 Written WriteConfiguration(const fs::path& path, const std::string& text) {
     std::error_code error;
     const bool existed = fs::exists(path, error);
-    if (existed && ReadWhole(path) == text) return Written::kUnchanged;
+    if (existed && tools::ReadFile(path) == text) return Written::kUnchanged;
 
     fs::create_directories(path.parent_path(), error);
     if (error) ThrowUnwritable(path, error.message());

@@ -1,3 +1,4 @@
+// The file that tells the library which drivers are the product's: <driver directory>/3/<PRODUCT>.INI.
 #pragma once
 
 #include <filesystem>
@@ -6,8 +7,6 @@
 #include <vector>
 
 namespace cli {
-
-// The file that tells the library which drivers are the product's: <driver directory>/3/<PRODUCT>.INI.
 
 // Every section and key, with {product} (in capitals), {prefix} (the product as given), {signature} and
 // {driver} to be filled in (product.ini).

@@ -1,10 +1,11 @@
+// Each call's records put together and taken apart.
 #include "kestrel/installation/spooler.h"
 
 #include <windows.h>
 // The spooler's header needs the one above.
 #include <winspool.h>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <cstring>
 #include <memory>
@@ -109,7 +110,7 @@ std::string DriverDirectory() {
     std::vector<WCHAR> path;
     while (!GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<LPBYTE>(path.data()),
                                        static_cast<DWORD>(path.size() * sizeof(WCHAR)), &bytes)) {
-        const std::size_t units = bytes / sizeof(WCHAR) + 1;
+        const size_t units = bytes / sizeof(WCHAR) + 1;
         if (GetLastError() != ERROR_INSUFFICIENT_BUFFER || units <= path.size()) {
             ThrowLastError("cannot find the printer driver directory");
         }

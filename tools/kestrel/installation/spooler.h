@@ -1,11 +1,10 @@
+// The printer spooler's own calls, with UTF-8 texts. All throw a Failure that carries the spooler's code.
 #pragma once
 
 #include <string>
 #include <vector>
 
 namespace cli {
-
-// The printer spooler's own calls, with UTF-8 texts. All throw a Failure that carries the spooler's code.
 
 struct InstalledPrinter final {
     std::string name;

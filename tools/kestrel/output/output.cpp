@@ -1,22 +1,23 @@
+// Text with colours, tables and one JSON document.
 #include "kestrel/output/output.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
-#include "kestrel/platform.h"
 #include "kestrel/text/text.h"
+#include "shared/process.h"
 
 namespace cli {
 namespace {
 
 constexpr int kDocumentVersion = 1;
 
-bool ColourWanted(platform::Stream stream, bool noColour) {
+bool ColourWanted(std::FILE* stream, bool noColour) {
     const char* const refused = std::getenv("NO_COLOR");
-    return !noColour && (refused == nullptr || *refused == '\0') && platform::IsTerminal(stream);
+    return !noColour && (refused == nullptr || *refused == '\0') && tools::IsTerminal(stream);
 }
 
 const char* EscapeSequence(Colour colour) {
@@ -32,13 +33,13 @@ const char* EscapeSequence(Colour colour) {
 }
 
 // Characters, not bytes: continuation bytes take no place on the screen.
-std::size_t Width(std::string_view utf8) {
-    return static_cast<std::size_t>(std::count_if(
+size_t Width(std::string_view utf8) {
+    return static_cast<size_t>(std::count_if(
         utf8.begin(), utf8.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
-nlohmann::ordered_json FailureJson(const Failure& failure) {
-    nlohmann::ordered_json json = {{"text", failure.text}};
+tools::Json FailureJson(const Failure& failure) {
+    tools::Json json = {{"text", failure.text}};
     if (!failure.advice.empty()) json["advice"] = failure.advice;
     if (failure.code) {
         json["code"] = *failure.code;
@@ -60,24 +61,24 @@ std::string Paint::operator()(Colour colour, std::string_view text) const {
 }
 
 Paint PaintForResults(bool noColour) {
-    return Paint(ColourWanted(platform::Stream::kOut, noColour));
+    return Paint(ColourWanted(stdout, noColour));
 }
 Paint PaintForErrors(bool noColour) {
-    return Paint(ColourWanted(platform::Stream::kError, noColour));
+    return Paint(ColourWanted(stderr, noColour));
 }
 
 std::string AlignedTable(const std::vector<std::vector<std::string>>& rows, const Paint& paint) {
-    std::vector<std::size_t> widths;
+    std::vector<size_t> widths;
     for (const auto& row : rows) {
         widths.resize(std::max(widths.size(), row.size()));
-        for (std::size_t i = 0; i < row.size(); ++i)
+        for (size_t i = 0; i < row.size(); ++i)
             widths[i] = std::max(widths[i], Width(row[i]));
     }
 
     std::string table;
     for (const auto& row : rows) {
         std::string line;
-        for (std::size_t i = 0; i < row.size(); ++i) {
+        for (size_t i = 0; i < row.size(); ++i) {
             line += row[i];
             if (i + 1 < row.size()) line.append(widths[i] - Width(row[i]) + 2, ' ');
         }
@@ -89,12 +90,13 @@ std::string AlignedTable(const std::vector<std::vector<std::string>>& rows, cons
 
 std::string JsonDocument(std::string_view command, const Report& report) {
     const ExitCode exit = report.failure ? report.failure->exit : ExitCode::kDone;
-    nlohmann::ordered_json document = {
+    tools::Json document = {
         {"version", kDocumentVersion}, {"command", command}, {"exitCode", static_cast<int>(exit)}};
-    document.update(report.data);
+    for (const auto& [name, value] : report.data.Members())
+        document[name] = value;
     if (report.failure) document["error"] = FailureJson(*report.failure);
     // A text that came from the command line need not be UTF-8; the document always is.
-    return document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + '\n';
+    return document.Dump(2) + '\n';
 }
 
 std::string FailureText(const Failure& failure, const Paint& paint) {

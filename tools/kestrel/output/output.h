@@ -1,6 +1,5 @@
+// How a command's results and failures reach people and scripts.
 #pragma once
-
-#include <nlohmann/json.hpp>
 
 #include <optional>
 #include <string>
@@ -8,13 +7,14 @@
 #include <vector>
 
 #include "kestrel/failure.h"
+#include "shared/json.h"
 
 namespace cli {
 
 // What a command has to say. A failure may stand beside results: those had before it are shown all the same.
 struct Report final {
-    std::string text;                                                // for people, with its line ends
-    nlohmann::ordered_json data = nlohmann::ordered_json::object();  // fields of the JSON document
+    std::string text;                               // for people, with its line ends
+    tools::Json data = tools::Json::EmptyObject();  // fields of the JSON document
     std::optional<Failure> failure;
 };
 

@@ -1,23 +1,23 @@
+// Both are drawn over themselves and wiped away in the end.
 #include "kestrel/output/progress.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <cstdio>
 
-#include "kestrel/platform.h"
+#include "shared/process.h"
 
 namespace cli {
 namespace {
 
-constexpr std::size_t kCells = 24;
+constexpr size_t kCells = 24;
 constexpr std::string_view kEraseLine = "\r\x1b[K";
 
 }  // namespace
 
-Progress::Progress(std::size_t total, bool wanted)
-    : total_(std::max<std::size_t>(total, 1)),
-      shown_(wanted && total > 1 && platform::IsTerminal(platform::Stream::kError)) {}
+Progress::Progress(size_t total, bool wanted)
+    : total_(std::max<size_t>(total, 1)), shown_(wanted && total > 1 && tools::IsTerminal(stderr)) {}
 
 Progress::~Progress() {
     if (shown_) fmt::print(stderr, "{}", kEraseLine);
@@ -25,7 +25,7 @@ Progress::~Progress() {
 
 void Progress::Step(std::string_view what) {
     if (!shown_) return;
-    const std::size_t filled = kCells * done_ / total_;
+    const size_t filled = kCells * done_ / total_;
     ++done_;
     fmt::print(stderr, "{}[{}{}] {}/{} {}", kEraseLine, std::string(filled, '#'),
                std::string(kCells - filled, '.'), done_, total_, what);
@@ -33,7 +33,7 @@ void Progress::Step(std::string_view what) {
 }
 
 WaitLine::WaitLine(std::string what, bool wanted)
-    : what_(std::move(what)), shown_(wanted && platform::IsTerminal(platform::Stream::kError)) {}
+    : what_(std::move(what)), shown_(wanted && tools::IsTerminal(stderr)) {}
 
 WaitLine::~WaitLine() {
     if (shown_) fmt::print(stderr, "{}", kEraseLine);

@@ -1,3 +1,4 @@
+// How far something is, for whoever watches the terminal.
 #pragma once
 
 #include <chrono>
@@ -10,7 +11,7 @@ namespace cli {
 // A bar on standard error while many settings are read; silent when nobody watches.
 class Progress final {
   public:
-    Progress(std::size_t total, bool wanted);
+    Progress(size_t total, bool wanted);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -19,8 +20,8 @@ class Progress final {
     void Step(std::string_view what);
 
   private:
-    std::size_t total_;
-    std::size_t done_ = 0;
+    size_t total_;
+    size_t done_ = 0;
     bool shown_;
 };
 

@@ -1,13 +1,14 @@
+// A thread of its own draws the line, because the call that is waited for does not come back.
 #include "kestrel/output/waiting.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <mutex>
 
-#include "kestrel/platform.h"
+#include "shared/process.h"
 
 namespace cli {
 namespace {
@@ -18,7 +19,7 @@ constexpr const char* kEraseLine = "\r\x1b[K";
 }  // namespace
 
 Waiting::Waiting(std::string what, bool wanted) : what_(std::move(what)) {
-    if (wanted && platform::IsTerminal(platform::Stream::kError))
+    if (wanted && tools::IsTerminal(stderr))
         thread_ = std::jthread([this](const std::stop_token& stop) { Show(stop); });
 }
 

@@ -1,3 +1,4 @@
+// How long a single call takes, for whoever watches the terminal.
 #pragma once
 
 #include <string>

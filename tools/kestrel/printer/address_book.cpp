@@ -1,6 +1,7 @@
+// The library's fixed fields against the texts that people write.
 #include "kestrel/printer/address_book.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <charconv>
@@ -17,14 +18,14 @@ constexpr std::array<std::string_view, 3> kTypes = {"none", "fax", "email"};
 constexpr std::string_view kNoText = "(null)";
 const CsvRow kHeading = {"number", "type", "name", "address"};
 
-template <std::size_t units>
+template <size_t units>
 std::string Field(const kestrel_char (&field)[units]) {
     const std::basic_string_view<WCHAR> whole(field, units);
     const std::string text = Utf8FromWide(whole.substr(0, std::min(whole.find(WCHAR{}), units)));
     return text == kNoText ? std::string() : text;
 }
 
-template <std::size_t units>
+template <size_t units>
 void SetField(kestrel_char (&field)[units], const std::string& text, const char* what) {
     const WideText wide = WideArgument(text, what);
     if (wide.size() >= units) {
@@ -40,8 +41,8 @@ void SetField(kestrel_char (&field)[units], const std::string& text, const char*
     std::copy(wide.begin(), wide.end(), std::begin(field));
 }
 
-std::size_t RecordNumber(const std::string& written, std::size_t row, const AddressList& list) {
-    std::size_t number = 0;
+size_t RecordNumber(const std::string& written, size_t row, const AddressList& list) {
+    size_t number = 0;
     const char* const end = written.data() + written.size();
     const auto [stop, error] = std::from_chars(written.data(), end, number);
     if (error != std::errc() || stop != end || number >= list.records) {
@@ -78,7 +79,7 @@ KestrelQuickDial RecordFrom(const AddressEntry& entry) {
                            "choose none, fax or email");
     }
     KestrelQuickDial record{};
-    record.addressType = static_cast<std::uint32_t>(type - kTypes.begin());
+    record.addressType = static_cast<uint32_t>(type - kTypes.begin());
     SetField(record.name, entry.name, "name");
     SetField(record.address, entry.address, "address");
     return record;
@@ -86,7 +87,7 @@ KestrelQuickDial RecordFrom(const AddressEntry& entry) {
 
 std::string CsvFromRecords(const std::vector<KestrelQuickDial>& records) {
     std::string text = CsvLine(kHeading);
-    for (std::size_t i = 0; i < records.size(); ++i) {
+    for (size_t i = 0; i < records.size(); ++i) {
         if (IsEmpty(records[i])) continue;
         const AddressEntry entry = EntryFrom(records[i]);
         text += CsvLine({std::to_string(i), entry.type, entry.name, entry.address});
@@ -97,7 +98,7 @@ std::string CsvFromRecords(const std::vector<KestrelQuickDial>& records) {
 std::vector<KestrelQuickDial> RecordsFromCsv(std::string_view text, const AddressList& list) {
     std::vector<KestrelQuickDial> records(list.records);
     std::vector<bool> named(list.records);
-    std::size_t rowNumber = 0;
+    size_t rowNumber = 0;
     for (const CsvRow& row : ParseCsv(text)) {
         ++rowNumber;
         if (rowNumber == 1 && row == kHeading) continue;
@@ -105,7 +106,7 @@ std::vector<KestrelQuickDial> RecordsFromCsv(std::string_view text, const Addres
             throw ValueFailure(fmt::format("row {} has {} fields", rowNumber, row.size()),
                                "write number,type,name,address");
         }
-        const std::size_t number = RecordNumber(row[0], rowNumber, list);
+        const size_t number = RecordNumber(row[0], rowNumber, list);
         if (named[number]) {
             throw ValueFailure(fmt::format("row {} names record {} a second time", rowNumber, number),
                                "leave one of the two rows out");

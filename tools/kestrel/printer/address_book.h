@@ -1,3 +1,4 @@
+// The records of the address book as people write them, alone and as files.
 #pragma once
 
 #include <kestrel/sdk_types.h>
@@ -11,7 +12,7 @@ namespace cli {
 
 struct AddressList final {
     std::string_view name;
-    std::size_t records;
+    size_t records;
     const char* getter;
     const char* setter;
     const char* recordSetter;  // none: a record can only be written with the whole list

@@ -1,6 +1,7 @@
+// The library found beside this program, and the failures of its calls.
 #include "kestrel/printer/library.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <vector>
 
@@ -11,7 +12,7 @@ namespace {
 
 constexpr DWORD kLongestPath = 32768;
 // The longest reply that the channel carries, and its terminator.
-constexpr std::size_t kReplyUnits = 65792;
+constexpr size_t kReplyUnits = 65792;
 
 WideText ProgramFolder() {
     WideText path(MAX_PATH, 0);
@@ -21,7 +22,7 @@ WideText ProgramFolder() {
         length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
     }
     path.resize(length);
-    const std::size_t separator = path.find_last_of(TEXT("\\/"));
+    const size_t separator = path.find_last_of(TEXT("\\/"));
     return separator == WideText::npos ? WideText() : path.substr(0, separator + 1);
 }
 

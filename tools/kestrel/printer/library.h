@@ -1,3 +1,4 @@
+// The product's library as a program loads it at run time, and its functions by name.
 #pragma once
 
 #include <windows.h>
@@ -6,7 +7,6 @@
 
 #include <memory>
 #include <string>
-#include <string_view>
 #include <type_traits>
 
 #include "kestrel/failure.h"

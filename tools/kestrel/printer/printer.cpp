@@ -1,6 +1,7 @@
+// The exports of a setting called by the row's names, one way for each type.
 #include "kestrel/printer/printer.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <filesystem>
 #include <system_error>
@@ -15,7 +16,7 @@ namespace {
 
 // A value that no call sets: still there after a selection, it says that the configuration did not load.
 constexpr DWORD kUntouched = 0x20000000;
-constexpr std::uint32_t kLargestMessage = 65791;
+constexpr uint32_t kLargestMessage = 65791;
 
 Failure SelectionFailure(const Library& library, const std::string& product, const std::string& name) {
     const DWORD code = GetLastError();
@@ -44,35 +45,35 @@ Failure SelectionFailure(const Library& library, const std::string& product, con
 
 // The exported getters and setters differ in the type of the value alone.
 template <typename Number>
-bool GetNumber(const Library& library, const char* getter, std::int64_t& number, std::uint32_t timeoutMs) {
+bool GetNumber(const Library& library, const char* getter, int64_t& number, uint32_t timeoutMs) {
     Number got{};
-    const bool done = library.Find<kestrel_bool(Number*, std::uint32_t)>(getter)(&got, timeoutMs) != 0;
+    const bool done = library.Find<kestrel_bool(Number*, uint32_t)>(getter)(&got, timeoutMs) != 0;
     number = got;
     return done;
 }
 
 template <typename Number>
-bool SetNumber(const Library& library, const char* setter, std::int64_t number, std::uint32_t timeoutMs) {
+bool SetNumber(const Library& library, const char* setter, int64_t number, uint32_t timeoutMs) {
     const auto value = static_cast<Number>(number);
-    return library.Find<kestrel_bool(Number, std::uint32_t)>(setter)(value, timeoutMs) != 0;
+    return library.Find<kestrel_bool(Number, uint32_t)>(setter)(value, timeoutMs) != 0;
 }
 
 struct NumberCalls {
     catalogue::Type type;
-    bool (*get)(const Library&, const char*, std::int64_t&, std::uint32_t);
-    bool (*set)(const Library&, const char*, std::int64_t, std::uint32_t);
+    bool (*get)(const Library&, const char*, int64_t&, uint32_t);
+    bool (*set)(const Library&, const char*, int64_t, uint32_t);
 };
 // An address is read into four bytes and set as one number whose lowest byte goes first: on the machines
 // that this runs on both are the same 32 bits.
 constexpr NumberCalls kNumberCalls[] = {
     {catalogue::Type::Bool, GetNumber<kestrel_bool>, SetNumber<kestrel_bool>},
-    {catalogue::Type::U8, GetNumber<std::uint8_t>, SetNumber<std::uint8_t>},
-    {catalogue::Type::S8, GetNumber<std::int8_t>, SetNumber<std::int8_t>},
-    {catalogue::Type::U16, GetNumber<std::uint16_t>, SetNumber<std::uint16_t>},
-    {catalogue::Type::U32, GetNumber<std::uint32_t>, SetNumber<std::uint32_t>},
-    {catalogue::Type::S32, GetNumber<std::int32_t>, SetNumber<std::int32_t>},
-    {catalogue::Type::Enum, GetNumber<std::uint32_t>, SetNumber<std::uint32_t>},
-    {catalogue::Type::Address, GetNumber<std::uint32_t>, SetNumber<std::uint32_t>},
+    {catalogue::Type::U8, GetNumber<uint8_t>, SetNumber<uint8_t>},
+    {catalogue::Type::S8, GetNumber<int8_t>, SetNumber<int8_t>},
+    {catalogue::Type::U16, GetNumber<uint16_t>, SetNumber<uint16_t>},
+    {catalogue::Type::U32, GetNumber<uint32_t>, SetNumber<uint32_t>},
+    {catalogue::Type::S32, GetNumber<int32_t>, SetNumber<int32_t>},
+    {catalogue::Type::Enum, GetNumber<uint32_t>, SetNumber<uint32_t>},
+    {catalogue::Type::Address, GetNumber<uint32_t>, SetNumber<uint32_t>},
 };
 
 const NumberCalls& CallsOf(catalogue::Type type) {
@@ -84,34 +85,31 @@ const NumberCalls& CallsOf(catalogue::Type type) {
 }
 
 // One of several texts behind a pair of functions is chosen by a number in front of the other arguments.
-bool GetText(const Library& library, const catalogue::Row& row, std::string& text, std::uint32_t timeoutMs) {
-    using Plain = kestrel_bool(kestrel_char*, std::uint32_t);
-    using Indexed = kestrel_bool(std::uint32_t, kestrel_char*, std::uint32_t);
+bool GetText(const Library& library, const catalogue::Row& row, std::string& text, uint32_t timeoutMs) {
+    using Plain = kestrel_bool(kestrel_char*, uint32_t);
+    using Indexed = kestrel_bool(uint32_t, kestrel_char*, uint32_t);
     std::vector<kestrel_char> buffer(row.bufferBytes / sizeof(kestrel_char));
-    const kestrel_bool done = row.index < 0
-                                  ? library.Find<Plain>(row.getter)(buffer.data(), timeoutMs)
-                                  : library.Find<Indexed>(row.getter)(static_cast<std::uint32_t>(row.index),
-                                                                      buffer.data(), timeoutMs);
+    const kestrel_bool done = row.index < 0 ? library.Find<Plain>(row.getter)(buffer.data(), timeoutMs)
+                                            : library.Find<Indexed>(row.getter)(
+                                                  static_cast<uint32_t>(row.index), buffer.data(), timeoutMs);
     if (done != 0) text = Utf8FromWide(buffer.data());
     return done != 0;
 }
 
-bool SetText(const Library& library, const catalogue::Row& row, const std::string& text,
-             std::uint32_t timeoutMs) {
-    using Plain = kestrel_bool(const kestrel_char*, std::uint32_t);
-    using Indexed = kestrel_bool(std::uint32_t, const kestrel_char*, std::uint32_t);
+bool SetText(const Library& library, const catalogue::Row& row, const std::string& text, uint32_t timeoutMs) {
+    using Plain = kestrel_bool(const kestrel_char*, uint32_t);
+    using Indexed = kestrel_bool(uint32_t, const kestrel_char*, uint32_t);
     const WideText wide = WideArgument(text, "value");
-    const kestrel_bool done = row.index < 0
-                                  ? library.Find<Plain>(row.setter)(wide.c_str(), timeoutMs)
-                                  : library.Find<Indexed>(row.setter)(static_cast<std::uint32_t>(row.index),
-                                                                      wide.c_str(), timeoutMs);
+    const kestrel_bool done = row.index < 0 ? library.Find<Plain>(row.setter)(wide.c_str(), timeoutMs)
+                                            : library.Find<Indexed>(row.setter)(
+                                                  static_cast<uint32_t>(row.index), wide.c_str(), timeoutMs);
     return done != 0;
 }
 
 }  // namespace
 
 Printer::Printer(const Library& library, const std::string& product, const std::string& name,
-                 std::uint32_t timeoutMs)
+                 uint32_t timeoutMs)
     : library_(library), timeoutMs_(timeoutMs) {
     const WideText wide = WideArgument(name, "printer name");
     const auto select = library.Find<decltype(SelectPrinter)>("SelectPrinter");
@@ -142,10 +140,10 @@ RawReply Printer::Send(std::string_view request) const {
     }
     RawReply reply;
     reply.bytes.resize(kLargestMessage);
-    std::uint32_t length = 0;
-    const bool good = library_.Find<decltype(SendCmd)>("SendCmd")(
-        request.data(), static_cast<std::uint32_t>(request.size()), reply.bytes.data(), kLargestMessage,
-        &length, timeoutMs_);
+    uint32_t length = 0;
+    const bool good =
+        library_.Find<decltype(SendCmd)>("SendCmd")(request.data(), static_cast<uint32_t>(request.size()),
+                                                    reply.bytes.data(), kLargestMessage, &length, timeoutMs_);
     if (!good) throw FailureOfLastCall(library_, "the request failed", Exchange::kWrite);
     reply.bytes.resize(length);
     reply.responseNumber = library_.Find<decltype(GetLastResponseNum)>("GetLastResponseNum")();

@@ -1,3 +1,4 @@
+// A selected printer: settings and raw requests.
 #pragma once
 
 #include <catalogue/rows.h>
@@ -13,7 +14,7 @@ namespace cli {
 
 struct RawReply final {
     std::string bytes;
-    std::uint32_t responseNumber = 0;  // 0 when the reply had none
+    uint32_t responseNumber = 0;  // 0 when the reply had none
 };
 
 // One selected printer. A selection holds for the thread that made it: a Printer is used by its thread alone.
@@ -21,8 +22,7 @@ struct RawReply final {
 class Printer final {
   public:
     // An empty name lets the library choose the installed printer of the product.
-    Printer(const Library& library, const std::string& product, const std::string& name,
-            std::uint32_t timeoutMs);
+    Printer(const Library& library, const std::string& product, const std::string& name, uint32_t timeoutMs);
 
     [[nodiscard]] Value Get(const catalogue::Row& row) const;
     void Set(const catalogue::Row& row, const Value& value) const;
@@ -34,7 +34,7 @@ class Printer final {
 
   private:
     const Library& library_;
-    std::uint32_t timeoutMs_;
+    uint32_t timeoutMs_;
 };
 
 }  // namespace cli

@@ -1,6 +1,7 @@
+// Names matched and told apart, ranges and forms derived from the row.
 #include "kestrel/settings/settings.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <array>
@@ -26,11 +27,11 @@ struct TypeRow {
 };
 constexpr std::array<TypeRow, 9> kTypes = {{
     {catalogue::Type::Bool, "bool", ValueForm::kBool, {}},
-    {catalogue::Type::U8, "u8", ValueForm::kInteger, RangeOf<std::uint8_t>()},
-    {catalogue::Type::S8, "s8", ValueForm::kInteger, RangeOf<std::int8_t>()},
-    {catalogue::Type::U16, "u16", ValueForm::kInteger, RangeOf<std::uint16_t>()},
-    {catalogue::Type::U32, "u32", ValueForm::kInteger, RangeOf<std::uint32_t>()},
-    {catalogue::Type::S32, "s32", ValueForm::kInteger, RangeOf<std::int32_t>()},
+    {catalogue::Type::U8, "u8", ValueForm::kInteger, RangeOf<uint8_t>()},
+    {catalogue::Type::S8, "s8", ValueForm::kInteger, RangeOf<int8_t>()},
+    {catalogue::Type::U16, "u16", ValueForm::kInteger, RangeOf<uint16_t>()},
+    {catalogue::Type::U32, "u32", ValueForm::kInteger, RangeOf<uint32_t>()},
+    {catalogue::Type::S32, "s32", ValueForm::kInteger, RangeOf<int32_t>()},
     {catalogue::Type::Enum, "enum", ValueForm::kWord, {}},
     {catalogue::Type::Text, "text", ValueForm::kText, {}},
     {catalogue::Type::Address, "address", ValueForm::kAddress, {}},
@@ -52,14 +53,14 @@ bool GlobMatches(std::string_view pattern, std::string_view text) {
 }
 
 // Insertions, deletions and replacements of one letter that lead from one text to the other.
-std::size_t EditDistance(std::string_view from, std::string_view to) {
-    std::vector<std::size_t> row(to.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < from.size(); ++i) {
-        std::size_t diagonal = row[0];
+size_t EditDistance(std::string_view from, std::string_view to) {
+    std::vector<size_t> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), size_t{0});
+    for (size_t i = 0; i < from.size(); ++i) {
+        size_t diagonal = row[0];
         row[0] = i + 1;
-        for (std::size_t j = 0; j < to.size(); ++j) {
-            const std::size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
+        for (size_t j = 0; j < to.size(); ++j) {
+            const size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
             diagonal = row[j + 1];
             row[j + 1] = std::min({row[j] + 1, row[j + 1] + 1, replaced});
         }
@@ -72,18 +73,18 @@ std::string_view LastPart(std::string_view name) {
 }
 
 // Small for a slip of the fingers, and for the right word without or with another family: "redials".
-std::size_t Remoteness(std::string_view written, std::string_view name) {
+size_t Remoteness(std::string_view written, std::string_view name) {
     return std::min(EditDistance(written, name), EditDistance(LastPart(written), LastPart(name)) + 1);
 }
 
 std::vector<std::string_view> NearNames(std::string_view name) {
-    constexpr std::size_t kMost = 3;
+    constexpr size_t kMost = 3;
     const std::string lower = LowerAscii(name);
-    const std::size_t limit = std::max<std::size_t>(2, LastPart(lower).size() / 3);
+    const size_t limit = std::max<size_t>(2, LastPart(lower).size() / 3);
 
-    std::vector<std::pair<std::size_t, std::string_view>> similar;
+    std::vector<std::pair<size_t, std::string_view>> similar;
     for (const catalogue::Row& row : catalogue::Rows()) {
-        const std::size_t remoteness = Remoteness(lower, row.name);
+        const size_t remoteness = Remoteness(lower, row.name);
         if (remoteness <= limit) similar.emplace_back(remoteness, row.name);
     }
     std::stable_sort(similar.begin(), similar.end(),

@@ -1,3 +1,4 @@
+// The catalogue's settings as people name and describe them.
 #pragma once
 
 #include <catalogue/rows.h>
@@ -13,8 +14,8 @@ namespace cli {
 enum class ValueForm { kBool, kInteger, kWord, kText, kAddress };
 
 struct IntegerRange final {
-    std::int64_t lowest;
-    std::int64_t highest;
+    int64_t lowest;
+    int64_t highest;
 };
 
 [[nodiscard]] ValueForm FormOf(const catalogue::Row& row);

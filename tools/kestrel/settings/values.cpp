@@ -1,11 +1,11 @@
+// One reader and one writer for each form.
 #include "kestrel/settings/values.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <limits>
 #include <optional>
 
 #include "kestrel/failure.h"
@@ -28,9 +28,9 @@ constexpr std::array<BoolWord, 8> kBoolWords = {{{"yes", true},
                                                  {"false", false},
                                                  {"0", false}}};
 
-std::optional<std::int64_t> WholeNumber(std::string_view written) {
+std::optional<int64_t> WholeNumber(std::string_view written) {
     if (written.starts_with('+')) written.remove_prefix(1);
-    std::int64_t number = 0;
+    int64_t number = 0;
     const char* const end = written.data() + written.size();
     const auto [stop, error] = std::from_chars(written.data(), end, number);
     if (error != std::errc() || stop != end) return {};
@@ -51,7 +51,7 @@ Value ParseBool(const catalogue::Row& row, std::string_view written) {
 }
 
 Value ParseInteger(const catalogue::Row& row, std::string_view written) {
-    const std::optional<std::int64_t> number = WholeNumber(written);
+    const std::optional<int64_t> number = WholeNumber(written);
     if (!number) Refuse(row, written, "it is not a whole number");
     const IntegerRange range = WritableRange(row);
     if (*number < range.lowest || *number > range.highest) Refuse(row, written, "it is out of range");
@@ -60,19 +60,19 @@ Value ParseInteger(const catalogue::Row& row, std::string_view written) {
 
 Value ParseWord(const catalogue::Row& row, std::string_view written) {
     const std::string lower = LowerAscii(written);
-    const std::optional<std::int64_t> number = WholeNumber(written);
+    const std::optional<int64_t> number = WholeNumber(written);
     for (const catalogue::EnumEntry& entry : row.words) {
         // A word wins over a number: some words begin with a digit.
         if (LowerAscii(entry.name) == lower) return {entry.value, {}};
     }
     for (const catalogue::EnumEntry& entry : row.words) {
-        if (number == std::int64_t{entry.value}) return {entry.value, {}};
+        if (number == int64_t{entry.value}) return {entry.value, {}};
     }
     Refuse(row, written, "it is none of the words");
 }
 
 Value ParseAddress(const catalogue::Row& row, std::string_view written) {
-    const std::optional<std::uint32_t> address = ParseDottedAddress(written);
+    const std::optional<uint32_t> address = ParseDottedAddress(written);
     if (!address) Refuse(row, written, "it is not an address of four numbers");
     return {*address, {}};
 }
@@ -89,12 +89,12 @@ Value ParseText(const catalogue::Row& row, std::string_view written) {
     return {0, std::string(written)};
 }
 
-std::string DottedAddress(std::int64_t packed) {
+std::string DottedAddress(int64_t packed) {
     return fmt::format("{}.{}.{}.{}", packed & 0xFF, (packed >> 8) & 0xFF, (packed >> 16) & 0xFF,
                        (packed >> 24) & 0xFF);
 }
 
-const catalogue::EnumEntry* WordOf(const catalogue::Row& row, std::int64_t number) {
+const catalogue::EnumEntry* WordOf(const catalogue::Row& row, int64_t number) {
     for (const catalogue::EnumEntry& entry : row.words) {
         if (entry.value == number) return &entry;
     }
@@ -103,10 +103,10 @@ const catalogue::EnumEntry* WordOf(const catalogue::Row& row, std::int64_t numbe
 
 }  // namespace
 
-std::optional<std::uint32_t> ParseDottedAddress(std::string_view written) {
-    std::uint32_t packed = 0;
+std::optional<uint32_t> ParseDottedAddress(std::string_view written) {
+    uint32_t packed = 0;
     for (int i = 0; i < 4; ++i) {
-        std::uint8_t part = 0;
+        uint8_t part = 0;
         const char* const end = written.data() + written.size();
         const auto [stop, error] = std::from_chars(written.data(), end, part);
         const bool wellEnded = i == 3 ? stop == end : stop != end && *stop == '.';
@@ -114,8 +114,8 @@ std::optional<std::uint32_t> ParseDottedAddress(std::string_view written) {
         // address.
         const bool leadingZero = stop - written.data() > 1 && written.front() == '0';
         if (error != std::errc() || !wellEnded || leadingZero) return {};
-        packed |= std::uint32_t{part} << (8 * i);
-        written.remove_prefix(static_cast<std::size_t>(stop - written.data()) + (i == 3 ? 0 : 1));
+        packed |= uint32_t{part} << (8 * i);
+        written.remove_prefix(static_cast<size_t>(stop - written.data()) + (i == 3 ? 0 : 1));
     }
     return packed;
 }
@@ -153,7 +153,7 @@ std::string FormatValue(const catalogue::Row& row, const Value& value) {
     return {};
 }
 
-nlohmann::ordered_json JsonValue(const catalogue::Row& row, const Value& value) {
+tools::Json JsonValue(const catalogue::Row& row, const Value& value) {
     switch (FormOf(row)) {
         case ValueForm::kBool:
             return value.number != 0;

@@ -1,20 +1,21 @@
+// Values of settings between people, scripts and the library.
 #pragma once
 
 #include <catalogue/rows.h>
-
-#include <nlohmann/json.hpp>
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "shared/json.h"
+
 namespace cli {
 
 // A setting's value between the command line and the library. Which member counts follows from the row.
 struct Value final {
-    std::int64_t number = 0;  // bool 0 or 1; an enumeration's number; an address with its first byte lowest
-    std::string text;         // UTF-8, of text settings
+    int64_t number = 0;  // bool 0 or 1; an enumeration's number; an address with its first byte lowest
+    std::string text;    // UTF-8, of text settings
 
     bool operator==(const Value&) const = default;
 };
@@ -25,12 +26,12 @@ struct Value final {
 [[nodiscard]] Value ParseValue(const catalogue::Row& row, std::string_view written);
 
 // Four decimal numbers with dots, the first one lowest; none for anything else.
-[[nodiscard]] std::optional<std::uint32_t> ParseDottedAddress(std::string_view written);
+[[nodiscard]] std::optional<uint32_t> ParseDottedAddress(std::string_view written);
 
 // As `get` prints it, and as ParseValue reads it back. A number that the table does not know stays a number.
 [[nodiscard]] std::string FormatValue(const catalogue::Row& row, const Value& value);
 
 // Booleans and numbers as such; an enumeration as its word.
-[[nodiscard]] nlohmann::ordered_json JsonValue(const catalogue::Row& row, const Value& value);
+[[nodiscard]] tools::Json JsonValue(const catalogue::Row& row, const Value& value);
 
 }  // namespace cli

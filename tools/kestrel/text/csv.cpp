@@ -1,6 +1,7 @@
+// A small machine over the characters: quotes may hold commas, line ends and doubled quotes.
 #include "kestrel/text/csv.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 
@@ -45,16 +46,16 @@ class CsvReader final {
 
     std::string TakeQuoted() {
         std::string field;
-        const std::size_t opened = line_;
+        const size_t opened = line_;
         rest_.remove_prefix(1);
         while (true) {
-            const std::size_t quote = rest_.find('"');
+            const size_t quote = rest_.find('"');
             if (quote == std::string_view::npos) {
                 line_ = opened;
                 Refuse("a quote is opened and not closed");
             }
             field += rest_.substr(0, quote);
-            line_ += static_cast<std::size_t>(std::count(rest_.begin(), rest_.begin() + quote, '\n'));
+            line_ += static_cast<size_t>(std::count(rest_.begin(), rest_.begin() + quote, '\n'));
             rest_.remove_prefix(quote + 1);
             if (!Take("\"")) return field;
             field += '"';
@@ -80,7 +81,7 @@ class CsvReader final {
     }
 
     std::string_view rest_;
-    std::size_t line_ = 1;
+    size_t line_ = 1;
 };
 
 }  // namespace

@@ -1,3 +1,4 @@
+// Comma-separated values.
 #pragma once
 
 #include <string>

@@ -1,3 +1,4 @@
+// Times as people write them: 500ms, 5s, 2m.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +9,6 @@ namespace cli {
 
 // "500ms", "5s", "2m" in milliseconds; none for anything else, and for more than the library can be asked
 // to wait (the largest 32-bit number means "without limit" there and is not offered).
-[[nodiscard]] std::optional<std::uint32_t> ParseDuration(std::string_view text);
+[[nodiscard]] std::optional<uint32_t> ParseDuration(std::string_view text);
 
 }  // namespace cli

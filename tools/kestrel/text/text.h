@@ -1,23 +1,21 @@
+// The client's notations for texts and bytes.
 #pragma once
 
-#include <windows.h>
-
-#include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 
+#include "shared/text.h"
+
 namespace cli {
 
-using WideText = std::basic_string<WCHAR>;
+using tools::ForTerminal;
+using tools::LowerAscii;
+using tools::Utf8FromWide;
+using tools::WideFromUtf8;
+using tools::WideText;
 
-// The command line and all output are UTF-8, the library and the spooler speak UTF-16.
-// Unpaired surrogates become U+FFFD; a text that is not UTF-8 gives none.
-[[nodiscard]] std::optional<WideText> WideFromUtf8(std::string_view text);
-[[nodiscard]] std::string Utf8FromWide(std::basic_string_view<WCHAR> text);
-
-// The same for an argument of the command line: throws a usage failure that names `what`.
+// An argument of the command line: throws a usage failure that names `what` when it is not UTF-8.
 [[nodiscard]] WideText WideArgument(std::string_view text, std::string_view what);
 
 // The text as the system's 8-bit code page holds it; none when a character would be lost on the way.
@@ -30,11 +28,5 @@ using WideText = std::basic_string<WCHAR>;
 
 // Sixteen bytes a line: offset, hexadecimal digits, characters.
 [[nodiscard]] std::string HexDump(std::string_view bytes);
-
-// UTF-8 with control characters as \xNN, so that no text of a device can drive the terminal.
-[[nodiscard]] std::string ForTerminal(std::string_view utf8);
-
-// Letters A to Z only: names and words are ASCII.
-[[nodiscard]] std::string LowerAscii(std::string_view text);
 
 }  // namespace cli

@@ -1,6 +1,7 @@
+// The keys of the records, put together from their lists and fields.
 #include "vprinter/device/address_book.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <deque>
 #include <string>

@@ -1,6 +1,7 @@
+// Calendar arithmetic on the printer's seconds.
 #include "vprinter/device/clock.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <charconv>

@@ -1,3 +1,4 @@
+// The conditions as rows: what they are at first and what they may be.
 #include "vprinter/device/condition.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// A row for each key that is no setting.
 #include "vprinter/device/facts.h"
 
 #include <limits>

@@ -1,6 +1,7 @@
+// The file's first line, and an upgrade as a span of time.
 #include "vprinter/device/firmware.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <charconv>

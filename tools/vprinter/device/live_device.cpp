@@ -1,3 +1,4 @@
+// Live settings as rows: what is asked and what is done.
 #include "vprinter/device/live_device.h"
 
 #include <algorithm>

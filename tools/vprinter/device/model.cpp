@@ -1,6 +1,7 @@
+// A value is judged by its setting's kind before it is taken; the reply is made then and only then.
 #include "vprinter/device/model.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <charconv>
@@ -8,6 +9,7 @@
 #include <stdexcept>
 
 #include "opl/value_escape.h"
+#include "shared/text.h"
 
 namespace vprinter {
 namespace {
@@ -76,7 +78,7 @@ Judgement Judge(const SettingSpec& spec, std::string text) {
             return JudgeNumber(spec, text);
         case ValueKind::Word:
             if (std::ranges::find(spec.words, text) != spec.words.end()) return {std::move(text), {}};
-            return {{}, fmt::format("Expected one of {}", fmt::join(spec.words, " "))};
+            return {{}, fmt::format("Expected one of {}", tools::Joined(spec.words, " "))};
         case ValueKind::Address:
             if (text.size() == 4) return {std::move(text), {}};
             return {{}, "Expected an address of four bytes"};

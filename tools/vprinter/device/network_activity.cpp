@@ -1,6 +1,7 @@
+// Everything is worked out from the time that has passed; nothing runs in between.
 #include "vprinter/device/network_activity.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <string_view>

@@ -1,3 +1,4 @@
+// The four kinds of rows put into one form.
 #include "vprinter/device/setting_spec.h"
 
 #include "catalogue/rows.h"

@@ -1,3 +1,4 @@
+// The blocks, field by field.
 #include "vprinter/device/status_block.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The process's clocks, and a look at the list of processes.
 #include "vprinter/device/surroundings.h"
 
 #include <ctime>

@@ -1,18 +1,18 @@
+// Rules read field by field, each complaint with its line; and the replies that the faults make of good ones.
 #include "vprinter/faults/fault_script.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <array>
-#include <nlohmann/json.hpp>
 
+#include "shared/json.h"
+#include "shared/text.h"
 #include "shared/user_error.h"
 #include "vprinter/trace/readable_text.h"
 
 namespace vprinter {
 namespace {
-
-using nlohmann::json;
 
 constexpr uint64_t kMaxDelayMs = 600'000;
 constexpr uint64_t kMaxCount = 1'000'000'000;
@@ -51,7 +51,7 @@ const ActionRow* FindAction(std::string_view field) {
 }
 
 std::string AllFields() {
-    std::string list = fmt::format("{}", fmt::join(kOtherFields, ", "));
+    std::string list = tools::Joined(kOtherFields, ", ");
     for (const ActionRow& row : kActions)
         list += fmt::format(", {}", row.field);
     return list;
@@ -86,10 +86,10 @@ std::vector<size_t> LinesOfItems(std::string_view text) {
 /// Reads the fields of one rule and knows where it stands, for its complaints.
 class RuleReader final {
   public:
-    RuleReader(const json& rule, std::string place) : rule_(rule), place_(std::move(place)) {}
+    RuleReader(const tools::Json& rule, std::string place) : rule_(rule), place_(std::move(place)) {}
 
     [[nodiscard]] FaultRule Read() const {
-        if (!rule_.is_object())
+        if (!rule_.IsObject())
             throw tools::UserError(place_ + ": expected an object such as {\"match\": \"*\", ...}");
         CheckFields();
         FaultRule rule;
@@ -104,15 +104,15 @@ class RuleReader final {
     }
 
   private:
-    [[nodiscard]] bool Has(std::string_view field) const { return rule_.contains(field); }
+    [[nodiscard]] bool Has(std::string_view field) const { return rule_.Find(field) != nullptr; }
 
     [[noreturn]] void Complain(std::string_view field, const std::string& expected) const {
         throw tools::UserError(fmt::format("{}, \"{}\": expected {}, found {}", place_, field, expected,
-                                           Has(field) ? rule_[std::string(field)].dump() : "nothing"));
+                                           Has(field) ? rule_.At(field).Dump() : "nothing"));
     }
 
     void CheckFields() const {
-        for (const auto& [field, value] : rule_.items()) {
+        for (const auto& [field, value] : rule_.Members()) {
             const bool known =
                 FindAction(field) != nullptr ||
                 std::ranges::find(kOtherFields, std::string_view(field)) != std::end(kOtherFields);
@@ -124,8 +124,8 @@ class RuleReader final {
     }
 
     [[nodiscard]] std::string Text(std::string_view field) const {
-        if (!Has(field) || !rule_[std::string(field)].is_string()) Complain(field, "a text");
-        return rule_[std::string(field)].get<std::string>();
+        if (!Has(field) || !rule_.At(field).IsText()) Complain(field, "a text");
+        return rule_.At(field).Text();
     }
 
     [[nodiscard]] std::string Bytes(std::string_view field) const {
@@ -136,16 +136,15 @@ class RuleReader final {
     }
 
     [[nodiscard]] bool Yes(std::string_view field) const {
-        if (rule_[std::string(field)] != json(true)) Complain(field, "true, or no such field");
+        if (rule_.At(field) != true) Complain(field, "true, or no such field");
         return true;
     }
 
     [[nodiscard]] uint64_t Number(std::string_view field, uint64_t lowest, uint64_t highest) const {
-        const json& value = rule_[std::string(field)];
-        const bool fits =
-            value.is_number_unsigned() && value.get<uint64_t>() >= lowest && value.get<uint64_t>() <= highest;
+        const tools::Json& value = rule_.At(field);
+        const bool fits = value.IsUnsigned() && value.Unsigned() >= lowest && value.Unsigned() <= highest;
         if (!fits) Complain(field, fmt::format("a whole number from {} to {}", lowest, highest));
-        return value.get<uint64_t>();
+        return value.Unsigned();
     }
 
     void ReadMatch(FaultRule& rule) const {
@@ -180,7 +179,7 @@ class RuleReader final {
                 static_cast<void>(Yes(row.field));
                 break;
             case Argument::YesOrNumber:
-                if (rule_[std::string(row.field)] == json(true)) break;
+                if (rule_.At(row.field) == true) break;
                 [[fallthrough]];
             case Argument::Number:
                 fault.number = Number(row.field, row.lowest, row.highest);
@@ -203,18 +202,17 @@ class RuleReader final {
         return *bytes;
     }
 
-    const json& rule_;
+    const tools::Json& rule_;
     std::string place_;
 };
 
-json ParseJson(std::string_view text, const std::string& fileName) {
+tools::Json ParseJson(std::string_view text, const std::string& fileName) {
     try {
-        return json::parse(text);
-    } catch (const json::parse_error& error) {
-        throw tools::UserError(
-            fmt::format("{}:{}: this is not JSON: {}", fileName, LineOfByte(text, error.byte), error.what()));
-    } catch (const json::out_of_range& error) {
-        throw tools::UserError(fmt::format("{}: a number is too large: {}", fileName, error.what()));
+        return tools::Json::Parse(text);
+    } catch (const tools::JsonError& error) {
+        if (error.Byte() == 0) throw tools::UserError(fmt::format("{}: {}", fileName, error.what()));
+        throw tools::UserError(fmt::format("{}:{}: this is not JSON: {}", fileName,
+                                           LineOfByte(text, error.Byte()), error.what()));
     }
 }
 
@@ -243,12 +241,12 @@ std::string_view Repeated(uint64_t times, std::string_view reply, std::string& s
 }  // namespace
 
 FaultScript FaultScript::Parse(std::string_view text, const std::string& fileName) {
-    const json document = ParseJson(text, fileName);
-    if (!document.is_array())
+    const tools::Json document = ParseJson(text, fileName);
+    if (!document.IsArray())
         throw tools::UserError(fileName + ":1: expected a list of rules: [{...}, {...}]");
     const std::vector<size_t> lines = LinesOfItems(text);
     std::vector<FaultRule> rules;
-    for (const json& item : document) {
+    for (const tools::Json& item : document.Items()) {
         const size_t index = rules.size();
         const size_t line = index < lines.size() ? lines[index] : 1;
         rules.push_back(RuleReader(item, fmt::format("{}:{}: rule {}", fileName, line, index + 1)).Read());

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,7 +51,6 @@ class FaultScript final {
 
     /// The rules that concern one printer.
     [[nodiscard]] FaultScript For(std::string_view port) const;
-    [[nodiscard]] size_t RuleCount() const { return rules_.size(); }
     /// The port names that rules are limited to.
     [[nodiscard]] std::vector<std::string> PrintersNamed() const;
 

@@ -1,3 +1,4 @@
+// Two bytes of UTF-8 for each byte of the upper half.
 #include "vprinter/files/byte_text.h"
 
 #include <cstdint>

@@ -1,34 +1,33 @@
+// All of the file is judged before any of it is set.
 #include "vprinter/files/control_file.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
-#include <fstream>
-#include <iterator>
-#include <nlohmann/json.hpp>
 #include <utility>
 #include <vector>
 
+#include "shared/file.h"
+#include "shared/json.h"
 #include "shared/user_error.h"
 #include "vprinter/files/byte_text.h"
 
 namespace vprinter {
 namespace {
 
-using nlohmann::json;
 namespace fs = std::filesystem;
 
 constexpr const char* kEveryPrinter = "*";
 
 using Changes = std::vector<std::pair<Setting*, std::string>>;
 
-std::string TextOf(const json& value) {
-    if (value.is_boolean()) return value.get<bool>() ? "YES" : "NO";
-    if (value.is_number_integer()) return value.dump();
-    return FromUtf8(value.get<std::string>());
+std::string TextOf(const tools::Json& value) {
+    if (value.IsFlag()) return value.Flag() ? "YES" : "NO";
+    if (value.IsInteger()) return value.Dump();
+    return FromUtf8(value.Text());
 }
 
-void CollectChanges(const json& values, DeviceModel& model, Changes& changes) {
-    for (const auto& [key, value] : values.items()) {
+void CollectChanges(const tools::Json& values, DeviceModel& model, Changes& changes) {
+    for (const auto& [key, value] : values.Members()) {
         Setting* const setting = model.Find(key);
         if (setting == nullptr) throw tools::UserError(key + ": there is nothing of this name");
         if (setting->spec.live) throw tools::UserError(key + ": the printer makes this value itself");
@@ -45,11 +44,12 @@ std::string ControlFile::Apply(DeviceModel& model) {
     if (path_.empty() || !IsWrittenAnew()) return {};
     Changes changes;
     try {
-        const json document = json::parse(text_);
+        const tools::Json document = tools::Json::Parse(text_);
         for (const std::string& name : {std::string(kEveryPrinter), port_}) {
-            if (document.contains(name)) CollectChanges(document.at(name), model, changes);
+            if (const tools::Json* const values = document.Find(name))
+                CollectChanges(*values, model, changes);
         }
-    } catch (const json::exception& problem) {
+    } catch (const tools::JsonError& problem) {
         return fmt::format(
             "{} is not taken ({}); expected text such as {{\"{}\": {{\"ink.black\": 5}}}}; correct and write "
             "it again",
@@ -68,11 +68,10 @@ bool ControlFile::IsWrittenAnew() {
     std::error_code error;
     const fs::file_time_type writtenAt = fs::last_write_time(path_, error);
     if (error) return false;
-    std::ifstream file(path_, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (writtenAt == writtenAt_ && text == text_) return false;
+    std::optional<std::string> text = tools::ReadFile(path_);
+    if (!text || (writtenAt == writtenAt_ && *text == text_)) return false;
     writtenAt_ = writtenAt;
-    text_ = std::move(text);
+    text_ = *std::move(text);
     return true;
 }
 

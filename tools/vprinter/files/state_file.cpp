@@ -1,20 +1,20 @@
+// One JSON document, written beside the old one and put in its place.
 #include "vprinter/files/state_file.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <memory>
-#include <nlohmann/json.hpp>
 
+#include "shared/file.h"
+#include "shared/json.h"
 #include "shared/user_error.h"
 #include "vprinter/files/byte_text.h"
 
 namespace vprinter {
 namespace {
 
-using nlohmann::json;
 namespace fs = std::filesystem;
 
 constexpr int kVersion = 1;
@@ -24,21 +24,21 @@ constexpr int kVersion = 1;
 void StateFile::Load() {
     std::error_code error;
     if (!fs::exists(path_, error)) return;
-    std::ifstream file(path_, std::ios::binary);
-    if (!file) throw tools::UserError(path_ + " cannot be read; check its permissions or name another file");
+    const std::optional<std::string> text = tools::ReadFile(path_);
+    if (!text) throw tools::UserError(path_ + " cannot be read; check its permissions or name another file");
     try {
-        const json document = json::parse(file);
-        if (document.at("version") != kVersion) {
+        const tools::Json document = tools::Json::Parse(*text);
+        if (document.At("version") != kVersion) {
             throw tools::UserError(
                 fmt::format("{} is of version {}, expected {}; delete it or name another file", path_,
-                            document.at("version").dump(), kVersion));
+                            document.At("version").Dump(), kVersion));
         }
-        for (const auto& [port, values] : document.at("printers").items()) {
-            for (const auto& [key, value] : values.items()) {
-                printers_[port][key] = FromUtf8(value.get<std::string>());
+        for (const auto& [port, values] : document.At("printers").Members()) {
+            for (const auto& [key, value] : values.Members()) {
+                printers_[port][key] = FromUtf8(value.Text());
             }
         }
-    } catch (const json::exception& problem) {
+    } catch (const tools::JsonError& problem) {
         throw tools::UserError(
             fmt::format("{} is not a state file of this program ({}); delete it or name another file", path_,
                         problem.what()));
@@ -65,17 +65,15 @@ bool StateFile::Save(const std::string& port, ValueMap values) {
 }
 
 bool StateFile::Replace() const {
-    json printers = json::object();
+    tools::Json printers = tools::Json::EmptyObject();
     for (const auto& [port, values] : printers_) {
-        printers[port] = json::object();
+        tools::Json& printer = printers[port] = tools::Json::EmptyObject();
         for (const auto& [key, value] : values)
-            printers[port][key] = ToUtf8(value);
+            printer[key] = ToUtf8(value);
     }
-    const std::string text = json{{"version", kVersion}, {"printers", printers}}.dump(
-                                 2, ' ', false, json::error_handler_t::replace) +
-                             '\n';
+    const std::string text = tools::Json{{"version", kVersion}, {"printers", printers}}.Dump(2) + '\n';
 
-    const std::string temporary = path_ + ".new";
+    const fs::path temporary = path_ + ".new";
     std::error_code error;
     {
         std::ofstream file(temporary, std::ios::binary | std::ios::trunc);

@@ -1,3 +1,4 @@
+// Texts are escaped, blocks are counted.
 #include "vprinter/requests/reply_items.h"
 
 #include "opl/value_escape.h"

@@ -1,3 +1,4 @@
+// The key's end decides what the command is.
 #include "vprinter/requests/request_reader.h"
 
 #include <charconv>

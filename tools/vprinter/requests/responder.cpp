@@ -1,6 +1,7 @@
+// The words as rows, settings by their key; the first refusal ends the request.
 #include "vprinter/requests/responder.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <charconv>

@@ -1,3 +1,4 @@
+// A few places; the newest announcement takes that of the client heard of longest ago.
 #include "vprinter/requests/session_table.h"
 
 #include <algorithm>

@@ -1,8 +1,9 @@
+// The options, and the complaints about them.
 #include "vprinter/service/options.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "shared/command_line.h"
 #include "shared/process.h"
 
 namespace vprinter {
@@ -50,39 +51,45 @@ std::string TakeTraceFormat(const std::string& name, Options& options) {
     return "expected text, json or none instead of " + name;
 }
 
-void Declare(CLI::App& app, Options& options) {
-    app.add_option("--port", options.ports, "port name of a printer; repeat it for several printers")
-        ->required()
-        ->allow_extra_args(false)
-        ->type_name("NAME")
-        ->check(CLI::Validator(CheckPort, ""));
-    app.add_option("--product", options.product, "product prefix, from which the channel names are formed")
-        ->type_name("PREFIX")
-        ->capture_default_str();
-    app.add_option("--model-name", options.modelName, "the name that the printer gives itself")
-        ->type_name("NAME");
-    app.add_option("--faults", options.faultsFile,
+void Declare(const tools::Command& program, Options& options) {
+    program.AddOption("--port", options.ports, "port name of a printer; repeat it for several printers")
+        .Required()
+        .OneEachTime()
+        .TypeName("NAME")
+        .Check(CheckPort);
+    program.AddOption("--product", options.product, "product prefix, from which the channel names are formed")
+        .TypeName("PREFIX")
+        .ShowsDefault();
+    program.AddOption("--model-name", options.modelName, "the name that the printer gives itself")
+        .TypeName("NAME");
+    program
+        .AddOption("--faults", options.faultsFile,
                    "JSON file of rules: what the printer does wrong, and when")
-        ->type_name("FILE");
-    app.add_option("--state", options.stateFile, "JSON file that keeps the settings between runs")
-        ->type_name("FILE");
-    app.add_option("--control", options.controlFile,
+        .TypeName("FILE");
+    program.AddOption("--state", options.stateFile, "JSON file that keeps the settings between runs")
+        .TypeName("FILE");
+    program
+        .AddOption("--control", options.controlFile,
                    "JSON file that changes the printers while they run, whenever it is written")
-        ->type_name("FILE");
-    app.add_option("--trace", "text, json or none (text on a terminal, json for a file, else none)")
-        ->type_name("FORMAT")
-        ->check(CLI::Validator([&](const std::string& name) { return TakeTraceFormat(name, options); }, ""));
-    app.add_option("--trace-file", options.traceFile, "file to append the trace to (default: error output)")
-        ->type_name("FILE");
-    app.add_flag("--trace-secrets", options.showSecrets, "show pass phrases and security keys in the trace");
-    app.add_flag("--quiet", options.quiet, "print the ready line and errors only");
+        .TypeName("FILE");
+    program
+        .AddOption(
+            "--trace", [&](const std::string& name) { return TakeTraceFormat(name, options); },
+            "text, json or none (text on a terminal, json for a file, else none)")
+        .TypeName("FORMAT");
+    program
+        .AddOption("--trace-file", options.traceFile, "file to append the trace to (default: error output)")
+        .TypeName("FILE");
+    program.AddFlag("--trace-secrets", options.showSecrets,
+                    "show pass phrases and security keys in the trace");
+    program.AddFlag("--quiet", options.quiet, "print the ready line and errors only");
 }
 
-void ChooseTraceFormat(const CLI::App& app, Options& options) {
-    if (app.count("--trace") > 0) return;
+void ChooseTraceFormat(const tools::Command& program, Options& options) {
+    if (program.Has("--trace")) return;
     if (!options.traceFile.empty()) {
         options.traceFormat = TraceFormat::Json;
-    } else if (!options.quiet && tools::ErrorOutputIsTerminal()) {
+    } else if (!options.quiet && tools::IsTerminal(stderr)) {
         options.traceFormat = TraceFormat::Text;
     }
 }
@@ -96,21 +103,16 @@ void DropRepeatedPorts(std::vector<std::string>& ports) {
 
 }  // namespace
 
-bool ReadCommandLine(int argc, const char* const* argv, Options& options, int& exitCode) {
-    CLI::App app{"Virtual printer: answers what the library asks of a language monitor and its device.",
-                 "kestrel-vprinter"};
-    app.allow_windows_style_options(false);  // a path may begin with "/"
-    app.footer(kExamples);
-    Declare(app, options);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        exitCode = app.exit(error) == 0 ? kDone : kWrongUsage;
-        return false;
-    }
+std::optional<tools::ExitCode> ReadCommandLine(int argc, const char* const* argv, Options& options) {
+    tools::CommandLine line(
+        "Virtual printer: answers what the library asks of a language monitor and its device.",
+        "kestrel-vprinter");
+    line.Root().Footer(kExamples);
+    Declare(line.Root(), options);
+    if (const auto end = line.ReadOrExplain(argc, argv)) return end;
     DropRepeatedPorts(options.ports);
-    ChooseTraceFormat(app, options);
-    return true;
+    ChooseTraceFormat(line.Root(), options);
+    return {};
 }
 
 }  // namespace vprinter

@@ -1,20 +1,14 @@
 // What the command line says.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "shared/exit_codes.h"
 #include "vprinter/trace/trace.h"
 
 namespace vprinter {
-
-/// What the process ends with, one meaning each.
-enum ExitCode : int {
-    kDone = 0,
-    kWrongUsage = 2,     // the command line, or a file that it names, cannot be used
-    kServedAlready = 4,  // a living virtual printer serves one of the printers
-    kOwnFault = 70,
-};
 
 struct Options {
     std::vector<std::string> ports;
@@ -29,8 +23,9 @@ struct Options {
     bool quiet = false;
 };
 
-/// True when there is something to do; otherwise the process ends with `exitCode`, and what the user has to
-/// know has been printed.
-[[nodiscard]] bool ReadCommandLine(int argc, const char* const* argv, Options& options, int& exitCode);
+/// Nothing when there is something to do; otherwise what the process ends with, and what the user has to know
+/// has been printed.
+[[nodiscard]] std::optional<tools::ExitCode> ReadCommandLine(int argc, const char* const* argv,
+                                                             Options& options);
 
 }  // namespace vprinter

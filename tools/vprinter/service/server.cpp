@@ -1,6 +1,7 @@
+// One turn of the serving thread: receive, carry out, post, trace, keep.
 #include "vprinter/service/server.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <windows.h>
 

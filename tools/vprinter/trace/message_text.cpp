@@ -1,6 +1,7 @@
+// A walk over the message that knows blocks and keys, whatever state it is in.
 #include "vprinter/trace/message_text.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <charconv>

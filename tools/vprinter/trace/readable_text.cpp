@@ -1,6 +1,7 @@
+// The notation both ways.
 #include "vprinter/trace/readable_text.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <iterator>
 

@@ -5,10 +5,10 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
-#include <memory>
-#include <mutex>
 #include <string>
 #include <string_view>
+
+#include "shared/line_file.h"
 
 namespace vprinter {
 
@@ -37,20 +37,15 @@ class Trace final {
     Trace(TraceFormat format, bool showSecrets) : format_(format), showSecrets_(showSecrets) {}
 
     /// Goes on at the end of a file instead; false when it cannot be opened.
-    [[nodiscard]] bool OpenFile(const std::string& path);
+    [[nodiscard]] bool OpenFile(const std::string& path) { return file_.Open(path); }
 
     [[nodiscard]] bool IsOn() const { return format_ != TraceFormat::None; }
     void Write(const Exchange& exchange);
 
   private:
-    struct CloseFile {
-        void operator()(std::FILE* file) const { std::fclose(file); }
-    };
-
     TraceFormat format_;
     bool showSecrets_;
-    std::mutex lock_;
-    std::unique_ptr<std::FILE, CloseFile> file_;
+    tools::LineFile file_{stderr};
 };
 
 }  // namespace vprinter

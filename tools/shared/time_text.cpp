@@ -1,0 +1,26 @@
+// The calendar's part by the library, the milliseconds by hand: it knows whole seconds only.
+#include "shared/time_text.h"
+
+#include <fmt/chrono.h>
+
+namespace tools {
+namespace {
+
+int MillisecondOfSecond(std::chrono::system_clock::time_point time) {
+    const auto sinceEpoch = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
+    return static_cast<int>(sinceEpoch.count() % 1000);
+}
+
+}  // namespace
+
+std::string LocalTimeOfDay(std::chrono::system_clock::time_point time) {
+    return fmt::format("{:%H:%M:%S}.{:03}", fmt::localtime(std::chrono::system_clock::to_time_t(time)),
+                       MillisecondOfSecond(time));
+}
+
+std::string UtcTime(std::chrono::system_clock::time_point time) {
+    return fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:03}Z", fmt::gmtime(std::chrono::system_clock::to_time_t(time)),
+                       MillisecondOfSecond(time));
+}
+
+}  // namespace tools
