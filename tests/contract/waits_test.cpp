@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <stop_token>
 #include <thread>
 #include <vector>
 
@@ -271,9 +272,8 @@ TEST(Waits, What_is_given_back_was_not_taken) {
     const Handle mutex = Mutex();
     const auto abandon = [&] { RunOnThread([&] { WaitForSingleObject(mutex.Get(), kLong); }); };
     abandon();
-    std::atomic<bool> stop{false};
-    std::thread thief([&] {
-        while (!stop) {
+    const std::jthread thief([&](const std::stop_token& stop) {
+        while (!stop.stop_requested()) {
             SetEvent(event.Get());
             WaitForSingleObject(event.Get(), 0);
         }
@@ -287,18 +287,15 @@ TEST(Waits, What_is_given_back_was_not_taken) {
         ReleaseMutex(mutex.Get());
         abandon();
     }
-    stop = true;
-    thief.join();
 }
 
 TEST(Waits, For_several_objects_come_to_a_busy_mutex_too) {
     const Handle mutex = Mutex();
     const Handle never = AutoEvent();
-    std::atomic<bool> stop{false};
     std::vector<std::jthread> others;
     for (int i = 0; i < 3; ++i)
-        others.emplace_back([&] {
-            while (!stop && WaitForSingleObject(mutex.Get(), kLong) == WAIT_OBJECT_0)
+        others.emplace_back([&](const std::stop_token& stop) {
+            while (!stop.stop_requested() && WaitForSingleObject(mutex.Get(), kLong) == WAIT_OBJECT_0)
                 ReleaseMutex(mutex.Get());
         });
     const HANDLE both[] = {never.Get(), mutex.Get()};
@@ -306,7 +303,6 @@ TEST(Waits, For_several_objects_come_to_a_busy_mutex_too) {
         EXPECT_EQ(WAIT_OBJECT_0 + 1, WaitForMultipleObjects(2, both, FALSE, kLong));
         ReleaseMutex(mutex.Get());
     }
-    stop = true;
 }
 
 TEST(Waits, For_all_of_one_object_twice_is_refused_with_87__not_on_Wine) {
