@@ -14,6 +14,11 @@ constexpr auto kRelaxed = std::memory_order_relaxed;
 // The object keeps a bare handle, which other threads read without a lock; one that is done with is owned.
 using RetiredHandle = UniqueHandle<CloseHandle>;
 
+// Of the count, which says that there is an owner: another thread that cancels reads it first and must then
+// find whose it is, also where the processor reorders.
+constexpr auto kCountWritten = std::memory_order_release;
+constexpr auto kCountRead = std::memory_order_acquire;
+
 }  // namespace
 
 WinMutex::WinMutex() : WinMutex(nullptr, false) {}
@@ -58,7 +63,7 @@ WaitResult WinMutex::Lock(uint32_t timeoutMs) {
     if (handle == nullptr) return WaitResult::NoObject;
     const uint32_t self = GetCurrentThreadId();
     if (IsOwnedBy(self)) {
-        lockCount_.store(lockCount_.load(kRelaxed) + 1, kRelaxed);
+        lockCount_.store(lockCount_.load(kRelaxed) + 1, kCountWritten);
         return WaitResult::Signaled;
     }
     const DWORD result = WaitForSingleObject(handle, timeoutMs);
@@ -72,14 +77,14 @@ WaitResult WinMutex::Lock(uint32_t timeoutMs) {
     if (result != WAIT_OBJECT_0) return result == WAIT_TIMEOUT ? WaitResult::TimedOut : WaitResult::Failed;
     ownerProcessId_.store(GetCurrentProcessId(), kRelaxed);
     ownerThreadId_.store(self, kRelaxed);
-    lockCount_.store(1, kRelaxed);
+    lockCount_.store(1, kCountWritten);
     return WaitResult::Signaled;
 }
 
 uint32_t WinMutex::Unlock() {
     const uint32_t levels = lockCount_.load(kRelaxed);
     if (!IsOwnedBy(GetCurrentThreadId())) return levels;
-    lockCount_.store(levels - 1, kRelaxed);
+    lockCount_.store(levels - 1, kCountWritten);
     if (levels > 1) return levels - 1;
     ownerProcessId_.store(0, kRelaxed);
     ownerThreadId_.store(0, kRelaxed);
@@ -90,7 +95,7 @@ uint32_t WinMutex::Unlock() {
 }
 
 bool WinMutex::IsLocked() {
-    return lockCount_.load(kRelaxed) > 0;
+    return lockCount_.load(kCountRead) > 0;
 }
 
 bool WinMutex::IsLockedByCurrentThread() {

@@ -42,7 +42,8 @@ class WinMutex final {
 
     // The record of the owner is written by the owner alone, between the end of its wait and its release, and
     // a thread finds its own id there only while it is the owner: single reads and writes suffice, where a
-    // critical section around each would cost more than the rest of an exchange.
+    // critical section around each would cost more than the rest of an exchange. Others see an owner whole:
+    // the count is written last and read first.
     std::atomic<HANDLE> handle_ = nullptr;
     std::atomic<uint32_t> lockCount_ = 0;
     std::atomic<uint32_t> ownerProcessId_ = 0;

@@ -6,8 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "support.h"
-
 std::optional<int> RunAsChild(int argc, char** argv) {
     if (argc != 4 || std::string_view(argv[1]) != "--child") return std::nullopt;
     const std::string_view what = argv[2];
@@ -15,6 +13,9 @@ std::optional<int> RunAsChild(int argc, char** argv) {
     if (what == "exit") return std::atoi(argument.c_str());
     if (what == "has") return std::getenv(argument.c_str()) != nullptr ? 1 : 0;
     const WideText name(argument.begin(), argument.end());
-    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, name.c_str());
-    return WaitForSingleObject(event, 10'000) == WAIT_OBJECT_0 ? 3 : 4;
+    const bool takes = what == "take";
+    const HANDLE object =
+        takes ? CreateMutexW(nullptr, FALSE, name.c_str()) : CreateEventW(nullptr, TRUE, FALSE, name.c_str());
+    if (takes) SetEvent(CreateEventW(nullptr, TRUE, FALSE, (name + TEXT("Opened")).c_str()));
+    return WaitForSingleObject(object, kPatience) == WAIT_OBJECT_0 ? 3 : 4;
 }

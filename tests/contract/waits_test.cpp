@@ -1,12 +1,15 @@
 // Events, mutexes and waits on one and several of them.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <stop_token>
 #include <thread>
 #include <vector>
 
+#include "child.h"
 #include "handle_support.h"
 #include "on_wine.h"
 
@@ -142,6 +145,54 @@ TEST(Mutexes, A_thread_that_ends_abandons_what_it_holds_once) {
     }
 }
 
+TEST(Mutexes, One_that_was_closed_while_owned_is_released_through_another_handle) {
+    const WideText name = FreshName();
+    const Handle opened = ManualEvent(name + TEXT("Opened"));
+    const Handle kept = Mutex();
+    RunOnThread([&] {
+        WaitForSingleObject(kept.Get(), 0);
+        Handle first(CreateMutexW(nullptr, TRUE, name.c_str()));
+        const Program other(OwnCommand(TEXT("take ") + name));
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(opened.Get(), kPatience));
+        first.Close();
+        const Handle second = Mutex(name);
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(second.Get(), 0));
+        EXPECT_TRUE(ReleaseMutex(second.Get()));
+        EXPECT_TRUE(ReleaseMutex(second.Get()));
+        EXPECT_FALSE(ReleaseMutex(second.Get()));
+        EXPECT_EQ(3u, other.WaitForExitCode());
+    });
+    EXPECT_EQ(WAIT_ABANDONED, WaitForSingleObject(kept.Get(), 0)) << "the others are abandoned as ever";
+    EXPECT_TRUE(ReleaseMutex(kept.Get()));
+}
+
+// However many takes an owner has had, and whether or not another goes on with it.
+TEST(Mutexes, A_waiter_comes_soon_after_a_release) {
+    const Handle mutex = Mutex();
+    const Handle begins = AutoEvent();
+    milliseconds soonest = milliseconds::max();
+    for (int round = 0; round < 5; ++round) {
+        std::atomic<Clock::time_point> released;
+        std::thread waiter([&] {
+            WaitForSingleObject(begins.Get(), kLong);
+            EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex.Get(), kLong));
+            soonest = std::min(soonest, std::chrono::ceil<milliseconds>(Clock::now() - released.load()));
+            ReleaseMutex(mutex.Get());
+        });
+        for (int takes = 1; takes < 200; ++takes) {
+            WaitForSingleObject(mutex.Get(), kLong);
+            ReleaseMutex(mutex.Get());
+        }
+        WaitForSingleObject(mutex.Get(), kLong);
+        SetEvent(begins.Get());
+        Sleep(2);
+        released = Clock::now();
+        ReleaseMutex(mutex.Get());
+        waiter.join();
+    }
+    EXPECT_LE(soonest, milliseconds(5));
+}
+
 TEST(Mutexes, One_thread_at_a_time_is_inside) {
     const Handle mutex = Mutex(FreshName());
     int inside = 0;
@@ -214,6 +265,44 @@ TEST(Waits, An_abandoned_mutex_shows_its_place) {
     const HANDLE both[] = {event.Get(), mutex.Get()};
     EXPECT_EQ(WAIT_ABANDONED_0 + 1, WaitForMultipleObjects(2, both, FALSE, kLong));
     EXPECT_TRUE(ReleaseMutex(mutex.Get()));
+}
+
+TEST(Waits, What_is_given_back_was_not_taken) {
+    const Handle event = AutoEvent();
+    const Handle mutex = Mutex();
+    const auto abandon = [&] { RunOnThread([&] { WaitForSingleObject(mutex.Get(), kLong); }); };
+    abandon();
+    const std::jthread thief([&](const std::stop_token& stop) {
+        while (!stop.stop_requested()) {
+            SetEvent(event.Get());
+            WaitForSingleObject(event.Get(), 0);
+        }
+    });
+    const HANDLE both[] = {mutex.Get(), event.Get()};
+    for (int taken = 0, looks = 0; taken < 50 && looks < 20'000; ++looks) {
+        const DWORD result = WaitForMultipleObjects(2, both, TRUE, 0);
+        if (result == WAIT_TIMEOUT) continue;
+        ASSERT_EQ(WAIT_ABANDONED, result) << looks;
+        ++taken;
+        ReleaseMutex(mutex.Get());
+        abandon();
+    }
+}
+
+TEST(Waits, For_several_objects_come_to_a_busy_mutex_too) {
+    const Handle mutex = Mutex();
+    const Handle never = AutoEvent();
+    std::vector<std::jthread> others;
+    for (int i = 0; i < 3; ++i)
+        others.emplace_back([&](const std::stop_token& stop) {
+            while (!stop.stop_requested() && WaitForSingleObject(mutex.Get(), kLong) == WAIT_OBJECT_0)
+                ReleaseMutex(mutex.Get());
+        });
+    const HANDLE both[] = {never.Get(), mutex.Get()};
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(WAIT_OBJECT_0 + 1, WaitForMultipleObjects(2, both, FALSE, kLong));
+        ReleaseMutex(mutex.Get());
+    }
 }
 
 TEST(Waits, For_all_of_one_object_twice_is_refused_with_87__not_on_Wine) {

@@ -78,6 +78,28 @@ TEST(DeadOwners, Every_death_with_a_mutex_is_told_once_and_nobody_loses_a_turn) 
     CloseHandle(section);
 }
 
+TEST(DeadOwners, A_mutex_whose_contenders_were_all_killed_is_to_be_had_at_once) {
+    const HANDLE mutex = CreateMutexW(nullptr, FALSE, TEXT("Global\\Deserted"));
+    std::mt19937 random = effort.Random();
+    for (int i = 0; i < effort.Of(2000, 40); ++i) {
+        std::array<ChildProcess, 4> contenders;
+        for (ChildProcess& contender : contenders)
+            contender = ChildProcess({ENDURANCE_HELPER, "contend", "Deserted", "Owners", "0"});
+        std::this_thread::sleep_for(std::chrono::microseconds(10'000 + random() % 10'000));
+        for (ChildProcess& contender : contenders)
+            contender.Kill();
+        for (ChildProcess& contender : contenders)
+            EXPECT_EQ(128 + 9, contender.Wait());
+        // A place may have been kept for one of them a moment ago.
+        if (WaitForSingleObject(mutex, 0) == WAIT_TIMEOUT) {
+            Sleep(30);
+            ASSERT_NE(WAIT_TIMEOUT, WaitForSingleObject(mutex, 0)) << i;
+        }
+        ReleaseMutex(mutex);
+    }
+    CloseHandle(mutex);
+}
+
 TEST(DeadOwners, Every_thread_that_ends_with_a_mutex_is_told_once) {
     const HANDLE mutex = CreateMutexW(nullptr, FALSE, TEXT("Global\\ThreadOwned"));
     for (int i = 0; i < effort.Of(1000, 100); ++i) {

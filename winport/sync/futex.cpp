@@ -21,7 +21,7 @@ namespace {
 constexpr int64_t kSecond = 1'000'000'000;
 constexpr size_t kMostWords = 64;
 
-// What a kernel without futex_waitv is asked instead: short sleeps on one of the words.
+// What is asked where there is no futex_waitv: short sleeps on one of the words.
 constexpr Moment kShortSleep = 1'000'000;
 
 timespec ToTimespec(Moment moment) {
@@ -43,8 +43,10 @@ bool SleepOnAll(std::span<const SleepWord> words, Moment until) {
     const timespec limit = ToTimespec(until);
     const long result = syscall(SYS_futex_waitv, vector.data(), count, 0u, until == kNever ? nullptr : &limit,
                                 CLOCK_MONOTONIC);
-    if (result < 0 && errno == ENOSYS) return SleepOnOne(words[0], std::min(until, Now() + kShortSleep));
-    return result >= 0;
+    if (result >= 0) return true;
+    // A kernel that has no such call says so, a sandbox refuses it with whatever it likes.
+    const bool wasTried = errno == EAGAIN || errno == ETIMEDOUT || errno == EINTR;
+    return !wasTried && SleepOnOne(words[0], std::min(until, Now() + kShortSleep));
 }
 
 }  // namespace

@@ -1,11 +1,13 @@
 #include <windows.h>
 
+#include <new>
+
 #include "winport/handles/handle_table.h"
 #include "winport/sync/mutex_object.h"
 
 using namespace winport;
 
-HANDLE CreateMutexW(LPSECURITY_ATTRIBUTES, BOOL initialOwner, LPCWSTR name) {
+HANDLE CreateMutexW(LPSECURITY_ATTRIBUTES, BOOL initialOwner, LPCWSTR name) try {
     ThreadRecord& thread = CurrentThread();
     ObjectRequest request{ObjectKind::Mutex};
     request.name = name;
@@ -21,6 +23,9 @@ HANDLE CreateMutexW(LPSECURITY_ATTRIBUTES, BOOL initialOwner, LPCWSTR name) {
         static_cast<MutexObject*>(used.Get())->BeginOwnership(thread, request.owner);
     }
     return handle;
+} catch (const std::bad_alloc&) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);  // of the token
+    return nullptr;
 }
 
 BOOL ReleaseMutex(HANDLE mutex) {

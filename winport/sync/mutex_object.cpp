@@ -19,6 +19,8 @@ constexpr Moment kHeirSleep = 200 * kUs;
 // How often waiters ask whether the owner, or the heir, still lives.
 constexpr Moment kLifeCheck = 25'000 * kUs;
 constexpr uint32_t kSleepersPerLook = 4;
+// The killed are counted among the sleepers until nobody sleeps: nobody waits for the look of so many.
+constexpr uint32_t kMostSleepers = 256;
 
 // Between the end of an object and the end of the thread that owns it.
 std::mutex& OrphanLock() {
@@ -32,7 +34,7 @@ std::mutex& OrphanLock() {
 Moment NextLook(uint32_t others) {
     constexpr uint64_t kScatter = 0x9E3779B97F4A7C15;
     const Moment now = Now();
-    const Moment mean = kLifeCheck * (1 + others / kSleepersPerLook);
+    const Moment mean = kLifeCheck * (1 + std::min(others, kMostSleepers) / kSleepersPerLook);
     const auto scattered = static_cast<Moment>((static_cast<uint64_t>(now) * kScatter) >> 32);
     return now + mean / 2 + scattered % mean;
 }
@@ -40,6 +42,17 @@ Moment NextLook(uint32_t others) {
 uint32_t NowUs() {
     return static_cast<uint32_t>(Now() / kUs);
 }
+
+// A turn as its page tells it.
+struct Turn {
+    uint32_t start;
+    uint32_t takes;
+
+    explicit Turn(const ObjectPage& page)
+        : start(page.turnStart.load(std::memory_order_relaxed)),
+          takes(page.turnTakes.load(std::memory_order_relaxed)) {}
+    [[nodiscard]] bool IsOver() const { return takes >= kTurnTakes || NowUs() - start > kTurnUs; }
+};
 
 }  // namespace
 
@@ -52,26 +65,35 @@ uint32_t MutexObject::TokenFor(ThreadRecord& thread) const {
     return thread.ownerToken;
 }
 
+uint32_t MutexObject::OwnToken(const ThreadRecord& thread) const {
+    return IsNamed() ? thread.ownerToken : thread.localId;
+}
+
+// Threads of one process do not die unseen.
+bool MutexObject::IsDead(uint32_t token) const {
+    return IsNamed() && !IsOwnerAlive(token);
+}
+
 bool MutexObject::MustGiveWay(uint32_t token) const {
     const ObjectPage& page = Page();
     const uint32_t heir = page.heir.load(std::memory_order_relaxed);
     if (heir == 0 || heir == token) return false;
-    return page.lastOwner.load(std::memory_order_relaxed) != token || IsTurnOver();
+    return page.lastOwner.load(std::memory_order_relaxed) != token || Turn(page).IsOver();
 }
 
-bool MutexObject::IsTurnOver() const {
-    const ObjectPage& page = Page();
-    return page.turnTakes.load(std::memory_order_relaxed) >= kTurnTakes ||
-           NowUs() - page.turnStart.load(std::memory_order_relaxed) > kTurnUs;
+bool MutexObject::IsFreeFor(uint32_t token, bool outOfTurn) const {
+    const uint32_t owner = Page().word.load(std::memory_order_acquire) & kMutexOwner;
+    return owner == token || (owner == 0 && (outOfTurn || !MustGiveWay(token)));
 }
 
 void MutexObject::BeginOwnership(ThreadRecord& thread, uint32_t token) {
     ObjectPage& page = Page();
     page.recursion.store(1, std::memory_order_relaxed);
     if (page.lastOwner.load(std::memory_order_relaxed) != token) {
-        page.lastOwner.store(token, std::memory_order_relaxed);
         page.turnStart.store(NowUs(), std::memory_order_relaxed);
         page.turnTakes.store(0, std::memory_order_relaxed);
+        // Last: who finds the owner here finds its turn as well.
+        page.lastOwner.store(token, std::memory_order_release);
     }
     page.turnTakes.store(page.turnTakes.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     EnterList(thread);
@@ -85,10 +107,30 @@ void MutexObject::EnterList(ThreadRecord& thread) {
     thread.heldMutexes = this;
 }
 
+// The one of this mutex in the thread's list. That is another object when its last handle was closed and the
+// name opened anew while the thread owned it.
+MutexObject* MutexObject::EntryIn(const ThreadRecord& thread) {
+    if (heldHere_.load(std::memory_order_relaxed)) return this;
+    MutexObject* entry = thread.heldMutexes;
+    while (entry != nullptr && !(entry->IsNamed() && entry->memory_.Inode() == memory_.Inode()))
+        entry = entry->nextHeld_;
+    return entry;
+}
+
 void MutexObject::LeaveList(ThreadRecord& thread) {
-    if (nextHeld_ != nullptr) nextHeld_->previousHeld_ = previousHeld_;
-    (previousHeld_ != nullptr ? previousHeld_->nextHeld_ : thread.heldMutexes) = nextHeld_;
-    heldHere_.store(false, std::memory_order_relaxed);
+    MutexObject* const entry = EntryIn(thread);
+    if (entry == nullptr) return;
+    MutexObject* const next = entry->nextHeld_;
+    MutexObject* const previous = entry->previousHeld_;
+    if (next != nullptr) next->previousHeld_ = previous;
+    (previous != nullptr ? previous->nextHeld_ : thread.heldMutexes) = next;
+    if (entry == this) {
+        heldHere_.store(false, std::memory_order_relaxed);
+        return;
+    }
+    const std::lock_guard guard(OrphanLock());
+    entry->heldHere_.store(false, std::memory_order_relaxed);
+    if (entry->orphan_) delete entry;
 }
 
 TakeResult MutexObject::TryTake(ThreadRecord& thread, uint32_t token, bool outOfTurn) {
@@ -109,56 +151,78 @@ TakeResult MutexObject::TryTake(ThreadRecord& thread, uint32_t token, bool outOf
     return TakeResult::No;
 }
 
-void MutexObject::NoticeDeadOwner() {
-    ObjectPage& page = Page();
-    uint32_t word = page.word.load(std::memory_order_relaxed);
-    const uint32_t owner = word & kMutexOwner;
-    if (owner == 0 || !IsNamed() || IsOwnerAlive(owner)) return;
-    // One of those who notice makes the change; the mutex is then taken, once, by whoever comes first.
-    if (page.word.compare_exchange_strong(word, kMutexAbandoned, std::memory_order_acq_rel))
-        Wake(page.word, INT_MAX);
+void MutexObject::NoticeDeaths() {
+    const uint32_t owner = Page().word.load(std::memory_order_relaxed) & kMutexOwner;
+    if (owner != 0 && IsDead(owner)) Abandon(owner);
+    NoticeDeadHeir();
+}
+
+// Only beside a free mutex does it stand in the way. A place is kept for a sleeper from the beginning of a
+// turn, which is soon found to be over when the sleeper was killed on its way.
+void MutexObject::NoticeDeadHeir() {
+    const ObjectPage& page = Page();
+    if ((page.word.load(std::memory_order_relaxed) & kMutexOwner) != 0) return;
+    const uint32_t heir = page.heir.load(std::memory_order_acquire);
+    if (heir == 0) return;
+    const bool isGone = heir == kHeirToCome ? NowUs() - Turn(page).start > kLifeCheck / kUs : IsDead(heir);
+    if (isGone) PassPlaceOn(heir);
 }
 
 bool MutexObject::ReleaseLevel(ThreadRecord& thread) {
     ObjectPage& page = Page();
-    const uint32_t token = IsNamed() ? thread.ownerToken : thread.localId;
+    const uint32_t token = OwnToken(thread);
     if (token == 0 || (page.word.load(std::memory_order_relaxed) & kMutexOwner) != token) return false;
     const uint32_t levels = page.recursion.load(std::memory_order_relaxed) - 1;
     page.recursion.store(levels, std::memory_order_relaxed);
     if (levels != 0) return true;
     LeaveList(thread);
+    const Turn turn(page);  // before it is another's
     // A sleeping heir wakes by itself within a turn; at the turn's end it is woken.
     const uint32_t before = page.word.fetch_and(kMutexSleeper, std::memory_order_release);
-    if ((before & kMutexSleeper) != 0 && NowUs() - page.turnStart.load(std::memory_order_relaxed) > kTurnUs) {
+    if ((before & kMutexSleeper) != 0 && turn.IsOver()) {
         page.word.fetch_and(~kMutexSleeper, std::memory_order_relaxed);
         Wake(page.word, INT_MAX);
     }
     return true;
 }
 
+void MutexObject::GiveBack(ThreadRecord& thread, TakeResult taken) {
+    if (taken == TakeResult::TakenAbandoned) {
+        LeaveList(thread);
+        Abandon(OwnToken(thread));
+    } else {
+        static_cast<void>(ReleaseLevel(thread));
+    }
+}
+
+// One of those who notice a death makes the change; the mutex is then taken, once, by whoever comes first.
 void MutexObject::Abandon(uint32_t token) {
     ObjectPage& page = Page();
     uint32_t word = page.word.load(std::memory_order_relaxed);
-    if ((word & kMutexOwner) != token) return;
-    if (page.word.compare_exchange_strong(word, kMutexAbandoned, std::memory_order_release))
-        Wake(page.word, INT_MAX);
-    else
-        Abandon(token);  // a waiter has just announced that it sleeps
+    do {
+        if ((word & kMutexOwner) != token) return;
+    } while (!page.word.compare_exchange_weak(word, kMutexAbandoned, std::memory_order_acq_rel,
+                                              std::memory_order_relaxed));
+    Wake(page.word, INT_MAX);
 }
 
 TakeResult MutexObject::Take(ThreadRecord& thread, uint32_t token, Moment deadline) {
     ObjectPage& page = Page();
+    NoticeDeadHeir();
     for (bool queued = false;;) {
         uint32_t heir = page.heir.load(std::memory_order_acquire);
         // A place behind an heir that died is taken over; one that is kept for a sleeper is for sleepers.
-        const bool isDead = queued && heir != 0 && heir != kHeirToCome && IsNamed() && !IsOwnerAlive(heir);
+        const bool isDead = queued && heir != 0 && heir != kHeirToCome && IsDead(heir);
         const bool isVacant = heir == 0 || (heir == kHeirToCome && queued) || isDead;
         if (isVacant && page.heir.compare_exchange_strong(heir, token, std::memory_order_acq_rel)) {
             const TakeResult result = WaitAsHeir(thread, token, deadline);
-            LeaveHeirship(token);
+            PassPlaceOn(token);
             return result;
         }
-        if (Now() >= deadline) return TryTake(thread, token, true);
+        if (Now() >= deadline) {
+            NoticeDeaths();
+            return TryTake(thread, token, true);
+        }
         queued = SleepInQueue(deadline);
     }
 }
@@ -175,7 +239,7 @@ TakeResult MutexObject::WaitAsHeir(ThreadRecord& thread, uint32_t token, Moment 
         if (result != TakeResult::No) return result;
         const Moment now = Now();
         if (now >= nextLifeCheck || now >= deadline) {
-            NoticeDeadOwner();
+            NoticeDeaths();
             nextLifeCheck = now + kLifeCheck;
         }
         if (now >= deadline) return TryTake(thread, token, true);
@@ -185,7 +249,8 @@ TakeResult MutexObject::WaitAsHeir(ThreadRecord& thread, uint32_t token, Moment 
             !page.word.compare_exchange_strong(word, word | kMutexSleeper, std::memory_order_relaxed))
             continue;
         // An owner within its turn does not wake the heir, one that holds the mutex longer does.
-        const Moment look = IsTurnOver() ? nextLifeCheck : now + kHeirSleep;
+        const bool isOwnersTurn = page.lastOwner.load(std::memory_order_acquire) == (word & kMutexOwner);
+        const Moment look = isOwnersTurn && Turn(page).IsOver() ? nextLifeCheck : now + kHeirSleep;
         const SleepWord sleep = {&page.word, word | kMutexSleeper};
         SleepOn({&sleep, 1}, std::min(look, deadline));
     }
@@ -207,20 +272,24 @@ bool MutexObject::SleepInQueue(Moment deadline) {
     return mayInherit;
 }
 
+bool MutexObject::WakeNextInQueue() {
+    Page().queue.fetch_add(1, std::memory_order_seq_cst);
+    return Wake(Page().queue, 1) != 0;
+}
+
 // The place is kept for the sleeper that is woken: a thread that has just had its turn must not come before.
-void MutexObject::LeaveHeirship(uint32_t token) {
+void MutexObject::PassPlaceOn(uint32_t heir) {
     ObjectPage& page = Page();
-    uint32_t heir = token;
     const bool anySleeps = page.queueSleepers.load(std::memory_order_seq_cst) != 0;
     if (!page.heir.compare_exchange_strong(heir, anySleeps ? kHeirToCome : 0, std::memory_order_seq_cst))
         return;
-    page.queue.fetch_add(1, std::memory_order_seq_cst);
-    if (Wake(page.queue, 1) != 0 || !anySleeps) return;
-    // Only the count was left, of sleepers that were killed or have just gone.
+    if (WakeNextInQueue() || !anySleeps) return;
+    // Only the count was left, of sleepers that were killed or have just gone. One that has come since may
+    // have seen the place kept.
     page.queueSleepers.store(0, std::memory_order_relaxed);
     heir = kHeirToCome;
-    page.heir.compare_exchange_strong(heir, 0, std::memory_order_seq_cst);
-    Wake(page.queue, 1);
+    if (page.heir.compare_exchange_strong(heir, 0, std::memory_order_seq_cst))
+        static_cast<void>(WakeNextInQueue());
 }
 
 void MutexObject::End() {
@@ -239,8 +308,8 @@ void AbandonHeldMutexes(ThreadRecord& thread) {
         for (MutexObject* mutex = std::exchange(thread.heldMutexes, nullptr); mutex != nullptr;
              mutex = next) {
             next = mutex->nextHeld_;
-            mutex->Abandon(mutex->IsNamed() ? thread.ownerToken : thread.localId);
-            mutex->heldHere_.store(false, std::memory_order_relaxed);
+            mutex->heldHere_.store(false, std::memory_order_relaxed);  // before it is another thread's
+            mutex->Abandon(mutex->OwnToken(thread));
             if (mutex->orphan_) delete mutex;
         }
     }

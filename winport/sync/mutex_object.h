@@ -7,6 +7,7 @@
 //
 // An owner is named by its thread's token. Whoever waits asks now and then whether the owner still lives; a
 // dead one's mutex is taken over and reported as abandoned. A thread that ends releases what it holds itself.
+// A place in line may be a dead one's too: whoever is held up by it at a free mutex asks for that as well.
 #pragma once
 
 #include <cstdint>
@@ -28,11 +29,14 @@ class MutexObject final : public KernelObject {
     // The number by which this mutex knows the thread; 0 with the last-error value when none can be had.
     [[nodiscard]] uint32_t TokenFor(ThreadRecord& thread) const;
 
-    // Takes the mutex if it is free, or the thread's already. A thread whose turn is over does not get it
-    // while an heir waits, unless `outOfTurn`.
+    // Whether the mutex is to be had: it is free, or the thread's already. A thread whose turn is over, or
+    // has not come, does not get it while an heir waits, unless `outOfTurn`.
+    [[nodiscard]] bool IsFreeFor(uint32_t token, bool outOfTurn) const;
+    // Takes it if it is to be had.
     [[nodiscard]] TakeResult TryTake(ThreadRecord& thread, uint32_t token, bool outOfTurn);
-    // Asks the system whether the owner lives, and makes a dead one's mutex an abandoned, free one.
-    void NoticeDeadOwner();
+    // Asks the system whether those who stand in the way live: makes a dead owner's mutex an abandoned, free
+    // one, and passes a dead heir's place on.
+    void NoticeDeaths();
     // Waits in the line of this mutex until the moment.
     [[nodiscard]] TakeResult Take(ThreadRecord& thread, uint32_t token, Moment deadline);
 
@@ -40,6 +44,8 @@ class MutexObject final : public KernelObject {
     void BeginOwnership(ThreadRecord& thread, uint32_t token);
     // False when the thread does not own it.
     [[nodiscard]] bool ReleaseLevel(ThreadRecord& thread);
+    // Undoes a take: the next one gets the same result.
+    void GiveBack(ThreadRecord& thread, TakeResult taken);
 
     [[nodiscard]] bool IsNamed() const { return memory_.IsNamed(); }
 
@@ -52,18 +58,23 @@ class MutexObject final : public KernelObject {
   private:
     friend void AbandonHeldMutexes(ThreadRecord& thread);
 
-    [[nodiscard]] bool IsTurnOver() const;
+    [[nodiscard]] uint32_t OwnToken(const ThreadRecord& thread) const;
+    [[nodiscard]] bool IsDead(uint32_t token) const;
     [[nodiscard]] bool MustGiveWay(uint32_t token) const;
     void Abandon(uint32_t token);
+
     [[nodiscard]] TakeResult WaitAsHeir(ThreadRecord& thread, uint32_t token, Moment deadline);
     // True when the thread was woken to become the heir, or has slept so long that it may see to it itself.
     [[nodiscard]] bool SleepInQueue(Moment deadline);
-    void LeaveHeirship(uint32_t token);
+    void NoticeDeadHeir();
+    void PassPlaceOn(uint32_t heir);
+    [[nodiscard]] bool WakeNextInQueue();
 
-    ObjectMemory memory_;
     void EnterList(ThreadRecord& thread);
     void LeaveList(ThreadRecord& thread);
+    [[nodiscard]] MutexObject* EntryIn(const ThreadRecord& thread);
 
+    ObjectMemory memory_;
     // By a thread of this process, in whose list it then stands. A list of links: taking needs no memory.
     std::atomic<bool> heldHere_{false};
     MutexObject* nextHeld_ = nullptr;

@@ -21,6 +21,8 @@ namespace {
 constexpr Moment kMillisecond = 1'000'000;
 // A mutex among several objects has no heir: its release may wake nobody, so the wait looks by itself.
 constexpr Moment kMutexLook = kMillisecond;
+// Whoever sets an event may be killed before it wakes those who sleep.
+constexpr Moment kEventLook = 1000 * kMillisecond;
 
 Moment DeadlineAfter(DWORD milliseconds, Moment start) {
     return milliseconds == INFINITE ? kNever : start + static_cast<Moment>(milliseconds) * kMillisecond;
@@ -49,9 +51,13 @@ bool Prepare(Waited& waited, ThreadRecord& thread) {
     return true;
 }
 
-TakeResult TryTake(const Waited& waited, ThreadRecord& thread) {
-    if (waited.object->Kind() == ObjectKind::Mutex)
-        return static_cast<MutexObject*>(waited.object)->TryTake(thread, waited.token, false);
+// The mutex that an object is, or null.
+MutexObject* AsMutex(const Waited& waited) {
+    return waited.object->Kind() == ObjectKind::Mutex ? static_cast<MutexObject*>(waited.object) : nullptr;
+}
+
+TakeResult TryTake(const Waited& waited, ThreadRecord& thread, bool outOfTurn) {
+    if (MutexObject* const mutex = AsMutex(waited)) return mutex->TryTake(thread, waited.token, outOfTurn);
     return TakeEvent(waited.object->Page(), waited.wordAtStart) ? TakeResult::Taken : TakeResult::No;
 }
 
@@ -62,11 +68,12 @@ DWORD ResultOf(TakeResult result, DWORD index) {
 // Says in the object's word that somebody sleeps on it. False when the object is to be looked at again.
 bool AnnounceSleep(const Waited& waited, SleepWord& sleep) {
     ObjectPage& page = waited.object->Page();
-    const bool isEvent = waited.object->Kind() != ObjectKind::Mutex;
-    const uint32_t flag = isEvent ? kEventSleepers : kMutexSleeper;
+    const MutexObject* const mutex = AsMutex(waited);
+    const uint32_t flag = mutex == nullptr ? kEventSleepers : kMutexSleeper;
     uint32_t word = page.word.load(std::memory_order_relaxed);
-    if (isEvent ? (word & kEventSignaled) != 0 : (word & kMutexOwner) == 0) return false;
-    if (isEvent && page.manualReset != 0 && word / kEventSetCount != waited.wordAtStart / kEventSetCount)
+    if (mutex != nullptr ? mutex->IsFreeFor(waited.token, false) : (word & kEventSignaled) != 0) return false;
+    if (mutex == nullptr && page.manualReset != 0 &&
+        word / kEventSetCount != waited.wordAtStart / kEventSetCount)
         return false;
     if ((word & flag) == 0 &&
         !page.word.compare_exchange_strong(word, word | flag, std::memory_order_acq_rel))
@@ -77,22 +84,21 @@ bool AnnounceSleep(const Waited& waited, SleepWord& sleep) {
 
 // ---- any one ----
 
-std::optional<DWORD> TakeAny(std::span<const Waited> all, ThreadRecord& thread) {
+std::optional<DWORD> TakeAny(std::span<const Waited> all, ThreadRecord& thread, bool outOfTurn) {
     for (DWORD i = 0; i < all.size(); ++i)
-        if (const TakeResult result = TryTake(all[i], thread); result != TakeResult::No)
+        if (const TakeResult result = TryTake(all[i], thread, outOfTurn); result != TakeResult::No)
             return ResultOf(result, i);
     return std::nullopt;
 }
 
-void NoticeDeadOwners(std::span<const Waited> all) {
+void NoticeDeaths(std::span<const Waited> all) {
     for (const Waited& waited : all)
-        if (waited.object->Kind() == ObjectKind::Mutex)
-            static_cast<MutexObject*>(waited.object)->NoticeDeadOwner();
+        if (MutexObject* const mutex = AsMutex(waited)) mutex->NoticeDeaths();
 }
 
 bool HasMutex(std::span<const Waited> all) {
     return std::any_of(all.begin(), all.end(),
-                       [](const Waited& waited) { return waited.object->Kind() == ObjectKind::Mutex; });
+                       [](const Waited& waited) { return AsMutex(waited) != nullptr; });
 }
 
 // Sleeps until one of the objects may have changed, or until the moment.
@@ -107,33 +113,34 @@ void SleepOnObjects(std::span<const Waited> all, Moment until) {
 
 // Takes every object, or gives back what it took of them. Others may see a signal vanish and come back within
 // this call, but never a part of the objects kept.
-std::optional<DWORD> TakeAll(std::span<const Waited> all, ThreadRecord& thread) {
+std::optional<DWORD> TakeAll(std::span<const Waited> all, ThreadRecord& thread, bool outOfTurn) {
+    std::array<TakeResult, MAXIMUM_WAIT_OBJECTS> results;
     bool abandoned = false;
     size_t taken = 0;
     for (; taken < all.size(); ++taken) {
-        const TakeResult result = TryTake(all[taken], thread);
-        if (result == TakeResult::No) break;
-        abandoned = abandoned || result == TakeResult::TakenAbandoned;
+        results[taken] = TryTake(all[taken], thread, outOfTurn);
+        if (results[taken] == TakeResult::No) break;
+        abandoned = abandoned || results[taken] == TakeResult::TakenAbandoned;
     }
     if (taken == all.size()) return ResultOf(abandoned ? TakeResult::TakenAbandoned : TakeResult::Taken, 0);
     while (taken-- > 0) {
-        if (all[taken].object->Kind() == ObjectKind::Mutex)
-            static_cast<void>(static_cast<MutexObject*>(all[taken].object)->ReleaseLevel(thread));
+        if (MutexObject* const mutex = AsMutex(all[taken]))
+            mutex->GiveBack(thread, results[taken]);
         else if (all[taken].object->Page().manualReset == 0)
             static_cast<EventObject*>(all[taken].object)->Set();
     }
     return std::nullopt;
 }
 
-bool IsFree(const Waited& waited) {
-    const uint32_t word = waited.object->Page().word.load(std::memory_order_acquire);
-    if (waited.object->Kind() != ObjectKind::Mutex) return (word & kEventSignaled) != 0;
-    return (word & kMutexOwner) == 0 || (word & kMutexOwner) == waited.token;
+bool IsFree(const Waited& waited, bool outOfTurn) {
+    if (const MutexObject* const mutex = AsMutex(waited)) return mutex->IsFreeFor(waited.token, outOfTurn);
+    return (waited.object->Page().word.load(std::memory_order_acquire) & kEventSignaled) != 0;
 }
 
 // Nothing can be had before the first of the missing objects changes.
 void SleepOnMissing(std::span<const Waited> all, Moment until) {
-    const auto missing = std::find_if_not(all.begin(), all.end(), IsFree);
+    const auto missing =
+        std::find_if_not(all.begin(), all.end(), [](const Waited& waited) { return IsFree(waited, false); });
     if (missing == all.end()) return;
     Waited now = *missing;
     now.wordAtStart = now.object->Page().word.load(std::memory_order_relaxed);
@@ -141,8 +148,9 @@ void SleepOnMissing(std::span<const Waited> all, Moment until) {
 }
 
 // Signals that are taken one by one must all be looked at first: taking and giving back would disturb others.
-std::optional<DWORD> TakeAllIfFree(std::span<const Waited> all, ThreadRecord& thread) {
-    return std::all_of(all.begin(), all.end(), IsFree) ? TakeAll(all, thread) : std::nullopt;
+std::optional<DWORD> TakeAllIfFree(std::span<const Waited> all, ThreadRecord& thread, bool outOfTurn) {
+    const auto isFree = [outOfTurn](const Waited& waited) { return IsFree(waited, outOfTurn); };
+    return std::all_of(all.begin(), all.end(), isFree) ? TakeAll(all, thread, outOfTurn) : std::nullopt;
 }
 
 bool IsSetterHere(std::span<const Waited> all) {
@@ -210,11 +218,13 @@ class WaitedObjects final {
 DWORD WaitFor(WaitedObjects& objects, bool waitAll, DWORD milliseconds) {
     const std::span<const Waited> all = objects.All();
     ThreadRecord& thread = objects.Thread();
-    const auto look = [&] { return waitAll ? TakeAllIfFree(all, thread) : TakeAny(all, thread); };
+    const auto look = [&](bool outOfTurn) {
+        return waitAll ? TakeAllIfFree(all, thread, outOfTurn) : TakeAny(all, thread, outOfTurn);
+    };
     Poller poller(thread.polling, IsSetterHere(all));
-    std::optional<DWORD> result = look();
+    std::optional<DWORD> result = look(false);
     while (!result && milliseconds != 0 && poller.Again())
-        result = look();
+        result = look(false);
     if (result) {
         poller.Learn(0);
         return *result;
@@ -222,25 +232,27 @@ DWORD WaitFor(WaitedObjects& objects, bool waitAll, DWORD milliseconds) {
     objects.TakeReferences();
     const Moment start = Now();
     const Moment deadline = DeadlineAfter(milliseconds, start);
-    const Moment longest = HasMutex(all) ? kMutexLook : kNever;
+    const bool hasMutex = HasMutex(all);
+    const Moment longest = hasMutex ? kMutexLook : kEventLook;
     for (Moment now = start;; now = Now()) {
-        if (longest != kNever) NoticeDeadOwners(all);
+        if (hasMutex) NoticeDeaths(all);
         if (now >= deadline) break;
-        const Moment until = longest == kNever ? deadline : std::min(deadline, now + longest);
+        const Moment until = std::min(deadline, now + longest);
         if (waitAll)
             SleepOnMissing(all, until);
         else
             SleepOnObjects(all, until);
-        result = look();
+        // Whoever has waited this long needs no place in a line.
+        result = look(true);
         if (result) break;
     }
-    if (!result) result = look();
+    if (!result) result = look(milliseconds != 0);
     poller.Learn(Now() - start);
     return result.value_or(WAIT_TIMEOUT);
 }
 
 DWORD WaitForMutex(MutexObject& mutex, uint32_t token, ThreadRecord& thread, DWORD milliseconds) {
-    if (milliseconds == 0) mutex.NoticeDeadOwner();
+    if (milliseconds == 0) mutex.NoticeDeaths();
     const TakeResult result = milliseconds == 0
                                   ? mutex.TryTake(thread, token, false)
                                   : mutex.Take(thread, token, DeadlineAfter(milliseconds, Now()));
@@ -252,7 +264,7 @@ DWORD WaitForOne(HANDLE handle, DWORD milliseconds) {
         const UsedObject used(handle);
         Waited waited{used.Get(), 0, 0};
         if (!used || !Prepare(waited, used.Thread())) return WAIT_FAILED;
-        if (const TakeResult result = TryTake(waited, used.Thread()); result != TakeResult::No)
+        if (const TakeResult result = TryTake(waited, used.Thread(), false); result != TakeResult::No)
             return ResultOf(result, 0);
     }
     WaitedObjects objects(1);

@@ -1,0 +1,141 @@
+// Waits beside what those leave who were killed in the middle of one, in the page that an object is, and in a
+// sandbox.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstddef>
+#include <cstdlib>
+#include <ctime>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "handle_support.h"
+#include "winport/handles/object_page.h"
+
+namespace {
+
+using winport::ObjectPage;
+
+constexpr DWORD kLong = 5000;
+constexpr uint32_t kDead = winport::kLastToken;  // no thread had it
+constexpr uint32_t kDeadToo = kDead - 1;
+
+// The page of a named object, as every process of the home sees it.
+class Page final {
+  public:
+    explicit Page(const WideText& name) {
+        const std::string file = std::string(std::getenv("WINPORT_HOME")) + "/kernel/global." +
+                                 std::string(name.begin() + 7, name.end());
+        const int descriptor = ::open(file.c_str(), O_RDWR | O_CLOEXEC);
+        base_ = ::mmap(nullptr, winport::kPageSize, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
+        ::close(descriptor);
+    }
+    ~Page() { ::munmap(base_, winport::kPageSize); }
+    Page(const Page&) = delete;
+    Page& operator=(const Page&) = delete;
+    ObjectPage* operator->() const { return static_cast<ObjectPage*>(base_); }
+
+  private:
+    void* base_;
+};
+
+TEST(Killed_waiters, Are_in_nobodys_way_to_a_free_mutex) {
+    const struct {
+        const char* what;
+        uint32_t owner, heir, sleepers;
+        bool isAbandoned;
+    } left[] = {
+        {"the heir", 0, kDead, 0, false},
+        {"the heir before a sleeper", 0, kDead, 1, false},
+        {"the sleeper for whom the place is kept", 0, winport::kHeirToCome, 1, false},
+        {"the owner and the heir", kDead, kDeadToo, 0, true},
+    };
+    const Handle never = AutoEvent();
+    const Handle always = ManualEvent();
+    SetEvent(always.Get());
+    const auto several = [](HANDLE mutex, HANDLE event, bool all, DWORD time) {
+        const HANDLE both[] = {mutex, event};
+        return WaitForMultipleObjects(2, both, all, time);
+    };
+    const std::function<DWORD(HANDLE)> waits[] = {
+        [](HANDLE mutex) { return WaitForSingleObject(mutex, 0); },
+        [](HANDLE mutex) { return WaitForSingleObject(mutex, 10); },
+        [&](HANDLE mutex) { return several(mutex, never.Get(), false, 0); },
+        [&](HANDLE mutex) { return several(mutex, never.Get(), false, kLong); },
+        [&](HANDLE mutex) { return several(mutex, always.Get(), true, 0); },
+        [&](HANDLE mutex) { return several(mutex, always.Get(), true, kLong); },
+    };
+    for (const auto& killed : left)
+        for (size_t i = 0; i < std::size(waits); ++i) {
+            SCOPED_TRACE(std::string(killed.what) + ", wait " + std::to_string(i));
+            const WideText name = FreshName();
+            const Handle mutex = Mutex(name);
+            const Page page(name);
+            page->queueSleepers = killed.sleepers;
+            page->heir = killed.heir;
+            page->word = killed.owner;
+            EXPECT_EQ(killed.isAbandoned ? WAIT_ABANDONED : WAIT_OBJECT_0, waits[i](mutex.Get()));
+            EXPECT_TRUE(ReleaseMutex(mutex.Get()));
+        }
+}
+
+TEST(Killed_waiters, Who_set_an_event_and_woke_nobody_are_found_out) {
+    const WideText name = FreshName();
+    const Handle event = AutoEvent(name);
+    const Page page(name);
+    std::jthread setter([&] {
+        while (page->word != winport::kEventSleepers)
+            Sleep(1);
+        page->word = winport::kEventSignaled;
+    });
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event.Get(), kLong));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+}
+
+// Refuses a call of the system in this process from here on.
+bool Refuse(unsigned call, unsigned error) {
+    sock_filter program[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog filter = {std::size(program), program};
+    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
+}
+
+TEST(Sandbox, A_wait_for_several_objects_sleeps_although_futex_waitv_is_refused) {
+    constexpr unsigned kFutexWaitv = 449;
+    const Handle a = AutoEvent();
+    const Handle b = AutoEvent();
+    const HANDLE both[] = {a.Get(), b.Get()};
+    for (const unsigned error : {EPERM, ENOSYS, EACCES}) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            if (!Refuse(kFutexWaitv, error)) ::_exit(2);
+            const std::clock_t before = std::clock();
+            const DWORD result = WaitForMultipleObjects(2, both, FALSE, 300);
+            const bool slept = std::clock() - before < CLOCKS_PER_SEC / 10;
+            ::_exit(result == WAIT_TIMEOUT && slept ? 0 : 1);
+        }
+        int status = -1;
+        ::waitpid(child, &status, 0);
+        EXPECT_EQ(0, status) << error;
+    }
+}
+
+}  // namespace
