@@ -6,7 +6,7 @@
 #include <wtsapi32.h>
 
 #include "handle_support.h"
-#include "own_home.h"
+#include "own_folder.h"
 
 namespace {
 

@@ -1,16 +1,9 @@
-// The tool that installs drivers and printers from set-up information files, as the system's own does on
-// Windows.
-#include <gtest/gtest.h>
-#include <windows.h>
+// Ports, drivers and printers as a set-up program installs them through the library, and the tool that does
+// it, as the system's own does on Windows.
+#include <winspool.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <string>
-#include <vector>
-
-#include "child_process.h"
-#include "spooler_value.h"
+#include "installed_printer.h"
+#include "registry_value.h"
 
 namespace {
 
@@ -57,10 +50,28 @@ std::string Utf16(const std::string& text) {
     return bytes;
 }
 
-class InstallTool : public testing::Test {
+const WideText kPrintKey = TEXT("SYSTEM\\CurrentControlSet\\Control\\Print\\");
+const WideText kDrivers = TEXT("Environments\\Linux x64\\Drivers");
+
+// What the spooler keeps, of plain characters.
+std::string SpoolerText(const WideText& path, const WCHAR* name) {
+    std::string text = RegistryValue(HKEY_LOCAL_MACHINE, kPrintKey + path, name);
+    std::erase(text, '\0');
+    return text;
+}
+std::string DriverText(const WideText& model, const WCHAR* name) {
+    return SpoolerText(kDrivers + TEXT("\\Version-3\\") + model, name);
+}
+std::string PrinterText(const WideText& printer, const WCHAR* name) {
+    return SpoolerText(TEXT("Printers\\") + printer, name);
+}
+
+class Installing : public testing::Test {
   protected:
-    std::string Write(const std::string& name, const std::string& bytes) const {
-        const fs::path path = fs::path(std::getenv("WINPORT_HOME")) / name;
+    ~Installing() override { RegDeleteTreeW(HKEY_LOCAL_MACHINE, (kPrintKey + kDrivers).c_str()); }
+
+    static std::string Write(const std::string& name, const std::string& bytes) {
+        const fs::path path = fs::path(std::getenv("KESTREL_TEST_FOLDER")) / name;
         std::ofstream(path, std::ios::binary) << bytes;
         return path.string();
     }
@@ -75,7 +86,41 @@ class InstallTool : public testing::Test {
     }
 };
 
-TEST_F(InstallTool, A_driver_is_taken_from_every_encoding_and_from_shared_sections) {
+TEST_F(Installing, A_network_port_is_named_for_its_address_and_added) {
+    const std::tuple<WideText, WideText, WideText> rows[] = {
+        {TEXT(""), TEXT("192.168.0.20"), TEXT("ZRIJT_192.168.0.20")},
+        {TEXT(""), TEXT("printer.example"), TEXT("printer.example")},
+        {TEXT("Office port"), TEXT("192.168.0.21"), TEXT("Office port")},
+    };
+    for (const auto& [wanted, host, name] : rows) {
+        kestrel_char port[64] = {};
+        wanted.copy(port, wanted.size());
+        EXPECT_EQ(kDone, Ended(AddNetPort(host.c_str(), 9100, port)));
+        EXPECT_EQ(name, port);
+        const WideText path = TEXT("Monitors\\Standard TCP/IP Port\\Ports\\") + name;
+        EXPECT_EQ(host, Widened(SpoolerText(path, TEXT("HostName"))));
+        EXPECT_EQ(9100, RegistryNumber(HKEY_LOCAL_MACHINE, kPrintKey + path, TEXT("PortNumber")));
+    }
+}
+
+TEST_F(Installing, Driver_printer_and_default_printer_are_asked_of_the_system) {
+    const WideText inf = Widened(Write("with blank.inf", kInf));
+    const WCHAR* const model = TEXT("Model 32");
+    EXPECT_TRUE(AddDriverFiles(inf.c_str(), model)) << GetLastError();
+    EXPECT_EQ("Model_32", DriverText(model, TEXT("Driver")));
+    for (const auto& [name, port, isDefault] :
+         {std::tuple(TEXT("Home"), TEXT("LPT1:"), false), {TEXT("Office"), TEXT("LPT2:"), true}}) {
+        EXPECT_TRUE(AddDriverInstance(name, inf.c_str(), model, port, isDefault));
+        EXPECT_EQ("Model 32", PrinterText(name, TEXT("Printer Driver")));
+        EXPECT_EQ(port, Widened(PrinterText(name, TEXT("Port"))));
+        WCHAR chosen[64] = {};
+        DWORD size = 64;
+        GetDefaultPrinterW(chosen, &size);
+        EXPECT_EQ(isDefault, chosen == WideText(name));
+    }
+}
+
+TEST_F(Installing, A_driver_is_taken_from_every_encoding_and_from_shared_sections) {
     const WideText nine = TEXT("ZR \"Nine\" 9900");
     for (const std::string& bytes : {std::string(kInf), Utf16(kInf), "\xEF\xBB\xBF" + std::string(kInf)}) {
         const std::string inf = Write("a.inf", bytes);
@@ -84,12 +129,11 @@ TEST_F(InstallTool, A_driver_is_taken_from_every_encoding_and_from_shared_sectio
         EXPECT_EQ(DriverText(nine, TEXT("Data File")), "DRV.INI");
         EXPECT_EQ(DriverText(nine, TEXT("Configuration File")), "DRV.DLL");
         EXPECT_EQ(DriverText(nine, TEXT("Monitor")), "ZR Monitor");
-        const WCHAR* const drivers = TEXT("SYSTEM\\CurrentControlSet\\Control\\Print\\Environments");
-        EXPECT_EQ(RegDeleteTreeW(HKEY_LOCAL_MACHINE, drivers), 0);
+        EXPECT_EQ(RegDeleteTreeW(HKEY_LOCAL_MACHINE, (kPrintKey + kDrivers).c_str()), 0);
     }
 }
 
-TEST_F(InstallTool, An_installed_driver_is_kept_when_asked_and_else_replaced) {
+TEST_F(Installing, An_installed_driver_is_kept_when_asked_and_else_replaced) {
     const WideText model = TEXT("Model 32");
     const std::string inf = Write("a.inf", kInf);
     EXPECT_EQ(RunEntry({"/ia", "/f", inf, "/m", "Model 32"}).code, 0);
@@ -103,17 +147,17 @@ TEST_F(InstallTool, An_installed_driver_is_kept_when_asked_and_else_replaced) {
     EXPECT_EQ(PrinterText(model, TEXT("Port")), "LPT1:");
 }
 
-TEST_F(InstallTool, Refusals_say_what_happened_and_change_nothing) {
+TEST_F(Installing, Refusals_say_what_happened_and_change_nothing) {
     const std::string inf = Write("a.inf", kInf);
-    const std::string home = std::getenv("WINPORT_HOME");
+    const std::string folder = std::getenv("KESTREL_TEST_FOLDER");
     const std::string other = Write("fax.inf", "[Version]\nSignature=$Chicago$\nClass=Fax\n");
     const struct {
         std::vector<std::string> words;
         int code;
         const char* text;
     } rows[] = {
-        {{"/ia", "/f", home + "/none.inf", "/m", "Model 32"}, 1, "no such file"},
-        {{"/ia", "/f", home, "/m", "Model 32"}, 1, "folder"},
+        {{"/ia", "/f", folder + "/none.inf", "/m", "Model 32"}, 1, "no such file"},
+        {{"/ia", "/f", folder, "/m", "Model 32"}, 1, "folder"},
         {{"/ia", "/f", INSTALL_TOOL, "/m", "Model 32"}, 1, "not a text"},
         {{"/ia", "/f", Write("s.inf", "[S]\na=b\n"), "/m", "Model 32"}, 1, "no set-up information file"},
         {{"/ia", "/f", other, "/m", "Model 32"}, 1, "not about printers"},
