@@ -1,12 +1,14 @@
 // Clients that use one channel as hard as they can: every request is a text of its own, and the reply must be
-// that text. Says "ready" when its channels are open and begins at the first line of its input, so that many
-// of them begin together. Prints what it counted (hammer_counts.h) when the time is over.
+// that text. Says "ready" when its channels are open, else "error" and the last-error value. Its input says
+// the rest, a line each, so that many of them do it together: begin, or end at once ("close"); print what was
+// counted (exchange_counts.h), at least one good exchange or five seconds later; close.
 //
-//   channel_hammer NAME THREADS MILLISECONDS TIMEOUT
+//   channel_client NAME THREADS TIMEOUT PAUSE     milliseconds: of an exchange; after one that failed
 #include <windows.h>
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
@@ -17,7 +19,7 @@
 #include <utility>
 #include <vector>
 
-#include "hammer_counts.h"
+#include "exchange_counts.h"
 #include "ipc/opl_channel.h"
 #include "widened.h"
 
@@ -25,12 +27,12 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-long& CountOf(HammerCounts& counts, DWORD error) {
-    constexpr std::pair<DWORD, long HammerCounts::*> kKnown[] = {
-        {ERROR_ABANDONED_WAIT_0, &HammerCounts::abandoned},
-        {ERROR_OPERATION_ABORTED, &HammerCounts::cancelled},
-        {ERROR_TIMEOUT, &HammerCounts::timedOut},
-        {ERROR_SHARING_VIOLATION, &HammerCounts::occupied}};
+long& CountOf(ExchangeCounts& counts, DWORD error) {
+    constexpr std::pair<DWORD, long ExchangeCounts::*> kKnown[] = {
+        {ERROR_ABANDONED_WAIT_0, &ExchangeCounts::abandoned},
+        {ERROR_OPERATION_ABORTED, &ExchangeCounts::cancelled},
+        {ERROR_TIMEOUT, &ExchangeCounts::timedOut},
+        {ERROR_SHARING_VIOLATION, &ExchangeCounts::occupied}};
     for (const auto& [code, count] : kKnown)
         if (code == error) return counts.*count;
     return counts.other;
@@ -38,7 +40,7 @@ long& CountOf(HammerCounts& counts, DWORD error) {
 
 // Which of the counts one exchange adds to.
 long& Exchange(OPLChannel& channel, const std::string& process, const std::string& request,
-               uint32_t timeoutMs, HammerCounts& counts) {
+               uint32_t timeoutMs, ExchangeCounts& counts) {
     std::array<char, 256> reply;
     const auto length = static_cast<uint32_t>(request.size());
     if (channel.Send(request.data(), length, timeoutMs) != length) return CountOf(counts, GetLastError());
@@ -48,15 +50,18 @@ long& Exchange(OPLChannel& channel, const std::string& process, const std::strin
     return text == request ? counts.good : text.starts_with(process) ? counts.late : counts.wrong;
 }
 
-void Hammer(OPLChannel& channel, size_t thread, Clock::time_point end, uint32_t timeoutMs,
-            HammerCounts& counts) {
+void Work(OPLChannel& channel, size_t thread, const std::atomic<bool>& ended, uint32_t timeoutMs,
+          DWORD pauseMs, ExchangeCounts& counts) {
     const std::string process = std::to_string(GetCurrentProcessId()) + '-';
     const std::string prefix = process + std::to_string(thread) + '-';
-    for (uint64_t i = 0; Clock::now() < end; ++i) {
+    const Clock::time_point patience = Clock::now() + std::chrono::seconds(5);
+    for (uint64_t i = 0; !ended || (counts.good == 0 && Clock::now() < patience); ++i) {
         const Clock::time_point start = Clock::now();
+        const long good = counts.good;
         ++Exchange(channel, process, prefix + std::to_string(i), timeoutMs, counts);
         const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
         counts.longestMs = std::max(counts.longestMs, static_cast<long>(took));
+        if (counts.good == good && pauseMs != 0) Sleep(pauseMs);
     }
     counts.least = counts.most = counts.good;
 }
@@ -69,23 +74,28 @@ int main(int argc, char** argv) {
     std::vector<std::unique_ptr<OPLChannel>> channels;
     for (int i = 0; i < std::atoi(argv[2]); ++i) {
         channels.push_back(std::make_unique<OPLChannel>());
-        if (!channels.back()->Open(kwt::ChannelRole::Client, Widened(name).c_str())) return 1;
+        if (channels.back()->Open(kwt::ChannelRole::Client, Widened(name).c_str())) continue;
+        std::cout << "error " << GetLastError() << std::endl;
+        return 0;
     }
     std::cout << "ready" << std::endl;
-    std::string go;
-    std::getline(std::cin, go);
-    const Clock::time_point end = Clock::now() + std::chrono::milliseconds(std::atoi(argv[3]));
-    const auto timeoutMs = static_cast<uint32_t>(std::atoi(argv[4]));
-    std::vector<HammerCounts> counts(channels.size());
+    std::string line;
+    if (!std::getline(std::cin, line) || line == "close") return 0;
+    const auto timeoutMs = static_cast<uint32_t>(std::atoi(argv[3]));
+    const auto pauseMs = static_cast<DWORD>(std::atoi(argv[4]));
+    std::atomic<bool> ended{false};
+    std::vector<ExchangeCounts> counts(channels.size());
     std::vector<std::thread> threads;
     for (size_t i = 0; i < channels.size(); ++i)
-        threads.emplace_back([&, i] { Hammer(*channels[i], i, end, timeoutMs, counts[i]); });
+        threads.emplace_back([&, i] { Work(*channels[i], i, ended, timeoutMs, pauseMs, counts[i]); });
+    std::getline(std::cin, line);
+    ended = true;
     for (std::thread& thread : threads)
         thread.join();
-    HammerCounts all;
-    for (const HammerCounts& one : counts)
+    ExchangeCounts all;
+    for (const ExchangeCounts& one : counts)
         all.Add(one);
     std::cout << all << std::endl;
     // Closing a client withdraws whatever request is unread, another's too: not before all have finished.
-    std::getline(std::cin, go);
+    std::getline(std::cin, line);
 }

@@ -1,4 +1,4 @@
-// What one run of channel_hammer counted, and the line in which it says so.
+// What one run of channel_client counted, and the line in which it says so.
 #pragma once
 
 #include <algorithm>
@@ -6,7 +6,7 @@
 #include <limits>
 #include <ostream>
 
-struct HammerCounts {
+struct ExchangeCounts {
     long good = 0;
     long abandoned = 0;  // 735: the one before died in its exchange
     long cancelled = 0;  // 995: a dying client's cancel met this one
@@ -21,7 +21,7 @@ struct HammerCounts {
 
     [[nodiscard]] long Failures() const { return abandoned + cancelled + timedOut + occupied + other; }
 
-    void Add(const HammerCounts& more) {
+    void Add(const ExchangeCounts& more) {
         for (const auto column : kSums)
             this->*column += more.*column;
         longestMs = std::max(longestMs, more.longestMs);
@@ -29,19 +29,20 @@ struct HammerCounts {
         most = std::max(most, more.most);
     }
 
-    friend std::ostream& operator<<(std::ostream& out, const HammerCounts& counts) {
+    friend std::ostream& operator<<(std::ostream& out, const ExchangeCounts& counts) {
         for (const auto column : kSums)
             out << counts.*column << ' ';
         return out << counts.longestMs << ' ' << counts.least << ' ' << counts.most;
     }
-    friend std::istream& operator>>(std::istream& in, HammerCounts& counts) {
+    friend std::istream& operator>>(std::istream& in, ExchangeCounts& counts) {
         for (const auto column : kSums)
             in >> counts.*column;
         return in >> counts.longestMs >> counts.least >> counts.most;
     }
 
   private:
-    static constexpr long HammerCounts::*kSums[] = {
-        &HammerCounts::good,     &HammerCounts::abandoned, &HammerCounts::cancelled, &HammerCounts::timedOut,
-        &HammerCounts::occupied, &HammerCounts::other,     &HammerCounts::late,      &HammerCounts::wrong};
+    static constexpr long ExchangeCounts::*kSums[] = {&ExchangeCounts::good,      &ExchangeCounts::abandoned,
+                                                      &ExchangeCounts::cancelled, &ExchangeCounts::timedOut,
+                                                      &ExchangeCounts::occupied,  &ExchangeCounts::other,
+                                                      &ExchangeCounts::late,      &ExchangeCounts::wrong};
 };
