@@ -1,6 +1,5 @@
 // Replies that are almost right, to every function that asks the printer for something: shortened at each
 // place, and with each byte changed into each other.
-#include <gtest/gtest.h>
 #include <kestrel/sdk_errors.h>
 #include <windows.h>
 
@@ -12,9 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "desk.h"
 #include "effort.h"
 #include "guarded.h"
+#include "installed_printer.h"
 #include "ipc/opl_channel.h"
 #include "opl/value_escape.h"
 #include "query_exports.h"
@@ -133,7 +132,7 @@ bool IsRight(const SettingRow& row, const Guarded& out, const std::string& reply
     return false;
 }
 
-class MalformedReplies : public testing::Test {
+class MalformedReplies : public InstalledPrinter {
   protected:
     MalformedReplies()
         : running_(CreateEventW(nullptr, TRUE, TRUE, TEXT("ZRIJ9900StatMonClass-01042005"))),
@@ -221,16 +220,16 @@ class MalformedReplies : public testing::Test {
 
 TEST_F(MalformedReplies,
        Every_query_gives_the_right_value_or_a_documented_error_and_writes_its_buffer_alone) {
-    ASSERT_TRUE(InstallDesk()) << GetLastError();
-    ASSERT_TRUE(server_.Open(kwt::ChannelRole::Server, kCommandChannel));
+    ASSERT_TRUE(
+        server_.Open(kwt::ChannelRole::Server, TEXT("ZRIJ9900StatMonClass-01042005OPLChannelUSB001")));
     ASSERT_TRUE(server_.StartServerThread());
     const std::vector<QueryExport> queries = QueryExports();
-    ASSERT_TRUE(OnDesk([&] {
+    WithPrinter([&] {
         for (const QueryExport& query : queries) {
             TryExport(query);
             if (HasFatalFailure()) return;
         }
-    })) << GetLastError();
+    });
     std::printf("%zu functions, %ld malformed replies\n", queries.size(), tried_);
 }
 

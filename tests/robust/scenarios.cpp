@@ -1,5 +1,4 @@
-#include "scenarios.h"
-
+// What programs do: short pieces of the layer below, then of the library.
 #include <kestrel/sdk.h>
 #include <windows.h>
 // The spooler's header needs the one above.
@@ -10,9 +9,14 @@
 #include <winspool.h>
 #include <wtsapi32.h>
 
+#include <algorithm>
 #include <memory>
+#include <string_view>
 
+#include "failing.h"
 #include "ipc/opl_channel.h"
+#include "kwt/last_error_keeper.h"
+#include "query_exports.h"
 
 namespace {
 
@@ -31,9 +35,8 @@ bool WithKey(Use use) {
     HKEY key = nullptr;
     if (!Is(RegCreateKeyW(HKEY_CURRENT_USER, TEXT("Software\\Failing"), &key))) return false;
     const bool done = use(key);
-    const DWORD error = GetLastError();
+    const kwt::LastErrorKeeper keeper;
     RegCloseKey(key);
-    SetLastError(error);
     return done;
 }
 bool SetNumber(HKEY key) {
@@ -41,76 +44,55 @@ bool SetNumber(HKEY key) {
     return Is(RegSetValueExW(key, TEXT("n"), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), 4));
 }
 template <typename Use>
-bool WithPrinter(Use use) {
+bool WithPrinter(const WCHAR* name, Use use) {
     PRINTER_DEFAULTSW defaults{nullptr, nullptr, PRINTER_ALL_ACCESS};
     HANDLE printer = nullptr;
-    WideText name = TEXT("P");
-    if (!OpenPrinterW(name.data(), &printer, &defaults)) return false;
+    if (!OpenPrinterW(WideText(name).data(), &printer, &defaults)) return false;
     const bool done = use(printer);
-    const DWORD error = GetLastError();
+    const kwt::LastErrorKeeper keeper;
     ClosePrinter(printer);
-    SetLastError(error);
     return done;
 }
 bool PrinterAddedAndDeleted() {
-    WideText name = TEXT("Q"), port = TEXT("USB9"), driver = TEXT("ZR One"), processor = TEXT("WinPrint");
+    WideText name = TEXT("Q"), port = TEXT("USB9"), driver = TEXT("ZRIJ9900 Series"),
+             processor = TEXT("WinPrint");
     PRINTER_INFO_2W info{};
     info.pPrinterName = name.data();
     info.pPortName = port.data();
     info.pDriverName = driver.data();
     info.pPrintProcessor = processor.data();
-    HANDLE printer = AddPrinterW(nullptr, 2, reinterpret_cast<LPBYTE>(&info));
-    if (printer == nullptr && GetLastError() == ERROR_PRINTER_ALREADY_EXISTS) {
-        PRINTER_DEFAULTSW defaults{nullptr, nullptr, PRINTER_ALL_ACCESS};
-        if (!OpenPrinterW(name.data(), &printer, &defaults)) return false;
-    }
-    if (printer == nullptr) return false;
-    const bool done = DeletePrinter(printer);
-    const DWORD error = GetLastError();
-    ClosePrinter(printer);
-    SetLastError(error);
-    return done;
+    const HANDLE added = AddPrinterW(nullptr, 2, reinterpret_cast<LPBYTE>(&info));
+    if (added != nullptr) ClosePrinter(added);
+    if (added == nullptr && GetLastError() != ERROR_PRINTER_ALREADY_EXISTS) return false;
+    return WithPrinter(TEXT("Q"), [](HANDLE printer) { return DeletePrinter(printer) != FALSE; });
 }
 bool MutexTaken(const WCHAR* name) {
-    HANDLE mutex = CreateMutexW(nullptr, FALSE, name);
+    const HANDLE mutex = CreateMutexW(nullptr, FALSE, name);
     if (mutex == nullptr) return false;
     const bool taken = WaitForSingleObject(mutex, 0) == WAIT_OBJECT_0;
-    const DWORD error = GetLastError();
+    const kwt::LastErrorKeeper keeper;
     if (taken) ReleaseMutex(mutex);
     CloseHandle(mutex);
-    SetLastError(error);
     return taken;
 }
 bool SectionSeen(const WCHAR* name) {
-    HANDLE section = CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 70000, name);
+    const HANDLE section = CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 70000, name);
     if (section == nullptr) return false;
-    void* view = MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 0, 0);
-    const DWORD error = GetLastError();
+    void* const view = MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 0, 0);
+    const kwt::LastErrorKeeper keeper;
     if (view != nullptr) {
         static_cast<volatile char*>(view)[69999] = 1;
         UnmapViewOfFile(view);
     }
     CloseHandle(section);
-    SetLastError(error);
     return view != nullptr;
 }
 bool ChannelOpened(kwt::ChannelRole role) {
-    auto channel = std::make_unique<OPLChannel>();
+    const auto channel = std::make_unique<OPLChannel>();
     const bool opened = channel->Open(role, TEXT("FailingChannel"));
-    const DWORD error = GetLastError();
-    channel.reset();
-    SetLastError(error);
+    const kwt::LastErrorKeeper keeper;
+    channel->Close();
     return opened;
-}
-template <typename Use>
-bool Selected(Use use) {
-    return SelectPrinter(TEXT("P")) && use() != 0;
-}
-// One call of a function that reads or writes an array.
-template <auto kExport, typename Element, size_t kCount>
-bool Transfers() {
-    static Element elements[kCount];
-    return Selected([] { return kExport(elements, kMs); });
 }
 bool ProgramRun() {
     STARTUPINFOW startup{};
@@ -134,7 +116,7 @@ bool ProfileRead() {
     const WideText path = folder.c_str() + WideText(TEXT("\\3\\ZRIJ9900.INI"));
     WCHAR text[300];
     return GetPrivateProfileSectionW(TEXT("Printers"), text, 300, path.c_str()) > 0 &&
-           GetPrivateProfileStringW(TEXT("SDK"), TEXT("Signature"), TEXT(""), text, 300, path.c_str()) == 4;
+           GetPrivateProfileStringW(TEXT("SDK"), TEXT("Signature"), TEXT(""), text, 300, path.c_str()) == 8;
 }
 
 const Scenario kScenarios[] = {
@@ -170,7 +152,7 @@ const Scenario kScenarios[] = {
      }},
     {"printer read",
      [] {
-         return WithPrinter([](HANDLE printer) {
+         return WithPrinter(TEXT("P"), [](HANDLE printer) {
              BYTE block[4096];
              DWORD size = 0;
              return GetPrinterW(printer, 2, block, sizeof(block), &size) != FALSE;
@@ -178,7 +160,7 @@ const Scenario kScenarios[] = {
      }},
     {"printer changed",
      [] {
-         return WithPrinter([](HANDLE printer) {
+         return WithPrinter(TEXT("P"), [](HANDLE printer) {
              alignas(8) BYTE block[4096];
              DWORD size = 0;
              return GetPrinterW(printer, 2, block, sizeof(block), &size) && SetPrinterW(printer, 2, block, 0);
@@ -186,7 +168,7 @@ const Scenario kScenarios[] = {
      }},
     {"printer data",
      [] {
-         return WithPrinter([](HANDLE printer) {
+         return WithPrinter(TEXT("P"), [](HANDLE printer) {
              DWORD number = 1;
              WideText name = TEXT("n");
              return Is(static_cast<LSTATUS>(
@@ -245,60 +227,49 @@ const Scenario kScenarios[] = {
          return WideCharToMultiByte(CP_ACP, 0, TEXT("abc"), 3, text, 8, nullptr, nullptr) == 3;
      }},
     {"file attributes", [] { return GetFileAttributesW(TEXT("/etc/passwd")) != INVALID_FILE_ATTRIBUTES; }},
-    {"raw exchange", [] { return Selected([] { return SendCmd("ZRPing?", 7, nullptr, 0, nullptr, kMs); }); },
-     false, true},
-    {"number", Transfers<GetFaxRedials, uint8_t, 1>, false, true},
-    {"word", Transfers<GetDisplayLanguage, uint32_t, 1>, false, true},
-    {"text", Transfers<GetFriendlyName, kestrel_char, 64>, false, true},
-    {"address", Transfers<GetStaticIPAddress, uint8_t, 4>, false, true},
-    {"set number", [] { return Selected([] { return SetFaxRedials(5, kMs); }); }, false, true},
-    {"set text", [] { return Selected([] { return SetFriendlyName(TEXT("Office"), kMs); }); }, false, true},
-    {"one-touch record",
-     [] {
-         return Selected([] {
-             KestrelQuickDial v;
-             return GetQuickDialButton(0, &v, kMs);
-         });
-     },
-     false, true},
-    {"speed-dial list written", Transfers<SetQuickDialNumbers, KestrelQuickDial, 60>, false, true},
-    {"access points", Transfers<GetAccessPoints, KestrelAccessPoint, 64>, false, true},
-    {"hosts", Transfers<GetMDNSHostList, KestrelHost, 64>, false, true},
-    {"device time",
-     [] {
-         return Selected([] {
-             uint32_t v[5];
-             return GetDeviceTime(v, v + 1, v + 2, v + 3, v + 4, kMs);
-         });
-     },
-     false, true},
-    {"clock set", [] { return Selected([] { return SetCurrentTimeRTC(kMs); }); }, false, true},
-    {"firmware version",
-     [] {
-         return Selected([] {
-             uint32_t v[2];
-             kestrel_char t[64];
-             return GetFWVersion(v, v + 1, t, kMs);
-         });
-     },
-     false, true},
-    {"capabilities",
-     [] {
-         return Selected([] {
-             uint8_t v[48];
-             return GetCapabilities(v, 48, kMs);
-         });
-     },
-     true, true},
-    {"lock", [] { return Selected([] { return Lock(kMs) && Unlock(kMs); }); }, true, true},
-    {"cancel", [] { return Selected([] { return Cancel(); }); }, false, true},
-    {"maintenance", [] { return Selected([] { return PrintTestPage(); }); }, true, true},
-    {"upgrade", [] { return Selected([] { return RefreshFWCapabilities(kMs); }); }, true, true},
-    {"display mode", [] { return SetStatusMonitorDisplayMode(1) != 0; }, true, true},
 };
+
+template <typename Use>
+bool Selected(Use use) {
+    return SelectPrinter(TEXT("P")) && use() != 0;
+}
+
+const Scenario kWriting[] = {
+    {"set number", [] { return Selected([] { return SetFaxRedials(5, kMs); }); }},
+    {"set text", [] { return Selected([] { return SetFriendlyName(TEXT("Office"), kMs); }); }},
+    {"speed-dial list written",
+     [] {
+         static const KestrelQuickDial records[KESTREL_SPEED_DIAL_RECORDS] = {};
+         return Selected([] { return SetQuickDialNumbers(records, kMs); });
+     }},
+    {"clock set", [] { return Selected([] { return SetCurrentTimeRTC(kMs); }); }},
+    {"lock", [] { return Selected([] { return Lock(kMs) && Unlock(kMs); }); }, true},
+    {"cancel", [] { return Selected([] { return Cancel(); }); }},
+    {"maintenance", [] { return Selected([] { return PrintTestPage(); }); }, true},
+    {"upgrade", [] { return Selected([] { return RefreshFWCapabilities(kMs); }); }, true},
+    {"display mode", [] { return SetStatusMonitorDisplayMode(1) != 0; }, true},
+};
+
+// Of the functions that ask the printer, one for each way in which a reply is read.
+constexpr std::string_view kAsking[] = {"SendCmd",         "GetFaxRedials",      "GetDisplayLanguage",
+                                        "GetFriendlyName", "GetStaticIPAddress", "GetQuickDialButton",
+                                        "GetAccessPoints", "GetMDNSHostList",    "GetDeviceTime",
+                                        "GetFWVersion",    "GetCapabilities"};
 
 }  // namespace
 
-std::span<const Scenario> Scenarios() {
-    return kScenarios;
+std::vector<Scenario> Scenarios() {
+    std::vector<Scenario> all(std::begin(kScenarios), std::end(kScenarios));
+    const auto addExport = [&all](Scenario scenario) {
+        scenario.isExport = true;
+        all.push_back(std::move(scenario));
+    };
+    std::ranges::for_each(kWriting, addExport);
+    for (const QueryExport& query : QueryExports()) {
+        if (std::ranges::find(kAsking, query.name) == std::end(kAsking)) continue;
+        static uint8_t out[sizeof(KestrelAccessPoint) * KESTREL_MAX_ACCESS_POINTS];
+        addExport({query.name, [query] { return Selected([&] { return query.call(out, kMs); }); },
+                   query.name == "GetCapabilities"});
+    }
+    return all;
 }
