@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "registry_value.h"
 #include "support.h"
 
 namespace {
@@ -60,18 +61,10 @@ TEST(Ports, A_network_port_is_added_once_and_kept) {
     EXPECT_EQ(Ask(monitor, TEXT("AddPort"), Port(TEXT("ZRIJT_192.168.0.20"))), 0u);
     EXPECT_EQ(Ask(monitor, TEXT("AddPort"), Port(TEXT("zrijt_192.168.0.20"))), 183u);
     EXPECT_EQ(PortNames().back(), TEXT("ZRIJT_192.168.0.20"));
-    HKEY key = nullptr;
-    ASSERT_EQ(0,
-              RegOpenKeyW(HKEY_LOCAL_MACHINE,
-                          TEXT("SYSTEM\\CurrentControlSet\\Control\\Print\\Monitors\\Standard TCP/IP Port\\")
-                              TEXT("Ports\\ZRIJT_192.168.0.20"),
-                          &key));
-    DWORD number = 0;
-    DWORD size = sizeof number;
-    EXPECT_EQ(0, RegQueryValueExW(key, TEXT("PortNumber"), nullptr, nullptr,
-                                  reinterpret_cast<LPBYTE>(&number), &size));
-    EXPECT_EQ(number, 9100u);
-    RegCloseKey(key);
+    const WideText path =
+        TEXT("SYSTEM\\CurrentControlSet\\Control\\Print\\Monitors\\Standard TCP/IP Port\\Ports\\");
+    EXPECT_EQ(RegistryNumber(HKEY_LOCAL_MACHINE, path + TEXT("ZRIJT_192.168.0.20"), TEXT("PortNumber")),
+              9100);
     ClosePrinter(monitor);
 }
 

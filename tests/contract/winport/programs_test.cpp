@@ -90,11 +90,10 @@ TEST_F(FoundPrograms, A_path_with_blanks_needs_no_quotes_and_the_ending_may_be_m
 }
 
 TEST_F(FoundPrograms, A_detached_one_has_its_own_session_and_no_descriptor_of_its_starter) {
-    MakeProgram(
-        TEXT("probe"),
-        "#!/bin/sh\nls /proc/$$/fd -l > open\ngrep -c -e /kestrel-test -e pipe -e /probe open > out\n"
-        "[ \"$(cut -d' ' -f6 /proc/$$/stat)\" = $$ ] && echo own >> out\n"
-        "[ \"$(readlink /proc/$$/fd/0)\" = /dev/null ] && echo null >> out\nexit 0\n");
+    MakeProgram(TEXT("probe"),
+                "#!/bin/sh\nls /proc/$$/fd -l > open\ngrep -c -e /kestrel-test -e pipe -e /probe open > out\n"
+                "[ \"$(cut -d' ' -f6 /proc/$$/stat)\" = $$ ] && echo own >> out\n"
+                "[ \"$(readlink /proc/$$/fd/0)\" = /dev/null ] && echo null >> out\nexit 0\n");
     int ends[2] = {};
     ASSERT_EQ(::pipe(ends), 0);
     EXPECT_EQ(Run(folder_.Path(TEXT("probe"))), 0u);

@@ -1,4 +1,5 @@
-// A process of its own that uses the registry, for tests that kill it or start it in another environment.
+// A process of its own that uses the registry, for tests that kill it or start it in another environment:
+//
 //   registry_probe create     exits with the result of making a key
 //   registry_probe together   the same in several processes that begin at one moment; exits with the worst
 //   result registry_probe count      writes a growing number again and again, printing each after it was
@@ -6,16 +7,18 @@
 //   before, has ended
 #include <sched.h>
 #include <sys/mman.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <windows.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <new>
 #include <string_view>
+
+#include "forked.h"
 
 namespace {
 
@@ -52,23 +55,19 @@ int CreateTogether() {
         ::mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     if (page == MAP_FAILED) return EXIT_FAILURE;
     auto* begin = new (page) std::atomic<int>(0);
-    pid_t children[6];
-    for (pid_t& child : children) {
-        child = ::fork();
-        if (child != 0) continue;
-        while (begin->load() == 0)
-            ::sched_yield();
-        HKEY key = nullptr;
-        ::_exit(Create(key));
-    }
+    std::array<Forked, 6> children;
+    for (Forked& child : children)
+        child = Forked([begin] {
+            while (begin->load() == 0)
+                ::sched_yield();
+            HKEY key = nullptr;
+            return Create(key);
+        });
     ::usleep(2000);
     begin->store(1);
     int worst = 0;
-    for (const pid_t child : children) {
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        worst = std::max(worst, WIFEXITED(status) ? WEXITSTATUS(status) : EXIT_FAILURE);
-    }
+    for (Forked& child : children)
+        worst = std::max(worst, child.Wait());
     return worst;
 }
 
