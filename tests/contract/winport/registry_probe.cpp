@@ -1,10 +1,9 @@
 // A process of its own that uses the registry, for tests that kill it or start it in another environment:
 //
 //   registry_probe create     exits with the result of making a key
-//   registry_probe together   the same in several processes that begin at one moment; exits with the worst
-//   result registry_probe count      writes a growing number again and again, printing each after it was
-//   written registry_probe orphan     the same in a forked child whose parent, which used the registry
-//   before, has ended
+//   registry_probe together   the same in several processes that begin at one moment, with the worst result
+//   registry_probe count      writes a growing number again and again, printing each after it was written
+//   registry_probe orphan     the same in a forked child whose parent, which used the registry, has ended
 #include <sched.h>
 #include <sys/mman.h>
 #include <unistd.h>
