@@ -1,13 +1,11 @@
 // Replies that are almost right, to every function that asks the printer for something: shortened at each
 // place, and with each byte changed into each other.
-#include <kestrel/sdk_errors.h>
 #include <windows.h>
 
 #include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <mutex>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -55,19 +53,8 @@ class Counterpart final : public OPLChannel {
     Exchanges seen_;
 };
 
-const std::set<DWORD> kDocumented = {0,
-                                     2,
-                                     22,
-                                     23,
-                                     31,
-                                     87,
-                                     170,
-                                     1392,
-                                     1460,
-                                     4319,
-                                     SDK_ERROR_NO_REPLY,
-                                     SDK_ERROR_BAD_REPLY,
-                                     SDK_ERROR_UNEXPECTED_REPLY};
+constexpr DWORD kDocumented[] = {
+    0, 2, 22, 23, 31, 87, 170, 1392, 1460, 4319, kNoReply, kBadReply, kUnexpectedReply};
 
 /// The text of the first value of a reply, as a reader who knows nothing of this library finds it.
 std::string ValueIn(const std::string& reply) {
@@ -154,7 +141,7 @@ class MalformedReplies : public InstalledPrinter {
             return testing::Message() << query.name << " " << done << " " << error << ": " << reply;
         };
         ASSERT_TRUE(out_->IsIntactBefore()) << explain();
-        ASSERT_TRUE(kDocumented.contains(error)) << explain();
+        ASSERT_NE(std::ranges::find(kDocumented, error), std::end(kDocumented)) << explain();
         ASSERT_TRUE(!done || error == 0) << explain();
         ASSERT_FALSE(done && isShort && query.setting != nullptr) << explain();
         ASSERT_TRUE(done || !query.clears || out_->IsAll(0)) << explain();
