@@ -9,40 +9,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kInf[] = R"(; Printers of two machine kinds
-[Version]
-Signature   = "$Windows NT$"
-Class       = Printer
-Provider    = %Maker%
-
-[Manufacturer]
-%Maker% = Models, NTx86, NTamd64
-
-[Models.NTx86]
-"Model 32" = Model_32, USBPRINT\Model32
-
-[Models.NTamd64]
-%Nine% = Model_9900, \
-         USBPRINT\Model9900      ; continued
-
-[Model_9900]
-CopyFiles   = @DRV.DLL
-DataSection = Shared
-DriverFile  = "DRV.DLL"
-
-[shared]
-DataFile        = DRV.INI
-LanguageMonitor = %Monitor%
-
-[Model_32]
-CopyFiles = @OLD.DLL
-
-[Strings]
-Maker   = "ZR"
-Nine    = "ZR ""Nine"" 9900"
-Monitor = "ZR Monitor,MON.DLL"
-)";
-
 std::string Utf16(const std::string& text) {
     std::string bytes = "\xFF\xFE";
     for (const char c : text)
@@ -69,6 +35,8 @@ std::string PrinterText(const WideText& printer, const WCHAR* name) {
 class Installing : public testing::Test {
   protected:
     ~Installing() override { RegDeleteTreeW(HKEY_LOCAL_MACHINE, (kPrintKey + kDrivers).c_str()); }
+
+    const std::string inf_ = FileText(TWO_KINDS_INF);
 
     static std::string Write(const std::string& name, const std::string& bytes) {
         const fs::path path = fs::path(std::getenv("KESTREL_TEST_FOLDER")) / name;
@@ -104,7 +72,7 @@ TEST_F(Installing, A_network_port_is_named_for_its_address_and_added) {
 }
 
 TEST_F(Installing, Driver_printer_and_default_printer_are_asked_of_the_system) {
-    const WideText inf = Widened(Write("with blank.inf", kInf));
+    const WideText inf = Widened(Write("with blank.inf", inf_));
     const WCHAR* const model = TEXT("Model 32");
     EXPECT_TRUE(AddDriverFiles(inf.c_str(), model)) << GetLastError();
     EXPECT_EQ("Model_32", DriverText(model, TEXT("Driver")));
@@ -122,7 +90,7 @@ TEST_F(Installing, Driver_printer_and_default_printer_are_asked_of_the_system) {
 
 TEST_F(Installing, A_driver_is_taken_from_every_encoding_and_from_shared_sections) {
     const WideText nine = TEXT("ZR \"Nine\" 9900");
-    for (const std::string& bytes : {std::string(kInf), Utf16(kInf), "\xEF\xBB\xBF" + std::string(kInf)}) {
+    for (const std::string& bytes : {inf_, Utf16(inf_), "\xEF\xBB\xBF" + inf_}) {
         const std::string inf = Write("a.inf", bytes);
         EXPECT_EQ(RunEntry({"/ia", "/f", inf, "/m", "zr \"nine\" 9900"}).code, 0);
         EXPECT_EQ(DriverText(nine, TEXT("Driver")), "DRV.DLL");
@@ -135,10 +103,10 @@ TEST_F(Installing, A_driver_is_taken_from_every_encoding_and_from_shared_section
 
 TEST_F(Installing, An_installed_driver_is_kept_when_asked_and_else_replaced) {
     const WideText model = TEXT("Model 32");
-    const std::string inf = Write("a.inf", kInf);
+    const std::string inf = Write("a.inf", inf_);
     EXPECT_EQ(RunEntry({"/ia", "/f", inf, "/m", "Model 32"}).code, 0);
     EXPECT_EQ(DriverText(model, TEXT("Driver")), "Model_32");
-    Write("a.inf", std::string(kInf) + "[Model_32]\nDriverFile=NEW.DLL\n");
+    Write("a.inf", inf_ + "[Model_32]\nDriverFile=NEW.DLL\n");
     EXPECT_EQ(RunEntry({"/if", "/u", "/f", inf, "/m", "Model 32", "/r", "USB001", "/b", "One"}).code, 0);
     EXPECT_EQ(DriverText(model, TEXT("Driver")), "Model_32");
     EXPECT_EQ(RunEntry({"/if", "/f", inf, "/m", "Model 32", "/r", "LPT1:"}).code, 0);
@@ -148,7 +116,7 @@ TEST_F(Installing, An_installed_driver_is_kept_when_asked_and_else_replaced) {
 }
 
 TEST_F(Installing, Refusals_say_what_happened_and_change_nothing) {
-    const std::string inf = Write("a.inf", kInf);
+    const std::string inf = Write("a.inf", inf_);
     const std::string folder = std::getenv("KESTREL_TEST_FOLDER");
     const std::string other = Write("fax.inf", "[Version]\nSignature=$Chicago$\nClass=Fax\n");
     const struct {

@@ -158,16 +158,4 @@ TEST_F(Exchange, A_printer_killed_before_or_after_it_replies_leaves_the_channel_
     }
 }
 
-TEST_F(Exchange, A_client_killed_while_it_waits_does_not_disturb_the_next_one) {
-    StartPrinter(R"([{"match":"DeviceSettings.Fax.Redials?","times":1,"delay":400}])");
-    ChildProcess victim({KESTREL_CLIENT, "-p", "P", "get", "fax.redials"});
-    Sleep(200);
-    victim.Kill();
-    victim.Wait();
-    WithPrinter([] {
-        EndedGet(kLong);  // may meet what the dead one left
-        EXPECT_EQ(kDone, EndedGet(kLong));
-    });
-}
-
 }  // namespace

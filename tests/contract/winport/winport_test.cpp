@@ -207,17 +207,6 @@ TEST(Handles, A_forked_child_closes_what_a_thread_of_its_parent_is_waiting_for) 
     EXPECT_TRUE(CloseHandle(event));
 }
 
-TEST(Handles, A_closed_one_stays_refused_when_its_place_is_taken) {
-    HANDLE closed = nullptr;
-    HANDLE open = nullptr;
-    ASSERT_TRUE(OpenPrinterW(nullptr, &closed, nullptr));
-    ASSERT_TRUE(ClosePrinter(closed));
-    ASSERT_TRUE(OpenPrinterW(nullptr, &open, nullptr));
-    EXPECT_FALSE(ClosePrinter(closed));
-    EXPECT_EQ(RegCloseKey(reinterpret_cast<HKEY>(open)), ERROR_INVALID_HANDLE);
-    EXPECT_TRUE(ClosePrinter(open));
-}
-
 TEST(Differences, A_text_that_looks_like_another_is_not_turned_into_it) {
     for (const WCHAR* text : {TEXT("\u0100"), TEXT("\uFF21"), TEXT("\u2212"), TEXT("\u03B1")}) {
         char buffer[2] = {};
