@@ -23,6 +23,12 @@ namespace {
 constexpr const WCHAR* kName = TEXT("Global\\Failing");
 constexpr uint32_t kMs = 1000;
 
+// Room for whatever is read.
+alignas(8) BYTE room[65536];
+WCHAR text[300];
+DWORD size = 0;
+DWORD count = 0;
+
 bool Is(LSTATUS status) {
     SetLastError(static_cast<DWORD>(status));
     return status == ERROR_SUCCESS;
@@ -108,15 +114,13 @@ bool ProgramRun() {
     return ended;
 }
 bool ProfileRead() {
-    WideText folder(600, WCHAR{0});
-    DWORD bytes = 0;
-    if (!GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<LPBYTE>(folder.data()), 1200,
-                                    &bytes))
-        return false;
-    const WideText path = folder.c_str() + WideText(TEXT("\\3\\ZRIJ9900.INI"));
-    WCHAR text[300];
+    if (!GetPrinterDriverDirectoryW(nullptr, nullptr, 1, room, sizeof(room), &size)) return false;
+    const WideText path = reinterpret_cast<WCHAR*>(room) + WideText(TEXT("\\3\\ZRIJ9900.INI"));
     return GetPrivateProfileSectionW(TEXT("Printers"), text, 300, path.c_str()) > 0 &&
            GetPrivateProfileStringW(TEXT("SDK"), TEXT("Signature"), TEXT(""), text, 300, path.c_str()) == 8;
+}
+bool PrinterRead(HANDLE printer) {
+    return GetPrinterW(printer, 2, room, sizeof(room), &size) != FALSE;
 }
 
 const Scenario kScenarios[] = {
@@ -130,20 +134,17 @@ const Scenario kScenarios[] = {
     {"server channel", [] { return ChannelOpened(kwt::ChannelRole::Server); }},
     {"registry value read",
      [] {
+         size = sizeof(room);
          return WithKey([](HKEY key) {
-             DWORD number = 0;
-             DWORD size = 4;
-             return SetNumber(key) && Is(RegQueryValueExW(key, TEXT("n"), nullptr, nullptr,
-                                                          reinterpret_cast<LPBYTE>(&number), &size));
+             return SetNumber(key) && Is(RegQueryValueExW(key, TEXT("n"), nullptr, nullptr, room, &size));
          });
      }},
     {"registry value deleted",
      [] { return WithKey([](HKEY key) { return SetNumber(key) && Is(RegDeleteValueW(key, TEXT("n"))); }); }},
     {"registry enumeration",
      [] {
-         WCHAR name[100];
-         DWORD size = 100;
-         return Is(RegEnumKeyExW(HKEY_LOCAL_MACHINE, 0, name, &size, nullptr, nullptr, nullptr, nullptr));
+         size = 100;
+         return Is(RegEnumKeyExW(HKEY_LOCAL_MACHINE, 0, text, &size, nullptr, nullptr, nullptr, nullptr));
      }},
     {"registry tree deleted",
      [] {
@@ -151,52 +152,28 @@ const Scenario kScenarios[] = {
                 Is(RegDeleteTreeW(HKEY_CURRENT_USER, TEXT("Software\\Failing")));
      }},
     {"printer read",
-     [] {
-         return WithPrinter(TEXT("P"), [](HANDLE printer) {
-             BYTE block[4096];
-             DWORD size = 0;
-             return GetPrinterW(printer, 2, block, sizeof(block), &size) != FALSE;
-         });
-     }},
+     [] { return WithPrinter(TEXT("P"), [](HANDLE printer) { return PrinterRead(printer); }); }},
     {"printer changed",
      [] {
          return WithPrinter(TEXT("P"), [](HANDLE printer) {
-             alignas(8) BYTE block[4096];
-             DWORD size = 0;
-             return GetPrinterW(printer, 2, block, sizeof(block), &size) && SetPrinterW(printer, 2, block, 0);
+             return PrinterRead(printer) && SetPrinterW(printer, 2, room, 0);
          });
      }},
     {"printer data",
      [] {
          return WithPrinter(TEXT("P"), [](HANDLE printer) {
-             DWORD number = 1;
              WideText name = TEXT("n");
-             return Is(static_cast<LSTATUS>(
-                 SetPrinterDataW(printer, name.data(), REG_DWORD, reinterpret_cast<LPBYTE>(&number), 4)));
+             return Is(static_cast<LSTATUS>(SetPrinterDataW(printer, name.data(), REG_BINARY, room, 4)));
          });
      }},
     {"printer list",
      [] {
-         BYTE block[8192];
-         DWORD size = 0;
-         DWORD count = 0;
-         return EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, block, sizeof(block), &size, &count) != FALSE;
+         return EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, room, sizeof(room), &size, &count) != FALSE;
      }},
     {"printer added", PrinterAddedAndDeleted},
     {"driver list",
-     [] {
-         BYTE block[8192];
-         DWORD size = 0;
-         DWORD count = 0;
-         return EnumPrinterDriversW(nullptr, nullptr, 1, block, sizeof(block), &size, &count) != FALSE;
-     }},
-    {"port list",
-     [] {
-         BYTE block[8192];
-         DWORD size = 0;
-         DWORD count = 0;
-         return EnumPortsW(nullptr, 1, block, sizeof(block), &size, &count) != FALSE;
-     }},
+     [] { return EnumPrinterDriversW(nullptr, nullptr, 1, room, sizeof(room), &size, &count) != FALSE; }},
+    {"port list", [] { return EnumPortsW(nullptr, 1, room, sizeof(room), &size, &count) != FALSE; }},
     {"initialisation file", ProfileRead, true},
     {"library loaded",
      [] {
@@ -205,11 +182,7 @@ const Scenario kScenarios[] = {
      }},
     {"program run", ProgramRun, true},
     {"process list",
-     [] {
-         DWORD ids[4096];
-         DWORD bytes = 0;
-         return EnumProcesses(ids, sizeof(ids), &bytes) != FALSE;
-     }},
+     [] { return EnumProcesses(reinterpret_cast<DWORD*>(room), sizeof(room), &size) != FALSE; }},
     {"message queue",
      [] {
          MSG message;
@@ -223,8 +196,8 @@ const Scenario kScenarios[] = {
      }},
     {"text to bytes",
      [] {
-         char text[8];
-         return WideCharToMultiByte(CP_ACP, 0, TEXT("abc"), 3, text, 8, nullptr, nullptr) == 3;
+         return WideCharToMultiByte(CP_ACP, 0, TEXT("abc"), 3, reinterpret_cast<char*>(room), 8, nullptr,
+                                    nullptr) == 3;
      }},
     {"file attributes", [] { return GetFileAttributesW(TEXT("/etc/passwd")) != INVALID_FILE_ATTRIBUTES; }},
 };
@@ -267,8 +240,7 @@ std::vector<Scenario> Scenarios() {
     std::ranges::for_each(kWriting, addExport);
     for (const QueryExport& query : QueryExports()) {
         if (std::ranges::find(kAsking, query.name) == std::end(kAsking)) continue;
-        static uint8_t out[sizeof(KestrelAccessPoint) * KESTREL_MAX_ACCESS_POINTS];
-        addExport({query.name, [query] { return Selected([&] { return query.call(out, kMs); }); },
+        addExport({query.name, [query] { return Selected([&] { return query.call(room, kMs); }); },
                    query.name == "GetCapabilities"});
     }
     return all;

@@ -16,7 +16,6 @@
 #include <string>
 #include <string_view>
 #include <thread>
-#include <utility>
 #include <vector>
 
 #include "exchange_counts.h"
@@ -27,15 +26,18 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+// Of one that failed.
 long& CountOf(ExchangeCounts& counts, DWORD error) {
-    constexpr std::pair<DWORD, long ExchangeCounts::*> kKnown[] = {
-        {ERROR_ABANDONED_WAIT_0, &ExchangeCounts::abandoned},
-        {ERROR_OPERATION_ABORTED, &ExchangeCounts::cancelled},
-        {ERROR_TIMEOUT, &ExchangeCounts::timedOut},
-        {ERROR_SHARING_VIOLATION, &ExchangeCounts::occupied}};
-    for (const auto& [code, count] : kKnown)
-        if (code == error) return counts.*count;
-    return counts.other;
+    switch (error) {
+        case ERROR_ABANDONED_WAIT_0:   // the one before died in its exchange
+        case ERROR_OPERATION_ABORTED:  // a dying client's cancel met this one
+        case ERROR_TIMEOUT:
+        case ERROR_SHARING_VIOLATION:  // an unread message of a process that has died and still counts as
+                                       // running
+            return counts.failed;
+        default:
+            return counts.other;
+    }
 }
 
 // Which of the counts one exchange adds to.
