@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -29,8 +30,7 @@ class AskedPrinter : public testing::Test {
     }
     void Write(std::string_view text) const { std::ofstream(path_) << text; }
 
-    const std::string path_ =
-        testing::TempDir() + "vprinter." + testing::UnitTest::GetInstance()->current_test_info()->name();
+    const std::string path_ = std::string(std::getenv("KESTREL_TEST_FOLDER")) + "/printer.json";
     uint64_t tickMs_ = 1'000'000;
     int64_t localSeconds_ = 394'459'200;  // 2012-07-01 12:00:00
     DeviceModel model_;
