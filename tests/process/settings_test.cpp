@@ -7,27 +7,13 @@
 #include <map>
 #include <tuple>
 
+#include "export_call.h"
 #include "installed_printer.h"
 #include "recording_monitor.h"
-#include "settings/catalogue.h"
 
 namespace {
 
 using namespace std::string_literals;
-
-template <typename... Arguments>
-kestrel_bool Call(const char* name, Arguments... arguments) {
-    static HMODULE library = GetModuleHandleW(TEXT("ZRIJ9900SDK.dll"));
-    void* const address = reinterpret_cast<void*>(GetProcAddress(library, name));
-    return reinterpret_cast<kestrel_bool (*)(Arguments...)>(address)(arguments...);
-}
-
-// A number of any width is an argument of 32 bits, and a pointer is one whatever it points to.
-template <typename Value>
-kestrel_bool Call(const SettingRow& row, const char* function, Value value) {
-    if (row.index < 0) return Call(function, value, kLong);
-    return Call(function, static_cast<uint32_t>(row.index), value, kLong);
-}
 
 // Of each type, its width and what every setting of it takes; an enumeration takes its words.
 const std::map<SettingType, std::pair<size_t, std::vector<int>>> kNumbers = {
@@ -42,17 +28,17 @@ void ExpectNumbersTaken(const SettingRow& row) {
         values.push_back(static_cast<int>(word.value));
     for (const int value : values) {
         SCOPED_TRACE(value);
-        EXPECT_EQ(kDone, Ended(Call(row, row.setter, value)));
+        EXPECT_EQ(kDone, Ended(CallExport(row, row.setter, value, kLong)));
         if (row.getter == nullptr) continue;
         std::array<uint8_t, 8> found;
         found.fill(0x55);
         std::array<uint8_t, 8> expected = found;
         std::memcpy(expected.data(), &value, width);
-        EXPECT_EQ(kDone, Ended(Call(row, row.getter, found.data())));
+        EXPECT_EQ(kDone, Ended(CallExport(row, row.getter, found.data(), kLong)));
         EXPECT_EQ(expected, found);
     }
     if (row.type == SettingType::kEnum) {
-        EXPECT_EQ(87u, Ended(Call(row, row.setter, 99)));
+        EXPECT_EQ(87u, Ended(CallExport(row, row.setter, 99, kLong)));
     }
 }
 
@@ -60,8 +46,8 @@ void ExpectTextsTaken(const SettingRow& row) {
     for (const kestrel_char* text : {TEXT("a;b&c=d,e"), TEXT("plain"), TEXT("")}) {
         // The units behind the documented buffer must stay as they are.
         std::vector<kestrel_char> buffer(row.bufferBytes / sizeof(kestrel_char) + 4, TEXT('#'));
-        EXPECT_EQ(kDone, Ended(Call(row, row.setter, text)));
-        EXPECT_EQ(kDone, Ended(Call(row, row.getter, buffer.data())));
+        EXPECT_EQ(kDone, Ended(CallExport(row, row.setter, text, kLong)));
+        EXPECT_EQ(kDone, Ended(CallExport(row, row.getter, buffer.data(), kLong)));
         EXPECT_EQ(WideText(text), buffer.data());
         EXPECT_EQ(WideText(4, TEXT('#')), WideText(buffer.end() - 4, buffer.end()));
     }
@@ -76,7 +62,7 @@ TEST_F(Settings, Every_row_goes_both_ways) {
             SCOPED_TRACE(std::string(row.name));
             alignas(8) std::array<uint8_t, 512> value{};
             if (row.setter == nullptr)
-                EXPECT_EQ(kDone, Ended(Call(row, row.getter, value.data())));
+                EXPECT_EQ(kDone, Ended(CallExport(row, row.getter, value.data(), kLong)));
             else if (row.type == SettingType::kText)
                 ExpectTextsTaken(row);
             else

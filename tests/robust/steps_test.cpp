@@ -117,10 +117,9 @@ TEST_F(Steps, Whoever_is_killed_wherever_the_next_client_is_served_and_the_other
     for (const Place& place : places_)
         for (int i = 0; i < times && !HasFatalFailure(); ++i)
             KillAt(place, random());
-    std::printf(
-        "%zu places, %ld kills; of %ld fresh clients %ld served at once, %ld after more than a second, the "
-        "slowest after %ld ms\n",
-        places_.size(), kills_, fresh_, atOnce_, slow_, longest_);
+    std::cout << places_.size() << " places, " << kills_ << " kills; of " << fresh_ << " fresh clients "
+              << atOnce_ << " served at once, " << slow_ << " after more than a second, the slowest after "
+              << longest_ << " ms\n";
     EXPECT_LE(slow_, 1 + fresh_ / 100);
     for (WorkingClient& worker : workers)
         ExpectSurvived(worker);

@@ -11,7 +11,7 @@
 #include <iterator>
 #include <string>
 
-#include "support.h"
+#include "program.h"
 
 namespace {
 
@@ -24,22 +24,15 @@ class FoundPrograms : public testing::Test {
     }
 
     // The last-error value of the start; 0 once the program has ended well.
-    DWORD Run(WideText commandLine, DWORD flags = DETACHED_PROCESS) {
-        STARTUPINFOW startup = {};
-        PROCESS_INFORMATION info = {};
-        if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, flags, nullptr,
-                            folder_.Path(TEXT(".")).c_str(), &startup, &info))
-            return GetLastError();
-        EXPECT_EQ(WaitForInputIdle(info.hProcess, 0), 0u);
-        EXPECT_EQ(WaitForSingleObject(info.hThread, 10'000), WAIT_OBJECT_0);
-        DWORD code = 77;
-        EXPECT_TRUE(GetExitCodeProcess(info.hProcess, &code));
+    DWORD Run(const WideText& commandLine, DWORD flags = DETACHED_PROCESS) {
+        const Program program(commandLine, nullptr, flags, folder_.Path(TEXT(".")).c_str());
+        if (!program.Started()) return program.Error();
+        EXPECT_EQ(WaitForInputIdle(program.Process(), 0), 0u);
+        EXPECT_EQ(WaitForSingleObject(program.Thread(), 10'000), WAIT_OBJECT_0);
         // Nothing is left of it in the process table.
-        EXPECT_EQ(::waitpid(static_cast<pid_t>(info.dwProcessId), nullptr, WNOHANG), -1);
+        EXPECT_EQ(::waitpid(static_cast<pid_t>(program.Id()), nullptr, WNOHANG), -1);
         EXPECT_EQ(errno, ECHILD);
-        CloseHandle(info.hProcess);
-        CloseHandle(info.hThread);
-        return code;
+        return program.ExitCode();
     }
 
     std::string Output() {

@@ -143,26 +143,6 @@ TEST(RegistryStore, A_forked_child_outlives_its_parent_while_others_open_the_reg
     EXPECT_GT(ReadNumbers(probe, 100), 0u);
 }
 
-TEST(RegistryStore, A_forked_child_and_its_parent_both_go_on) {
-    HKEY key = nullptr;
-    ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, TEXT("Fork"), &key), ERROR_SUCCESS);
-    const auto write = [key](const WCHAR* name) {
-        for (DWORD number = 0; number < 50; ++number) {
-            const auto* bytes = reinterpret_cast<const BYTE*>(&number);
-            if (const LSTATUS status = RegSetValueExW(key, name, 0, REG_DWORD, bytes, 4); status != 0)
-                return status;
-        }
-        return LSTATUS{0};
-    };
-    ASSERT_EQ(write(TEXT("before")), 0);
-    Forked child([&] { return write(TEXT("child")); });
-    EXPECT_EQ(write(TEXT("parent")), 0);
-    EXPECT_EQ(child.Wait(), 0);
-    RegCloseKey(key);
-    for (const WCHAR* name : {TEXT("before"), TEXT("child"), TEXT("parent")})
-        EXPECT_EQ(RegistryNumber(HKEY_CURRENT_USER, TEXT("Fork"), name), 49);
-}
-
 TEST(RegistryStore, A_damaged_file_is_reported_and_left_alone) {
     const TempFolder folder;
     folder.MakeFolder(TEXT("home/state"));
