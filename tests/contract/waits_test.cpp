@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <latch>
 #include <thread>
 #include <vector>
 
@@ -45,10 +46,15 @@ TEST(Events, A_set_wakes_a_sleeping_wait_and_a_time_out_is_never_early) {
 TEST(Events, A_manual_reset_event_that_is_set_and_reset_at_once_wakes_all_who_wait) {
     const Handle event = ManualEvent();
     std::atomic<int> woken{0};
+    std::latch begun(3);
     std::vector<std::thread> waiters;
     for (int i = 0; i < 3; ++i)
-        waiters.emplace_back([&] { woken += WaitForSingleObject(event.Get(), kLong) == WAIT_OBJECT_0; });
-    Sleep(100);
+        waiters.emplace_back([&] {
+            begun.count_down();
+            woken += WaitForSingleObject(event.Get(), kLong) == WAIT_OBJECT_0;
+        });
+    begun.wait();
+    Sleep(250);  // until they wait
     SetEvent(event.Get());
     ResetEvent(event.Get());
     for (std::thread& waiter : waiters)

