@@ -2,7 +2,6 @@
 #include <windows.h>
 #include <winspool.h>
 
-#include <string>
 #include <vector>
 
 #include "on_wine.h"

@@ -2,7 +2,6 @@
 // and printers too. Its path is in the variable KESTREL_TEST_FOLDER.
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <set>
 #include <string>

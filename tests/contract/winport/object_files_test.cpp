@@ -1,6 +1,5 @@
 // What lies in the object folder is not always what winport put there.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <cstdlib>
 #include <filesystem>

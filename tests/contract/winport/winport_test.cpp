@@ -14,7 +14,6 @@
 #include <filesystem>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "child_process.h"
 #include "forked.h"

@@ -1,6 +1,5 @@
 // Conversations with the virtual printer, as conversations.txt tells them.
 #include <algorithm>
-#include <sstream>
 #include <vector>
 
 #include "asked_printer.h"

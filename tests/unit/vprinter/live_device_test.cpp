@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <utility>
 
 #include "asked_printer.h"
 #include "vprinter/control_file.h"
