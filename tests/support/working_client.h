@@ -1,10 +1,10 @@
 // Clients of a channel at work in another process.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <sstream>
 #include <string>
-
-#include <gtest/gtest.h>
 
 #include "child_process.h"
 #include "exchange_counts.h"
