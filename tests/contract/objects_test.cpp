@@ -25,12 +25,9 @@ TEST(Objects, No_prefix_is_the_local_one) {
 
 TEST(Objects, Other_backslashes_and_prefix_letters_are_refused_with_3) {
     for (const WCHAR* name : {TEXT("Global\\a\\b"), TEXT("global\\x"), TEXT("GLOBAL\\x"), TEXT("Other\\x")}) {
-        EXPECT_FALSE(AutoEvent(name));
-        EXPECT_EQ(3u, GetLastError());
-        EXPECT_FALSE(Mutex(name));
-        EXPECT_EQ(3u, GetLastError());
-        EXPECT_FALSE(Section(100, name));
-        EXPECT_EQ(3u, GetLastError());
+        EXPECT_EQ(3, ErrorOf([&] { return bool(AutoEvent(name)); }));
+        EXPECT_EQ(3, ErrorOf([&] { return bool(Mutex(name)); }));
+        EXPECT_EQ(3, ErrorOf([&] { return bool(Section(100, name)); }));
     }
 }
 

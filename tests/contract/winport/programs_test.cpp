@@ -10,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 
 #include "program.h"
 
@@ -46,10 +47,7 @@ class FoundPrograms : public testing::Test {
 TEST_F(FoundPrograms, Arguments_arrive_as_the_run_time_of_Windows_takes_them_apart) {
     MakeProgram(TEXT("show.exe"), "#!/bin/sh\nprintf '[%s]' \"$@\" > out\n");
     const WideText program = TEXT("\"") + folder_.Path(TEXT("show.exe")) + TEXT("\" ");
-    const struct {
-        const WCHAR* arguments;
-        const char* expected;
-    } rows[] = {
+    const std::pair<const WCHAR*, const char*> rows[] = {
         {TEXT("\"abc\" d  e"), "[abc][d][e]"},
         {TEXT("a\\\\\\b d\"e f\"g h"), "[a\\\\\\b][de fg][h]"},
         {TEXT("a\\\\\\\"b c d"), "[a\\\"b][c][d]"},
@@ -57,9 +55,9 @@ TEST_F(FoundPrograms, Arguments_arrive_as_the_run_time_of_Windows_takes_them_apa
         {TEXT("\"\" x"), "[][x]"},
         {TEXT("/f \"C:\\my drivers\\a.inf\" /m \"ZR IJ\""), "[/f][C:\\my drivers\\a.inf][/m][ZR IJ]"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(Run(program + row.arguments), 0u);
-        EXPECT_EQ(Output(), row.expected);
+    for (const auto& [arguments, expected] : rows) {
+        EXPECT_EQ(Run(program + arguments), 0u);
+        EXPECT_EQ(Output(), expected);
     }
 }
 
@@ -68,17 +66,14 @@ TEST_F(FoundPrograms, A_path_with_blanks_needs_no_quotes_and_the_ending_may_be_m
     MakeProgram(TEXT("my 3/mon itor.exe"), "#!/bin/sh\nprintf '%s' \"$#$1\" > out\n");
     MakeProgram(TEXT("my 3/plain"), "#!/bin/sh\nprintf plain > out\n");
     const WideText folder = folder_.Path(TEXT("my 3"));
-    const struct {
-        WideText line;
-        const char* expected;
-    } rows[] = {
+    const std::pair<WideText, const char*> rows[] = {
         {folder + TEXT("\\mon itor.exe a"), "1a"},
         {folder + TEXT("\\mon itor b"), "1b"},
         {folder + TEXT("/plain.EXE"), "plain"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(Run(row.line), 0u);
-        EXPECT_EQ(Output(), row.expected);
+    for (const auto& [line, expected] : rows) {
+        EXPECT_EQ(Run(line), 0u);
+        EXPECT_EQ(Output(), expected);
     }
 }
 
