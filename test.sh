@@ -1,18 +1,21 @@
 #!/usr/bin/env bash
 # Builds and runs the tests. Everything that it needs is installed first.
-#   ./test.sh           the Linux build, and both Windows builds under Wine
-#   ./test.sh --native  the Linux build alone
-#   ./test.sh --all     besides, the Linux build under sanitizers: addresses and undefined behaviour, threads
+#   ./test.sh            quick: the Linux build, without its slow cases
+#   ./test.sh --windows  besides, both Windows builds under Wine
+#   ./test.sh --all      besides, the slow cases, and the Linux suites under sanitizers: addresses and undefined
+#                        behaviour, threads
 set -euo pipefail
 cd "$(dirname "$0")"
 source scripts/prepare.sh
 
 case "${1:-}" in
-    "" | --native | --all) ;;
-    *) echo "usage: ./test.sh [--native | --all]" >&2; exit 2 ;;
+    "") form=quick ;;
+    --windows) form=windows ;;
+    --all) form=all ;;
+    *) echo "usage: ./test.sh [--windows | --all]" >&2; exit 2 ;;
 esac
 
-results=()
+results=() left_out=()
 # run_suites NAME PRESET OPTION...: a failure is counted at the end, so that the other suites are run as well.
 run_suites() {
     local name=$1 preset=$2
@@ -26,28 +29,16 @@ run_suites() {
     results+=("$name=$report")
 }
 
-install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" binutils python3
-CMAKE_EXTRA=(-DKESTREL_TESTS=ON -DKESTREL_BENCH=OFF)
-build_preset native
-
-say "Checking who includes whom"
-python3 scripts/check_includes.py
-run_suites native native -j2
-
-if [ "${1:-}" != --native ]; then
-    source scripts/windows.sh
-    install_packages "${WINDOWS_BUILD_PACKAGES[@]}"
-    for preset in win64 win32; do build_preset "$preset"; done
-    find_runnable
-    trap stop_wine EXIT
-    start_wine
+# Under Wine, which takes its own time, a case that fails gets a second chance; ctest shows both. One after the
+# other: all of them live in one prefix.
+run_windows_suites() {
+    local preset
     for preset in win64 win32; do
         if can_run "$preset"; then
-            # One after the other: all of them live in one prefix. Wine and sanitizers take their own time, so a case
-            # that fails there gets a second chance; ctest shows both.
             run_suites "$preset" "$preset" ${RUN_OPTIONS[$preset]:---repeat until-pass:2}
         else
             run_suites "$preset" "$preset" -L files
+            left_out+=("the programs of $preset: this machine cannot run them (see above)")
         fi
     done
     if can_run win32; then
@@ -55,14 +46,45 @@ if [ "${1:-}" != --native ]; then
         run_suites win32-with-64-bit-printer win32 --repeat until-pass:3 -R '^process\.(Settings|Exchange\.A_raw)'
         unset KESTREL_COUNTERPART
     fi
+}
+
+# Takes only what the suites under Wine leave of the processors: they run one at a time and mostly wait.
+build_sanitizers_meanwhile() {
+    (for preset in asan tsan; do build_preset "$preset"; done) >build/sanitizers.log 2>&1 &
+    sanitizers=$!
+    chrt --idle --all-tasks --pid 0 $sanitizers
+}
+
+install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" binutils python3
+CMAKE_EXTRA=(-DKESTREL_TESTS=ON -DKESTREL_BENCH=OFF)
+build_preset native
+if [ $form = all ]; then
+    run_suites native native -j2
+else
+    run_suites native native -j2 -LE slow
+    slow=$(ctest --preset native -N -L slow | sed -n 's/^Total Tests: //p')
+    left_out+=("$slow slow cases, and the suites under sanitizers: ./test.sh --all")
 fi
 
-if [ "${1:-}" = --all ]; then
-    for preset in asan tsan; do
-        build_preset $preset
-        run_suites $preset $preset -j2 --repeat until-pass:2
-    done
+if [ $form = quick ]; then
+    left_out+=("the Windows builds, 64 and 32 bits, under Wine: ./test.sh --windows")
+else
+    source scripts/windows.sh
+    install_packages "${WINDOWS_BUILD_PACKAGES[@]}"
+    for preset in win64 win32; do build_preset "$preset"; done
+    find_runnable
+    trap stop_wine EXIT
+    start_wine
+    [ $form != all ] || build_sanitizers_meanwhile
+    run_windows_suites
+fi
+
+if [ $form = all ]; then
+    say "Building what the sanitizers watch"
+    wait $sanitizers || { cat build/sanitizers.log; exit 1; }
+    for preset in asan tsan; do run_suites $preset $preset -j2; done
 fi
 
 say "All suites"
+for what in "${left_out[@]}"; do echo "not run  $what"; done
 python3 scripts/summarize.py "${results[@]}"

@@ -12,9 +12,9 @@
 #include "occupied_file.h"
 #include "rundll32/inf_file.h"
 #include "rundll32/refusal.h"
+#include "shared/user_error.h"
 #include "targets.h"
-#include "vprinter/fault_script.h"
-#include "vprinter/user_error.h"
+#include "vprinter/faults/fault_script.h"
 #include "winport/handles/object_page.h"
 
 namespace fuzz {
@@ -40,14 +40,14 @@ WideText Widened(const std::string& text) {
 
 void InitialisationFile(std::string_view bytes) {
     const WideText path = Widened(FileWith(bytes));
-    const ProfileReader reader(path);
+    const host::ProfileReader reader(path);
     for (const WCHAR* section : {TEXT("Printers"), TEXT("SDK"), TEXT("a")}) {
         for (const WideText& line : reader.Lines(section)) {
             const WideText key = line.substr(0, line.find(TEXT('=')));
             Require(line.find(WCHAR{0}) == WideText::npos, "a line is one line");
             Require(reader.Text(section, key.c_str()).size() < MAX_PATH, "cut to its room");
             static_cast<void>(reader.Integer(section, key.c_str(), 7));
-            static_cast<void>(ParseInteger(line));
+            static_cast<void>(host::ParseInteger(line));
         }
     }
     for (const DWORD capacity : {2u, 3u, 5u, 40u}) {
@@ -62,12 +62,12 @@ void InitialisationFile(std::string_view bytes) {
 
 void ProductConfiguration(std::string_view bytes) {
     const WideText path = Widened(FileWith(bytes));
-    CProductConfig config;
+    host::CProductConfig config;
     const bool loaded = config.Load(path);
     Require(config.IsLoaded(), "the first load decides");
     Require(config.Load(TEXT("/nowhere/else.ini")) || !loaded, "and no later one");
     Require(!loaded || !config.GetSignature().empty(), "a required value is there");
-    MaintenanceSettings settings;
+    host::MaintenanceSettings settings;
     Require(config.GetMaintenanceSettings(TEXT("ZR One"), settings), "there always are settings");
     for (const int32_t value : settings.values)
         Require(value >= 1 && value <= 10000, "within its range");
@@ -97,7 +97,7 @@ void FaultScripts(std::string_view bytes) {
                 if (const vprinter::Fault* fault = script.Next(request))
                     static_cast<void>(vprinter::FaultyReply(*fault, "0000,Key=value;", scratch));
         static_cast<void>(script.For("USB001").PrintersNamed());
-    } catch (const vprinter::UserError& error) {
+    } catch (const tools::UserError& error) {
         Require(std::string_view(error.what()).starts_with("faults.json:"), "an error says where");
     }
 }

@@ -8,7 +8,7 @@
 #include "opl/opl_parser.h"
 #include "session/response_judgement.h"
 #include "targets.h"
-#include "vprinter/request_reader.h"
+#include "vprinter/requests/request_reader.h"
 
 namespace fuzz {
 
@@ -22,20 +22,21 @@ struct Framed {
 
 // Every piece lies in memory of its own, so that a look beyond its end is seen.
 Framed FrameInPieces(std::string_view stream, size_t piece) {
-    const auto parser = std::make_unique<OPLParser>();
+    const auto parser = std::make_unique<opl::OPLParser>();
     Framed framed;
     std::vector<std::vector<char>> pieces;  // the parser knows an input by its address: none is used twice
     while (!stream.empty() && !framed.malformed) {
         const size_t size = std::min(piece, stream.size());
         const auto& part = pieces.emplace_back(stream.begin(), stream.begin() + static_cast<ptrdiff_t>(size));
         stream.remove_prefix(size);
-        for (ParseResult result = ParseResult::MessageReady; result == ParseResult::MessageReady;) {
+        for (opl::ParseResult result = opl::ParseResult::MessageReady;
+             result == opl::ParseResult::MessageReady;) {
             const char* message = nullptr;
             uint32_t length = 0;
             result = parser->ParseStream(part.data(), static_cast<uint32_t>(size), message, length);
-            if (result == ParseResult::MessageReady) framed.messages.emplace_back(message, length);
-            Require((result == ParseResult::MessageReady) == (message != nullptr), "a message or none");
-            framed.malformed = result == ParseResult::Malformed;
+            if (result == opl::ParseResult::MessageReady) framed.messages.emplace_back(message, length);
+            Require((result == opl::ParseResult::MessageReady) == (message != nullptr), "a message or none");
+            framed.malformed = result == opl::ParseResult::Malformed;
         }
     }
     return framed;
@@ -56,7 +57,7 @@ void Framer(std::string_view bytes) {
 void CheckList(std::string_view message) {
     std::vector<std::string> items = {"left", "over"};
     size_t total = 0;
-    Require(OPLParser::SplitList(message, items) == !items.empty(), "items or failure");
+    Require(opl::OPLParser::SplitList(message, items) == !items.empty(), "items or failure");
     for (const std::string& item : items) {
         Require(item.ends_with(';'), "an item is a message");
         total += item.size() - 1;
@@ -68,20 +69,20 @@ void Extraction(std::string_view bytes) {
     const std::vector<char> own(bytes.begin(), bytes.end());
     const std::string_view message(own.data(), own.size());
     std::string_view key;
-    if (OPLParser::GetKey(message, key))
+    if (opl::OPLParser::GetKey(message, key))
         Require(key.data() >= own.data() && key.data() + key.size() <= own.data() + own.size(),
                 "the key is a part of the message");
     std::string text = "before";
-    Require(OPLParser::GetValue(message, text) || text.empty(), "no text on failure");
+    Require(opl::OPLParser::GetValue(message, text) || text.empty(), "no text on failure");
     std::vector<uint8_t> block(3);
-    Require(OPLParser::GetBinaryValue(message, block) || block.empty(), "no block on failure");
+    Require(opl::OPLParser::GetBinaryValue(message, block) || block.empty(), "no block on failure");
     Require(block.size() <= message.size(), "the block is a part of the message");
     int32_t number = 7;
-    Require(OPLParser::GetIntValue(message, number) || number == 0, "0 on failure");
+    Require(opl::OPLParser::GetIntValue(message, number) || number == 0, "0 on failure");
     uint8_t flag = 7;
-    Require(OPLParser::GetBoolValue(message, flag) ? flag <= 1 : flag == 0, "0 or 1, 0 on failure");
+    Require(opl::OPLParser::GetBoolValue(message, flag) ? flag <= 1 : flag == 0, "0 or 1, 0 on failure");
     uint32_t index = 7;
-    Require(OPLParser::GetIndex(message, index) || index == 0, "0 on failure");
+    Require(opl::OPLParser::GetIndex(message, index) || index == 0, "0 on failure");
     CheckList(message);
 }
 
@@ -93,9 +94,9 @@ void ResponseNumber(std::string_view bytes) {
     const bool has = digits < bytes.size() && bytes[digits] == ',';
     const std::vector<char> own(bytes.begin(), bytes.end());
     uint32_t number = 1;
-    Require(OPLParser::GetResponseNumber({own.data(), own.size()}, number) == has, "digits and a comma");
+    Require(opl::OPLParser::GetResponseNumber({own.data(), own.size()}, number) == has, "digits and a comma");
     Require(number == (has ? expected : 0), "the number before the comma");
-    Require(ErrorOfResponse(number) != 0 || number <= 1000 || (number >= 4000 && number <= 4199) ||
+    Require(session::ErrorOfResponse(number) != 0 || number <= 1000 || (number >= 4000 && number <= 4199) ||
                 number == 100000,
             "good numbers alone are good");
 }
@@ -104,15 +105,15 @@ void ResponseNumber(std::string_view bytes) {
 // read from. The escape codes themselves have no code of their own, so a plain text with one of them is not
 // told from structure.
 void BuiltAndRead(const std::string& plain) {
-    const OPLBuilder builder;
+    const opl::OPLBuilder builder;
     std::string request;
-    builder.AppendSetText(request, OplKey::FriendlyName, plain);
-    builder.AppendRecordSet(request, OplRecordList::OneTouch, 3, OplRecordField::Name, plain);
+    builder.AppendSetText(request, opl::Key::FriendlyName, plain);
+    builder.AppendRecordSet(request, opl::RecordList::OneTouch, 3, opl::RecordField::Name, plain);
     const Framed framed = FrameInPieces(request, request.size());
     Require(!framed.malformed && framed.messages.size() == 2, "two commands are two messages");
     for (const std::string& message : framed.messages) {
         std::string text;
-        Require(OPLParser::GetValue(message, text) && text == plain, "the text that was built");
+        Require(opl::OPLParser::GetValue(message, text) && text == plain, "the text that was built");
     }
 }
 
@@ -121,9 +122,9 @@ void RoundTrip(std::string_view bytes) {
     std::erase_if(plain, [](char byte) { return byte >= 0x19 && byte <= 0x1F; });
     BuiltAndRead(plain);
     std::string value;
-    if (!OPLParser::GetValue(bytes, value)) return;
+    if (!opl::OPLParser::GetValue(bytes, value)) return;
     std::string again;
-    OPLBuilder().AppendSetText(again, OplKey::FriendlyName, value);
+    opl::OPLBuilder().AppendSetText(again, opl::Key::FriendlyName, value);
     const std::string_view built = std::string_view(again).substr(again.find('='), value.size() + 1);
     Require(bytes.substr(bytes.find('=')).starts_with(built), "the text that was read");
 }

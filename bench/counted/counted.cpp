@@ -55,13 +55,13 @@ extern "C" __attribute__((visibility("default"), noinline)) bool CountedExchange
 }
 
 extern "C" __attribute__((visibility("default"), noinline)) bool CountedParse(std::string_view reply) {
-    OPLParser framer;
+    opl::OPLParser framer;
     const char* message = nullptr;
     uint32_t length = 0;
     int32_t value = 0;
     return framer.ParseStream(reply.data(), static_cast<uint32_t>(reply.size()), message, length) ==
-               ParseResult::MessageReady &&
-           OPLParser::GetIntValue({message, length}, value) && value == 3;
+               opl::ParseResult::MessageReady &&
+           opl::OPLParser::GetIntValue({message, length}, value) && value == 3;
 }
 
 namespace {

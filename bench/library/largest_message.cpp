@@ -20,29 +20,29 @@ constexpr uint32_t kNoLimit = 0xFFFFFFFF;
 /// A block that fills a message from its first to its last byte.
 std::string LargestMessage(const std::string& opening) {
     const std::string head = opening + "Bench.Block#";
-    const size_t block = kMaxOplMessage - head.size() - std::strlen("65535=;");
+    const size_t block = ipc::kMaxOplMessage - head.size() - std::strlen("65535=;");
     return head + std::to_string(block) + '=' + std::string(block, 'Z') + ';';
 }
 
 WideText ChannelName() {
-    ObjectNameTable names;
+    kwt::ObjectNameTable names;
     const std::string module = KESTREL_PRODUCT "MON.DLL";
     if (!names.Build({module.begin(), module.end()})) throw std::runtime_error("no channel name");
-    return names[ObjectName::CommandChannelBase] + TEXT("USB001");
+    return names[kwt::ObjectName::CommandChannelBase] + TEXT("USB001");
 }
 
 void Serve(const Place& place) {
     InstallPrinter(place);
-    OPLChannel channel;
-    if (!channel.Open(kwt::ChannelRole::Server, ChannelName().c_str()))
+    ipc::OPLChannel channel;
+    if (!channel.Open(ipc::ChannelRole::Server, ChannelName().c_str()))
         throw std::runtime_error("the channel cannot be opened");
     const std::string large = LargestMessage("0000,");
     const std::string small = "0000,ZRPing;";
-    std::vector<char> request(kMaxOplMessage);
+    std::vector<char> request(ipc::kMaxOplMessage);
     Ready();
     for (;;) {
-        const uint32_t length = channel.Receive(request.data(), kMaxOplMessage, kNoLimit);
-        const std::string& reply = length == kMaxOplMessage ? large : small;
+        const uint32_t length = channel.Receive(request.data(), ipc::kMaxOplMessage, kNoLimit);
+        const std::string& reply = length == ipc::kMaxOplMessage ? large : small;
         channel.Send(reply.data(), static_cast<uint32_t>(reply.size()), kTimeoutMs);
     }
 }
@@ -53,13 +53,14 @@ class Raw : public Client {
 
     void Exchange() override {
         length_ = 0;
-        ::SendCmd(request_.data(), kMaxOplMessage, reply_.data(), kMaxOplMessage, &length_, kTimeoutMs);
+        ::SendCmd(request_.data(), ipc::kMaxOplMessage, reply_.data(), ipc::kMaxOplMessage, &length_,
+                  kTimeoutMs);
     }
     bool IsRight() override { return std::string_view(reply_.data(), length_) == expected_; }
 
   protected:
     const std::string expected_ = LargestMessage("0000,");
-    std::vector<char> reply_ = std::vector<char>(kMaxOplMessage);
+    std::vector<char> reply_ = std::vector<char>(ipc::kMaxOplMessage);
     uint32_t length_ = 0;
 
   private:
@@ -74,7 +75,7 @@ class Framed final : public Raw {
         Raw::Exchange();
         message_ = nullptr;
         messageLength_ = 0;
-        static_cast<void>(OPLParser().ParseStream(reply_.data(), length_, message_, messageLength_));
+        static_cast<void>(opl::OPLParser().ParseStream(reply_.data(), length_, message_, messageLength_));
     }
     bool IsRight() override { return messageLength_ == expected_.size() && Raw::IsRight(); }
 

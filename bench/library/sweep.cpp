@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "catalogue/rows.h"
 #include "library/library.h"
 #include "library/printer.h"
-#include "settings/catalogue.h"
 
 namespace {
 
@@ -25,13 +25,11 @@ kestrel_bool Into(kestrel_bool (*getter)(Out*, uint32_t), void* value) {
 }
 
 constexpr Call kGetters[] = {
-#define SETTING_AS(base, name, read, write, words, bytes, about) \
-    [](void* value) { return Into(Get##base, value); },
-#define READ_ONLY(base, name, type, words, bytes, about) [](void* value) { return Into(Get##base, value); },
-#define INDEXED(base, index, name, bytes, about) \
+#define GETTER(function, base, type, words, bytes) [](void* value) { return Into(function, value); },
+#define INDEXED(base, index, name, initial, bytes, privacy, about) \
     [](void* value) { return Get##base(index, static_cast<kestrel_char*>(value), kTimeoutMs); },
-#define WITHOUT_KEY(base, name, type, about) [](void* value) { return Into(Get##base, value); },
-#include "settings/settings.def"
+#define CONSTANT(base, name, type, about) [](void* value) { return Into(Get##base, value); },
+#include "catalogue/settings.def"
 };
 
 class Sweep final : public Client {
@@ -60,8 +58,8 @@ class BareSweep final : public Client {
   public:
     explicit BareSweep(const Place& place) {
         SelectInstalledPrinter(place);
-        for (const SettingRow& row : Catalogue())
-            if (row.getter != nullptr && !row.key.empty()) requests_.push_back(std::string(row.key) + '?');
+        for (const catalogue::Row& row : catalogue::Rows())
+            if (row.CanRead() && row.id) requests_.push_back(std::string(row.key) + '?');
     }
 
     void Exchange() override {

@@ -56,11 +56,11 @@ void Check(bool right) {
     std::abort();
 }
 
-std::string_view Frame(OPLParser& framer, const std::string& reply) {
+std::string_view Frame(opl::OPLParser& framer, const std::string& reply) {
     const char* message = nullptr;
     uint32_t length = 0;
     Check(framer.ParseStream(reply.data(), static_cast<uint32_t>(reply.size()), message, length) ==
-          ParseResult::MessageReady);
+          opl::ParseResult::MessageReady);
     return {message, length};
 }
 
@@ -81,7 +81,7 @@ class Copy {
 
 struct Framing {
     void Read(const Texts& texts) {
-        OPLParser framer;
+        opl::OPLParser framer;
         const std::string_view message = Frame(framer, texts.reply);
         benchmark::DoNotOptimize(message.data());
         Check(message.size() == texts.reply.size());
@@ -90,9 +90,9 @@ struct Framing {
 
 struct OwnSetting {
     void Read(const Texts& texts) {
-        OPLParser framer;
+        opl::OPLParser framer;
         int32_t value = 0;
-        Check(OPLParser::GetIntValue(Frame(framer, texts.reply), value) &&
+        Check(opl::OPLParser::GetIntValue(Frame(framer, texts.reply), value) &&
               value == static_cast<int32_t>(texts.facts));
     }
 };
@@ -100,8 +100,8 @@ struct OwnSetting {
 class OwnList {
   public:
     void Read(const Texts& texts) {
-        OPLParser framer;
-        Check(OPLParser::SplitList(Frame(framer, texts.reply), items_) && items_.size() == texts.facts);
+        opl::OPLParser framer;
+        Check(opl::OPLParser::SplitList(Frame(framer, texts.reply), items_) && items_.size() == texts.facts);
     }
 
   private:
@@ -111,8 +111,9 @@ class OwnList {
 class OwnBlock {
   public:
     void Read(const Texts& texts) {
-        OPLParser framer;
-        Check(OPLParser::GetBinaryValue(Frame(framer, texts.reply), bytes_) && bytes_.size() == texts.facts);
+        opl::OPLParser framer;
+        Check(opl::OPLParser::GetBinaryValue(Frame(framer, texts.reply), bytes_) &&
+              bytes_.size() == texts.facts);
     }
 
   private:

@@ -1,8 +1,28 @@
-/* Every error code that a function of the Kestrel SDK leaves in the thread's last-error value, with a text
-   for people and what to do about it. Plain C11, also valid as C++. */
+// The error codes that a function of the Kestrel SDK leaves in the thread's last-error value, with a text
+// for people and what to do about it. A code of the system that is not here has been passed on unchanged and
+// has its usual meaning. Plain C11, also valid as C++.
+//
+// Groups of codes, by which the other headers name what a function can fail with besides what it lists:
+//   object    8, 1114: the thread's object cannot be made, for lack of memory or in a library that was
+//             refused
+//   exchange  object, SDK_ERROR_CHANNEL_NOT_OPEN, SDK_ERROR_PORT_LIST, SDK_ERROR_SEND_INCOMPLETE,
+//             SDK_ERROR_NO_REPLY, 1460, 2, 22, 23, 31, 170, 1392, 4319: a request to the printer that was
+//             not answered well. 1460: the time was used up before the reply could be waited for, or the
+//             printer reports a time-out. From 2 on, and SDK_ERROR_NO_REPLY as well, the printer's own
+//             verdict by the response number of its reply
+//   query     exchange, SDK_ERROR_UNEXPECTED_REPLY: a request to the printer whose reply is read, and was
+//             not whole
+//   monitor   object, SDK_ERROR_SEND_INCOMPLETE, SDK_ERROR_NO_REPLY, 31, 32, 735, 995, 1460: the status
+//             monitor does not answer a ping. Mostly 1460: it does not run or is busy.
+//             SDK_ERROR_SEND_INCOMPLETE: the channel to it is not open on this thread. SDK_ERROR_NO_REPLY:
+//             it answers with 0. The others come from the channel: 32, 735 and 995 are gone at the next call
+//   start     0, 6, 1722, 1727, system: the status monitor cannot be started. 0: no printer was selected in
+//             this process yet, so nobody knows which program it is. 6: the program cannot be started
+//   system    4, 5, 6, 14, 31, 87, 112, 170, 1009, 1117, 1392, 1450, 1455: the system refuses an object, a
+//             file, the registry or the spooler's work, for its own reason
 #pragma once
 
-/* The library's own codes; the others are those of the system, with their usual meaning. */
+// The library's own codes; the others are those of the system, with their usual meaning.
 #define SDK_ERROR_CHANNEL_NOT_OPEN 0xE0000001u
 #define SDK_ERROR_SEND_INCOMPLETE 0xE0000002u
 #define SDK_ERROR_NO_REPLY 0xE0000003u
@@ -12,12 +32,12 @@
 #define SDK_ERROR_NETWORK_PRINTER_NAME 0xE0000014u
 #define SDK_ERROR_PORT_LIST 0xE0000015u
 
-/* One row per code: ROW(name, code, text, advice). To make a table of them:
-
-       struct Error { const char* name; uint32_t code; const char* text; const char* advice; };
-       #define ERROR_ROW(name, code, text, advice) {name, code, text, advice},
-       static const struct Error kErrors[] = {KESTREL_SDK_ERRORS(ERROR_ROW)};
-       #undef ERROR_ROW */
+// One row per code: ROW(name, code, text, advice). To make a table of them:
+//
+//     struct Error { const char* name; uint32_t code; const char* text; const char* advice; };
+//     #define ERROR_ROW(name, code, text, advice) {name, code, text, advice},
+//     static const struct Error kErrors[] = {KESTREL_SDK_ERRORS(ERROR_ROW)};
+//     #undef ERROR_ROW
 // clang-format off
 #define KESTREL_SDK_ERRORS(ROW)                                                                              \
     ROW("SDK_ERROR_CHANNEL_NOT_OPEN", SDK_ERROR_CHANNEL_NOT_OPEN,                                            \
@@ -49,10 +69,19 @@
     ROW("ERROR_FILE_NOT_FOUND", 2u,                                                                          \
         "a file was not found",                                                                              \
         "check the file name that was passed, or on the printer the storage that it should be on")           \
+    ROW("ERROR_TOO_MANY_OPEN_FILES", 4u,                                                                     \
+        "too many files are open",                                                                           \
+        "close other programs, or let this one open fewer files at once, and repeat")                        \
     ROW("ERROR_ACCESS_DENIED", 5u,                                                                           \
         "access was denied",                                                                                 \
         "ask the administrator for the right to use this printer")                                           \
+    ROW("ERROR_INVALID_HANDLE", 6u,                                                                          \
+        "a program could not be started, or another kind of object has a name of the product's",             \
+        "install the product again; if that does not help, restart the computer")                            \
     ROW("ERROR_NOT_ENOUGH_MEMORY", 8u,                                                                       \
+        "there is not enough memory",                                                                        \
+        "close other programs and repeat")                                                                   \
+    ROW("ERROR_OUTOFMEMORY", 14u,                                                                            \
         "there is not enough memory",                                                                        \
         "close other programs and repeat")                                                                   \
     ROW("ERROR_BAD_COMMAND", 22u,                                                                            \
@@ -64,6 +93,9 @@
     ROW("ERROR_GEN_FAILURE", 31u,                                                                            \
         "the device or the status monitor refused the request",                                              \
         "look at the last response number and the last bad response for the reason")                         \
+    ROW("ERROR_SHARING_VIOLATION", 32u,                                                                      \
+        "another program's request to the status monitor has not been read yet",                             \
+        "repeat the call")                                                                                   \
     ROW("ERROR_NOT_SUPPORTED", 50u,                                                                          \
         "the printer does not offer this",                                                                   \
         "ask for the printer's capabilities first")                                                          \
@@ -73,6 +105,9 @@
     ROW("ERROR_OPEN_FAILED", 110u,                                                                           \
         "the channel to the other program could not be opened",                                              \
         "restart the program; if that does not help, restart the computer")                                  \
+    ROW("ERROR_DISK_FULL", 112u,                                                                             \
+        "the file system is full",                                                                           \
+        "make room on it, then repeat")                                                                      \
     ROW("ERROR_BUSY", 170u,                                                                                  \
         "the printer is busy",                                                                               \
         "wait until it has finished, then repeat")                                                           \
@@ -82,12 +117,30 @@
     ROW("ERROR_LOCKED", 212u,                                                                                \
         "this thread holds the lock of the printer selected now",                                            \
         "unlock that printer before another one is selected")                                                \
+    ROW("ERROR_ABANDONED_WAIT_0", 735u,                                                                      \
+        "a program ended in the middle of its request to the status monitor",                                \
+        "repeat the call")                                                                                   \
+    ROW("ERROR_OPERATION_ABORTED", 995u,                                                                     \
+        "the request to the status monitor was cancelled",                                                   \
+        "repeat the call")                                                                                   \
+    ROW("ERROR_BADDB", 1009u,                                                                                \
+        "the system's registry is damaged",                                                                  \
+        "restore it from a copy, or on Linux remove the state folder and install the printers anew")         \
     ROW("ERROR_DLL_INIT_FAILED", 1114u,                                                                      \
         "the library was refused while it was being loaded",                                                 \
         "give the library file back its own name, which ends in SDK")                                        \
+    ROW("ERROR_IO_DEVICE", 1117u,                                                                            \
+        "a file of the system could not be read or written",                                                 \
+        "check the file system and its rights, then repeat")                                                 \
     ROW("ERROR_FILE_CORRUPT", 1392u,                                                                         \
         "a file is damaged",                                                                                 \
         "get the file anew and repeat")                                                                      \
+    ROW("ERROR_NO_SYSTEM_RESOURCES", 1450u,                                                                  \
+        "the system has run out of resources",                                                               \
+        "close other programs and repeat")                                                                   \
+    ROW("ERROR_COMMITMENT_LIMIT", 1455u,                                                                     \
+        "there is not enough memory",                                                                        \
+        "close other programs and repeat")                                                                   \
     ROW("ERROR_TIMEOUT", 1460u,                                                                              \
         "the time allowed ran out",                                                                          \
         "check that the printer is ready, then repeat with more time")                                       \
@@ -100,9 +153,15 @@
     ROW("RPC_S_CALL_FAILED_DNE", 1727u,                                                                      \
         "the print spooler did not execute the call",                                                        \
         "restart the print spooler, then repeat")                                                            \
+    ROW("ERROR_UNKNOWN_PORT", 1796u,                                                                         \
+        "the spooler has no Standard TCP/IP port monitor",                                                   \
+        "install the Standard TCP/IP port monitor of the system")                                            \
     ROW("ERROR_INVALID_PRINTER_NAME", 1801u,                                                                 \
         "there is no such printer, or its driver is not one of the product's",                               \
         "compare the name with the list of installed printers")                                              \
+    ROW("ERROR_PRINTER_DELETED", 1905u,                                                                      \
+        "the printer has been deleted",                                                                      \
+        "select another printer, or install this one again")                                                 \
     ROW("ERROR_DEVICE_NOT_AVAILABLE", 4319u,                                                                 \
         "the printer cannot be reached",                                                                     \
         "check that it is switched on and that its cable or network connection works")

@@ -5,32 +5,36 @@
 
 #pragma GCC diagnostic error "-Wmissing-declarations"
 
+using namespace entry;
+
 kestrel_bool GetQuickDialNumbers(KestrelQuickDial* records, uint32_t timeoutMs) {
-    return WithPointers({records},
-                        [&](KestrelSDK& sdk) { return GetQuickDialNumbers(sdk, records, timeoutMs); });
+    return WithPointers(
+        {records}, [&](KestrelSDK& sdk) { return settings::GetQuickDialNumbers(sdk, records, timeoutMs); });
 }
 
 kestrel_bool SetQuickDialNumbers(const KestrelQuickDial* records, uint32_t timeoutMs) {
-    return WithPointers({records},
-                        [&](KestrelSDK& sdk) { return SetQuickDialNumbers(sdk, records, timeoutMs); });
+    return WithPointers(
+        {records}, [&](KestrelSDK& sdk) { return settings::SetQuickDialNumbers(sdk, records, timeoutMs); });
 }
 
 kestrel_bool GetQuickDialButtons(KestrelQuickDial* records, uint32_t timeoutMs) {
-    return WithPointers({records},
-                        [&](KestrelSDK& sdk) { return GetQuickDialButtons(sdk, records, timeoutMs); });
+    return WithPointers(
+        {records}, [&](KestrelSDK& sdk) { return settings::GetQuickDialButtons(sdk, records, timeoutMs); });
 }
 
 kestrel_bool SetQuickDialButtons(const KestrelQuickDial* records, uint32_t timeoutMs) {
-    return WithPointers({records},
-                        [&](KestrelSDK& sdk) { return SetQuickDialButtons(sdk, records, timeoutMs); });
+    return WithPointers(
+        {records}, [&](KestrelSDK& sdk) { return settings::SetQuickDialButtons(sdk, records, timeoutMs); });
 }
 
 kestrel_bool GetQuickDialButton(uint32_t index, KestrelQuickDial* record, uint32_t timeoutMs) {
-    return WithPointers({record},
-                        [&](KestrelSDK& sdk) { return GetQuickDialButton(sdk, index, record, timeoutMs); });
+    return WithPointers({record}, [&](KestrelSDK& sdk) {
+        return settings::GetQuickDialButton(sdk, index, record, timeoutMs);
+    });
 }
 
 kestrel_bool SetQuickDialButton(uint32_t index, const KestrelQuickDial* record, uint32_t timeoutMs) {
-    return WithPointers({record},
-                        [&](KestrelSDK& sdk) { return SetQuickDialButton(sdk, index, record, timeoutMs); });
+    return WithPointers({record}, [&](KestrelSDK& sdk) {
+        return settings::SetQuickDialButton(sdk, index, record, timeoutMs);
+    });
 }

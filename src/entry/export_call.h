@@ -8,6 +8,8 @@
 #include "entry/thread_object.h"
 #include "kestrel/sdk_types.h"
 
+namespace entry {
+
 inline constexpr kestrel_bool kFailure = 0;
 
 /// `function()`, or `failure` with last-error value 8 when it throws: no exception leaves the library, and
@@ -43,3 +45,5 @@ kestrel_bool WithPointers(std::initializer_list<const void*> pointers, Operation
         return operation(sdk);
     });
 }
+
+}  // namespace entry

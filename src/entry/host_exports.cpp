@@ -7,6 +7,8 @@
 
 #pragma GCC diagnostic error "-Wmissing-declarations"
 
+using namespace entry;
+
 kestrel_bool ShowStatusMonitor() {
     return OnThreadSDK(kFailure, [](KestrelSDK& sdk) { return sdk.ShowStatusMonitor(); });
 }

@@ -5,6 +5,7 @@
 #include "entry/thread_object.h"
 #include "kwt/object_names.h"
 
+namespace entry {
 namespace {
 
 HMODULE libraryModule = nullptr;
@@ -13,7 +14,7 @@ bool BuildObjectNames(HMODULE module) {
     try {
         WCHAR path[MAX_PATH];
         const DWORD length = GetModuleFileNameW(module, path, MAX_PATH);
-        return ObjectNameTable::Instance().Build(WideText(path, length));
+        return kwt::ObjectNameTable::Instance().Build(WideText(path, length));
     } catch (...) {
         return false;
     }
@@ -42,20 +43,22 @@ HMODULE LibraryModule() {
     return libraryModule;
 }
 
+}  // namespace entry
+
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
 
 BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID /*reserved*/) {
     switch (reason) {
         case DLL_PROCESS_ATTACH:
-            return Attach(module) ? TRUE : FALSE;
+            return entry::Attach(module) ? TRUE : FALSE;
         case DLL_THREAD_ATTACH:
-            ClearThreadSlot();
+            entry::ClearThreadSlot();
             break;
         case DLL_THREAD_DETACH:
-            ReleaseThreadSDK();
+            entry::ReleaseThreadSDK();
             break;
         case DLL_PROCESS_DETACH:
-            Detach();
+            entry::Detach();
             break;
         default:
             break;

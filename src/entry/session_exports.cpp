@@ -9,6 +9,8 @@
 #include "kwt/last_error_keeper.h"
 #include "kwt/strings.h"
 
+using namespace entry;
+
 namespace {
 
 constexpr uint32_t kVersion = 10;
@@ -22,7 +24,7 @@ uint32_t GetSDKVersion() {
 
 kestrel_bool SelectPrinter(const kestrel_char* printerName) {
     return WithoutExceptions(kFailure, [&]() -> kestrel_bool {
-        if (!CProductConfig::Instance().LoadForModule(LibraryModule())) return kFailure;
+        if (!host::CProductConfig::Instance().LoadForModule(LibraryModule())) return kFailure;
         return OnThreadSDK(kFailure, [&](KestrelSDK& sdk) { return sdk.SelectPrinter(printerName); });
     });
 }
@@ -61,7 +63,7 @@ void GetLastBadResponse(kestrel_char* buffer, uint32_t capacity) {
     buffer[0] = 0;
     OnThreadSDK(kFailure, [&](KestrelSDK& sdk) {
         // No text is longer, and the size in bytes of a larger capacity need not be a size_t any more.
-        const size_t characters = std::min<size_t>(capacity, kMaxOplMessage + 1);
+        const size_t characters = std::min<size_t>(capacity, ipc::kMaxOplMessage + 1);
         kwt::AsciiToWideBuffer(buffer, sdk.lastBadResponse.c_str(), characters * sizeof(*buffer));
         return true;
     });

@@ -13,6 +13,8 @@
 // hidden.
 #pragma GCC diagnostic error "-Wmissing-declarations"
 
+using namespace entry;
+
 namespace {
 
 // What a getter writes and what a setter takes, by the type columns of settings.def.
@@ -41,40 +43,43 @@ bool Fail(DWORD error) {
 }
 
 template <typename Value>
-using ReadOperation = bool (*)(KestrelSDK&, const SettingAccess&, Value*, uint32_t);
+using ReadOperation = bool (*)(KestrelSDK&, const settings::SettingAccess&, Value*, uint32_t);
 
 template <typename Value>
-kestrel_bool Get(ReadOperation<Value> read, const SettingAccess& setting, Value* value, uint32_t timeoutMs) {
+kestrel_bool Get(ReadOperation<Value> read, const settings::SettingAccess& setting, Value* value,
+                 uint32_t timeoutMs) {
     // GetCopyQuality alone never makes an object: a thread without one gets failure and last-error value 0.
-    if (setting.key == OplKey::CopyQuality && PeekThreadSDK() == nullptr) return kFailure;
+    if (setting.key == opl::Key::CopyQuality && PeekThreadSDK() == nullptr) return kFailure;
     return OnThreadSDK(kFailure, [&](KestrelSDK& sdk) {
         return value != nullptr ? read(sdk, setting, value, timeoutMs) : Fail(ERROR_INVALID_PARAMETER);
     });
 }
 
 template <typename Value>
-using WriteOperation = bool (*)(KestrelSDK&, const SettingAccess&, Value, uint32_t);
+using WriteOperation = bool (*)(KestrelSDK&, const settings::SettingAccess&, Value, uint32_t);
 
 template <typename Value>
-kestrel_bool Set(WriteOperation<Value> write, const SettingAccess& setting, Value value, uint32_t timeoutMs) {
+kestrel_bool Set(WriteOperation<Value> write, const settings::SettingAccess& setting, Value value,
+                 uint32_t timeoutMs) {
     return OnThreadSDK(kFailure, [&](KestrelSDK& sdk) { return write(sdk, setting, value, timeoutMs); });
 }
 
-kestrel_bool Start(OplWord action) {
-    return OnThreadSDK(kFailure, [&](KestrelSDK& sdk) { return StartMaintenance(sdk, action); });
+kestrel_bool Start(opl::Word action) {
+    return OnThreadSDK(kFailure, [&](KestrelSDK& sdk) { return settings::StartMaintenance(sdk, action); });
 }
 
 struct IndexedSetting {
     std::string_view base;
     uint32_t index;
-    SettingAccess access;
+    settings::SettingAccess access;
 };
 constexpr IndexedSetting kIndexedSettings[] = {
-#define INDEXED(base, index, name, bytes, about) {#base, index, {OplKey::base##index, kNoWords, bytes}},
-#include "settings/settings.def"
+#define INDEXED(base, index, name, initial, bytes, privacy, about) \
+    {#base, index, {opl::Key::base##index, catalogue::kNoWords, bytes}},
+#include "catalogue/settings.def"
 };
 
-const SettingAccess* FindIndexed(std::string_view base, uint32_t index) {
+const settings::SettingAccess* FindIndexed(std::string_view base, uint32_t index) {
     const auto row = std::ranges::find_if(kIndexedSettings, [&](const IndexedSetting& setting) {
         return setting.base == base && setting.index == index;
     });
@@ -83,31 +88,28 @@ const SettingAccess* FindIndexed(std::string_view base, uint32_t index) {
 
 }  // namespace
 
-#define SETTING_AS(base, name, read, write, words, bytes, about)                                \
-    kestrel_bool Get##base(Out##read* value, uint32_t timeoutMs) {                              \
-        return Get<Out##read>(Read##read, {OplKey::base, k##words, bytes}, value, timeoutMs);   \
-    }                                                                                           \
-    kestrel_bool Set##base(In##write value, uint32_t timeoutMs) {                               \
-        return Set<In##write>(Write##write, {OplKey::base, k##words, bytes}, value, timeoutMs); \
+#define GETTER(function, base, type, words, bytes)                                                       \
+    kestrel_bool function(Out##type* value, uint32_t timeoutMs) {                                        \
+        return Get<Out##type>(settings::Read##type, {opl::Key::base, catalogue::k##words, bytes}, value, \
+                              timeoutMs);                                                                \
     }
-#define READ_ONLY(base, name, type, words, bytes, about)                                      \
-    kestrel_bool Get##base(Out##type* value, uint32_t timeoutMs) {                            \
-        return Get<Out##type>(Read##type, {OplKey::base, k##words, bytes}, value, timeoutMs); \
+#define SETTER(function, base, type, words)                                                          \
+    kestrel_bool function(In##type value, uint32_t timeoutMs) {                                      \
+        return Set<In##type>(settings::Write##type, {opl::Key::base, catalogue::k##words, 0}, value, \
+                             timeoutMs);                                                             \
     }
-#define WRITE_ONLY(function, base, name, type, words, about)                              \
-    kestrel_bool function(In##type value, uint32_t timeoutMs) {                           \
-        return Set<In##type>(Write##type, {OplKey::base, k##words, 0}, value, timeoutMs); \
-    }
-#include "settings/settings.def"
+#include "catalogue/settings.def"
 
 kestrel_bool GetWirelessSecurityKey(uint32_t index, kestrel_char* text, uint32_t timeoutMs) {
-    const SettingAccess* const setting = FindIndexed("WirelessSecurityKey", index);
-    return setting != nullptr ? Get(ReadText, *setting, text, timeoutMs) : Fail(ERROR_INVALID_PARAMETER);
+    const settings::SettingAccess* const setting = FindIndexed("WirelessSecurityKey", index);
+    return setting != nullptr ? Get(settings::ReadText, *setting, text, timeoutMs)
+                              : Fail(ERROR_INVALID_PARAMETER);
 }
 
 kestrel_bool SetWirelessSecurityKey(uint32_t index, const kestrel_char* text, uint32_t timeoutMs) {
-    const SettingAccess* const setting = FindIndexed("WirelessSecurityKey", index);
-    return setting != nullptr ? Set(WriteText, *setting, text, timeoutMs) : Fail(ERROR_INVALID_PARAMETER);
+    const settings::SettingAccess* const setting = FindIndexed("WirelessSecurityKey", index);
+    return setting != nullptr ? Set(settings::WriteText, *setting, text, timeoutMs)
+                              : Fail(ERROR_INVALID_PARAMETER);
 }
 
 kestrel_bool GetPhotoTrayState(uint32_t* value, uint32_t) {
@@ -120,15 +122,15 @@ kestrel_bool GetPhotoTrayState(uint32_t* value, uint32_t) {
 }
 
 kestrel_bool CleanHead(kestrel_bool deep) {
-    return OnThreadSDK(kFailure, [&](KestrelSDK& sdk) { return StartCleanHead(sdk, deep != 0); });
+    return OnThreadSDK(kFailure, [&](KestrelSDK& sdk) { return settings::StartCleanHead(sdk, deep != 0); });
 }
 
 // clang-format off
-kestrel_bool CalibrateHead() { return Start(OplWord::CalibrateHead); }
-kestrel_bool PrintTestPage() { return Start(OplWord::PrintTestPage); }
-kestrel_bool CheckNozzle() { return Start(OplWord::CheckNozzle); }
-kestrel_bool AlignHead() { return Start(OplWord::AlignHead); }
-kestrel_bool VTOE() { return Start(OplWord::VTOE); }
+kestrel_bool CalibrateHead() { return Start(opl::Word::CalibrateHead); }
+kestrel_bool PrintTestPage() { return Start(opl::Word::PrintTestPage); }
+kestrel_bool CheckNozzle() { return Start(opl::Word::CheckNozzle); }
+kestrel_bool AlignHead() { return Start(opl::Word::AlignHead); }
+kestrel_bool VTOE() { return Start(opl::Word::VTOE); }
 
 // Not supported: they make no object and look at no argument.
 kestrel_bool GetWirelessFragmentationThreshold(uint32_t*, uint32_t) { return Fail(ERROR_BAD_COMMAND); }

@@ -1,7 +1,9 @@
+// One slot of the system's thread-local storage for all threads' objects.
 #include "entry/thread_object.h"
 
 #include <memory>
 
+namespace entry {
 namespace {
 
 // Written while the library is loaded and unloaded only.
@@ -56,3 +58,5 @@ void ReleaseThreadSDK() {
     const std::unique_ptr<KestrelSDK> object(PeekThreadSDK());
     ClearThreadSlot();
 }
+
+}  // namespace entry

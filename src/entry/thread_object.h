@@ -3,6 +3,10 @@
 
 #include "session/kestrel_sdk.h"
 
+namespace entry {
+
+using session::KestrelSDK;
+
 /// Takes the slot while the library is being attached; false when the system has none left.
 [[nodiscard]] bool TakeThreadSlot();
 
@@ -21,3 +25,5 @@ void ClearThreadSlot();
 
 /// Destroys the calling thread's object, if any.
 void ReleaseThreadSDK();
+
+}  // namespace entry

@@ -1,21 +1,23 @@
+// A candidate is named after the module, and its own text must name the module in turn.
 #include "host/config_discovery.h"
 
 #include "host/driver_folder.h"
 #include "host/profile_reader.h"
 #include "kwt/object_names.h"
 
+namespace host {
 namespace {
 
 // The entry of a configuration file that names the module of each kind.
 struct ModuleEntry {
-    ModuleKind kind;
+    kwt::ModuleKind kind;
     const WCHAR* section;
     const WCHAR* key;
 };
 constexpr ModuleEntry kModuleEntries[] = {
-    {ModuleKind::StatusMonitor, TEXT("Status Monitor"), TEXT("Executable")},
-    {ModuleKind::LanguageMonitor, TEXT("Language Monitor"), TEXT("Library")},
-    {ModuleKind::Sdk, TEXT("SDK"), TEXT("Library")},
+    {kwt::ModuleKind::StatusMonitor, TEXT("Status Monitor"), TEXT("Executable")},
+    {kwt::ModuleKind::LanguageMonitor, TEXT("Language Monitor"), TEXT("Library")},
+    {kwt::ModuleKind::Sdk, TEXT("SDK"), TEXT("Library")},
 };
 
 constexpr const WCHAR* kFileEndings[] = {TEXT(".INI"), TEXT("XPS.INI")};
@@ -26,18 +28,18 @@ bool FileExists(const WideText& path) {
 }
 
 bool NamesModule(const WideText& path, const ModuleEntry& entry, const WideText& capitalFileName) {
-    return InCapitals(ProfileReader(path).Text(entry.section, entry.key)) == capitalFileName;
+    return kwt::InCapitals(ProfileReader(path).Text(entry.section, entry.key)) == capitalFileName;
 }
 
 }  // namespace
 
 std::vector<WideText> FindConfigFiles(const WideText& modulePath) {
     std::vector<WideText> files;
-    const WideText fileName = InCapitals(FileNamePart(modulePath));
-    const ModuleKind kind = FindModuleKind(fileName);
-    const WideText folder = kind != ModuleKind::None ? host::DriverFileFolder() : WideText();
+    const WideText fileName = kwt::InCapitals(kwt::FileNamePart(modulePath));
+    const kwt::ModuleKind kind = kwt::FindModuleKind(fileName);
+    const WideText folder = kind != kwt::ModuleKind::None ? DriverFileFolder() : WideText();
     if (folder.empty()) return files;
-    const WideText stem = fileName.substr(0, fileName.size() - kModuleSuffixLength);
+    const WideText stem = fileName.substr(0, fileName.size() - kwt::kModuleSuffixLength);
     for (const ModuleEntry& entry : kModuleEntries) {
         if (entry.kind != kind) continue;
         for (const WCHAR* ending : kFileEndings) {
@@ -47,3 +49,5 @@ std::vector<WideText> FindConfigFiles(const WideText& modulePath) {
     }
     return files;
 }
+
+}  // namespace host

@@ -5,6 +5,10 @@
 
 #include "kwt/wide_text.h"
 
+namespace host {
+
 /// Full paths of the files that exist, in the order in which they are to be tried, whose entry for the
 /// module's kind names the module itself in any letter case. `modulePath` is the module's full file name.
 [[nodiscard]] std::vector<WideText> FindConfigFiles(const WideText& modulePath);
+
+}  // namespace host

@@ -1,3 +1,4 @@
+// The spooler's folder for this system's drivers, and in it that of their current version.
 #include "host/driver_folder.h"
 
 #include <windows.h>

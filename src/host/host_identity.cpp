@@ -1,3 +1,4 @@
+// The identity is the check sum of a random text, made once and kept in the registry.
 #include "host/host_identity.h"
 
 #include <windows.h>
@@ -9,9 +10,9 @@
 #include <string>
 
 #include "host/crc64.h"
-#include "host/owned_key.h"
 #include "host/product_config.h"
 #include "kwt/strings.h"
+#include "kwt/unique_handle.h"
 
 namespace host {
 namespace {
@@ -32,14 +33,16 @@ bool Read(HKEY key, uint64_t& identity) {
     return true;
 }
 
+void FreeText(RPC_WSTR text) {
+    RpcStringFreeW(&text);
+}
+
 /// 36 characters; empty when the system has none to give.
 std::string RandomText() {
     UUID id = {};
-    RPC_WSTR text = nullptr;
-    if (FAILED(CoCreateGuid(&id)) || UuidToStringW(&id, &text) != RPC_S_OK) return {};
-    std::string bytes = kwt::AsciiString(reinterpret_cast<const WCHAR*>(text)).ToByteString();
-    RpcStringFreeW(&text);
-    return bytes;
+    kwt::UniqueHandle<FreeText, 0, RPC_WSTR> text;
+    if (FAILED(CoCreateGuid(&id)) || UuidToStringW(&id, text.Receive()) != RPC_S_OK) return {};
+    return kwt::AsciiString(reinterpret_cast<const WCHAR*>(text.Get())).ToByteString();
 }
 
 }  // namespace
@@ -48,7 +51,7 @@ bool GetHostId(uint64_t& identity) {
     identity = 0;
     const CProductConfig& config = CProductConfig::Instance();
     const WideText path = config.IsLoaded() ? config.GetHostIdRegDir() : WideText();
-    OwnedKey key;
+    kwt::UniqueHandle<RegCloseKey> key;
     const bool open = RegCreateKeyExW(HKEY_USERS, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
                                       KEY_ALL_ACCESS, nullptr, key.Receive(), nullptr) == ERROR_SUCCESS;
     if (open && Read(key.Get(), identity)) return true;

@@ -1,3 +1,4 @@
+// Ports are asked of the port monitor; drivers and printers are left to the system's own program.
 #include "host/printer_installation.h"
 
 #include <winspool.h>
@@ -8,6 +9,7 @@
 #include "host/tcp_port_data.h"
 #include "kwt/printer_handle.h"
 #include "kwt/strings.h"
+#include "kwt/unique_handle.h"
 
 namespace host {
 namespace {
@@ -58,11 +60,9 @@ WideText ChoosePortName(WideView wanted, const WCHAR* hostAddress) {
 }
 
 bool CanBeRead(const WCHAR* path) {
-    const HANDLE file = CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return false;
-    CloseHandle(file);
-    return true;
+    const kwt::UniqueHandle<CloseHandle, -1> file(CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return file.IsHeld();
 }
 
 /// ` /option "text"`

@@ -1,3 +1,4 @@
+// Starting, and waiting for what was started.
 #include "host/process_launcher.h"
 
 #include <windows.h>

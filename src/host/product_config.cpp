@@ -1,3 +1,4 @@
+// The file is read by tables of sections and keys, in the order of their rows.
 #include "host/product_config.h"
 
 #include <algorithm>
@@ -6,18 +7,8 @@
 #include "host/profile_reader.h"
 #include "kwt/last_error_keeper.h"
 
+namespace host {
 namespace {
-
-class Guard final {
-  public:
-    explicit Guard(CRITICAL_SECTION& section) : section_(section) { EnterCriticalSection(&section_); }
-    ~Guard() { LeaveCriticalSection(&section_); }
-    Guard(const Guard&) = delete;
-    Guard& operator=(const Guard&) = delete;
-
-  private:
-    CRITICAL_SECTION& section_;
-};
 
 constexpr int32_t kLowestMaintenanceValue = 1;
 constexpr int32_t kHighestMaintenanceValue = 10000;
@@ -104,16 +95,8 @@ CProductConfig& CProductConfig::Instance() {
     return config;
 }
 
-CProductConfig::CProductConfig() {
-    InitializeCriticalSection(&lock_);
-}
-
-CProductConfig::~CProductConfig() {
-    DeleteCriticalSection(&lock_);
-}
-
 bool CProductConfig::IsLoaded() const {
-    const Guard guard(lock_);
+    const kwt::CriticalSection::Guard guard(lock_);
     return loaded_;
 }
 
@@ -134,7 +117,7 @@ bool CProductConfig::LoadForModule(HMODULE module) {
 
 bool CProductConfig::Load(const WideText& path) {
     const kwt::LastErrorKeeper keeper;
-    const Guard guard(lock_);
+    const kwt::CriticalSection::Guard guard(lock_);
     if (loaded_) return true;
     loaded_ = true;  // visible to others when the lock is left
     try {
@@ -251,3 +234,5 @@ bool CProductConfig::GetModelNameForURL(WideView driver, WideText& model) const 
     }
     return found;
 }
+
+}  // namespace host

@@ -9,7 +9,10 @@
 #include <span>
 #include <vector>
 
+#include "kwt/critical_section.h"
 #include "kwt/wide_text.h"
+
+namespace host {
 
 /// Eight settings of the maintenance programs, each from 1 to 10000.
 struct MaintenanceSettings {
@@ -37,6 +40,8 @@ struct UrlModelEntry {
 /// its outcome. Any thread may call any operation. Getters and lookups take no lock and are for the time
 /// after a Load. Names are compared letter for letter.
 ///
+/// It holds the whole file: other modules of the package read what this library does not.
+///
 /// The last-error value is left alone by all operations; no exception leaves Load or LoadForModule.
 class CProductConfig final {
   public:
@@ -46,8 +51,7 @@ class CProductConfig final {
     /// The one that all code but tests uses.
     [[nodiscard]] static CProductConfig& Instance();
 
-    CProductConfig();
-    ~CProductConfig();
+    CProductConfig() = default;
     CProductConfig(const CProductConfig&) = delete;
     CProductConfig& operator=(const CProductConfig&) = delete;
 
@@ -120,7 +124,7 @@ class CProductConfig final {
     void ReadUrlModels();
     [[nodiscard]] bool DeriveNames();
 
-    mutable CRITICAL_SECTION lock_;
+    mutable kwt::CriticalSection lock_;
     bool loaded_ = false;
     WideText configFilePath_;
     WideText jobControlRoot_;
@@ -154,3 +158,5 @@ class CProductConfig final {
     std::vector<MaintenanceSettings> maintenance_;
     std::vector<UrlModelEntry> urlModels_;
 };
+
+}  // namespace host

@@ -1,8 +1,10 @@
+// The system's readers, with the sizes that their callers are promised.
 #include "host/profile_reader.h"
 
 #include <algorithm>
 #include <limits>
 
+namespace host {
 namespace {
 
 constexpr DWORD kSectionCapacity = 2600;
@@ -52,3 +54,5 @@ int32_t ParseInteger(WideView text) {
     }
     return static_cast<int32_t>(negative ? -value : value);
 }
+
+}  // namespace host

@@ -6,6 +6,8 @@
 
 #include "kwt/wide_text.h"
 
+namespace host {
+
 /// One file, named by its full path; the file is read anew by every call.
 class ProfileReader final {
   public:
@@ -23,3 +25,5 @@ class ProfileReader final {
 
 /// Decimal text: blanks and a sign may lead, the first other character ends it, no digits give 0. Saturates.
 [[nodiscard]] int32_t ParseInteger(WideView text);
+
+}  // namespace host

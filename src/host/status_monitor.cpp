@@ -1,15 +1,16 @@
+// Only one process at a time starts the status monitor; its display mode is a value of the registry.
 #include "host/status_monitor.h"
 
 #include <windows.h>
 #include <winspool.h>
 
 #include "host/driver_folder.h"
-#include "host/owned_key.h"
 #include "host/process_launcher.h"
 #include "host/product_config.h"
 #include "kwt/object_names.h"
+#include "kwt/scoped_locks.h"
+#include "kwt/unique_handle.h"
 #include "kwt/win_event.h"
-#include "kwt/win_mutex.h"
 
 namespace host {
 namespace {
@@ -44,17 +45,14 @@ bool StartStatusMonitor(DWORD& error) {
 }
 
 bool StartUnlessRunning(DWORD& error) {
-    const ObjectNameTable& names = ObjectNameTable::Instance();
-    kwt::WinEvent running(names[ObjectName::StatusMonitorClass].c_str(), false);
-    kwt::WinMutex starting(names[ObjectName::StatusMonitorStartingMutex].c_str(), false);
+    const kwt::ObjectNameTable& names = kwt::ObjectNameTable::Instance();
+    kwt::WinEvent running(names[kwt::ObjectName::StatusMonitorClass].c_str(), false);
+    kwt::WinMutex starting(names[kwt::ObjectName::StatusMonitorStartingMutex].c_str(), false);
     if (running.IsSignaled()) return true;
-    if (starting.Lock(0) == kwt::WaitResult::TimedOut) {
-        Sleep(kStartPauseMs);
-        return true;
-    }
-    const bool started = StartStatusMonitor(error);
-    starting.Unlock();
-    return started;
+    const kwt::MutexLock lock(starting, 0);
+    if (lock.Result() != kwt::WaitResult::TimedOut) return StartStatusMonitor(error);
+    Sleep(kStartPauseMs);
+    return true;
 }
 
 WideText DisplayModeKey() {
@@ -82,7 +80,7 @@ bool GetStatusMonitorPath(WideText& path) {
 
 bool GetStatusMonitorDisplayMode() {
     DWORD mode = kAlwaysShown;
-    OwnedKey key;
+    kwt::UniqueHandle<RegCloseKey> key;
     if (RegOpenKeyW(HKEY_CURRENT_USER, DisplayModeKey().c_str(), key.Receive()) == ERROR_SUCCESS) {
         DWORD size = sizeof(mode);
         RegQueryValueExW(key.Get(), kDisplayModeValue, nullptr, nullptr, reinterpret_cast<BYTE*>(&mode),
@@ -93,7 +91,7 @@ bool GetStatusMonitorDisplayMode() {
 
 bool SetStatusMonitorDisplayMode(int32_t mode) {
     const DWORD value = mode == 1 ? kAlwaysShown : 0;
-    OwnedKey key;
+    kwt::UniqueHandle<RegCloseKey> key;
     return RegCreateKeyW(HKEY_CURRENT_USER, DisplayModeKey().c_str(), key.Receive()) == ERROR_SUCCESS &&
            RegSetValueExW(key.Get(), kDisplayModeValue, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value),
                           sizeof(value)) == ERROR_SUCCESS;

@@ -1,6 +1,6 @@
+// The token is that of a user who is logged on; profile and environment follow from it.
 #include "host/user_context.h"
 
-#include <userenv.h>
 #include <wtsapi32.h>
 
 namespace host {
@@ -21,28 +21,27 @@ HANDLE TokenOfThisProcess() {
 }
 
 HANDLE PrimaryToken(SECURITY_ATTRIBUTES* security, bool ofConsole) {
-    const HANDLE original = ofConsole ? TokenOfConsoleUser() : TokenOfThisProcess();
-    if (original == nullptr) return nullptr;
+    const kwt::UniqueHandle<CloseHandle> original(ofConsole ? TokenOfConsoleUser() : TokenOfThisProcess());
+    if (!original.IsHeld()) return nullptr;
     HANDLE token = nullptr;
-    const BOOL duplicated =
-        DuplicateTokenEx(original, MAXIMUM_ALLOWED, security, SecurityImpersonation, TokenPrimary, &token);
-    CloseHandle(original);
-    return duplicated ? token : nullptr;
+    return DuplicateTokenEx(original.Get(), MAXIMUM_ALLOWED, security, SecurityImpersonation, TokenPrimary,
+                            &token)
+               ? token
+               : nullptr;
 }
 
 }  // namespace
 
 UserContext::UserContext(SECURITY_ATTRIBUTES* security, bool ofConsole)
     : token_(PrimaryToken(security, ofConsole)) {
-    if (token_ == nullptr) return;
+    if (!token_.IsHeld()) return;
     LoadProfile();
-    if (!CreateEnvironmentBlock(&environment_, token_, FALSE)) environment_ = nullptr;
+    LPVOID environment = nullptr;
+    if (CreateEnvironmentBlock(&environment, token_.Get(), FALSE)) environment_.Reset(environment);
 }
 
 UserContext::~UserContext() {
-    if (profile_ != nullptr) UnloadUserProfile(token_, profile_);
-    if (environment_ != nullptr) DestroyEnvironmentBlock(environment_);
-    if (token_ != nullptr) CloseHandle(token_);
+    if (profile_ != nullptr) UnloadUserProfile(token_.Get(), profile_);
 }
 
 void UserContext::LoadProfile() {
@@ -52,7 +51,7 @@ void UserContext::LoadProfile() {
     PROFILEINFOW profile = {};
     profile.dwSize = sizeof(profile);
     profile.lpUserName = user;
-    if (LoadUserProfileW(token_, &profile)) profile_ = profile.hProfile;
+    if (LoadUserProfileW(token_.Get(), &profile)) profile_ = profile.hProfile;
 }
 
 }  // namespace host

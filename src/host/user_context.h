@@ -3,6 +3,10 @@
 
 #include <windows.h>
 
+#include <userenv.h>
+
+#include "kwt/unique_handle.h"
+
 namespace host {
 
 /// Belongs to one launch. The last-error value is that of the step that failed.
@@ -16,16 +20,16 @@ class UserContext final {
     UserContext& operator=(const UserContext&) = delete;
 
     /// A profile that could not be loaded is no reason against it.
-    [[nodiscard]] bool IsComplete() const { return environment_ != nullptr; }
-    [[nodiscard]] HANDLE Token() const { return token_; }
-    [[nodiscard]] void* Environment() const { return environment_; }
+    [[nodiscard]] bool IsComplete() const { return environment_.IsHeld(); }
+    [[nodiscard]] HANDLE Token() const { return token_.Get(); }
+    [[nodiscard]] void* Environment() const { return environment_.Get(); }
 
   private:
     void LoadProfile();
 
-    HANDLE token_ = nullptr;
-    HANDLE profile_ = nullptr;
-    void* environment_ = nullptr;
+    kwt::UniqueHandle<CloseHandle> token_;
+    HANDLE profile_ = nullptr;  // given back together with the token
+    kwt::UniqueHandle<DestroyEnvironmentBlock> environment_;
 };
 
 }  // namespace host

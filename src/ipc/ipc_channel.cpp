@@ -8,16 +8,22 @@
 #include <algorithm>
 #include <cstring>
 
+#include "ipc/late_reply.h"
 #include "ipc/process_list.h"
 #include "ipc/server_thread.h"
+#include "kwt/scoped_locks.h"
 #include "kwt/step.h"
 
-namespace kwt {
+namespace ipc {
 
 namespace {
 
+using kwt::AtUnlock;
+using kwt::SectionAccess;
+using kwt::SectionLock;
+using kwt::Step;
+
 constexpr uint32_t kServerSettleMs = 100;  // before a server clears stale signals
-constexpr uint32_t kForeignPauseMs = 50;   // before a client looks again after a message of another
 constexpr uint32_t kCancelLockTimeoutMs = 5000;
 constexpr uint32_t kUnansweredSend = 776;  // the thread has posted a request and not received its reply
 
@@ -122,11 +128,9 @@ bool IPCChannel::OpenChannel(ChannelRole role, const WCHAR* channelName, uint32_
     return true;
 }
 
-void IPCChannel::ClearHeader(SharedMemory& section) {
-    if (uint8_t* block = section.Lock(SectionAccess::Write, INFINITE)) {
-        std::memset(block, 0, sizeof(MessageHeader));
-        section.Unlock(false);
-    }
+void IPCChannel::ClearHeader(kwt::SharedMemory& section) {
+    const SectionLock lock(section, SectionAccess::Write, AtUnlock::Silent, INFINITE);
+    if (lock.Block() != nullptr) std::memset(lock.Block(), 0, sizeof(MessageHeader));
 }
 
 void IPCChannel::ReturnToClosedState() {
@@ -157,27 +161,33 @@ void IPCChannel::Close() {
 uint32_t IPCChannel::TakeTransaction(uint32_t timeoutMs) {
     if (transactionMutex_.IsLockedByCurrentThread()) return kUnansweredSend;
     Step("transaction: before");
-    const WaitResult taken = transactionMutex_.Lock(timeoutMs);
+    const kwt::WaitResult taken = transactionMutex_.Lock(timeoutMs);
     Step("transaction: taken");
-    if (taken == WaitResult::Abandoned) return ERROR_ABANDONED_WAIT_0;
-    if (taken == WaitResult::TimedOut) return ERROR_TIMEOUT;
-    if (taken != WaitResult::Signaled) return ERROR_GEN_FAILURE;
-    return serverIdleEvent_.Wait(timeoutMs) == WaitResult::Signaled ? NO_ERROR : ERROR_TIMEOUT;
+    if (taken == kwt::WaitResult::Abandoned) return ERROR_ABANDONED_WAIT_0;
+    if (taken == kwt::WaitResult::TimedOut) return ERROR_TIMEOUT;
+    if (taken != kwt::WaitResult::Signaled) return ERROR_GEN_FAILURE;
+    return serverIdleEvent_.Wait(timeoutMs) == kwt::WaitResult::Signaled ? NO_ERROR : ERROR_TIMEOUT;
 }
 
-uint32_t IPCChannel::SendLocked(const void* data, uint32_t length, const MessageHeader& header,
-                                uint32_t timeoutMs) {
+uint32_t IPCChannel::Post(const void* data, uint32_t length, const MessageHeader& header,
+                          uint32_t timeoutMs) {
     if (!open_) {
         SetLastError(ERROR_OPEN_FAILED);
         return 0;
     }
     Step("send: begin");
-    const WaitResult locked = sendLock_.Lock(timeoutMs);
+    const Outcome outcome = PostInTurn(data, length, header, timeoutMs);
+    Step("send: end");
+    SetLastError(outcome.error);
+    return outcome.bytes;
+}
+
+IPCChannel::Outcome IPCChannel::PostInTurn(const void* data, uint32_t length, const MessageHeader& header,
+                                           uint32_t timeoutMs) {
+    const kwt::MutexLock lock(sendLock_, timeoutMs);
     Step("send: locked");
-    if (locked != WaitResult::Signaled) {
-        SetLastError(locked == WaitResult::TimedOut ? ERROR_TIMEOUT : ERROR_GEN_FAILURE);
-        return 0;
-    }
+    if (lock.Result() == kwt::WaitResult::TimedOut) return {0, ERROR_TIMEOUT};
+    if (lock.Result() != kwt::WaitResult::Signaled) return {0, ERROR_GEN_FAILURE};
     Outcome outcome;
     if (IsClient()) outcome.error = TakeTransaction(timeoutMs);
     Step("send: admitted");
@@ -185,16 +195,13 @@ uint32_t IPCChannel::SendLocked(const void* data, uint32_t length, const Message
     // After a refused second send this gives up the first one's transaction.
     if (IsClient() && outcome.bytes == 0 && length > 0) transactionMutex_.Unlock();
     Step("send: written");
-    sendLock_.Unlock();
-    Step("send: end");
-    SetLastError(outcome.error);
-    return outcome.bytes;
+    return outcome;
 }
 
 uint32_t IPCChannel::Send(const void* data, uint32_t length, uint32_t timeoutMs) {
     MessageHeader header{};
     header.clientProcessId = IsClient() ? GetCurrentProcessId() : lastClientProcessId_;
-    return SendLocked(data, length, header, timeoutMs);
+    return Post(data, length, header, timeoutMs);
 }
 
 uint32_t IPCChannel::SendTo(uint32_t clientProcessId, bool aborted, const void* data, uint32_t length,
@@ -203,7 +210,7 @@ uint32_t IPCChannel::SendTo(uint32_t clientProcessId, bool aborted, const void* 
     MessageHeader header{};
     header.clientProcessId = clientProcessId;
     header.aborted = aborted ? 1 : 0;
-    return SendLocked(data, length, header, timeoutMs);
+    return Post(data, length, header, timeoutMs);
 }
 
 uint32_t IPCChannel::Broadcast(const void* data, uint32_t length, uint32_t timeoutMs) {
@@ -212,30 +219,24 @@ uint32_t IPCChannel::Broadcast(const void* data, uint32_t length, uint32_t timeo
 
 IPCChannel::Outcome IPCChannel::Write(const void* data, uint32_t length, MessageHeader header,
                                       uint32_t timeoutMs) {
-    SharedMemory& section = IsClient() ? commandSection_ : responseSection_;
-    uint8_t* block = section.Lock(SectionAccess::Write, timeoutMs);
+    const SectionLock lock(IsClient() ? commandSection_ : responseSection_, SectionAccess::Write,
+                           AtUnlock::Notify, timeoutMs);
+    uint8_t* const block = lock.Block();
     if (block == nullptr) return {0, TimeoutAs1460(GetLastError())};
     Step("write: section locked");
-    Outcome outcome;
-    if (IsPendingForAnother(ReadHeader(block), header.clientProcessId)) {
-        outcome.error = ERROR_SHARING_VIOLATION;
-    } else {
-        Step("write: section free");
-        commandSection_.GetNotifyEvent().Reset();
-        Step("write: command signal reset");
-        responseSection_.GetNotifyEvent().Reset();
-        Step("write: response signal reset");
-        outcome.bytes = std::min(length, maxMessage_);
-        header.length = outcome.bytes;
-        header.broadcast = IsServer() && header.clientProcessId == 0 ? 1 : 0;
-        std::memcpy(block, &header, sizeof(header));
-        Step("write: header");
-        if (outcome.bytes != 0) std::memcpy(block + sizeof(header), data, outcome.bytes);
-        Step("write: payload");
-    }
-    section.Unlock(true);
-    Step("write: end");
-    return outcome;
+    if (IsPendingForAnother(ReadHeader(block), header.clientProcessId)) return {0, ERROR_SHARING_VIOLATION};
+    Step("write: section free");
+    commandSection_.GetNotifyEvent().Reset();
+    Step("write: command signal reset");
+    responseSection_.GetNotifyEvent().Reset();
+    Step("write: response signal reset");
+    header.length = std::min(length, maxMessage_);
+    header.broadcast = IsServer() && header.clientProcessId == 0 ? 1 : 0;
+    std::memcpy(block, &header, sizeof(header));
+    Step("write: header");
+    if (header.length != 0) std::memcpy(block + sizeof(header), data, header.length);
+    Step("write: payload");
+    return {header.length, NO_ERROR};
 }
 
 uint32_t IPCChannel::Receive(void* buffer, uint32_t size, uint32_t timeoutMs) {
@@ -247,21 +248,16 @@ uint32_t IPCChannel::Receive(void* buffer, uint32_t size, uint32_t timeoutMs) {
         SetLastError(ERROR_SHARING_VIOLATION);
         return 0;
     }
-    SharedMemory& section = IsClient() ? responseSection_ : commandSection_;
+    kwt::SharedMemory& section = IsClient() ? responseSection_ : commandSection_;
     Step("receive: begin");
     if (IsServer()) serverIdleEvent_.Set();
     Step("receive: announced");
     const DWORD start = GetTickCount();
-    Outcome outcome;
-    bool foreign = true;
-    while (foreign) {
-        outcome = ReadOnce(section, buffer, size, timeoutMs, foreign);
-        if (!foreign) break;
+    std::optional<Outcome> outcome = ReadOnce(section, buffer, size, timeoutMs);
+    while (!outcome) {
         const DWORD now = GetTickCount();
-        if (now < start || now - start >= timeoutMs) {
-            outcome.error = ERROR_TIMEOUT;
-            break;
-        }
+        const bool isOver = now < start || now - start >= timeoutMs;
+        outcome = isOver ? Outcome{0, ERROR_TIMEOUT} : ReadOnce(section, buffer, size, timeoutMs);
     }
     Step("receive: read");
     if (IsClient())
@@ -269,39 +265,35 @@ uint32_t IPCChannel::Receive(void* buffer, uint32_t size, uint32_t timeoutMs) {
     else
         serverIdleEvent_.Reset();
     Step("receive: end");
-    SetLastError(outcome.error);
-    return outcome.bytes;
+    SetLastError(outcome->error);
+    return outcome->bytes;
 }
 
-IPCChannel::Outcome IPCChannel::ReadOnce(SharedMemory& section, void* buffer, uint32_t size,
-                                         uint32_t timeoutMs, bool& foreign) {
-    foreign = false;
-    if (section.WaitForNotify(timeoutMs) != WaitResult::Signaled) return {0, TimeoutAs1460(GetLastError())};
+std::optional<IPCChannel::Outcome> IPCChannel::ReadOnce(kwt::SharedMemory& section, void* buffer,
+                                                        uint32_t size, uint32_t timeoutMs) {
+    if (section.WaitForNotify(timeoutMs) != kwt::WaitResult::Signaled)
+        return Outcome{0, TimeoutAs1460(GetLastError())};
     Step("read: notified");
-    uint8_t* block = section.Lock(SectionAccess::Read, timeoutMs);
-    if (block == nullptr) return {0, TimeoutAs1460(GetLastError())};
+    const SectionLock lock(section, SectionAccess::Read, AtUnlock::Notify, timeoutMs);
+    uint8_t* const block = lock.Block();
+    if (block == nullptr) return Outcome{0, TimeoutAs1460(GetLastError())};
     Step("read: section locked");
     const MessageHeader header = ReadHeader(block);
-    Outcome outcome;
     if (IsClient() && header.clientProcessId != GetCurrentProcessId()) {
-        // Left where it is. The unlock below takes the signal back, so that it reaches only a reader that
+        // Left where it is. The end of the lock takes the signal back, so that it reaches only a reader that
         // waits during the pause.
-        foreign = true;
         section.GetNotifyEvent().Set();
         Step("read: foreign message");
         Sleep(kForeignPauseMs);
-    } else {
-        outcome.bytes = std::min({header.length, size, maxMessage_});
-        if (IsServer() && header.clientProcessId != 0) lastClientProcessId_ = header.clientProcessId;
-        if (outcome.bytes != 0) std::memcpy(buffer, block + sizeof(header), outcome.bytes);
-        Step("read: copied");
-        ClearLength(block);
-        Step("read: length cleared");
-        if (header.aborted != 0) outcome.error = ERROR_OPERATION_ABORTED;
+        return std::nullopt;
     }
-    section.Unlock(true);
-    Step("read: end");
-    return outcome;
+    const uint32_t bytes = std::min({header.length, size, maxMessage_});
+    if (IsServer() && header.clientProcessId != 0) lastClientProcessId_ = header.clientProcessId;
+    if (bytes != 0) std::memcpy(buffer, block + sizeof(header), bytes);
+    Step("read: copied");
+    ClearLength(block);
+    Step("read: length cleared");
+    return Outcome{bytes, header.aborted != 0 ? DWORD{ERROR_OPERATION_ABORTED} : DWORD{NO_ERROR}};
 }
 
 void IPCChannel::Cancel() {
@@ -335,12 +327,11 @@ void IPCChannel::CancelAsServer() {
     Step("cancel: signal taken");
 }
 
-void IPCChannel::WithdrawMessage(SharedMemory& section) {
-    if (uint8_t* block = section.Lock(SectionAccess::Write, kCancelLockTimeoutMs)) {
-        Step("withdraw: section locked");
-        ClearLength(block);
-        section.Unlock(false);
-    }
+void IPCChannel::WithdrawMessage(kwt::SharedMemory& section) {
+    const SectionLock lock(section, SectionAccess::Write, AtUnlock::Silent, kCancelLockTimeoutMs);
+    if (lock.Block() == nullptr) return;
+    Step("withdraw: section locked");
+    ClearLength(lock.Block());
 }
 
 bool IPCChannel::StartServerThread() {
@@ -362,4 +353,4 @@ void IPCChannel::StopServerThread() {
     serverThread_.reset();
 }
 
-}  // namespace kwt
+}  // namespace ipc

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "ipc/message_header.h"
 #include "kwt/shared_memory.h"
@@ -11,7 +12,7 @@
 #include "kwt/win_event.h"
 #include "kwt/win_mutex.h"
 
-namespace kwt {
+namespace ipc {
 
 enum class ChannelRole : uint32_t { Client = 0, Server = 1 };
 
@@ -37,7 +38,7 @@ class IPCChannel {
     IPCChannel();
     IPCChannel(const IPCChannel&) = delete;
     IPCChannel& operator=(const IPCChannel&) = delete;
-    virtual ~IPCChannel();
+    virtual ~IPCChannel();  // the classes of the channel kinds, and those of the servers, derive from it
 
     /// Called by the server's dispatch thread for every request; does nothing here.
     virtual void OnMessage(const void* data, size_t length);
@@ -46,7 +47,6 @@ class IPCChannel {
     [[nodiscard]] bool IsOpen() const { return open_; }
     /// The name as opened: characters that object names do not take are replaced by letters.
     [[nodiscard]] WideText GetName() const { return name_; }
-    [[nodiscard]] const WideText& Name() const { return name_; }
     [[nodiscard]] bool IsClient() const { return role_ == ChannelRole::Client; }
     [[nodiscard]] bool IsServer() const { return role_ == ChannelRole::Server; }
 
@@ -86,15 +86,18 @@ class IPCChannel {
 
     bool CreateObjects(const WideText& name, uint32_t sectionSize, uint32_t& commandError,
                        uint32_t& responseError);
-    static void ClearHeader(SharedMemory& section);
-    static void WithdrawMessage(SharedMemory& section);
+    static void ClearHeader(kwt::SharedMemory& section);
+    static void WithdrawMessage(kwt::SharedMemory& section);
     void ReturnToClosedState();
     void StopServerThread();
     [[nodiscard]] uint32_t TakeTransaction(uint32_t timeoutMs);
-    uint32_t SendLocked(const void* data, uint32_t length, const MessageHeader& header, uint32_t timeoutMs);
+    uint32_t Post(const void* data, uint32_t length, const MessageHeader& header, uint32_t timeoutMs);
+    [[nodiscard]] Outcome PostInTurn(const void* data, uint32_t length, const MessageHeader& header,
+                                     uint32_t timeoutMs);
     [[nodiscard]] Outcome Write(const void* data, uint32_t length, MessageHeader header, uint32_t timeoutMs);
-    [[nodiscard]] Outcome ReadOnce(SharedMemory& section, void* buffer, uint32_t size, uint32_t timeoutMs,
-                                   bool& foreign);
+    /// Nothing when the message that lies there is for another client.
+    [[nodiscard]] std::optional<Outcome> ReadOnce(kwt::SharedMemory& section, void* buffer, uint32_t size,
+                                                  uint32_t timeoutMs);
     void CancelAsClient();
     void CancelAsServer();
 
@@ -103,12 +106,19 @@ class IPCChannel {
     ChannelRole role_ = ChannelRole::Server;
     uint32_t maxMessage_ = 0;
     uint32_t lastClientProcessId_ = 0;
-    WinMutex sendLock_;
-    WinMutex transactionMutex_;
-    SharedMemory commandSection_;
-    SharedMemory responseSection_;
+    kwt::WinMutex sendLock_;
+    kwt::WinMutex transactionMutex_;  // outlives the scope that takes it: held until the reply or a cancel
+    kwt::SharedMemory commandSection_;
+    kwt::SharedMemory responseSection_;
     std::unique_ptr<ServerThread> serverThread_;
-    WinEvent serverIdleEvent_;
+    kwt::WinEvent serverIdleEvent_;
 };
+
+}  // namespace ipc
+
+namespace kwt {
+
+/// To the other modules of the package the channel is part of the platform layer.
+using ipc::IPCChannel;
 
 }  // namespace kwt

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace kwt {
+namespace ipc {
 
 #pragma pack(push, 1)
 struct MessageHeader {
@@ -20,4 +20,4 @@ static_assert(sizeof(MessageHeader) == 12);
 static_assert(offsetof(MessageHeader, length) == 4 && offsetof(MessageHeader, aborted) == 8);
 static_assert(offsetof(MessageHeader, broadcast) == 9 && offsetof(MessageHeader, reserved) == 10);
 
-}  // namespace kwt
+}  // namespace ipc

@@ -3,16 +3,19 @@
 
 #include "ipc/ipc_channel.h"
 
+namespace ipc {
+
 /// Bytes of the longest request and of the longest reply.
 inline constexpr uint32_t kMaxOplMessage = 0x100FF;
 
-class OPLChannel : public kwt::IPCChannel {
+/// `Open` is virtual: all modules of the package agree on the class.
+class OPLChannel : public IPCChannel {
   public:
     OPLChannel() = default;
 
-    virtual bool Open(kwt::ChannelRole role, const WCHAR* channelName, uint32_t maxMessage);
+    virtual bool Open(ChannelRole role, const WCHAR* channelName, uint32_t maxMessage);
     /// With the capacity of the product, kMaxOplMessage.
-    virtual bool Open(kwt::ChannelRole role, const WCHAR* channelName);
+    virtual bool Open(ChannelRole role, const WCHAR* channelName);
 
     /// Whether the name that it was opened by holds a comma: the port's name is part of it, and a comma makes
     /// that a list of ports.
@@ -21,3 +24,5 @@ class OPLChannel : public kwt::IPCChannel {
   private:
     bool isForPortList_ = false;
 };
+
+}  // namespace ipc

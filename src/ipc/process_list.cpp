@@ -1,3 +1,4 @@
+// The system's list of process ids, read until it is whole.
 #include "ipc/process_list.h"
 
 #include <windows.h>
@@ -8,7 +9,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace kwt {
+namespace ipc {
 
 bool IsProcessRunning(uint32_t processId) {
     constexpr size_t kStep = 256;
@@ -24,4 +25,4 @@ bool IsProcessRunning(uint32_t processId) {
     return std::find(ids.begin(), ids.end(), processId) != ids.end();
 }
 
-}  // namespace kwt
+}  // namespace ipc

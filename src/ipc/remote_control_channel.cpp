@@ -1,19 +1,21 @@
+// A command is a record of code, length and data, of which only the bytes in use travel.
 #include "ipc/remote_control_channel.h"
 
 #include <cstring>
 
 #include "kwt/object_names.h"
 
+namespace ipc {
 namespace {
 constexpr uint32_t kRecordHeader = 8;
 }
 
-bool RemoteControlChannel::Open(kwt::ChannelRole role, const WCHAR* channelName, uint32_t maxMessage) {
+bool RemoteControlChannel::Open(ChannelRole role, const WCHAR* channelName, uint32_t maxMessage) {
     return OpenChannel(role, channelName, maxMessage);
 }
 
-bool RemoteControlChannel::Open(kwt::ChannelRole role) {
-    return Open(role, ObjectNameTable::Instance()[ObjectName::RemoteControlChannel].c_str(),
+bool RemoteControlChannel::Open(ChannelRole role) {
+    return Open(role, kwt::ObjectNameTable::Instance()[kwt::ObjectName::RemoteControlChannel].c_str(),
                 kMaxRemoteMessage);
 }
 
@@ -40,3 +42,5 @@ bool RemoteControlChannel::ReceiveReply(uint32_t& value, uint32_t timeoutMs) {
 bool RemoteControlChannel::SendReply(uint32_t value, uint32_t timeoutMs) {
     return IsServer() && Send(&value, sizeof(value), timeoutMs) == sizeof(value);
 }
+
+}  // namespace ipc

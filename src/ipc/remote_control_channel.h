@@ -5,6 +5,8 @@
 
 #include "ipc/ipc_channel.h"
 
+namespace ipc {
+
 inline constexpr uint32_t kMaxRemoteMessage = 0x10000;
 inline constexpr uint32_t kMaxRemoteData = kMaxRemoteMessage - 8;
 
@@ -26,13 +28,14 @@ struct RemoteCommand {
 };
 static_assert(sizeof(RemoteCommand) == kMaxRemoteMessage);
 
-class RemoteControlChannel : public kwt::IPCChannel {
+/// Both ends in one class, virtual in this order: all modules of the package agree on it.
+class RemoteControlChannel : public IPCChannel {
   public:
     RemoteControlChannel() = default;
 
-    virtual bool Open(kwt::ChannelRole role, const WCHAR* channelName, uint32_t maxMessage);
+    virtual bool Open(ChannelRole role, const WCHAR* channelName, uint32_t maxMessage);
     /// Under the product's own channel name and capacity.
-    virtual bool Open(kwt::ChannelRole role);
+    virtual bool Open(ChannelRole role);
     /// Client: sends one command with `length` bytes of data, at most kMaxRemoteData; true when all of it was
     /// accepted within `timeoutMs`. In the other role, and on a closed channel, false at once with the
     /// last-error value untouched; the three below likewise.
@@ -47,3 +50,5 @@ class RemoteControlChannel : public kwt::IPCChannel {
   private:
     RemoteCommand command_;  // not cleared: 64 KiB, only the bytes in use are ever sent
 };
+
+}  // namespace ipc

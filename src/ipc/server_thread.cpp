@@ -1,10 +1,11 @@
+// One loop around Receive.
 #include "ipc/server_thread.h"
 
 #include <windows.h>
 
 #include "ipc/ipc_channel.h"
 
-namespace kwt {
+namespace ipc {
 
 ServerThread::ServerThread(IPCChannel& channel, uint32_t maxMessage)
     : channel_(channel),
@@ -33,4 +34,4 @@ void ServerThread::Run() {
     }
 }
 
-}  // namespace kwt
+}  // namespace ipc

@@ -6,7 +6,7 @@
 #include <memory>
 #include <thread>
 
-namespace kwt {
+namespace ipc {
 
 class IPCChannel;
 
@@ -40,4 +40,4 @@ class ServerThread final {
     std::thread thread_;
 };
 
-}  // namespace kwt
+}  // namespace ipc

@@ -1,7 +1,9 @@
+// Two tables: the suffixes that tell a module's kind, and how each name is formed from an earlier one.
 #include "kwt/object_names.h"
 
 #include <iterator>
 
+namespace kwt {
 namespace {
 
 struct Suffix {
@@ -91,3 +93,5 @@ bool ObjectNameTable::Build(const WideText& modulePath) {
     }
     return true;
 }
+
+}  // namespace kwt

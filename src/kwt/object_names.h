@@ -7,6 +7,8 @@
 
 #include "kwt/wide_text.h"
 
+namespace kwt {
+
 enum class ObjectName : size_t {
     ProductPrefix,
     StatusMonitorClass,
@@ -61,3 +63,5 @@ enum class ModuleKind { None, StatusMonitor, LanguageMonitor, Sdk };
 
 /// "MUI.EXE", "MON.DLL" and "SDK.DLL" are all this long.
 inline constexpr size_t kModuleSuffixLength = 7;
+
+}  // namespace kwt

@@ -1,3 +1,4 @@
+// What every creation of a named object passes to the system.
 #include "kwt/open_security.h"
 
 #include <algorithm>

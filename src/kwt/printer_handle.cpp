@@ -1,6 +1,6 @@
+// The wake-up is a query for a printer-data value that only the language monitor answers.
 #include "kwt/printer_handle.h"
 
-#include "kwt/last_error_keeper.h"
 #include "kwt/strings.h"
 #include "kwt/wide_text.h"
 
@@ -40,19 +40,13 @@ PrinterHandleClass::PrinterHandleClass(const WCHAR* name, PRINTER_DEFAULTSW* def
     if (name != nullptr && name[0] != 0) {
         WCHAR copy[MAX_PATH];
         CopyBoundedWide(copy, name, sizeof(copy));
-        opened_ = OpenPrinterW(copy, &handle_, defaults) != FALSE;
-        if (!opened_) {
+        HANDLE printer = nullptr;
+        if (OpenPrinterW(copy, &printer, defaults))
+            handle_.Reset(printer);
+        else
             error = GetLastError();
-            handle_ = nullptr;
-        }
     }
     SetLastError(error);
-}
-
-PrinterHandleClass::~PrinterHandleClass() {
-    if (!opened_) return;
-    const LastErrorKeeper keeper;
-    ClosePrinter(handle_);
 }
 
 bool WakeUpLanguageMonitor(const WCHAR* printerName) {

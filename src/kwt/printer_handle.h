@@ -4,8 +4,11 @@
 #include <windows.h>
 #include <winspool.h>
 
+#include "kwt/unique_handle.h"
+
 namespace kwt {
 
+/// Virtual in its end alone, like the other classes of the package.
 class PrinterHandleClass final {
   public:
     /// Opens the printer; the last-error value is 0 on success and for an absent or empty name, else the
@@ -13,14 +16,13 @@ class PrinterHandleClass final {
     PrinterHandleClass(const WCHAR* name, PRINTER_DEFAULTSW* defaults);
     PrinterHandleClass(const PrinterHandleClass&) = delete;
     PrinterHandleClass& operator=(const PrinterHandleClass&) = delete;
-    virtual ~PrinterHandleClass();
+    virtual ~PrinterHandleClass() = default;
 
     /// Null when nothing was opened.
-    [[nodiscard]] HANDLE GetHandle() const { return handle_; }
+    [[nodiscard]] HANDLE GetHandle() const { return handle_.Get(); }
 
   private:
-    HANDLE handle_ = nullptr;
-    bool opened_ = false;
+    UniqueHandle<ClosePrinter> handle_;
 };
 
 /// Asks the printer's language monitor, through the spooler, to wake up; true when it answered. The

@@ -1,6 +1,5 @@
+// A section is a mapping, its view, and the objects named after it.
 #include "kwt/shared_memory.h"
-
-#include <utility>
 
 #include "kwt/open_security.h"
 #include "kwt/step.h"
@@ -26,7 +25,7 @@ SharedMemory::~SharedMemory() {
 }
 
 bool SharedMemory::IsValid() {
-    return view_ != nullptr && mutex_.IsValid() && notifyEvent_.IsValid() && cancelEvent_.IsValid();
+    return view_.IsHeld() && mutex_.IsValid() && notifyEvent_.IsValid() && cancelEvent_.IsValid();
 }
 
 uint32_t SharedMemory::GetSize() const {
@@ -51,15 +50,15 @@ bool SharedMemory::MapBlock(const WCHAR* name, bool global) {
     OpenSecurity security;
     const ObjectPath path(name, global);
     if (security.Get() == nullptr || !path.Fits()) return false;
-    mapping_ = CreateFileMappingW(INVALID_HANDLE_VALUE, security.Get(),
-                                  writable_ ? PAGE_READWRITE : PAGE_READONLY, 0, size_, path.Get());
-    if (mapping_ == nullptr) return false;
+    mapping_.Reset(CreateFileMappingW(INVALID_HANDLE_VALUE, security.Get(),
+                                      writable_ ? PAGE_READWRITE : PAGE_READONLY, 0, size_, path.Get()));
+    if (!mapping_.IsHeld()) return false;
     const DWORD found = GetLastError();
     Step("section: mapping");
-    view_ = static_cast<uint8_t*>(
-        MapViewOfFile(mapping_, writable_ ? FILE_MAP_ALL_ACCESS : FILE_MAP_READ, 0, 0, 0));
-    if (view_ == nullptr) return false;
-    if (!ViewHolds(view_, size_)) {
+    view_.Reset(static_cast<uint8_t*>(
+        MapViewOfFile(mapping_.Get(), writable_ ? FILE_MAP_ALL_ACCESS : FILE_MAP_READ, 0, 0, 0)));
+    if (!view_.IsHeld()) return false;
+    if (!ViewHolds(view_.Get(), size_)) {
         Close();
         SetLastError(ERROR_BAD_CONFIGURATION);
         return false;
@@ -70,9 +69,9 @@ bool SharedMemory::MapBlock(const WCHAR* name, bool global) {
 
 void SharedMemory::Close() {
     Unlock(true);
-    if (view_ != nullptr) UnmapViewOfFile(std::exchange(view_, nullptr));
+    view_.Reset();
     Step("section: unmapped");
-    if (mapping_ != nullptr) CloseHandle(std::exchange(mapping_, nullptr));
+    mapping_.Reset();
 }
 
 uint8_t* SharedMemory::Lock(SectionAccess mode, uint32_t timeoutMs) {
@@ -87,7 +86,7 @@ uint8_t* SharedMemory::Lock(SectionAccess mode, uint32_t timeoutMs) {
     }
     accessMode_ = mode;
     if (mode == SectionAccess::Write && notifyEvent_.IsManualReset()) notifyEvent_.Reset();
-    return view_;
+    return view_.Get();
 }
 
 bool SharedMemory::Unlock(bool notify) {
@@ -137,8 +136,8 @@ WinEvent& SharedMemory::GetNotifyEvent() {
 
 void SharedMemory::Init() {
     SetLastError(NO_ERROR);
-    mapping_ = nullptr;
-    view_ = nullptr;
+    view_.Reset();
+    mapping_.Reset();
     writable_ = true;
     accessMode_ = SectionAccess::Read;
     size_ = 0;

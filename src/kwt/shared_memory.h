@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "kwt/unique_handle.h"
 #include "kwt/wide_text.h"
 #include "kwt/win_event.h"
 #include "kwt/win_mutex.h"
@@ -13,7 +14,8 @@ enum class SectionAccess : uint32_t { Read = 0, Write = 1 };
 
 /// The lock keeps the threads of one process apart, never two processes; those coordinate through the notify
 /// and cancel events and through what the user of the section agrees on. One thread at a time uses a section
-/// object; `Cancel` may come from any thread or process.
+/// object; `Cancel` may come from any thread or process. Virtual, in this order, and complete: the interface
+/// that all modules of the package agree on, whatever this one calls.
 class SharedMemory final {
   public:
     SharedMemory();
@@ -46,8 +48,8 @@ class SharedMemory final {
   private:
     [[nodiscard]] bool MapBlock(const WCHAR* name, bool global);
 
-    HANDLE mapping_ = nullptr;
-    uint8_t* view_ = nullptr;
+    UniqueHandle<CloseHandle> mapping_;
+    UniqueHandle<UnmapViewOfFile, 0, uint8_t*> view_;
     WinMutex mutex_;
     WinEventAuto notifyEvent_;
     WinEventAuto cancelEvent_;

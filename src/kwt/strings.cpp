@@ -1,3 +1,4 @@
+// Conversions by the system, in the ANSI code page and whole.
 #include "kwt/strings.h"
 
 #include <algorithm>

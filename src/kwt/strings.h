@@ -8,7 +8,8 @@
 
 namespace kwt {
 
-/// Owns the UTF-16 form of one 8-bit text, or nothing when the conversion produced nothing.
+/// Owns the UTF-16 form of one 8-bit text, or nothing when the conversion produced nothing. Virtual, as the
+/// next class: all modules of the package agree on the two.
 class WideString {
   public:
     /// `text` is NUL-terminated 8-bit text in the ANSI code page; null owns nothing.

@@ -1,3 +1,4 @@
+// The system's results, told in the words of the transport.
 #include "kwt/win_event.h"
 
 #include <algorithm>
@@ -19,35 +20,30 @@ WinEvent::WinEvent(const WCHAR* name, bool global) {
 
 WinEvent::WinEvent(bool manualReset) : manualReset_(manualReset) {}
 
-WinEvent::~WinEvent() {
-    if (handle_ != nullptr) CloseHandle(handle_);
-}
-
 bool WinEvent::IsValid() const {
-    return handle_ != nullptr;
+    return handle_.IsHeld();
 }
 
 bool WinEvent::Create(const WCHAR* name, bool global) {
-    if (handle_ != nullptr) CloseHandle(handle_);
-    handle_ = nullptr;
+    handle_.Reset();
     OpenSecurity security;
     const ObjectPath path(name, global);
     if (security.Get() == nullptr || !path.Fits()) return false;
-    handle_ = CreateEventW(security.Get(), manualReset_, FALSE, path.Get());
-    return handle_ != nullptr;
+    handle_.Reset(CreateEventW(security.Get(), manualReset_, FALSE, path.Get()));
+    return handle_.IsHeld();
 }
 
 BOOL WinEvent::Set() {
-    return handle_ != nullptr ? SetEvent(handle_) : FALSE;
+    return handle_.IsHeld() ? SetEvent(handle_.Get()) : FALSE;
 }
 
 BOOL WinEvent::Reset() {
-    return handle_ != nullptr ? ResetEvent(handle_) : FALSE;
+    return handle_.IsHeld() ? ResetEvent(handle_.Get()) : FALSE;
 }
 
 bool WinEvent::IsSignaled() {
     // Looking at an auto-reset event would take its signal.
-    return handle_ != nullptr && manualReset_ && WaitForSingleObject(handle_, 0) == WAIT_OBJECT_0;
+    return handle_.IsHeld() && manualReset_ && WaitForSingleObject(handle_.Get(), 0) == WAIT_OBJECT_0;
 }
 
 WaitResult WinEvent::ResetAndWait(uint32_t timeoutMs) {
@@ -59,7 +55,7 @@ WaitResult WinEvent::Wait(uint32_t timeoutMs) {
 }
 
 HANDLE WinEvent::GetHandle() const {
-    return handle_;
+    return handle_.Get();
 }
 
 bool WinEvent::IsManualReset() const {
@@ -67,14 +63,14 @@ bool WinEvent::IsManualReset() const {
 }
 
 void WinEvent::Init() {
-    handle_ = nullptr;
+    handle_.Reset();
     manualReset_ = TRUE;
 }
 
 WaitResult WinEvent::WaitEx(uint32_t timeoutMs, bool resetFirst) {
-    if (handle_ == nullptr) return WaitResult::NoObject;
+    if (!handle_.IsHeld()) return WaitResult::NoObject;
     if (manualReset_ && resetFirst) Reset();
-    switch (WaitForSingleObject(handle_, timeoutMs)) {
+    switch (WaitForSingleObject(handle_.Get(), timeoutMs)) {
         case WAIT_OBJECT_0:
             return WaitResult::Signaled;
         case WAIT_TIMEOUT:
@@ -93,8 +89,6 @@ WinEventAuto::WinEventAuto() : WinEvent(false) {
 WinEventAuto::WinEventAuto(const WCHAR* name, bool global) : WinEvent(false) {
     WinEvent::Create(name, global);
 }
-
-WinEventAuto::~WinEventAuto() = default;
 
 WaitResult WaitForEvents(uint32_t count, WinEvent* const* events, bool waitAll, uint32_t& index,
                          uint32_t timeoutMs, bool resetFirst) {

@@ -3,13 +3,15 @@
 
 #include <cstdint>
 
+#include "kwt/unique_handle.h"
 #include "kwt/wait_result.h"
 #include "kwt/wide_text.h"
 
 namespace kwt {
 
 /// A manual-reset event. `Set`, `Reset` and the waits may come from any thread; `Create` and destruction
-/// belong to the owner.
+/// belong to the owner. Virtual, in this order, and complete: the interface that all modules of the package
+/// agree on, whatever this one calls.
 class WinEvent {
   public:
     /// An unnamed event.
@@ -19,7 +21,7 @@ class WinEvent {
     WinEvent(const WCHAR* name, bool global);
     WinEvent(const WinEvent&) = delete;
     WinEvent& operator=(const WinEvent&) = delete;
-    virtual ~WinEvent();
+    virtual ~WinEvent() = default;
 
     [[nodiscard]] virtual bool IsValid() const;
     /// Closes what is held and creates or opens anew; false, with the system's last error, when no handle was
@@ -43,7 +45,7 @@ class WinEvent {
     /// For a derived class, which creates the event itself.
     explicit WinEvent(bool manualReset);
 
-    HANDLE handle_ = nullptr;
+    UniqueHandle<CloseHandle> handle_;
     BOOL manualReset_ = TRUE;
 };
 
@@ -52,7 +54,7 @@ class WinEventAuto final : public WinEvent {
   public:
     WinEventAuto();
     WinEventAuto(const WCHAR* name, bool global);
-    ~WinEventAuto() override;
+    ~WinEventAuto() override = default;
 };
 
 /// Waits for any one of the events, or for all with `waitAll`; resets manual-reset events first with

@@ -1,7 +1,9 @@
+// The system keeps the mutex; the levels and the owner are kept here.
 #include "kwt/win_mutex.h"
 
 #include "kwt/open_security.h"
 #include "kwt/step.h"
+#include "kwt/unique_handle.h"
 
 namespace kwt {
 
@@ -9,30 +11,20 @@ namespace {
 
 constexpr auto kRelaxed = std::memory_order_relaxed;
 
-class Guard final {
-  public:
-    explicit Guard(CRITICAL_SECTION& section) : section_(section) { EnterCriticalSection(&section_); }
-    Guard(const Guard&) = delete;
-    Guard& operator=(const Guard&) = delete;
-    ~Guard() { LeaveCriticalSection(&section_); }
-
-  private:
-    CRITICAL_SECTION& section_;
-};
+// The object keeps a bare handle, which other threads read without a lock; one that is done with is owned.
+using RetiredHandle = UniqueHandle<CloseHandle>;
 
 }  // namespace
 
 WinMutex::WinMutex() : WinMutex(nullptr, false) {}
 
 WinMutex::WinMutex(const WCHAR* name, bool global) {
-    InitializeCriticalSection(&guard_);
     ClearState();
     Create(name, global);
 }
 
 WinMutex::~WinMutex() {
     Close();
-    DeleteCriticalSection(&guard_);
 }
 
 bool WinMutex::IsValid() {
@@ -40,11 +32,8 @@ bool WinMutex::IsValid() {
 }
 
 bool WinMutex::Create(const WCHAR* name, bool global) {
-    const Guard guard(guard_);
-    if (handle_ != nullptr) {
-        CloseHandle(handle_);
-        ClearState();
-    }
+    const CriticalSection::Guard guard(guard_);
+    if (const RetiredHandle previous(handle_); previous.IsHeld()) ClearState();
     OpenSecurity security;
     const ObjectPath path(name, global);
     if (security.Get() == nullptr || !path.Fits()) return false;
@@ -55,8 +44,8 @@ bool WinMutex::Create(const WCHAR* name, bool global) {
 void WinMutex::Close() {
     if (!IsValid()) return;
     Unlock();
-    const Guard guard(guard_);
-    CloseHandle(handle_);
+    const CriticalSection::Guard guard(guard_);
+    const RetiredHandle last(handle_);
     ClearState();
 }
 

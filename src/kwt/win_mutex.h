@@ -4,12 +4,14 @@
 #include <atomic>
 #include <cstdint>
 
+#include "kwt/critical_section.h"
 #include "kwt/wait_result.h"
 #include "kwt/wide_text.h"
 
 namespace kwt {
 
-/// May be used from several threads of the process.
+/// May be used from several threads of the process. Virtual, in this order, and complete: the interface that
+/// all modules of the package agree on, whatever this one calls.
 class WinMutex final {
   public:
     /// An unnamed mutex, local to the process.
@@ -45,7 +47,7 @@ class WinMutex final {
     std::atomic<uint32_t> lockCount_ = 0;
     std::atomic<uint32_t> ownerProcessId_ = 0;
     std::atomic<uint32_t> ownerThreadId_ = 0;
-    CRITICAL_SECTION guard_;  // of the handle's changes; never held while waiting for the system mutex
+    CriticalSection guard_;  // of the handle's changes; never held while waiting for the system mutex
 };
 
 }  // namespace kwt

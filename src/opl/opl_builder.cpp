@@ -1,3 +1,4 @@
+// Requests are keys of the vocabulary with a value part behind them.
 #include "opl/opl_builder.h"
 
 #include <cassert>
@@ -5,9 +6,10 @@
 
 #include "opl/opl_value.h"
 
+namespace opl {
 namespace {
 
-void AppendRecordKey(std::string& out, OplRecordList list, uint32_t index, OplRecordField field) {
+void AppendRecordKey(std::string& out, RecordList list, uint32_t index, RecordField field) {
     char scratch[32];
     const auto end = std::to_chars(scratch, scratch + sizeof scratch, static_cast<int32_t>(index)).ptr;
     out += RecordListText(list);
@@ -21,68 +23,66 @@ void AppendRecordKey(std::string& out, OplRecordList list, uint32_t index, OplRe
 
 OPLBuilder::~OPLBuilder() = default;
 
-void OPLBuilder::AppendQuery(std::string& out, OplKey key) const {
-    assert(KeyRow(key).CanQuery());
+void OPLBuilder::AppendQuery(std::string& out, Key key) const {
+    assert(RowOf(key).CanQuery());
     out += KeyText(key);
     out += '?';
 }
 
-void OPLBuilder::AppendSetBool(std::string& out, OplKey key, bool value) const {
+void OPLBuilder::AppendSetBool(std::string& out, Key key, bool value) const {
     out += KeyText(key);
-    switch (KeyRow(key).formatter) {
-        case OplFormatter::YesNoValue:
-            return opl::YesNoValue{value}.AppendTo(out);
-        case OplFormatter::TrueFalseValue:
-            return opl::TrueFalseValue{value}.AppendTo(out);
+    switch (RowOf(key).formatter) {
+        case Formatter::YesNoValue:
+            return YesNoValue{value}.AppendTo(out);
+        case Formatter::TrueFalseValue:
+            return TrueFalseValue{value}.AppendTo(out);
         default:
             assert(!"the key takes no boolean");
     }
 }
 
-void OPLBuilder::AppendSetInt(std::string& out, OplKey key, int32_t value) const {
+void OPLBuilder::AppendSetInt(std::string& out, Key key, int32_t value) const {
     out += KeyText(key);
-    switch (KeyRow(key).formatter) {
-        case OplFormatter::IntValue:
-            return opl::IntValue{value}.AppendTo(out);
-        case OplFormatter::ByteValue:
-            return opl::ByteValue{static_cast<uint8_t>(value)}.AppendTo(out);
-        case OplFormatter::WordValue:
-            return opl::WordValue{static_cast<uint16_t>(value)}.AppendTo(out);
-        case OplFormatter::SignedByteValue:
-            return opl::SignedByteValue{static_cast<int8_t>(value)}.AppendTo(out);
+    switch (RowOf(key).formatter) {
+        case Formatter::IntValue:
+            return IntValue{value}.AppendTo(out);
+        case Formatter::ByteValue:
+            return ByteValue{static_cast<uint8_t>(value)}.AppendTo(out);
+        case Formatter::WordValue:
+            return WordValue{static_cast<uint16_t>(value)}.AppendTo(out);
+        case Formatter::SignedByteValue:
+            return SignedByteValue{static_cast<int8_t>(value)}.AppendTo(out);
         default:
             assert(!"the key takes no number");
     }
 }
 
-void OPLBuilder::AppendSetText(std::string& out, OplKey key, std::string_view text) const {
-    assert(KeyRow(key).formatter == OplFormatter::TextValue);
+void OPLBuilder::AppendSetText(std::string& out, Key key, std::string_view text) const {
+    assert(RowOf(key).formatter == Formatter::TextValue);
     out += KeyText(key);
-    opl::TextValue{text}.AppendTo(out);
+    TextValue{text}.AppendTo(out);
 }
 
-void OPLBuilder::AppendSetAddress(std::string& out, OplKey key, uint32_t address) const {
-    assert(KeyRow(key).formatter == OplFormatter::AddressValue);
+void OPLBuilder::AppendSetAddress(std::string& out, Key key, uint32_t address) const {
+    assert(RowOf(key).formatter == Formatter::AddressValue);
     out += KeyText(key);
-    opl::AddressValue::FromNumber(address).AppendTo(out);
+    AddressValue::FromNumber(address).AppendTo(out);
 }
 
-void OPLBuilder::AppendWord(std::string& out, OplWord word) const {
+void OPLBuilder::AppendWord(std::string& out, Word word) const {
     out += WordText(word);
 }
 
-void OPLBuilder::AppendCleanHead(std::string& out, bool thoroughly) const {
-    AppendWord(out, thoroughly ? OplWord::CleanHeadThoroughly : OplWord::CleanHead);
-}
-
-void OPLBuilder::AppendRecordQuery(std::string& out, OplRecordList list, uint32_t index,
-                                   OplRecordField field) const {
+void OPLBuilder::AppendRecordQuery(std::string& out, RecordList list, uint32_t index,
+                                   RecordField field) const {
     AppendRecordKey(out, list, index, field);
     out += '?';
 }
 
-void OPLBuilder::AppendRecordSet(std::string& out, OplRecordList list, uint32_t index, OplRecordField field,
+void OPLBuilder::AppendRecordSet(std::string& out, RecordList list, uint32_t index, RecordField field,
                                  std::string_view text) const {
     AppendRecordKey(out, list, index, field);
-    opl::TextValue{text}.AppendTo(out);
+    TextValue{text}.AppendTo(out);
 }
+
+}  // namespace opl

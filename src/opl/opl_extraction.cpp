@@ -8,6 +8,7 @@
 #include "opl/opl_parser.h"
 #include "opl/value_escape.h"
 
+namespace opl {
 namespace {
 
 struct BoolWord {
@@ -34,14 +35,14 @@ bool EqualsInAnyCase(std::string_view text, std::string_view upperWord) {
 }
 
 size_t FindDelimiter(std::string_view text) {
-    return opl::FindFirst(text.data(), text.size(), opl::kDelimiter);
+    return FindFirst(text.data(), text.size(), kDelimiter);
 }
 
 /// Offset of `wanted` when it comes before any delimiter, npos otherwise.
 template <char wanted>
 size_t FindBeforeDelimiter(std::string_view text) {
-    const size_t found = opl::FindFirst(text.data(), text.size(),
-                                        [](auto byte) { return byte == wanted || opl::kDelimiter(byte); });
+    const size_t found =
+        FindFirst(text.data(), text.size(), [](auto byte) { return byte == wanted || kDelimiter(byte); });
     return found < text.size() && text[found] == wanted ? found : std::string_view::npos;
 }
 
@@ -65,9 +66,8 @@ std::optional<std::string_view> FindValue(std::string_view message) {
 std::optional<std::string_view> FindKey(std::string_view message) {
     const std::string_view behindDigits = SkipDigits(message);
     std::string_view key = behindDigits.starts_with(',') ? behindDigits.substr(1) : message;
-    const size_t end = opl::FindFirst(key.data(), key.size(), [](auto byte) {
-        return byte == '=' || byte == '#' || opl::kDelimiter(byte);
-    });
+    const size_t end = FindFirst(key.data(), key.size(),
+                                 [](auto byte) { return byte == '=' || byte == '#' || kDelimiter(byte); });
     if (end == key.size()) return std::nullopt;
     key = key.substr(0, end);
     while (key.starts_with(' '))
@@ -86,15 +86,15 @@ std::optional<std::string_view> FindBinary(std::string_view message) {
     const size_t equals = FindBeforeDelimiter<'='>(count.substr(1));
     if (equals == std::string_view::npos) return std::nullopt;
     const std::string_view bytes = count.substr(equals + 2);
-    const uint32_t length = opl::LeadingCount(count);
+    const uint32_t length = LeadingCount(count);
     if (length > bytes.size()) return std::nullopt;
     return bytes.substr(0, length);
 }
 
 /// Length of the item at the front of `rest`, without its delimiter.
 size_t ItemLength(std::string_view rest) {
-    const size_t stop = opl::FindFirst(rest.data(), rest.size(),
-                                       [](auto byte) { return byte == '#' || opl::kDelimiter(byte); });
+    const size_t stop =
+        FindFirst(rest.data(), rest.size(), [](auto byte) { return byte == '#' || kDelimiter(byte); });
     if (stop == rest.size() || rest[stop] != '#') return stop;
     if (const auto block = FindBinary(rest)) return rest.find('=') + 1 + block->size();
     return FindDelimiter(rest);
@@ -113,7 +113,7 @@ void StoreItem(std::vector<std::string>& items, size_t position, std::string_vie
 bool OPLParser::GetResponseNumber(std::string_view message, uint32_t& number) {
     number = 0;
     if (!SkipDigits(message).starts_with(',')) return false;
-    number = opl::LeadingDecimal(message);
+    number = LeadingDecimal(message);
     return true;
 }
 
@@ -126,7 +126,7 @@ bool OPLParser::GetKey(std::string_view message, std::string_view& key) {
 bool OPLParser::GetValue(std::string_view message, std::string& value) {
     value.clear();
     const auto found = FindValue(message);
-    if (found) opl::AppendEscaped(value, *found);
+    if (found) AppendEscaped(value, *found);
     return found.has_value();
 }
 
@@ -197,6 +197,8 @@ bool OPLParser::GetIndex(std::string_view message, uint32_t& index) {
     if (bracket == std::string_view::npos) return false;
     const std::string_view digits = key.substr(bracket + 1);
     if (digits.empty() || !IsDigit(digits.front())) return false;
-    index = opl::LeadingDecimal(digits);
+    index = LeadingDecimal(digits);
     return true;
 }
+
+}  // namespace opl

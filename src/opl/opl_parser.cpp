@@ -8,6 +8,7 @@
 #include "opl/byte_scan.h"
 #include "opl/decimal.h"
 
+namespace opl {
 namespace {
 
 constexpr auto kUnprintable = [](auto byte) { return byte < ' ' || byte > '~'; };
@@ -31,7 +32,7 @@ bool IsErrorNumber(std::string_view opening) {
 
 template <typename Matches>
 size_t FindIn(std::string_view text, Matches matches) {
-    return opl::FindFirst(text.data(), text.size(), matches);
+    return FindFirst(text.data(), text.size(), matches);
 }
 
 }  // namespace
@@ -157,7 +158,7 @@ void OPLParser::ReadLength() {
         state_ = State::Error;
         return;
     }
-    binaryLength_ = binaryRemaining_ = opl::LeadingCount(tail.substr(sign + 1));
+    binaryLength_ = binaryRemaining_ = LeadingCount(tail.substr(sign + 1));
     state_ = State::ReadBinary;
 }
 
@@ -174,12 +175,12 @@ void OPLParser::ReadBinary() {
 void OPLParser::ReadValue() {
     const std::string_view rest = RemainingInput();
     const size_t items = FindIn(rest, kEndsItems);
-    const size_t last = opl::FindLast(rest.data(), items, kItemStructure);
+    const size_t last = FindLast(rest.data(), items, kItemStructure);
     if (last < items && rest[last] == '&') {
         state_ = State::ReadKey;
         return Consume(last + 1);
     }
-    const size_t end = items + FindIn(rest.substr(items), opl::kDelimiter);
+    const size_t end = items + FindIn(rest.substr(items), kDelimiter);
     if (end == rest.size()) return Consume(end);
     state_ = rest[end] == '&' ? State::ReadKey : State::Complete;
     Consume(end + 1);
@@ -211,3 +212,5 @@ void OPLParser::CopyConsumed() {
     }
     uncopied_ = 0;
 }
+
+}  // namespace opl

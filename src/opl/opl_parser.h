@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+namespace opl {
+
 enum class ParseResult : int32_t {
     MessageReady = 0,  // a complete message is delivered
     MoreInput = 1,     // the input ended inside a message
@@ -17,7 +19,8 @@ enum class ParseResult : int32_t {
 ///
 /// The extraction operations take one framed message, never look beyond its end and fail on whatever they do
 /// not find; counts and numbers in a message are never trusted. Numbers too large for their type saturate.
-/// An object belongs to one thread; the extraction operations may be called from any.
+/// An object belongs to one thread; the extraction operations may be called from any. Virtual in its end
+/// alone, like the other classes of the package.
 class OPLParser {
   public:
     /// Bytes of the longest message.
@@ -38,11 +41,14 @@ class OPLParser {
 
     /// The decimal number before the first comma, if the message opens with one.
     [[nodiscard]] static bool GetResponseNumber(std::string_view message, uint32_t& number);
-    /// The key of the first item, without surrounding blanks. `key` points into the message.
+    /// The key of the first item, without surrounding blanks. `key` points into the message. For whoever
+    /// checks a reply: the library knows what it asked for.
     [[nodiscard]] static bool GetKey(std::string_view message, std::string_view& key);
     /// The unescaped text after the first "="; empty on failure, but an empty value is a success.
     [[nodiscard]] static bool GetValue(std::string_view message, std::string& value);
-    /// A decimal value, or a hexadecimal one after "0x"; 0 on failure. An empty value is 0 and a success.
+    /// The one rule for numbers: a decimal value has a sign and stops at the ends of its 32 bits (4294967295
+    /// is 2147483647); a hexadecimal one, after "0x", is the bits themselves (0xFFFFFFFF is -1). 0 on
+    /// failure. An empty value is 0 and a success.
     [[nodiscard]] static bool GetIntValue(std::string_view message, int32_t& value);
     /// 1 for TRUE, YES, ON, ENABLE, 0 for FALSE, NO, OFF, DISABLE (only YES and NO in any case); 0 on
     /// failure.
@@ -94,3 +100,5 @@ class OPLParser {
     bool messageReady_ = false;
     uint32_t uncopied_ = 0;  // bytes consumed in this call that are not in the buffer yet
 };
+
+}  // namespace opl

@@ -1,3 +1,4 @@
+// Every value part opens with "=" or with a block's length and closes with ";".
 #include "opl/opl_value.h"
 
 #include <charconv>

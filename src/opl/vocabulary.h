@@ -3,34 +3,35 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <string_view>
 
-enum class OplKey : uint16_t {
-#define OPL_KEY(Name, Access, Formatter, Text) Name,
+namespace opl {
+
+enum class Key : uint16_t {
+#define OPL_KEY(name, access, formatter, text) name,
 #include "opl/vocabulary.def"
 };
 
-enum class OplWord : uint8_t {
-#define OPL_WORD(Name, Text) Name,
+enum class Word : uint8_t {
+#define OPL_WORD(name, text) name,
 #include "opl/vocabulary.def"
 };
 
-enum class OplRecordList : uint8_t {
-#define OPL_RECORD_LIST(Name, Text) Name,
+enum class RecordList : uint8_t {
+#define OPL_RECORD_LIST(name, text) name,
 #include "opl/vocabulary.def"
 };
 
-enum class OplRecordField : uint8_t {
-#define OPL_RECORD_FIELD(Name, Text) Name,
+enum class RecordField : uint8_t {
+#define OPL_RECORD_FIELD(name, text) name,
 #include "opl/vocabulary.def"
 };
 
 /// How a key may be used in a request.
-enum class OplAccess : uint8_t { ReadOnly, WriteOnly, ReadWrite };
+enum class Access : uint8_t { ReadOnly, WriteOnly, ReadWrite };
 
 /// The form of a set value; the values of these names are in opl_value.h.
-enum class OplFormatter : uint8_t {
+enum class Formatter : uint8_t {
     None,  // the key cannot be set
     YesNoValue,
     TrueFalseValue,
@@ -42,54 +43,53 @@ enum class OplFormatter : uint8_t {
     AddressValue,
 };
 
-struct OplKeyRow {
+struct KeyRow {
     std::string_view text;
-    OplAccess access;
-    OplFormatter formatter;
+    Access access;
+    Formatter formatter;
 
-    [[nodiscard]] constexpr bool CanQuery() const { return access != OplAccess::WriteOnly; }
-    [[nodiscard]] constexpr bool CanSet() const { return access != OplAccess::ReadOnly; }
+    [[nodiscard]] constexpr bool CanQuery() const { return access != Access::WriteOnly; }
+    [[nodiscard]] constexpr bool CanSet() const { return access != Access::ReadOnly; }
 };
 
-/// Rows in the order of OplKey.
-inline constexpr OplKeyRow kOplKeys[] = {
-#define OPL_KEY(Name, Access, Formatter, Text) {Text, OplAccess::Access, OplFormatter::Formatter},
+/// Rows in the order of Key.
+inline constexpr KeyRow kKeys[] = {
+#define OPL_KEY(name, access, formatter, text) {text, Access::access, Formatter::formatter},
 #include "opl/vocabulary.def"
 };
 
-/// Texts in the order of OplWord.
-inline constexpr std::string_view kOplWords[] = {
-#define OPL_WORD(Name, Text) Text,
+/// Texts in the order of Word.
+inline constexpr std::string_view kWords[] = {
+#define OPL_WORD(name, text) text,
 #include "opl/vocabulary.def"
 };
 
-/// Base keys in the order of OplRecordList.
-inline constexpr std::string_view kOplRecordLists[] = {
-#define OPL_RECORD_LIST(Name, Text) Text,
+/// Base keys in the order of RecordList.
+inline constexpr std::string_view kRecordLists[] = {
+#define OPL_RECORD_LIST(name, text) text,
 #include "opl/vocabulary.def"
 };
 
-/// Field names, each with its leading dot, in the order of OplRecordField.
-inline constexpr std::string_view kOplRecordFields[] = {
-#define OPL_RECORD_FIELD(Name, Text) Text,
+/// Field names, each with its leading dot, in the order of RecordField.
+inline constexpr std::string_view kRecordFields[] = {
+#define OPL_RECORD_FIELD(name, text) text,
 #include "opl/vocabulary.def"
 };
 
-inline constexpr size_t kOplKeyCount = std::size(kOplKeys);
-inline constexpr size_t kOplWordCount = std::size(kOplWords);
+[[nodiscard]] constexpr const KeyRow& RowOf(Key key) {
+    return kKeys[static_cast<size_t>(key)];
+}
+[[nodiscard]] constexpr std::string_view KeyText(Key key) {
+    return RowOf(key).text;
+}
+[[nodiscard]] constexpr std::string_view WordText(Word word) {
+    return kWords[static_cast<size_t>(word)];
+}
+[[nodiscard]] constexpr std::string_view RecordListText(RecordList list) {
+    return kRecordLists[static_cast<size_t>(list)];
+}
+[[nodiscard]] constexpr std::string_view RecordFieldText(RecordField field) {
+    return kRecordFields[static_cast<size_t>(field)];
+}
 
-[[nodiscard]] constexpr const OplKeyRow& KeyRow(OplKey key) {
-    return kOplKeys[static_cast<size_t>(key)];
-}
-[[nodiscard]] constexpr std::string_view KeyText(OplKey key) {
-    return KeyRow(key).text;
-}
-[[nodiscard]] constexpr std::string_view WordText(OplWord word) {
-    return kOplWords[static_cast<size_t>(word)];
-}
-[[nodiscard]] constexpr std::string_view RecordListText(OplRecordList list) {
-    return kOplRecordLists[static_cast<size_t>(list)];
-}
-[[nodiscard]] constexpr std::string_view RecordFieldText(OplRecordField field) {
-    return kOplRecordFields[static_cast<size_t>(field)];
-}
+}  // namespace opl

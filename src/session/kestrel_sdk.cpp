@@ -1,23 +1,12 @@
+// The life of the object; its operations are in the files of their subjects.
 #include "session/kestrel_sdk.h"
 
+namespace session {
+
 KestrelSDK::KestrelSDK() {
-    remoteChannel.Open(kwt::ChannelRole::Client);
+    remoteChannel.Open(ipc::ChannelRole::Client);
 }
 
 KestrelSDK::~KestrelSDK() = default;
 
-std::string& KestrelSDK::NewRequest() {
-    requestText_.clear();
-    return requestText_;
-}
-
-std::string& KestrelSDK::NewQuery(OplKey key) {
-    std::string& request = NewRequest();
-    builder.AppendQuery(request, key);
-    return request;
-}
-
-std::string& KestrelSDK::NewReply() {
-    replyText_.clear();
-    return replyText_;
-}
+}  // namespace session

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,8 @@
 #include "kwt/wide_text.h"
 #include "opl/opl_builder.h"
 #include "opl/opl_parser.h"
+
+namespace session {
 
 class RemainingTime;
 
@@ -27,7 +30,7 @@ inline constexpr size_t kMaxPrinterName = MAX_PATH - 1;
 ///
 /// Its data are public because the operations on them are written in the rooms of their subjects (settings,
 /// clock, ...) as functions that take a KestrelSDK&. Errors are reported through the thread's last-error
-/// value.
+/// value. Virtual in its end alone, like the other classes of the package.
 class KestrelSDK {
   public:
     /// Opens the channel to the status monitor; a failure shows at the first request to it.
@@ -49,12 +52,24 @@ class KestrelSDK {
     bool SendCmd(const void* request, uint32_t requestLength, void* replyBuffer, uint32_t replyBufferSize,
                  uint32_t* replyLength, uint32_t timeoutMs);
 
-    /// Exchanges `request` and sets `reply` to the first complete message of a good reply. False, with
-    /// `reply` empty, when the exchange failed or held no complete message. `reply` keeps its capacity.
-    bool Query(const std::string& request, std::string& reply, uint32_t timeoutMs);
+    /// Exchanges `request` and sets `reply` to the first complete message of a good reply, which lies in this
+    /// object until its next query. False, with `reply` empty, when the exchange failed or held no complete
+    /// message.
+    bool Query(std::string_view request, std::string_view& reply, uint32_t timeoutMs);
+    /// The same with the request that asks for a key, for several keys at once, for one field of an address
+    /// book record, or with a word that stands for itself.
+    bool Query(opl::Key key, std::string_view& reply, uint32_t timeoutMs);
+    bool Query(std::initializer_list<opl::Key> keys, std::string_view& reply, uint32_t timeoutMs);
+    bool Query(opl::RecordList list, uint32_t index, opl::RecordField field, std::string_view& reply,
+               uint32_t timeoutMs);
+    bool Query(opl::Word word, std::string_view& reply, uint32_t timeoutMs);
+
+    /// An empty text to build a request in that sets something. It is this object's own, because it keeps its
+    /// buffer: one request at a time.
+    [[nodiscard]] std::string& NewRequest();
 
     /// Exchanges `request` and reports the verdict on the reply alone.
-    bool SetWithAck(const std::string& request, uint32_t timeoutMs);
+    bool SetWithAck(std::string_view request, uint32_t timeoutMs);
 
     /// Takes the printer for this thread; refused replies give SDK_ERROR_UNEXPECTED_REPLY.
     bool Lock(uint32_t timeoutMs);
@@ -88,29 +103,22 @@ class KestrelSDK {
     bool OrderSupplies();
 
     /// Sends the selected printer's name to the status monitor; the reply is the caller's to receive.
-    bool SendPrinterName(RemoteCode code, uint32_t timeoutMs);
+    bool SendPrinterName(ipc::RemoteCode code, uint32_t timeoutMs);
 
     /// Keeps a reply that could not be understood for GetLastBadResponse, and sets the last-error value.
     /// Always false, the result of the operation that gives up.
-    bool RejectReply(const std::string& reply, uint32_t error);
+    bool RejectReply(std::string_view reply, uint32_t error);
 
     /// Keeps the response number of a reply in `lastResponseNum`. A reply without one is rejected with
     /// SDK_ERROR_BAD_REPLY: false.
-    bool TakeResponseNumber(const std::string& reply);
+    bool TakeResponseNumber(std::string_view reply);
 
-    /// The scratch texts below, emptied: an operation that builds its request in the one and reads its reply
-    /// into the other allocates nothing. One operation at a time may use each.
-    [[nodiscard]] std::string& NewRequest();
-    [[nodiscard]] std::string& NewReply();
-    /// A new request that asks for `key`.
-    [[nodiscard]] std::string& NewQuery(OplKey key);
-
-    OPLBuilder builder;
-    OPLParser parser;
-    OPLChannel oplChannel;
+    opl::OPLBuilder builder;
+    opl::OPLParser parser;
+    ipc::OPLChannel oplChannel;
     WideText printerName;
     WideText driverName;
-    RemoteControlChannel remoteChannel;
+    ipc::RemoteControlChannel remoteChannel;
     uint32_t lastTimeoutSent = 0;  // milliseconds; what the language monitor was told last
     std::string lastBadResponse;
     uint32_t lastResponseNum = kNoResponseYet;
@@ -120,7 +128,7 @@ class KestrelSDK {
 
   private:
     /// The exchange and the verdict on its reply: 0 for a good reply, else the code of the failure. `reply`
-    /// has room for kMaxOplMessage bytes; `received` is not 0 whenever a reply was read.
+    /// has room for ipc::kMaxOplMessage bytes; `received` is not 0 whenever a reply was read.
     [[nodiscard]] uint32_t Transact(const void* request, uint32_t requestLength, char* reply,
                                     uint32_t& received, uint32_t timeoutMs);
     [[nodiscard]] uint32_t Exchange(const void* request, uint32_t requestLength, char* reply,
@@ -135,7 +143,7 @@ class KestrelSDK {
     void RequestStatusUpdate();
     [[nodiscard]] bool QueryStatus(DeviceStatusRecord* record);
 
-    [[nodiscard]] bool ShowOnStartedMonitor(RemoteCode window);
+    [[nodiscard]] bool ShowOnStartedMonitor(ipc::RemoteCode window);
     /// The outcome of a request to show a window that was sent or not.
     [[nodiscard]] bool JudgeShown(bool sent);
     [[nodiscard]] bool OrderThroughStatusMonitor();
@@ -145,7 +153,10 @@ class KestrelSDK {
     [[nodiscard]] bool OpenCommandChannel(const WideText& port, uint32_t& error);
     [[nodiscard]] bool Ping();
 
-    std::string requestText_;
-    std::string replyText_;
+    // Of the exchanges; they keep their buffers, so that an exchange allocates nothing.
+    std::string request_;
+    std::string reply_;
     std::string announcement_;
 };
+
+}  // namespace session

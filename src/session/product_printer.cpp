@@ -1,3 +1,4 @@
+// The spooler is asked twice: for the size of its answer, then for the answer.
 #include "session/product_printer.h"
 
 #include <winspool.h>
@@ -8,6 +9,7 @@
 #include "host/product_config.h"
 #include "kwt/printer_handle.h"
 
+namespace session {
 namespace {
 
 constexpr DWORD kRecordLevel = 2;
@@ -41,7 +43,7 @@ bool EnumLocalPrinters(BYTE* block, DWORD size, DWORD& needed, DWORD& count) {
 bool LastOfProduct(const PRINTER_INFO_2W* records, DWORD count, WideText& name) {
     bool found = false;
     for (DWORD i = 0; i < count; ++i) {
-        if (!CProductConfig::Instance().IsPrinterDriver(TextOrEmpty(records[i].pDriverName))) continue;
+        if (!host::CProductConfig::Instance().IsPrinterDriver(TextOrEmpty(records[i].pDriverName))) continue;
         name = TextOrEmpty(records[i].pPrinterName);
         found = true;
     }
@@ -88,3 +90,5 @@ bool FindProductPrinter(WideText& name) {
     SetLastError(kPrinterNotFound);
     return false;
 }
+
+}  // namespace session

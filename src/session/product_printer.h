@@ -5,6 +5,8 @@
 
 #include "kwt/wide_text.h"
 
+namespace session {
+
 /// What the spooler keeps of one printer.
 struct PrinterRecord {
     WideText portName;
@@ -20,3 +22,5 @@ struct PrinterRecord {
 /// and false when there is none. The last-error value is then 0, 8 for lack of memory, or 3012 when the
 /// spooler does not list its printers.
 bool FindProductPrinter(WideText& name);
+
+}  // namespace session

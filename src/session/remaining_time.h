@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+namespace session {
+
 class RemainingTime final {
   public:
     /// Starts now; `timeoutMs` in milliseconds.
@@ -31,3 +33,5 @@ class RemainingTime final {
     const uint32_t start_;
     const uint32_t timeoutMs_;
 };
+
+}  // namespace session

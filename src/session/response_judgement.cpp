@@ -1,9 +1,11 @@
+// Good numbers are ranges, bad ones a table; what is in neither is a general failure.
 #include "session/response_judgement.h"
 
 #include <windows.h>
 
 #include "kestrel/sdk_errors.h"
 
+namespace session {
 namespace {
 
 constexpr uint32_t kDeviceNotAvailable = 4319;
@@ -42,3 +44,5 @@ uint32_t ErrorOfResponse(uint32_t number) {
         if (number == bad.number) return bad.error;
     return ERROR_GEN_FAILURE;
 }
+
+}  // namespace session

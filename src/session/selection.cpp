@@ -6,6 +6,7 @@
 #include "session/kestrel_sdk.h"
 #include "session/product_printer.h"
 
+namespace session {
 namespace {
 
 constexpr uint32_t kPingTimeoutMs = 1000;
@@ -14,7 +15,7 @@ constexpr int32_t kOtherPort = 1;
 
 /// 0 when requests to such a printer can be answered.
 uint32_t RefusalOf(const WideText& driver, bool bidirectional) {
-    if (!CProductConfig::Instance().IsPrinterDriver(driver)) return ERROR_INVALID_PRINTER_NAME;
+    if (!host::CProductConfig::Instance().IsPrinterDriver(driver)) return ERROR_INVALID_PRINTER_NAME;
     return bidirectional ? NO_ERROR : SDK_ERROR_BIDI_DISABLED;
 }
 
@@ -62,14 +63,15 @@ bool KestrelSDK::AcceptPrinter(const WideText& name, WideText& port, uint32_t& e
 }
 
 bool KestrelSDK::OpenCommandChannel(const WideText& port, uint32_t& error) {
-    const WideText name = ObjectNameTable::Instance()[ObjectName::CommandChannelBase] + port;
-    const bool opened = oplChannel.Open(kwt::ChannelRole::Client, name.c_str());
+    const WideText name = kwt::ObjectNameTable::Instance()[kwt::ObjectName::CommandChannelBase] + port;
+    const bool opened = oplChannel.Open(ipc::ChannelRole::Client, name.c_str());
     error = GetLastError();
     return opened;
 }
 
 bool KestrelSDK::Ping() {
-    std::string& request = NewRequest();
-    builder.AppendWord(request, OplWord::Ping);
-    return Query(request, NewReply(), kPingTimeoutMs);
+    std::string_view reply;
+    return Query(opl::Word::Ping, reply, kPingTimeoutMs);
 }
+
+}  // namespace session

@@ -4,6 +4,7 @@
 #include "session/remaining_time.h"
 #include "session/timing_table.h"
 
+namespace session {
 namespace {
 
 constexpr uint32_t kTimeoutMs = 5000;
@@ -14,10 +15,8 @@ constexpr uint32_t kCacheSwitched = 101;
 }  // namespace
 
 bool KestrelSDK::Lock(uint32_t timeoutMs) {
-    std::string& request = NewRequest();
-    builder.AppendWord(request, OplWord::LockPrinter);
-    std::string& reply = NewReply();
-    if (!Query(request, reply, timeoutMs) || !TakeResponseNumber(reply)) return false;
+    std::string_view reply;
+    if (!Query(opl::Word::LockPrinter, reply, timeoutMs) || !TakeResponseNumber(reply)) return false;
     if (lastResponseNum != kLocked) {
         SetLastError(SDK_ERROR_UNEXPECTED_REPLY);
         return false;
@@ -38,10 +37,8 @@ bool KestrelSDK::AskToUnlock(uint32_t timeoutMs) {
         SetLastError(SDK_ERROR_CHANNEL_NOT_OPEN);
         return false;
     }
-    std::string& request = NewRequest();
-    builder.AppendWord(request, OplWord::UnlockPrinter);
-    std::string& reply = NewReply();
-    while (Query(request, reply, timeoutMs)) {
+    std::string_view reply;
+    while (Query(opl::Word::UnlockPrinter, reply, timeoutMs)) {
         uint32_t number = 0;
         if (parser.GetResponseNumber(reply, number) && number == kUnlocked) {
             lastResponseNum = number;
@@ -59,18 +56,19 @@ bool KestrelSDK::AskToUnlock(uint32_t timeoutMs) {
 }
 
 bool KestrelSDK::Cancel() {
-    std::string& request = NewRequest();
-    builder.AppendWord(request, OplWord::Cancel);
-    return Query(request, NewReply(), kTimeoutMs);
+    std::string_view reply;
+    return Query(opl::Word::Cancel, reply, kTimeoutMs);
 }
 
 bool KestrelSDK::EnableCache(bool enable) {
     std::string& request = NewRequest();
-    builder.AppendSetBool(request, OplKey::Cache, enable);
-    std::string& reply = NewReply();
+    builder.AppendSetBool(request, opl::Key::Cache, enable);
+    std::string_view reply;
     if (!Query(request, reply, kTimeoutMs)) return false;
     uint32_t number = 0;
     if (!parser.GetResponseNumber(reply, number)) number = 0;
     lastResponseNum = number;
     return number == kCacheSwitched;
 }
+
+}  // namespace session

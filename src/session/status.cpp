@@ -6,6 +6,7 @@
 #include "session/kestrel_sdk.h"
 #include "session/status_block.h"
 
+namespace session {
 namespace {
 
 constexpr int kAttempts = 8;
@@ -15,7 +16,7 @@ constexpr uint32_t kUpdateMs = 1000;
 constexpr uint32_t kUpdatePauseMs = 250;  // lets the status monitor's own status query go first
 
 [[nodiscard]] bool StatusMonitorIsRunning() {
-    const WideText& name = ObjectNameTable::Instance()[ObjectName::StatusMonitorClass];
+    const WideText& name = kwt::ObjectNameTable::Instance()[kwt::ObjectName::StatusMonitorClass];
     return kwt::WinEvent(name.c_str(), false).IsSignaled();
 }
 
@@ -33,17 +34,15 @@ bool KestrelSDK::GetStatus(DeviceStatusRecord* record) {
 
 void KestrelSDK::RequestStatusUpdate() {
     uint32_t answer = 0;
-    if (SendPrinterName(RemoteCode::UpSt, kUpdateMs) && remoteChannel.ReceiveReply(answer, kUpdateMs))
+    if (SendPrinterName(ipc::RemoteCode::UpSt, kUpdateMs) && remoteChannel.ReceiveReply(answer, kUpdateMs))
         Sleep(kUpdatePauseMs);
 }
 
 bool KestrelSDK::QueryStatus(DeviceStatusRecord* record) {
-    std::string& request = NewRequest();
-    builder.AppendWord(request, OplWord::GetStatus);
-    std::string& reply = NewReply();
+    std::string_view reply;
     std::vector<uint8_t> sent;
     for (int left = kAttempts - 1; left >= 0; --left) {
-        if (!Query(request, reply, kQueryMs)) continue;
+        if (!Query(opl::Word::GetStatus, reply, kQueryMs)) continue;
         if (!parser.GetBinaryValue(reply, sent)) {
             RejectReply(reply, SDK_ERROR_BAD_REPLY);
             continue;
@@ -57,3 +56,5 @@ bool KestrelSDK::QueryStatus(DeviceStatusRecord* record) {
     }
     return false;
 }
+
+}  // namespace session

@@ -10,6 +10,8 @@
 
 #include "kestrel/sdk_types.h"
 
+namespace session {
+
 class StatusBlock final {
   public:
     explicit StatusBlock(std::span<const uint8_t> sent) {
@@ -36,3 +38,5 @@ class StatusBlock final {
 
     uint8_t bytes_[kBlockBytes] = {};
 };
+
+}  // namespace session

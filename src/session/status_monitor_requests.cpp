@@ -4,6 +4,7 @@
 #include "session/kestrel_sdk.h"
 #include "session/timing_table.h"
 
+namespace session {
 namespace {
 
 constexpr uint32_t kPingMs = 1000;
@@ -19,7 +20,7 @@ constexpr WCHAR kNoPrinter[] = TEXT("Unknown");
 bool KestrelSDK::PingStatusMonitor() {
     SetLastError(NO_ERROR);
     uint32_t error = SDK_ERROR_SEND_INCOMPLETE;
-    if (remoteChannel.SendCommand(RemoteCode::Ping, 0, nullptr, kPingMs)) {
+    if (remoteChannel.SendCommand(ipc::RemoteCode::Ping, 0, nullptr, kPingMs)) {
         uint32_t answer = kRefused;
         if (remoteChannel.ReceiveReply(answer, kPingMs) && answer != kRefused) return true;
         error = SDK_ERROR_NO_REPLY;
@@ -30,19 +31,19 @@ bool KestrelSDK::PingStatusMonitor() {
 }
 
 bool KestrelSDK::ShowStatusMonitor() {
-    return ShowOnStartedMonitor(RemoteCode::ShoW);
+    return ShowOnStartedMonitor(ipc::RemoteCode::ShoW);
 }
 
 bool KestrelSDK::ShowMaintenance() {
-    return ShowOnStartedMonitor(RemoteCode::ShoM);
+    return ShowOnStartedMonitor(ipc::RemoteCode::ShoM);
 }
 
 bool KestrelSDK::ShowAboutBox() {
     SetLastError(NO_ERROR);
-    return JudgeShown(remoteChannel.SendCommand(RemoteCode::ShoA, 0, nullptr, kShowMs));
+    return JudgeShown(remoteChannel.SendCommand(ipc::RemoteCode::ShoA, 0, nullptr, kShowMs));
 }
 
-bool KestrelSDK::ShowOnStartedMonitor(RemoteCode window) {
+bool KestrelSDK::ShowOnStartedMonitor(ipc::RemoteCode window) {
     SetLastError(NO_ERROR);
     // Whatever comes of it: the ping decides.
     static_cast<void>(host::EnsureStatusMonitorRunning());
@@ -62,17 +63,16 @@ bool KestrelSDK::JudgeShown(bool sent) {
     return error == NO_ERROR;
 }
 
-bool KestrelSDK::SendPrinterName(RemoteCode code, uint32_t timeoutMs) {
+bool KestrelSDK::SendPrinterName(ipc::RemoteCode code, uint32_t timeoutMs) {
     const size_t bytes = (printerName.size() + 1) * sizeof(WCHAR);
     return remoteChannel.SendCommand(code, static_cast<uint32_t>(bytes), printerName.c_str(), timeoutMs);
 }
 
 bool KestrelSDK::OrderSupplies() {
     SetLastError(NO_ERROR);
-    std::string& request = NewRequest();
-    builder.AppendWord(request, OplWord::OrderInk);
-    std::string& reply = NewReply();
-    if (!Query(request, reply, kOrderMs)) return remoteChannel.IsOpen() && OrderThroughStatusMonitor();
+    std::string_view reply;
+    if (!Query(opl::Word::OrderInk, reply, kOrderMs))
+        return remoteChannel.IsOpen() && OrderThroughStatusMonitor();
     uint8_t ordered = 0;
     if (!parser.GetBoolValue(reply, ordered)) return RejectReply(reply, SDK_ERROR_BAD_REPLY);
     if (ordered == 0) SetLastError(ERROR_GEN_FAILURE);
@@ -81,8 +81,11 @@ bool KestrelSDK::OrderSupplies() {
 
 bool KestrelSDK::OrderThroughStatusMonitor() {
     connectionKind = 0;
-    if (!remoteChannel.SendCommand(RemoteCode::SOIS, sizeof(kNoPrinter), kNoPrinter, kOrderMs)) return false;
+    if (!remoteChannel.SendCommand(ipc::RemoteCode::SOIS, sizeof(kNoPrinter), kNoPrinter, kOrderMs))
+        return false;
     uint32_t answer = kRefused;
     return remoteChannel.ReceiveReply(answer, PauseOf(Timing::SuppliesOrdering, connectionKind)) &&
            answer != kRefused;
 }
+
+}  // namespace session

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+namespace session {
+
 /// 95 percent of the time-out, so that the language monitor gives up a little before the caller does; beyond
 /// 2,260,509,103 ms the number turns negative, which the language monitor expects.
 ///
@@ -11,3 +13,5 @@
 [[nodiscard]] constexpr int32_t AnnouncedTimeout(uint32_t timeoutMs) {
     return static_cast<int32_t>(static_cast<uint32_t>(uint64_t{timeoutMs} * 95 / 100));
 }
+
+}  // namespace session

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdint>
 
+namespace session {
+
 /// The numbers are the rows of the table that all modules of the product share; only those in use here are
 /// kept.
 enum class Timing : uint32_t {
@@ -26,3 +28,5 @@ inline constexpr TimingRow kTimingTable[] = {
     const TimingRow* const row = std::ranges::find(kTimingTable, timing, &TimingRow::timing);
     return connectionKind > 0 ? row->otherMs : row->usbMs;
 }
+
+}  // namespace session

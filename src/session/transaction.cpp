@@ -12,12 +12,14 @@
 #include "session/response_judgement.h"
 #include "session/timeout_announcement.h"
 
+namespace session {
+
 bool KestrelSDK::SendCmd(const void* request, uint32_t requestLength, void* replyBuffer,
                          uint32_t replyBufferSize, uint32_t* replyLength, uint32_t timeoutMs) {
     if (replyLength != nullptr) *replyLength = 0;
     // Every reply fits a buffer of this size, so it can be received in place.
-    const bool inPlace = replyBuffer != nullptr && replyBufferSize >= kMaxOplMessage;
-    char ownBuffer[kMaxOplMessage];
+    const bool inPlace = replyBuffer != nullptr && replyBufferSize >= ipc::kMaxOplMessage;
+    char ownBuffer[ipc::kMaxOplMessage];
     char* const reply = inPlace ? static_cast<char*>(replyBuffer) : ownBuffer;
     uint32_t received = 0;
     const uint32_t error = Transact(request, requestLength, reply, received, timeoutMs);
@@ -30,35 +32,65 @@ bool KestrelSDK::SendCmd(const void* request, uint32_t requestLength, void* repl
     return error == NO_ERROR;
 }
 
-bool KestrelSDK::Query(const std::string& request, std::string& reply, uint32_t timeoutMs) {
-    reply.clear();
-    char stream[kMaxOplMessage];
+bool KestrelSDK::Query(opl::Key key, std::string_view& reply, uint32_t timeoutMs) {
+    return Query({key}, reply, timeoutMs);
+}
+
+bool KestrelSDK::Query(std::initializer_list<opl::Key> keys, std::string_view& reply, uint32_t timeoutMs) {
+    std::string& request = NewRequest();
+    for (const opl::Key key : keys)
+        builder.AppendQuery(request, key);
+    return Query(request, reply, timeoutMs);
+}
+
+bool KestrelSDK::Query(opl::RecordList list, uint32_t index, opl::RecordField field, std::string_view& reply,
+                       uint32_t timeoutMs) {
+    std::string& request = NewRequest();
+    builder.AppendRecordQuery(request, list, index, field);
+    return Query(request, reply, timeoutMs);
+}
+
+bool KestrelSDK::Query(opl::Word word, std::string_view& reply, uint32_t timeoutMs) {
+    std::string& request = NewRequest();
+    builder.AppendWord(request, word);
+    return Query(request, reply, timeoutMs);
+}
+
+bool KestrelSDK::Query(std::string_view request, std::string_view& reply, uint32_t timeoutMs) {
+    reply_.clear();
+    char stream[ipc::kMaxOplMessage];
     uint32_t received = 0;
     uint32_t error =
         Transact(request.data(), static_cast<uint32_t>(request.size()), stream, received, timeoutMs);
     if (error == NO_ERROR) {
-        OPLParser framer;
+        opl::OPLParser framer;
         const char* message = nullptr;
         uint32_t messageLength = 0;
-        if (framer.ParseStream(stream, received, message, messageLength) == ParseResult::MessageReady)
-            reply.assign(message, messageLength);
-        if (reply.empty()) error = SDK_ERROR_UNEXPECTED_REPLY;
+        if (framer.ParseStream(stream, received, message, messageLength) == opl::ParseResult::MessageReady)
+            reply_.assign(message, messageLength);
+        if (reply_.empty()) error = SDK_ERROR_UNEXPECTED_REPLY;
     }
+    reply = reply_;
     SetLastError(error);
     return error == NO_ERROR;
 }
 
-bool KestrelSDK::SetWithAck(const std::string& request, uint32_t timeoutMs) {
+std::string& KestrelSDK::NewRequest() {
+    request_.clear();
+    return request_;
+}
+
+bool KestrelSDK::SetWithAck(std::string_view request, uint32_t timeoutMs) {
     return SendCmd(request.data(), static_cast<uint32_t>(request.size()), nullptr, 0, nullptr, timeoutMs);
 }
 
-bool KestrelSDK::RejectReply(const std::string& reply, uint32_t error) {
+bool KestrelSDK::RejectReply(std::string_view reply, uint32_t error) {
     lastBadResponse = reply;
     SetLastError(error);
     return false;
 }
 
-bool KestrelSDK::TakeResponseNumber(const std::string& reply) {
+bool KestrelSDK::TakeResponseNumber(std::string_view reply) {
     uint32_t number = 0;
     if (!parser.GetResponseNumber(reply, number)) return RejectReply(reply, SDK_ERROR_BAD_REPLY);
     lastResponseNum = number;
@@ -85,14 +117,14 @@ uint32_t KestrelSDK::Exchange(const void* request, uint32_t requestLength, char*
         left = time.Milliseconds();
     }
     // The channel would post the beginning of a longer request and wait for its reply to be fetched.
-    if (requestLength > kMaxOplMessage) return SDK_ERROR_SEND_INCOMPLETE;
+    if (requestLength > ipc::kMaxOplMessage) return SDK_ERROR_SEND_INCOMPLETE;
     if (oplChannel.Send(request, requestLength, left) < requestLength) return SDK_ERROR_SEND_INCOMPLETE;
     left = time.Milliseconds();
     if (left == 0) {
         oplChannel.Cancel();
         return ERROR_TIMEOUT;
     }
-    received = oplChannel.Receive(reply, kMaxOplMessage, left);
+    received = oplChannel.Receive(reply, ipc::kMaxOplMessage, left);
     return received != 0 ? NO_ERROR : SDK_ERROR_NO_REPLY;
 }
 
@@ -101,7 +133,7 @@ uint32_t KestrelSDK::AnnounceTimeout(uint32_t timeoutMs, const RemainingTime& ti
     // Before it is sent, and it stays after a failure: an announcement that fails is not made again.
     lastTimeoutSent = timeoutMs;
     announcement_.clear();
-    builder.AppendSetInt(announcement_, OplKey::TimeoutParam, AnnouncedTimeout(timeoutMs));
+    builder.AppendSetInt(announcement_, opl::Key::TimeoutParam, AnnouncedTimeout(timeoutMs));
     if (oplChannel.Send(announcement_.data(), static_cast<uint32_t>(announcement_.size()), timeoutMs) == 0)
         return SDK_ERROR_SEND_INCOMPLETE;
     const uint32_t left = time.Milliseconds();
@@ -121,3 +153,5 @@ uint32_t KestrelSDK::Judge(std::string_view reply) {
     if (error != NO_ERROR) lastBadResponse = reply;
     return error;
 }
+
+}  // namespace session

@@ -1,3 +1,4 @@
+// The list is read item by item: each names a record and one of its fields.
 #include "settings/access_points.h"
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include "settings/list_reply.h"
 #include "settings/typed_queries.h"
 
+namespace settings {
 namespace {
 
 static_assert(sizeof(KestrelAccessPoint) == 372 && offsetof(KestrelAccessPoint, signalStrength) == 36 &&
@@ -29,18 +31,18 @@ std::string FormatMac(const std::vector<uint8_t>& bytes) {
 
 uint32_t ReadNumber(const std::string& item) {
     int32_t number = 0;
-    return OPLParser::GetIntValue(item, number) ? static_cast<uint32_t>(number) : 0;
+    return opl::OPLParser::GetIntValue(item, number) ? static_cast<uint32_t>(number) : 0;
 }
 
 void ReadMac(const std::string& item, KestrelAccessPoint& record) {
     std::vector<uint8_t> bytes;
-    if (!OPLParser::GetBinaryValue(item, bytes) || bytes.size() != kMacBytes) return;
+    if (!opl::OPLParser::GetBinaryValue(item, bytes) || bytes.size() != kMacBytes) return;
     kwt::AsciiToWideBuffer(record.macAddress, FormatMac(bytes).c_str(), sizeof(record.macAddress));
 }
 
 void ReadSsid(const std::string& item, KestrelAccessPoint& record) {
     std::string text;
-    if (!OPLParser::GetValue(item, text) || text == "(null)") return;
+    if (!opl::OPLParser::GetValue(item, text) || text == "(null)") return;
     kwt::AsciiToWideBuffer(record.ssid, text.c_str(), sizeof(record.ssid));
 }
 
@@ -85,15 +87,15 @@ bool ReadItem(const std::string& item, KestrelAccessPoint* records) {
 
 }  // namespace
 
-bool StartSearchForAccessPoints(KestrelSDK& sdk, uint32_t timeoutMs) {
-    std::string& request = sdk.NewRequest();
-    sdk.builder.AppendSetBool(request, OplKey::SearchForAccessPoints, true);
-    return SetValue(sdk, request, timeoutMs);
+bool StartSearchForAccessPoints(session::KestrelSDK& sdk, uint32_t timeoutMs) {
+    return SetBool(sdk, opl::Key::SearchForAccessPoints, true, timeoutMs);
 }
 
-bool GetAccessPoints(KestrelSDK& sdk, KestrelAccessPoint* records, uint32_t timeoutMs) {
+bool GetAccessPoints(session::KestrelSDK& sdk, KestrelAccessPoint* records, uint32_t timeoutMs) {
     std::fill_n(records, KESTREL_MAX_ACCESS_POINTS, KestrelAccessPoint{});
     std::vector<std::string> items;
-    if (!QueryList(sdk, OplKey::AccessPoints, items, timeoutMs)) return false;
+    if (!QueryList(sdk, opl::Key::AccessPoints, items, timeoutMs)) return false;
     return std::ranges::all_of(items, [&](const std::string& item) { return ReadItem(item, records); });
 }
+
+}  // namespace settings

@@ -1,8 +1,10 @@
+// Whole days from tables, one of the months and one of the years.
 #include "settings/calendar.h"
 
 #include <array>
 #include <cstddef>
 
+namespace settings {
 namespace {
 
 constexpr int32_t kApril = 4;
@@ -68,3 +70,5 @@ bool SecondsSince2000(const CalendarTime& time, bool observesDaylightSaving, uin
     if (observesDaylightSaving && InDaylightSavingPeriod(time)) seconds -= kHour;
     return true;
 }
+
+}  // namespace settings

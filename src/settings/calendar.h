@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+namespace settings {
+
 struct CalendarTime {
     int32_t year;
     int32_t month;      // 1 to 12
@@ -23,3 +25,5 @@ inline constexpr int32_t kLastClockYear = 2136;  // whose end a 32-bit count jus
 /// Seconds from the beginning of 2000 to `time`, less an hour in the daylight-saving period when the zone
 /// observes one. False for a time that no calendar has or that lies outside the clock's years.
 [[nodiscard]] bool SecondsSince2000(const CalendarTime& time, bool observesDaylightSaving, uint32_t& seconds);
+
+}  // namespace settings

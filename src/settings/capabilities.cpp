@@ -1,3 +1,4 @@
+// Capabilities come as a text, as a block, or as the presence of a key in a longer reply.
 #include "settings/capabilities.h"
 
 #include <cstring>
@@ -7,6 +8,7 @@
 #include "session/remaining_time.h"
 #include "settings/typed_queries.h"
 
+namespace settings {
 namespace {
 
 constexpr uint32_t kCapabilitiesMs = 5000;
@@ -15,22 +17,21 @@ constexpr uint32_t kNoVersion = ' ';
 
 }  // namespace
 
-bool GetCapRBNVer(KestrelSDK& sdk, uint32_t& version, uint32_t timeoutMs) {
+bool GetCapRBNVer(session::KestrelSDK& sdk, uint32_t& version, uint32_t timeoutMs) {
     version = kNoVersion;
     WCHAR text[kVersionBytes / sizeof(WCHAR)];
-    std::string& request = sdk.NewQuery(OplKey::CapRBNVer);
-    sdk.builder.AppendQuery(request, OplKey::CapFWUpgrade);
-    if (!QueryText(sdk, text, sizeof(text), request, timeoutMs)) return false;
+    std::string_view reply;
+    if (!sdk.Query({opl::Key::CapRBNVer, opl::Key::CapFWUpgrade}, reply, timeoutMs) ||
+        !TakeText(sdk, text, sizeof(text), reply))
+        return false;
     const std::string bytes = kwt::AsciiString(text).ToByteString();
     version = bytes.empty() ? 0 : static_cast<uint32_t>(static_cast<signed char>(bytes.front()));
     return true;
 }
 
-bool GetCapabilities(KestrelSDK& sdk, void* buffer, uint32_t size) {
-    std::string& request = sdk.NewRequest();
-    sdk.builder.AppendWord(request, OplWord::GetCapabilities);
-    std::string& reply = sdk.NewReply();
-    if (!sdk.Query(request, reply, kCapabilitiesMs)) return false;
+bool GetCapabilities(session::KestrelSDK& sdk, void* buffer, uint32_t size) {
+    std::string_view reply;
+    if (!sdk.Query(opl::Word::GetCapabilities, reply, kCapabilitiesMs)) return false;
     std::vector<uint8_t> block;
     if (!sdk.parser.GetBinaryValue(reply, block)) return false;
     if (size == 0 || size > block.size()) return false;
@@ -43,21 +44,23 @@ bool GetCapabilities(KestrelSDK& sdk, void* buffer, uint32_t size) {
     return true;
 }
 
-bool GetServiceConfigured(KestrelSDK& sdk, OplKey key, uint8_t& configured, uint32_t timeoutMs) {
-    const RemainingTime time(timeoutMs);
+bool GetServiceConfigured(session::KestrelSDK& sdk, opl::Key key, uint8_t& configured, uint32_t timeoutMs) {
+    const session::RemainingTime time(timeoutMs);
     configured = 0;
-    std::string& reply = sdk.NewReply();
-    if (!sdk.Query(sdk.NewQuery(OplKey::Configuration), reply, timeoutMs)) return false;
-    if (reply.find(KeyText(key)) == std::string::npos) return false;
+    std::string_view reply;
+    if (!sdk.Query(opl::Key::Configuration, reply, timeoutMs)) return false;
+    if (reply.find(opl::KeyText(key)) == std::string_view::npos) return false;
     uint32_t left = 0;
-    return time.IsLeft(left) && QueryBool(sdk, configured, sdk.NewQuery(key), left);
+    return time.IsLeft(left) && QueryBool(sdk, configured, key, left);
 }
 
-bool GetVendorProductIDs(KestrelSDK& sdk, uint32_t& vendor, uint32_t& product, uint32_t timeoutMs) {
-    const RemainingTime time(timeoutMs);
+bool GetVendorProductIDs(session::KestrelSDK& sdk, uint32_t& vendor, uint32_t& product, uint32_t timeoutMs) {
+    const session::RemainingTime time(timeoutMs);
     vendor = 0;
     product = 0;
-    if (!QueryInt32(sdk, vendor, sdk.NewQuery(OplKey::VendorID), timeoutMs)) return false;
+    if (!QueryInt32(sdk, vendor, opl::Key::VendorID, timeoutMs)) return false;
     uint32_t left = 0;
-    return time.IsLeft(left) && QueryInt32(sdk, product, sdk.NewQuery(OplKey::ProductID), left);
+    return time.IsLeft(left) && QueryInt32(sdk, product, opl::Key::ProductID, left);
 }
+
+}  // namespace settings

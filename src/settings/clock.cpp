@@ -1,3 +1,4 @@
+// The five fields of the time come in one list and go in one request.
 #include "settings/clock.h"
 
 #include <vector>
@@ -7,25 +8,26 @@
 #include "settings/clock_text.h"
 #include "settings/typed_queries.h"
 
+namespace settings {
 namespace {
 
 struct ClockField {
-    OplKey key;
+    opl::Key key;
     uint32_t DeviceTime::*value;
 };
 
 // The order in which they are looked for in an item, and set.
 constexpr ClockField kFields[] = {
-    {OplKey::DeviceTimeYear, &DeviceTime::year},     {OplKey::DeviceTimeMonth, &DeviceTime::month},
-    {OplKey::DeviceTimeDay, &DeviceTime::day},       {OplKey::DeviceTimeHour, &DeviceTime::hour},
-    {OplKey::DeviceTimeMinute, &DeviceTime::minute},
+    {opl::Key::DeviceTimeYear, &DeviceTime::year},     {opl::Key::DeviceTimeMonth, &DeviceTime::month},
+    {opl::Key::DeviceTimeDay, &DeviceTime::day},       {opl::Key::DeviceTimeHour, &DeviceTime::hour},
+    {opl::Key::DeviceTimeMinute, &DeviceTime::minute},
 };
 
 bool ReadItem(const std::string& item, DeviceTime& time) {
     for (const ClockField& field : kFields) {
-        if (item.find(KeyText(field.key)) == std::string::npos) continue;
+        if (item.find(opl::KeyText(field.key)) == std::string::npos) continue;
         int32_t number = 0;
-        const bool read = OPLParser::GetIntValue(item, number);
+        const bool read = opl::OPLParser::GetIntValue(item, number);
         time.*field.value = static_cast<uint32_t>(number);
         return read;
     }
@@ -34,10 +36,10 @@ bool ReadItem(const std::string& item, DeviceTime& time) {
 
 }  // namespace
 
-bool GetDeviceTime(KestrelSDK& sdk, DeviceTime& time, uint32_t timeoutMs) {
+bool GetDeviceTime(session::KestrelSDK& sdk, DeviceTime& time, uint32_t timeoutMs) {
     time = {};
-    std::string& reply = sdk.NewReply();
-    if (!sdk.Query(sdk.NewQuery(OplKey::DeviceTime), reply, timeoutMs)) return false;
+    std::string_view reply;
+    if (!sdk.Query(opl::Key::DeviceTime, reply, timeoutMs)) return false;
     std::vector<std::string> items;
     if (!sdk.parser.SplitList(reply, items) || items.size() != std::size(kFields)) return false;
     for (const std::string& item : items) {
@@ -46,22 +48,22 @@ bool GetDeviceTime(KestrelSDK& sdk, DeviceTime& time, uint32_t timeoutMs) {
     return true;
 }
 
-bool SetDeviceTime(KestrelSDK& sdk, const DeviceTime& time, uint32_t timeoutMs) {
-    const RemainingTime remaining(timeoutMs);
+bool SetDeviceTime(session::KestrelSDK& sdk, const DeviceTime& time, uint32_t timeoutMs) {
+    const session::RemainingTime remaining(timeoutMs);
     std::string& request = sdk.NewRequest();
     for (const ClockField& field : kFields)
         sdk.builder.AppendSetInt(request, field.key, static_cast<int32_t>(time.*field.value));
     if (!SetValue(sdk, request, timeoutMs)) return false;
     uint32_t left = 0;
     int32_t year = 0;
-    return remaining.IsLeft(left) && QueryInt(sdk, year, sdk.NewQuery(OplKey::DeviceTimeYear), left);
+    return remaining.IsLeft(left) && QueryInt(sdk, year, opl::Key::DeviceTimeYear, left);
 }
 
-bool GetCurrentTimeRTC(KestrelSDK& sdk, WCHAR* text, uint32_t timeoutMs) {
-    return QueryText(sdk, text, kClockTextBytes, sdk.NewQuery(OplKey::CurrentTimeRTC), timeoutMs);
+bool GetCurrentTimeRTC(session::KestrelSDK& sdk, WCHAR* text, uint32_t timeoutMs) {
+    return QueryText(sdk, text, kClockTextBytes, opl::Key::CurrentTimeRTC, timeoutMs);
 }
 
-bool SetCurrentTimeRTC(KestrelSDK& sdk, uint32_t timeoutMs) {
+bool SetCurrentTimeRTC(session::KestrelSDK& sdk, uint32_t timeoutMs) {
     uint64_t hostId = 0;
     if (!host::GetHostId(hostId)) return false;
     HostClock clock = {};
@@ -70,7 +72,7 @@ bool SetCurrentTimeRTC(KestrelSDK& sdk, uint32_t timeoutMs) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return false;
     }
-    std::string& request = sdk.NewRequest();
-    sdk.builder.AppendSetText(request, OplKey::CurrentTimeRTC, text);
-    return SetValue(sdk, request, timeoutMs);
+    return SetText(sdk, opl::Key::CurrentTimeRTC, text, timeoutMs);
 }
+
+}  // namespace settings

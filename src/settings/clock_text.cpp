@@ -1,3 +1,4 @@
+// The text is made of numbers of fixed width, so that every field has its place in it.
 #include "settings/clock_text.h"
 
 #include <ctime>
@@ -5,6 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
+namespace settings {
 namespace {
 
 constexpr int kTmYears = 1900;
@@ -50,3 +52,5 @@ bool FormatClockText(uint64_t hostId, const HostClock& clock, std::string& text)
     if (clock.utcOffsetMinutes < 0) text[kOffsetPosition] = '1';
     return true;
 }
+
+}  // namespace settings

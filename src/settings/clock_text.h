@@ -6,6 +6,8 @@
 
 #include "settings/calendar.h"
 
+namespace settings {
+
 struct HostClock {
     CalendarTime local;
     int16_t utcOffsetMinutes;     // east of UTC is positive
@@ -17,3 +19,5 @@ struct HostClock {
 
 /// False when the clock shows a time that the printer's cannot.
 [[nodiscard]] bool FormatClockText(uint64_t hostId, const HostClock& clock, std::string& text);
+
+}  // namespace settings

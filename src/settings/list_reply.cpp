@@ -1,14 +1,16 @@
+// A list is recognised by its response number before anything is read from it.
 #include "settings/list_reply.h"
 
 #include "kestrel/sdk_errors.h"
 
+namespace settings {
 namespace {
 constexpr uint32_t kList = 101;
 }
 
-bool QueryList(KestrelSDK& sdk, OplKey key, std::vector<std::string>& items, uint32_t timeoutMs) {
-    std::string& reply = sdk.NewReply();
-    if (!sdk.Query(sdk.NewQuery(key), reply, timeoutMs) || !sdk.TakeResponseNumber(reply)) return false;
+bool QueryList(session::KestrelSDK& sdk, opl::Key key, std::vector<std::string>& items, uint32_t timeoutMs) {
+    std::string_view reply;
+    if (!sdk.Query(key, reply, timeoutMs) || !sdk.TakeResponseNumber(reply)) return false;
     if (sdk.lastResponseNum != kList) {
         SetLastError(SDK_ERROR_UNEXPECTED_REPLY);
         return false;
@@ -19,7 +21,9 @@ bool QueryList(KestrelSDK& sdk, OplKey key, std::vector<std::string>& items, uin
 }
 
 bool ReadItemIndex(const std::string& item, uint32_t limit, uint32_t& index) {
-    if (OPLParser::GetIndex(item, index) && index < limit) return true;
+    if (opl::OPLParser::GetIndex(item, index) && index < limit) return true;
     SetLastError(SDK_ERROR_UNEXPECTED_REPLY);
     return false;
 }
+
+}  // namespace settings

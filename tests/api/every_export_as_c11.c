@@ -58,13 +58,10 @@ enum { kMs = 50 };
 #define VALUE_Address 1
 
 static void CallSettings(void) {
-#define SETTING_AS(base, name, read, write, words, bytes, about) \
-    FAILS(Get##base, ((void*)&out, kMs));                        \
-    FAILS(Set##base, (VALUE_##write, kMs));
-#define READ_ONLY(base, name, type, words, bytes, about) FAILS(Get##base, ((void*)&out, kMs));
-#define WRITE_ONLY(function, base, name, type, words, about) FAILS(function, (VALUE_##type, kMs));
-#define WITHOUT_KEY(base, name, type, about) SUCCEEDS(Get##base, ((void*)&out, kMs));
-#include "settings/settings.def"
+#define GETTER(function, base, type, words, bytes) FAILS(function, ((void*)&out, kMs));
+#define SETTER(function, base, type, words) FAILS(function, (VALUE_##type, kMs));
+#define CONSTANT(base, name, type, about) SUCCEEDS(Get##base, ((void*)&out, kMs));
+#include "catalogue/settings.def"
     FAILS(GetWirelessSecurityKey, (0, out.text, kMs));
     FAILS(SetWirelessSecurityKey, (0, kNoText, kMs));
 }
@@ -166,5 +163,5 @@ int main(void) {
         ++faults;
     }
     printf("%d exports called\n", (int)kExportCount);
-    return faults != 0 || kExportCount != 213;
+    return faults != 0;
 }

@@ -1,6 +1,8 @@
 // Names and handles of kernel objects. What plain calls give, one after the other, is in the random traces.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 #include "handle_support.h"
 
 namespace {
@@ -68,6 +70,17 @@ TEST(Objects, A_closed_or_foreign_handle_is_refused_with_6) {
     refused([&] { return MapViewOfFile(event.Get(), FILE_MAP_READ, 0, 0, 0); }, static_cast<LPVOID>(nullptr));
 }
 
+TEST(Objects, The_two_low_bits_of_a_handle_are_the_callers_own) {
+    const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    const auto marked = [event](uintptr_t bits) {
+        return reinterpret_cast<HANDLE>(reinterpret_cast<uintptr_t>(event) | bits);
+    };
+    EXPECT_TRUE(SetEvent(marked(1)));
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(marked(2), 0));
+    EXPECT_TRUE(CloseHandle(marked(3)));
+    EXPECT_FALSE(CloseHandle(event));
+}
+
 TEST(Sections, Data_begins_zeroed_and_is_shared_by_all_views) {
     const WideText name = FreshName();
     const Handle first = Section(65803, name);
@@ -98,7 +111,10 @@ TEST(Sections, A_view_counts_in_whole_pages_and_keeps_the_first_size) {
     MEMORY_BASIC_INFORMATION info;
     ASSERT_EQ(sizeof(info), VirtualQuery(view, &info, sizeof(info)));
     EXPECT_EQ(69632u, info.RegionSize);
-    EXPECT_TRUE(UnmapViewOfFile(view));
+    auto* bytes = static_cast<char*>(view);
+    EXPECT_FALSE(UnmapViewOfFile(bytes + 69632));
+    EXPECT_EQ(487u, GetLastError());
+    EXPECT_TRUE(UnmapViewOfFile(bytes + 69631));
 }
 
 TEST(Sections, A_read_only_handle_maps_for_reading_alone) {
@@ -107,8 +123,11 @@ TEST(Sections, A_read_only_handle_maps_for_reading_alone) {
     const Handle reader(
         CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READONLY, 0, 100, name.c_str()));
     EXPECT_EQ(183u, GetLastError());
-    EXPECT_EQ(nullptr, MapViewOfFile(reader.Get(), FILE_MAP_ALL_ACCESS, 0, 0, 0));
-    EXPECT_EQ(5u, GetLastError());
+    constexpr DWORD kExecute = 0x20;
+    for (const DWORD access : {DWORD{FILE_MAP_ALL_ACCESS}, DWORD{FILE_MAP_READ} | kExecute}) {
+        EXPECT_EQ(nullptr, MapViewOfFile(reader.Get(), access, 0, 0, 0));
+        EXPECT_EQ(5u, GetLastError());
+    }
     void* view = MapViewOfFile(reader.Get(), FILE_MAP_READ, 0, 0, 0);
     EXPECT_NE(nullptr, view);
     UnmapViewOfFile(view);

@@ -7,6 +7,8 @@
 #include <thread>
 #include <vector>
 
+#include "support.h"
+
 TEST(Process, Ids_are_stable_and_threads_differ) {
     EXPECT_NE(GetCurrentProcessId(), 0u);
     EXPECT_EQ(GetCurrentProcessId(), GetCurrentProcessId());
@@ -15,6 +17,19 @@ TEST(Process, Ids_are_stable_and_threads_differ) {
     DWORD there = here;
     std::thread([&] { there = GetCurrentThreadId(); }).join();
     EXPECT_NE(there, here);
+}
+
+TEST(Modules, What_is_no_module_has_no_name_and_no_functions) {
+    int local = 0;
+    for (const auto module : {reinterpret_cast<HMODULE>(16), reinterpret_cast<HMODULE>(&local)}) {
+        WCHAR name[260];
+        EXPECT_EQ(ErrorOf([&] { return GetModuleFileNameW(module, name, 260); }), ERROR_MOD_NOT_FOUND);
+        EXPECT_EQ(ErrorOf([&] { return GetProcAddress(module, "GetTickCount"); }), ERROR_MOD_NOT_FOUND);
+        EXPECT_EQ(ErrorOf([&] { return FreeLibrary(module); }), ERROR_MOD_NOT_FOUND);
+    }
+    const HMODULE system = GetModuleHandleW(TEXT("kernel32.dll"));
+    EXPECT_NE(GetProcAddress(system, "GetTickCount"), nullptr);
+    EXPECT_EQ(ErrorOf([&] { return GetProcAddress(system, nullptr); }), ERROR_PROC_NOT_FOUND);
 }
 
 TEST(Process, The_list_holds_the_caller_once) {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -129,6 +130,25 @@ TEST(Profile, Every_line_ending_and_byte_order_mark_is_read) {
         EXPECT_EQ(Value(path, TEXT("S"), TEXT("k")), TEXT("v"));
         EXPECT_EQ(Value(path, TEXT("S"), TEXT("l")), TEXT("\u00E9"));
         EXPECT_EQ(Lines(path, TEXT("S")).size(), 2u);
+    }
+}
+
+TEST(Profile, Keys_and_values_end_at_a_NUL_and_a_file_may_end_in_one) {
+    using namespace std::string_view_literals;
+    const TempFolder folder;
+    const struct {
+        std::string_view rest;
+        std::vector<WideText> lines;
+    } rows[] = {
+        {"\0"sv, {TEXT("k=1")}},
+        {"\0\0"sv, {TEXT("k=1")}},
+        {"\x1A"sv, {TEXT("k=1")}},
+        {"l=2\0x\nm=3\n"sv, {TEXT("k=1"), TEXT("l=2"), TEXT("m=3")}},
+        {"\0l=2\n"sv, {TEXT("k=1"), TEXT("=2")}},
+    };
+    for (const auto& row : rows) {
+        const WideText path = folder.WriteFile(TEXT("p.ini"), std::string("[S]\nk=1\n").append(row.rest));
+        EXPECT_EQ(Lines(path, TEXT("S")), row.lines);
     }
 }
 

@@ -5,6 +5,8 @@
 #include <userenv.h>
 #include <wtsapi32.h>
 
+#include <utility>
+
 #include "handle_support.h"
 #include "own_folder.h"
 #include "program.h"
@@ -45,6 +47,17 @@ TEST(Programs, Run_to_their_exit_code_and_can_be_waited_for_among_others) {
     const HANDLE all[] = {program.Process(), event.Get(), program.Thread()};
     EXPECT_EQ(WAIT_OBJECT_0, WaitForMultipleObjects(3, all, TRUE, kLong));
     EXPECT_EQ(program.ExitCode(), 3u);
+}
+
+TEST(Programs, Find_an_object_by_its_local_name_with_the_prefix_and_without) {
+    const WideText plain = FreshName().substr(7);
+    const WideText local = TEXT("Local\\") + plain;
+    for (const auto& [mine, theirs] : {std::pair{plain, local}, {local, plain}}) {
+        const Handle event = ManualEvent(mine);
+        const Program program(OwnCommand(TEXT("wait ") + theirs));
+        SetEvent(event.Get());
+        EXPECT_EQ(program.WaitForExitCode(), 3u);
+    }
 }
 
 TEST(Programs, Can_be_ended_with_a_code) {

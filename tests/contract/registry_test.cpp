@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <atomic>
+#include <cstdint>
 #include <string>
 #include <thread>
 #include <vector>
@@ -61,6 +62,48 @@ TEST_F(Registry, A_value_is_read_as_it_was_written) {
     EXPECT_EQ(RegQueryValueExW(key_, TEXT("HostID"), nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
     EXPECT_EQ(size, 8u);
     EXPECT_EQ(RegQueryValueExW(key_, TEXT("Other"), nullptr, &type, data, &size), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(size, 8u);
+    EXPECT_EQ(RegQueryValueExW(key_, TEXT("Other"), nullptr, nullptr, nullptr, &size), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(size, 0u);
+    DWORD both = sizeof data;
+    EXPECT_EQ(RegQueryValueExW(key_, TEXT("HostID"), nullptr, &both, data, &both), ERROR_SUCCESS);
+    EXPECT_EQ(both, 8u);
+}
+
+TEST_F(Registry, A_text_counted_without_its_terminator_is_stored_with_it) {
+    const struct {
+        DWORD type;
+        const WCHAR* text;
+        DWORD size;
+        DWORD stored;
+    } rows[] = {{REG_SZ, TEXT("abc"), 6, 8},       {REG_EXPAND_SZ, TEXT("abc"), 6, 8},
+                {REG_MULTI_SZ, TEXT("abc"), 6, 8}, {REG_BINARY, TEXT("abc"), 6, 6},
+                {REG_SZ, TEXT("abc"), 8, 8},       {REG_SZ, TEXT("abcd"), 6, 6},
+                {REG_SZ, TEXT("abc"), 5, 5},       {REG_SZ, TEXT("abc"), 0, 0}};
+    for (const auto& row : rows) {
+        const auto* bytes = reinterpret_cast<const BYTE*>(row.text);
+        EXPECT_EQ(RegSetValueExW(key_, TEXT("v"), 0, row.type, bytes, row.size), ERROR_SUCCESS);
+        EXPECT_EQ(Get(key_, TEXT("v")).size(), row.stored) << row.type << ", " << row.size;
+    }
+}
+
+TEST_F(Registry, Bytes_that_cannot_be_read_are_refused_with_998) {
+    for (const uintptr_t address : {0, 16})
+        for (const DWORD type : {REG_BINARY, REG_SZ})
+            EXPECT_EQ(RegSetValueExW(key_, TEXT("v"), 0, type, reinterpret_cast<const BYTE*>(address), 8),
+                      ERROR_NOACCESS);
+}
+
+TEST_F(Registry, A_hive_is_known_however_its_number_was_widened_and_a_key_by_more_than_its_low_bits) {
+    const auto number = static_cast<DWORD>(reinterpret_cast<uintptr_t>(HKEY_CURRENT_USER));
+    const auto key = reinterpret_cast<uintptr_t>(key_) | 1;
+    HKEY opened = nullptr;
+    for (const uintptr_t handle :
+         {uintptr_t{number}, static_cast<uintptr_t>(static_cast<intptr_t>(static_cast<LONG>(number))), key}) {
+        EXPECT_EQ(RegOpenKeyExW(reinterpret_cast<HKEY>(handle), TEXT(""), 0, KEY_READ, &opened),
+                  ERROR_SUCCESS);
+        EXPECT_EQ(RegCloseKey(opened), ERROR_SUCCESS);
+    }
 }
 
 TEST_F(Registry, Key_names_are_found_without_case_through_nested_paths) {

@@ -6,6 +6,7 @@
 #include <rpc.h>
 #include <time.h>
 
+#include <cerrno>
 #include <string>
 
 #include "support.h"
@@ -59,6 +60,13 @@ TEST(Clock, Calendar_times_without_a_zone_are_seconds_since_1970) {
     tm late = Calendar(2136, 12, 31, 23);
     EXPECT_EQ(_mkgmtime64(&late), 5'270'050'800);
     tm early = Calendar(1960, 1, 1, 0);
+    errno = 0;
     EXPECT_EQ(_mkgmtime64(&early), -1);
+    EXPECT_EQ(errno, EINVAL);
+    errno = 0;
+    const __time64_t before = -1;
+    EXPECT_EQ(_localtime64_s(&early, &before), EINVAL);
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_EQ(early.tm_mday, -1);
     EXPECT_GT(_time64(nullptr), kNoon);
 }

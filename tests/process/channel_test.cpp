@@ -16,7 +16,7 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using kwt::ChannelRole;
+using ipc::ChannelRole;
 using std::chrono::milliseconds;
 
 constexpr uint32_t kShort = 100;
@@ -34,7 +34,7 @@ class Channel : public testing::Test {
         name_ = "Channel" + std::to_string(++count);
     }
 
-    bool Open(OPLChannel& channel, uint32_t capacity) {
+    bool Open(ipc::OPLChannel& channel, uint32_t capacity) {
         return channel.Open(ChannelRole::Client, Widened(name_).c_str(), capacity);
     }
     void OpenBoth(uint32_t capacity = 200) {
@@ -82,7 +82,7 @@ class Channel : public testing::Test {
 
     std::string name_;
     ChannelPuppet server_;
-    OPLChannel client_;
+    ipc::OPLChannel client_;
 };
 
 class OpenChannel : public Channel {

@@ -28,10 +28,10 @@ struct Guarded {
 
 using Requests = std::vector<std::string>;
 
-class RecordingMonitor final : public OPLChannel {
+class RecordingMonitor final : public ipc::OPLChannel {
   public:
     RecordingMonitor() {
-        EXPECT_TRUE(Open(kwt::ChannelRole::Server, TEXT("ZRIJ9900StatMonClass-01042005OPLChannelUSB001")));
+        EXPECT_TRUE(Open(ipc::ChannelRole::Server, TEXT("ZRIJ9900StatMonClass-01042005OPLChannelUSB001")));
         EXPECT_TRUE(StartServerThread());
     }
     ~RecordingMonitor() override { Close(); }

@@ -18,12 +18,12 @@ constexpr uint32_t kShoW = 0x53686F57;
 
 class StatusMonitor : public InstalledStatusMonitor {
   protected:
-    StatusMonitor() { EXPECT_TRUE(channel_.Open(kwt::ChannelRole::Client, kRemoteName, 65536)); }
+    StatusMonitor() { EXPECT_TRUE(channel_.Open(ipc::ChannelRole::Client, kRemoteName, 65536)); }
 
     std::optional<uint32_t> Ask(uint32_t code, const std::u16string& text = {}, uint32_t timeout = kLong) {
         const auto bytes = static_cast<uint32_t>(text.empty() ? 0 : 2 * (text.size() + 1));
         uint32_t value = 77;
-        if (!channel_.SendCommand(static_cast<RemoteCode>(code), bytes, text.c_str(), timeout) ||
+        if (!channel_.SendCommand(static_cast<ipc::RemoteCode>(code), bytes, text.c_str(), timeout) ||
             !channel_.ReceiveReply(value, timeout))
             return std::nullopt;
         return value;
@@ -35,7 +35,7 @@ class StatusMonitor : public InstalledStatusMonitor {
         return running;
     }
 
-    RemoteControlChannel channel_;
+    ipc::RemoteControlChannel channel_;
 };
 
 TEST_F(StatusMonitor, Answers_the_seven_requests_and_tells_each_in_a_line) {

@@ -17,39 +17,37 @@
 #include <mutex>
 #include <string>
 
+#include "ipc/late_reply.h"
 #include "ipc/opl_channel.h"
 #include "kwt/step.h"
 
 namespace {
 
 constexpr uint32_t kTimeoutMs = 250;
-constexpr uint32_t kPauseAfterCancelMs = 75;  // a client that met another's message rests 50 ms
 
 std::mutex hitsLock;
 std::map<std::string, int> hits;
 std::string doomedPlace;
 std::atomic<int> doomedHit{0};
 
-class Echo final : public OPLChannel {
+class Echo final : public ipc::OPLChannel {
   public:
     void OnMessage(const void* data, size_t length) override {
         const auto bytes = static_cast<uint32_t>(length);
         const uint64_t start = GetTickCount64();
-        if (Send(data, bytes, kTimeoutMs) == 0 && GetLastError() == ERROR_SHARING_VIOLATION) {
-            // The late reply to a client that lives and asks no more.
-            Cancel();
-            Sleep(kPauseAfterCancelMs);
-            // A reply has no number: one that comes late is taken for that to the next request.
-            if (GetTickCount64() - start < kTimeoutMs / 2) Send(data, bytes, kTimeoutMs);
-        }
+        // A reply has no number: one that comes late is taken for that to the next request.
+        const auto send = [&] {
+            return GetTickCount64() - start < kTimeoutMs / 2 && Send(data, bytes, kTimeoutMs) != 0;
+        };
+        static_cast<void>(ipc::SendPastLateReply(*this, send, Sleep));
         ++served;
     }
     std::atomic<int> served{0};
 };
 
 int RunClient(const WideText& name) {
-    OPLChannel channel;
-    if (!channel.Open(kwt::ChannelRole::Client, name.c_str())) return 1;
+    ipc::OPLChannel channel;
+    if (!channel.Open(ipc::ChannelRole::Client, name.c_str())) return 1;
     std::array<char, 64> reply;
     for (int i = 0; i < 3; ++i)
         if (channel.Send("hello", 5, kTimeoutMs) != 0)
@@ -62,7 +60,7 @@ int RunClient(const WideText& name) {
 
 int RunServer(const WideText& name) {
     Echo channel;
-    if (!channel.Open(kwt::ChannelRole::Server, name.c_str())) return 1;
+    if (!channel.Open(ipc::ChannelRole::Server, name.c_str())) return 1;
     channel.StartServerThread();
     std::cout << "ready" << std::endl;
     const bool isToStay = doomedHit == -1;

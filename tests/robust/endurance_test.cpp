@@ -37,7 +37,7 @@ void* Shared(const WCHAR* name, DWORD size) {
     return MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 0, 0);
 }
 
-bool Exchanged(OPLChannel& channel, uint32_t timeoutMs) {
+bool Exchanged(ipc::OPLChannel& channel, uint32_t timeoutMs) {
     char reply[16];
     return channel.Send("hello", 5, timeoutMs) == 5 && channel.Receive(reply, sizeof(reply), timeoutMs) == 5;
 }
@@ -159,20 +159,20 @@ Usage UsageNow() {
 TEST(Leaks, Exchanges_openings_threads_and_printers_leave_nothing) {
     ChildProcess server = StartServer("Leak");
     const auto work = [](int exchanges, int openings, int threads) {
-        OPLChannel channel;
-        ASSERT_TRUE(channel.Open(kwt::ChannelRole::Client, TEXT("Leak")));
+        ipc::OPLChannel channel;
+        ASSERT_TRUE(channel.Open(ipc::ChannelRole::Client, TEXT("Leak")));
         for (int i = 0; i < exchanges; ++i)
             ASSERT_TRUE(Exchanged(channel, 2000)) << GetLastError();
         channel.Close();
         for (int i = 0; i < openings; ++i) {
-            OPLChannel other;
-            ASSERT_TRUE(other.Open(kwt::ChannelRole::Client, TEXT("Leak")));
+            ipc::OPLChannel other;
+            ASSERT_TRUE(other.Open(ipc::ChannelRole::Client, TEXT("Leak")));
         }
-        std::vector<std::unique_ptr<OPLChannel>> desk(kPrinters);
+        std::vector<std::unique_ptr<ipc::OPLChannel>> desk(kPrinters);
         for (size_t i = 0; i < desk.size(); ++i) {
-            desk[i] = std::make_unique<OPLChannel>();
+            desk[i] = std::make_unique<ipc::OPLChannel>();
             const std::string name = "Leak" + std::to_string(i);
-            ASSERT_TRUE(desk[i]->Open(kwt::ChannelRole::Client, WideText(name.begin(), name.end()).c_str()));
+            ASSERT_TRUE(desk[i]->Open(ipc::ChannelRole::Client, WideText(name.begin(), name.end()).c_str()));
         }
         for (int i = 0; i < threads; ++i)
             std::thread([] {
@@ -254,8 +254,8 @@ TEST(HostilePeer, Whatever_it_scribbles_nobody_crashes_or_hangs_and_afterwards_a
 TEST(Time, A_stopped_partner_costs_the_time_out_and_no_more) {
     const milliseconds stop(effort.Of(5000, 1000));
     ChildProcess server = StartServer("Stopped");
-    OPLChannel channel;
-    ASSERT_TRUE(channel.Open(kwt::ChannelRole::Client, TEXT("Stopped")));
+    ipc::OPLChannel channel;
+    ASSERT_TRUE(channel.Open(ipc::ChannelRole::Client, TEXT("Stopped")));
     ASSERT_TRUE(Exchanged(channel, 2000));
     for (const uint32_t timeoutMs : {0u, 1u, 300u}) {
         server.Stop();

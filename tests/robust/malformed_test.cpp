@@ -15,14 +15,14 @@
 #include "ipc/opl_channel.h"
 #include "opl/value_escape.h"
 #include "query_exports.h"
-#include "vprinter/responder.h"
+#include "vprinter/requests/responder.h"
 
 namespace {
 
 constexpr uint32_t kTimeoutMs = 5000;
 
 /// Answers as the virtual printer does, except one request.
-class Counterpart final : public OPLChannel {
+class Counterpart final : public ipc::OPLChannel {
   public:
     void OnMessage(const void* data, size_t length) override {
         const std::lock_guard guard(lock_);
@@ -107,34 +107,34 @@ Value Out(const Guarded& out) {
 }
 
 /// Whether a success delivered what the reply says.
-bool IsRight(const SettingRow& row, const Guarded& out, const std::string& reply) {
+bool IsRight(const catalogue::Row& row, const Guarded& out, const std::string& reply) {
     const std::string text = ValueIn(reply);
     const bool hex = text.starts_with("0x") || text.starts_with("0X");
     const auto number =
         static_cast<uint32_t>(hex ? NumberIn(text, 0, UINT32_MAX) : NumberIn(text, INT32_MIN, INT32_MAX));
     switch (row.readType) {
-        case SettingType::kBool:
+        case catalogue::Type::Bool:
             return *out.Data() ==
                    (std::string("TYOEtyoe").find(text.substr(0, 1)) < 8 && text != "OFF" && text.size() != 7);
-        case SettingType::kU8:
-        case SettingType::kS8:
+        case catalogue::Type::U8:
+        case catalogue::Type::S8:
             return *out.Data() == static_cast<uint8_t>(number) ||
                    (row.name.ends_with("-level") && *out.Data() == 100);
-        case SettingType::kU16:
+        case catalogue::Type::U16:
             return Out<uint16_t>(out) == static_cast<uint16_t>(number);
-        case SettingType::kU32:
-        case SettingType::kS32:
+        case catalogue::Type::U32:
+        case catalogue::Type::S32:
             return Out<uint32_t>(out) == number;
-        case SettingType::kAddress:
+        case catalogue::Type::Address:
             return std::string_view(reply).substr(reply.find("#4=") + 3, 4) ==
                    std::string_view(reinterpret_cast<const char*>(out.Data()), 4);
-        case SettingType::kEnum:
-            return std::ranges::any_of(row.words, [&](const EnumEntry& word) {
+        case catalogue::Type::Enum:
+            return std::ranges::any_of(row.words, [&](const catalogue::EnumEntry& word) {
                 std::string plain;
                 opl::AppendEscaped(plain, text);
                 return plain == word.name && word.value == Out<uint32_t>(out);
             });
-        case SettingType::kText: {
+        case catalogue::Type::Text: {
             const auto* const read = reinterpret_cast<const WCHAR*>(out.Data());
             std::string plain;
             opl::AppendEscaped(plain, text == "(null)" ? "" : text.substr(0, text.find('\0')));
@@ -179,10 +179,10 @@ class MalformedReplies : public InstalledPrinter {
             return;
         }
         ASSERT_NE(0u, error) << explain();
-        if (query.setting->readType == SettingType::kEnum) {
+        if (query.setting->readType == catalogue::Type::Enum) {
             ASSERT_TRUE(out_->IsAll(Guarded::kUntouched)) << explain();
         }
-        if (query.setting->readType == SettingType::kText) {
+        if (query.setting->readType == catalogue::Type::Text) {
             ASSERT_EQ(0, Out<WCHAR>(*out_)) << explain();
         }
     }
@@ -236,7 +236,7 @@ class MalformedReplies : public InstalledPrinter {
 TEST_F(MalformedReplies,
        Every_query_gives_the_right_value_or_a_documented_error_and_writes_its_buffer_alone) {
     ASSERT_TRUE(
-        server_.Open(kwt::ChannelRole::Server, TEXT("ZRIJ9900StatMonClass-01042005OPLChannelUSB001")));
+        server_.Open(ipc::ChannelRole::Server, TEXT("ZRIJ9900StatMonClass-01042005OPLChannelUSB001")));
     ASSERT_TRUE(server_.StartServerThread());
     const std::vector<QueryExport> queries = QueryExports();
     WithPrinter([&] {

@@ -4,26 +4,26 @@
 
 namespace {
 
-size_t OutBytes(const SettingRow& row) {
+size_t OutBytes(const catalogue::Row& row) {
     switch (row.readType) {
-        case SettingType::kBool:
-        case SettingType::kU8:
-        case SettingType::kS8:
+        case catalogue::Type::Bool:
+        case catalogue::Type::U8:
+        case catalogue::Type::S8:
             return 1;
-        case SettingType::kU16:
+        case catalogue::Type::U16:
             return 2;
-        case SettingType::kText:
+        case catalogue::Type::Text:
             return row.bufferBytes;
         default:
             return 4;
     }
 }
 
-QueryExport GetterOf(const SettingRow& row) {
+QueryExport GetterOf(const catalogue::Row& row) {
     const auto call = [&row](uint8_t* out, uint32_t timeoutMs) {
         return CallExport(row, row.getter, out, timeoutMs) != 0;
     };
-    const bool clears = row.readType != SettingType::kEnum && row.readType != SettingType::kText;
+    const bool clears = row.readType != catalogue::Type::Enum && row.readType != catalogue::Type::Text;
     return {row.getter, OutBytes(row), call, &row, clears};
 }
 
@@ -93,7 +93,7 @@ const Other kOthers[] = {
 
 std::vector<QueryExport> QueryExports() {
     std::vector<QueryExport> all;
-    for (const SettingRow& row : Catalogue())
+    for (const catalogue::Row& row : catalogue::Rows())
         if (row.getter != nullptr && !row.key.empty()) all.push_back(GetterOf(row));
     for (const Other& other : kOthers)
         all.push_back({other.name, other.outBytes, other.call, nullptr, other.clears});

@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "settings/catalogue.h"
+#include "catalogue/rows.h"
 
 struct QueryExport {
     std::string name;
     size_t outBytes = 0;
     std::function<bool(uint8_t* out, uint32_t timeoutMs)> call;
-    const SettingRow* setting = nullptr;  // of a setting's getter
-    bool clears = false;                  // a failure leaves nothing but zeros
+    const catalogue::Row* setting = nullptr;  // of a setting's getter
+    bool clears = false;                      // a failure leaves nothing but zeros
 };
 
 [[nodiscard]] std::vector<QueryExport> QueryExports();

@@ -93,8 +93,8 @@ bool SectionSeen(const WCHAR* name) {
     CloseHandle(section);
     return view != nullptr;
 }
-bool ChannelOpened(kwt::ChannelRole role) {
-    const auto channel = std::make_unique<OPLChannel>();
+bool ChannelOpened(ipc::ChannelRole role) {
+    const auto channel = std::make_unique<ipc::OPLChannel>();
     const bool opened = channel->Open(role, TEXT("FailingChannel"));
     const kwt::LastErrorKeeper keeper;
     channel->Close();
@@ -130,8 +130,8 @@ const Scenario kScenarios[] = {
     {"named mutex", [] { return MutexTaken(kName); }},
     {"unnamed section", [] { return SectionSeen(nullptr); }},
     {"named section", [] { return SectionSeen(kName); }},
-    {"client channel", [] { return ChannelOpened(kwt::ChannelRole::Client); }},
-    {"server channel", [] { return ChannelOpened(kwt::ChannelRole::Server); }},
+    {"client channel", [] { return ChannelOpened(ipc::ChannelRole::Client); }},
+    {"server channel", [] { return ChannelOpened(ipc::ChannelRole::Server); }},
     {"registry value read",
      [] {
          size = sizeof(room);

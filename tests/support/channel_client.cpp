@@ -41,7 +41,7 @@ long& CountOf(ExchangeCounts& counts, DWORD error) {
 }
 
 // Which of the counts one exchange adds to.
-long& Exchange(OPLChannel& channel, const std::string& process, const std::string& request,
+long& Exchange(ipc::OPLChannel& channel, const std::string& process, const std::string& request,
                uint32_t timeoutMs, ExchangeCounts& counts) {
     std::array<char, 256> reply;
     const auto length = static_cast<uint32_t>(request.size());
@@ -52,7 +52,7 @@ long& Exchange(OPLChannel& channel, const std::string& process, const std::strin
     return text == request ? counts.good : text.starts_with(process) ? counts.late : counts.wrong;
 }
 
-void Work(OPLChannel& channel, size_t thread, const std::atomic<bool>& ended, uint32_t timeoutMs,
+void Work(ipc::OPLChannel& channel, size_t thread, const std::atomic<bool>& ended, uint32_t timeoutMs,
           DWORD pauseMs, ExchangeCounts& counts) {
     const std::string process = std::to_string(GetCurrentProcessId()) + '-';
     const std::string prefix = process + std::to_string(thread) + '-';
@@ -73,10 +73,10 @@ void Work(OPLChannel& channel, size_t thread, const std::atomic<bool>& ended, ui
 int main(int argc, char** argv) {
     if (argc != 5) return 2;
     const std::string name = argv[1];
-    std::vector<std::unique_ptr<OPLChannel>> channels;
+    std::vector<std::unique_ptr<ipc::OPLChannel>> channels;
     for (int i = 0; i < std::atoi(argv[2]); ++i) {
-        channels.push_back(std::make_unique<OPLChannel>());
-        if (channels.back()->Open(kwt::ChannelRole::Client, Widened(name).c_str())) continue;
+        channels.push_back(std::make_unique<ipc::OPLChannel>());
+        if (channels.back()->Open(ipc::ChannelRole::Client, Widened(name).c_str())) continue;
         std::cout << "error " << GetLastError() << std::endl;
         return 0;
     }

@@ -17,7 +17,7 @@
 
 namespace {
 
-class PuppetChannel final : public OPLChannel {
+class PuppetChannel final : public ipc::OPLChannel {
   public:
     void OnMessage(const void* data, size_t length) override {
         Send(data, static_cast<uint32_t>(length), 1000);
@@ -46,12 +46,12 @@ Answer Obey(PuppetChannel& channel, std::istream& line) {
     if (verb == "open") {
         const bool isServer = NextWord(line) == "server";
         const WideText name = Widened(NextWord(line));
-        const auto role = isServer ? kwt::ChannelRole::Server : kwt::ChannelRole::Client;
+        const auto role = isServer ? ipc::ChannelRole::Server : ipc::ChannelRole::Client;
         return {channel.Open(role, name.c_str(), NextNumber(line)), {}};
     }
     if (verb == "receive") {
-        std::string buffer(kMaxOplMessage, '\0');
-        const uint32_t bytes = channel.Receive(buffer.data(), kMaxOplMessage, NextNumber(line));
+        std::string buffer(ipc::kMaxOplMessage, '\0');
+        const uint32_t bytes = channel.Receive(buffer.data(), ipc::kMaxOplMessage, NextNumber(line));
         return {bytes, buffer.substr(0, bytes)};
     }
     if (verb == "dispatch") return {channel.StartServerThread(), {}};

@@ -4,7 +4,7 @@
 #include <kestrel/sdk.h>
 #include <windows.h>
 
-#include "settings/catalogue.h"
+#include "catalogue/rows.h"
 
 template <typename... Arguments>
 kestrel_bool CallExport(const char* name, Arguments... arguments) {
@@ -15,7 +15,7 @@ kestrel_bool CallExport(const char* name, Arguments... arguments) {
 
 // A number of any width is an argument of 32 bits, and a pointer is one whatever it points to.
 template <typename Value>
-kestrel_bool CallExport(const SettingRow& row, const char* function, Value value, uint32_t timeoutMs) {
+kestrel_bool CallExport(const catalogue::Row& row, const char* function, Value value, uint32_t timeoutMs) {
     if (row.index < 0) return CallExport(function, value, timeoutMs);
     return CallExport(function, static_cast<uint32_t>(row.index), value, timeoutMs);
 }

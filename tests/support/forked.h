@@ -47,3 +47,13 @@ class Forked final {
   private:
     pid_t id_ = -1;
 };
+
+// What the body, in a copy of this process, says of itself.
+template <typename Body>
+bool HoldsInChild(Body body) {
+    constexpr unsigned kPatienceSeconds = 30;
+    return Forked([&] {
+               ::alarm(kPatienceSeconds);
+               return body() ? 0 : 1;
+           }).Wait() == 0;
+}

@@ -1,9 +1,9 @@
-#include "command_line.h"
+#include "kestrel/command_line.h"
 
 #include <array>
 
-#include "commands/commands.h"
-#include "durations.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/text/durations.h"
 
 namespace cli {
 namespace {

@@ -8,9 +8,9 @@
 #include <memory>
 #include <string>
 
-#include "library.h"
-#include "output.h"
-#include "printer.h"
+#include "kestrel/output/output.h"
+#include "kestrel/printer/library.h"
+#include "kestrel/printer/printer.h"
 
 namespace cli {
 

@@ -1,4 +1,4 @@
-#include "failure.h"
+#include "kestrel/failure.h"
 
 #include <fmt/format.h>
 #include <kestrel/sdk_errors.h>

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "exit_codes.h"
+#include "kestrel/exit_codes.h"
 
 namespace cli {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "command_line.h"
-#include "platform.h"
+#include "kestrel/command_line.h"
+#include "kestrel/platform.h"
 
 namespace cli {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform.h"
+#include "kestrel/platform.h"
 
 #include <poll.h>
 #include <signal.h>

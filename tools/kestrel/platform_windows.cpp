@@ -1,4 +1,4 @@
-#include "platform.h"
+#include "kestrel/platform.h"
 
 #include <windows.h>
 // The shell's header needs the one above.
@@ -10,7 +10,7 @@
 #include <thread>
 #include <utility>
 
-#include "text.h"
+#include "kestrel/text/text.h"
 
 namespace cli::platform {
 namespace {

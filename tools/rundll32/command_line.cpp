@@ -1,4 +1,4 @@
-#include "command_line.h"
+#include "rundll32/command_line.h"
 
 #include <fmt/format.h>
 
@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "refusal.h"
+#include "rundll32/refusal.h"
 
 namespace printui {
 

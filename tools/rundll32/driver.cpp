@@ -1,11 +1,11 @@
-#include "driver.h"
+#include "rundll32/driver.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <optional>
 
-#include "refusal.h"
+#include "rundll32/refusal.h"
 
 namespace printui {
 

@@ -1,7 +1,7 @@
 // What a set-up information file says about a printer model's driver.
 #pragma once
 
-#include "inf_file.h"
+#include "rundll32/inf_file.h"
 
 namespace printui {
 

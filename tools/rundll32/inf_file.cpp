@@ -1,4 +1,4 @@
-#include "inf_file.h"
+#include "rundll32/inf_file.h"
 
 #include <fmt/format.h>
 
@@ -9,7 +9,7 @@
 #include <iterator>
 #include <system_error>
 
-#include "refusal.h"
+#include "rundll32/refusal.h"
 
 namespace printui {
 

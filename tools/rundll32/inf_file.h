@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "text.h"
+#include "rundll32/text.h"
 
 namespace printui {
 

@@ -3,9 +3,9 @@
 #include <cstdio>
 #include <exception>
 
-#include "command_line.h"
-#include "printers.h"
-#include "refusal.h"
+#include "rundll32/command_line.h"
+#include "rundll32/printers.h"
+#include "rundll32/refusal.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "printers.h"
+#include "rundll32/printers.h"
 
 #include <windows.h>
 // The spooler's header needs the one above.
@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "refusal.h"
+#include "rundll32/refusal.h"
 
 namespace printui {
 

@@ -1,7 +1,7 @@
 // What the actions do with the spooler. All throw a Refusal when the spooler or they themselves refuse.
 #pragma once
 
-#include "driver.h"
+#include "rundll32/driver.h"
 
 namespace printui {
 

@@ -1,4 +1,4 @@
-#include "refusal.h"
+#include "rundll32/refusal.h"
 
 #include <fmt/format.h>
 #include <windows.h>

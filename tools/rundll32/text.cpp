@@ -1,9 +1,9 @@
-#include "text.h"
+#include "rundll32/text.h"
 
 #include <filesystem>
 #include <system_error>
 
-#include "refusal.h"
+#include "rundll32/refusal.h"
 
 namespace printui {
 

@@ -2,10 +2,10 @@
 
 namespace statusmon {
 
-Instance::Instance(const ObjectNameTable& names)
-    : claim_(names[ObjectName::StatusMonitor].c_str(), false),
-      running_(names[ObjectName::StatusMonitorClass].c_str(), false),
-      end_(names[ObjectName::TerminatorThreadClose].c_str(), false) {}
+Instance::Instance(const kwt::ObjectNameTable& names)
+    : claim_(names[kwt::ObjectName::StatusMonitor].c_str(), false),
+      running_(names[kwt::ObjectName::StatusMonitorClass].c_str(), false),
+      end_(names[kwt::ObjectName::TerminatorThreadClose].c_str(), false) {}
 
 // A client that looks at this very moment keeps the event alive.
 Instance::~Instance() {

@@ -13,7 +13,7 @@ namespace statusmon {
 /// one thread.
 class Instance final {
   public:
-    explicit Instance(const ObjectNameTable& names);
+    explicit Instance(const kwt::ObjectNameTable& names);
     Instance(const Instance&) = delete;
     Instance& operator=(const Instance&) = delete;
     /// The library takes the monitor for gone from here on.

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "shared/user_error.h"
 #include "statusmon/settings.h"
 
 namespace statusmon {
@@ -25,7 +26,8 @@ Log::Log(const std::string& path) {
     if (!folder.empty()) std::filesystem::create_directories(folder, error);
     file_.reset(std::fopen(path.c_str(), "a"));
     if (file_ == nullptr)
-        throw UserError(fmt::format("the log {} cannot be opened; name another file with --log", path));
+        throw tools::UserError(
+            fmt::format("the log {} cannot be opened; name another file with --log", path));
 }
 
 void Log::WriteLine(const std::string& line) {

@@ -11,12 +11,13 @@
 
 #include "kwt/object_names.h"
 #include "kwt/win_event.h"
+#include "shared/process.h"
+#include "shared/user_error.h"
 #include "statusmon/instance.h"
 #include "statusmon/log.h"
 #include "statusmon/options.h"
 #include "statusmon/platform.h"
 #include "statusmon/server.h"
-#include "vprinter/platform.h"
 
 namespace {
 
@@ -29,8 +30,8 @@ constexpr uint32_t kStopPatienceMs = 10000;
 fs::path OwnPath() {
     WCHAR path[MAX_PATH];
     const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
-    if (!ObjectNameTable::Instance().Build(WideText(path, length)))
-        throw UserError(
+    if (!kwt::ObjectNameTable::Instance().Build(WideText(path, length)))
+        throw tools::UserError(
             "this program's file name must end in MUI.exe after the product's prefix, such "
             "as " KESTREL_PRODUCT "MUI.exe");
     return fs::path(std::basic_string_view<WCHAR>(path, length));
@@ -51,7 +52,7 @@ ExitCode StopRunning(Instance& instance) {
 /// Turns what another process asks for, or the idle limit, into the user's own wish to end.
 class EndWatch final {
   public:
-    EndWatch(Instance& instance, const Server& server, uint32_t idleLimitMs, vprinter::EndRequest& end)
+    EndWatch(Instance& instance, const Server& server, uint32_t idleLimitMs, tools::EndRequest& end)
         : thread_([=, this, &instance, &server, &end] {
               if (Wait(instance, server, idleLimitMs)) end.Raise();
           }) {}
@@ -88,7 +89,7 @@ std::string DefaultLog(const fs::path& self) {
 }
 
 ExitCode Serve(Instance& instance, const Settings& settings, const fs::path& self) {
-    vprinter::EndRequest end;  // before there are other threads
+    tools::EndRequest end;  // before there are other threads
     if (!instance.Claim(0)) {
         fmt::print(stderr, "{} runs already; end it with --stop\n", self.stem().string());
         return kRunningAlready;
@@ -117,7 +118,7 @@ ExitCode Run(int argc, char** argv) {
     ReadSettingsFile(fs::path(self).replace_extension(".json").string(), options.settings);
     int exitCode = kDone;
     if (!ReadCommandLine(argc, argv, options, exitCode)) return static_cast<ExitCode>(exitCode);
-    Instance instance(ObjectNameTable::Instance());
+    Instance instance(kwt::ObjectNameTable::Instance());
     return options.stop ? StopRunning(instance) : Serve(instance, options.settings, self);
 }
 
@@ -126,7 +127,7 @@ ExitCode Run(int argc, char** argv) {
 int main(int argc, char** argv) {
     try {
         return Run(argc, argv);
-    } catch (const UserError& error) {
+    } catch (const tools::UserError& error) {
         fmt::print(stderr, "status monitor: {}\n", error.what());
         return kWrongUsage;
     } catch (const std::exception& error) {

@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include "shared/user_error.h"
+
 namespace statusmon {
 namespace {
 
@@ -27,7 +29,7 @@ std::string Complaint(const std::function<void()>& apply) {
     try {
         apply();
         return {};
-    } catch (const UserError& error) {
+    } catch (const tools::UserError& error) {
         return error.what();
     }
 }

@@ -9,7 +9,7 @@
 namespace statusmon {
 
 struct RequestKind {
-    RemoteCode code;
+    ipc::RemoteCode code;
     std::string_view letters;  // of the code, the first in its most significant byte
     std::string_view meaning;
     bool namesPrinter;    // its data is a printer's name
@@ -17,13 +17,13 @@ struct RequestKind {
 };
 
 inline constexpr RequestKind kRequestKinds[] = {
-    {RemoteCode::Ping, "Ping", "says that it is there", false, 1000},
-    {RemoteCode::UpSt, "UpSt", "brings its status up to date", true, 1000},
-    {RemoteCode::ShoW, "ShoW", "shows the status window", true, 5000},
-    {RemoteCode::ShoM, "ShoM", "shows the maintenance window", true, 5000},
-    {RemoteCode::ShoA, "ShoA", "shows the about box", false, 5000},
-    {RemoteCode::SOIS, "SOIS", "orders supplies", true, 4000},
-    {RemoteCode::SFWU, "SFWU", "makes room for a firmware upgrade", true, 5000},
+    {ipc::RemoteCode::Ping, "Ping", "says that it is there", false, 1000},
+    {ipc::RemoteCode::UpSt, "UpSt", "brings its status up to date", true, 1000},
+    {ipc::RemoteCode::ShoW, "ShoW", "shows the status window", true, 5000},
+    {ipc::RemoteCode::ShoM, "ShoM", "shows the maintenance window", true, 5000},
+    {ipc::RemoteCode::ShoA, "ShoA", "shows the about box", false, 5000},
+    {ipc::RemoteCode::SOIS, "SOIS", "orders supplies", true, 4000},
+    {ipc::RemoteCode::SFWU, "SFWU", "makes room for a firmware upgrade", true, 5000},
 };
 inline constexpr size_t kRequestKindCount = sizeof(kRequestKinds) / sizeof(kRequestKinds[0]);
 

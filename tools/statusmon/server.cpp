@@ -7,8 +7,9 @@
 #include <cstring>
 #include <filesystem>
 
+#include "ipc/late_reply.h"
+#include "shared/process.h"
 #include "statusmon/requests.h"
-#include "vprinter/platform.h"
 
 namespace statusmon {
 namespace {
@@ -18,8 +19,6 @@ using Clock = std::chrono::steady_clock;
 constexpr size_t kHeaderBytes = 8;
 // An answer waits for the section's own lock alone, which this process shares with nobody.
 constexpr uint32_t kSendTimeoutMs = 1000;
-// A client that met another's message rests 50 ms and then clears the signal, ours too if it came meanwhile.
-constexpr uint32_t kPauseAfterCancelMs = 75;
 
 /// A message as it came; its own statement of its length is not believed.
 struct Request {
@@ -51,7 +50,7 @@ Request ReadRequest(const uint8_t* message, size_t length) {
 
 bool Server::Start() {
     lastRequest_ = Clock::now();
-    return channel_.Open(kwt::ChannelRole::Server) && channel_.StartServerThread();
+    return channel_.Open(ipc::ChannelRole::Server) && channel_.StartServerThread();
 }
 
 void Server::Stop() {
@@ -87,7 +86,7 @@ void Server::Serve(const void* data, size_t length) {
         entry.meaning = kind->meaning;
         entry.outcome = Meet(*kind, behaviour);
         log_.Write(entry);
-        if (behaviour.death != Death::None) vprinter::EndAbruptly();
+        if (behaviour.death != Death::None) tools::EndAbruptly();
         return;
     }
     entry.letters = number;
@@ -110,14 +109,10 @@ const char* Server::Meet(const RequestKind& kind, const Behaviour& behaviour) {
 
 const char* Server::SendAnswer(bool done) {
     const uint32_t value = done ? 1 : 0;
-    bool sent = channel_.SendReply(value, kSendTimeoutMs);
-    if (!sent && GetLastError() == ERROR_SHARING_VIOLATION) {
-        // The unread answer to a client that lives and asks no more would keep every other one from its own.
-        channel_.Cancel();
-        static_cast<void>(WaitUnlessStopped(kPauseAfterCancelMs));
-        sent = channel_.SendReply(value, kSendTimeoutMs);
-    }
-    if (!sent) return "the answer could not be sent";
+    const ipc::ReplySent sent = ipc::SendPastLateReply(
+        channel_, [&] { return channel_.SendReply(value, kSendTimeoutMs); },
+        [this](uint32_t milliseconds) { static_cast<void>(WaitUnlessStopped(milliseconds)); });
+    if (sent == ipc::ReplySent::Never) return "the answer could not be sent";
     return done ? "done" : "refused";
 }
 

@@ -32,7 +32,7 @@ class Server final {
     [[nodiscard]] uint32_t IdleMs() const;
 
   private:
-    class Channel final : public RemoteControlChannel {
+    class Channel final : public ipc::RemoteControlChannel {
       public:
         explicit Channel(Server& server) : server_(server) {}
         void OnMessage(const void* data, size_t length) override { server_.Serve(data, length); }

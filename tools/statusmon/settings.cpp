@@ -6,6 +6,8 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "shared/user_error.h"
+
 namespace statusmon {
 namespace {
 
@@ -20,7 +22,7 @@ std::string AllLetters() {
 
 uint32_t Milliseconds(const json& value) {
     if (!value.is_number_unsigned() || value.get<uint64_t>() > UINT32_MAX)
-        throw UserError("expected a number of milliseconds instead of " + value.dump());
+        throw tools::UserError("expected a number of milliseconds instead of " + value.dump());
     return value.get<uint32_t>();
 }
 
@@ -40,7 +42,7 @@ void ApplyKey(const std::string& key, const json& value, Settings& settings) {
     } else if (key == "log") {
         settings.logFile = value.get<std::string>();
     } else {
-        throw UserError(fmt::format(
+        throw tools::UserError(fmt::format(
             "there is no setting \"{}\"; expected refuse, silent, slow, die, dieAfter, exitAfter or log",
             key));
     }
@@ -51,7 +53,8 @@ void ApplyKey(const std::string& key, const json& value, Settings& settings) {
 Behaviour& Settings::At(std::string_view letters) {
     const RequestKind* const kind = FindRequestKind(letters);
     if (kind == nullptr)
-        throw UserError(fmt::format("there is no request \"{}\"; expected one of {}", letters, AllLetters()));
+        throw tools::UserError(
+            fmt::format("there is no request \"{}\"; expected one of {}", letters, AllLetters()));
     return behaviours_[static_cast<size_t>(kind - kRequestKinds)];
 }
 
@@ -81,16 +84,16 @@ void ReadSettingsFile(const std::string& path, Settings& settings) {
     std::error_code error;
     if (!std::filesystem::exists(path, error)) return;
     std::ifstream file(path, std::ios::binary);
-    if (!file) throw UserError(path + " cannot be read; check its permissions");
+    if (!file) throw tools::UserError(path + " cannot be read; check its permissions");
     try {
         const json document = json::parse(file);
-        if (!document.is_object()) throw UserError("expected an object in braces");
+        if (!document.is_object()) throw tools::UserError("expected an object in braces");
         for (const auto& [key, value] : document.items())
             ApplyKey(key, value, settings);
     } catch (const json::exception& problem) {
-        throw UserError(fmt::format("{}: {}; correct or delete the file", path, problem.what()));
-    } catch (const UserError& problem) {
-        throw UserError(fmt::format("{}: {}", path, problem.what()));
+        throw tools::UserError(fmt::format("{}: {}; correct or delete the file", path, problem.what()));
+    } catch (const tools::UserError& problem) {
+        throw tools::UserError(fmt::format("{}: {}", path, problem.what()));
     }
 }
 

@@ -3,19 +3,13 @@
 
 #include <array>
 #include <cstdint>
-#include <stdexcept>
+
 #include <string>
 #include <string_view>
 
 #include "statusmon/requests.h"
 
 namespace statusmon {
-
-/// A fault of what the user gave: says where, what was expected and what to do.
-class UserError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
 
 enum class Answer : uint8_t { Done, Refused, None };
 enum class Death : uint8_t { None, BeforeAnswer, AfterAnswer };

@@ -12,12 +12,12 @@
 #include <string>
 #include <vector>
 
-#include "vprinter/condition.h"
-#include "vprinter/control_file.h"
-#include "vprinter/options.h"
-#include "vprinter/platform.h"
-#include "vprinter/server.h"
-#include "vprinter/user_error.h"
+#include "shared/process.h"
+#include "shared/user_error.h"
+#include "vprinter/device/condition.h"
+#include "vprinter/files/control_file.h"
+#include "vprinter/service/options.h"
+#include "vprinter/service/server.h"
 
 namespace {
 
@@ -35,7 +35,7 @@ std::string ReadWhole(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     std::ostringstream text;
     text << file.rdbuf();
-    if (!file) throw UserError(path + " cannot be read; check the name and its permissions");
+    if (!file) throw tools::UserError(path + " cannot be read; check the name and its permissions");
     return text.str();
 }
 
@@ -44,7 +44,7 @@ FaultScript LoadFaults(const Options& options) {
     FaultScript script = FaultScript::Parse(ReadWhole(options.faultsFile), options.faultsFile);
     for (const std::string& port : script.PrintersNamed()) {
         if (std::find(options.ports.begin(), options.ports.end(), port) == options.ports.end()) {
-            throw UserError(fmt::format(
+            throw tools::UserError(fmt::format(
                 "{} has a rule for printer {}, which is not served; add --port {} or correct the rule",
                 options.faultsFile, port, port));
         }
@@ -55,23 +55,23 @@ FaultScript LoadFaults(const Options& options) {
 DeviceModel MakeModel(const Options& options, const std::string& port, const StateFile* state) {
     DeviceModel model;
     if (!options.modelName.empty()) {
-        const std::string problem = model.SetInitial(KeyText(OplKey::FriendlyName), options.modelName);
-        if (!problem.empty()) throw UserError("--model-name: " + problem);
+        const std::string problem = model.SetInitial(opl::KeyText(opl::Key::FriendlyName), options.modelName);
+        if (!problem.empty()) throw tools::UserError("--model-name: " + problem);
     }
     if (!port.starts_with(kUsbPort)) static_cast<void>(model.SetInitial(condition::kConnection, "Network"));
     if (state != nullptr) state->Restore(port, model);
     const std::string problem = ControlFile(options.controlFile, port).Apply(model);
-    if (!problem.empty()) throw UserError(problem);
+    if (!problem.empty()) throw tools::UserError(problem);
     return model;
 }
 
 /// All printers of this process.
 class Printers final {
   public:
-    Printers(const Options& options, EndRequest& end)
+    Printers(const Options& options, tools::EndRequest& end)
         : options_(options), trace_(options.traceFormat, options.showSecrets), end_(end) {
         if (!options.traceFile.empty() && !trace_.OpenFile(options.traceFile)) {
-            throw UserError(options.traceFile + " cannot be opened; check --trace-file");
+            throw tools::UserError(options.traceFile + " cannot be opened; check --trace-file");
         }
         if (!options.stateFile.empty()) state_.emplace(options.stateFile).Load();
         const FaultScript faults = LoadFaults(options);
@@ -103,8 +103,8 @@ class Printers final {
     void Add(const std::string& port, const FaultScript& faults) {
         const WideText channelName = ChannelName(options_.product, port);
         if (channelName.empty()) {
-            throw UserError("--product " + options_.product +
-                            " makes no channel name; expected a prefix such as " KESTREL_PRODUCT);
+            throw tools::UserError("--product " + options_.product +
+                                   " makes no channel name; expected a prefix such as " KESTREL_PRODUCT);
         }
         if (!claims_.emplace_back(channelName).Take()) {
             throw Refusal{
@@ -121,14 +121,14 @@ class Printers final {
 
     const Options& options_;
     Trace trace_;
-    EndRequest& end_;
+    tools::EndRequest& end_;
     std::optional<StateFile> state_;
     std::deque<PrinterClaim> claims_;  // outlive the servers: nobody else starts before they have ended
     std::deque<PrinterServer> servers_;
 };
 
 ExitCode Run(const Options& options) {
-    EndRequest end;
+    tools::EndRequest end;
     Printers printers(options, end);
     printers.Start();
     fmt::print("ready: {}\n", fmt::join(options.ports, " "));
@@ -154,7 +154,7 @@ int main(int argc, char** argv) {
         return Run(options);
     } catch (const Refusal& refusal) {
         return Complain(refusal.code, refusal.text);
-    } catch (const UserError& error) {
+    } catch (const tools::UserError& error) {
         return Complain(kWrongUsage, error.what());
     } catch (const std::exception& error) {
         return Complain(kOwnFault, error.what());

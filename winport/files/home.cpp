@@ -13,12 +13,14 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <system_error>
 #include <vector>
 
 #include "winport/files/descriptor.h"
 #include "winport/files/error_map.h"
 #include "winport/files/host_file.h"
+#include "winport/files/own_file.h"
 
 namespace winport {
 
@@ -80,16 +82,24 @@ Place StatePlace() {
     return {parent, parent + "/winport"};
 }
 
-// A folder inside a shared home is as open as the home, whatever the umask of the process that made it.
+// A folder inside a shared home is as open as the home, whatever the umask and the group of the process that
+// made it, and gives its own group to what is made in it.
 void TakeModeOfParent(const Place& place) {
     struct stat status = {};
     if (::stat(place.parent.c_str(), &status) != 0) return;
     const Descriptor folder = OpenFile(place.folder, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-    if (folder) ::fchmod(folder.Get(), status.st_mode & 07777);
+    if (!folder) return;
+    const bool ownGroup = ::fchown(folder.Get(), static_cast<uid_t>(-1), status.st_gid) != 0;
+    const mode_t group = (status.st_mode & S_IRWXG) != 0 && !ownGroup ? S_ISGID : 0;
+    ::fchmod(folder.Get(), (status.st_mode & 07777) | group);
 }
 
 DWORD MakePlace(const Place& place) {
     if (const int failure = MakeFolders(place.parent, 0700); failure != 0) return ErrorFromErrno(failure);
+    // Another account may have made the folder and be about to open it to this one.
+    std::optional<HeldFolder> held;
+    if (place.chosenByAdministrator && ::access(place.folder.c_str(), R_OK | W_OK) != 0)
+        held.emplace(place.parent);
     if (::mkdir(place.folder.c_str(), 0700) == 0) {
         if (place.chosenByAdministrator) TakeModeOfParent(place);
         return ERROR_SUCCESS;

@@ -13,11 +13,11 @@
 #include <cstdint>
 
 #include "winport/handles/kernel_object.h"
-#include "winport/module/thread_record.h"
+#include "winport/threads/thread_record.h"
 
 namespace winport {
 
-// Handle value: generation (14 bits), slot (16 bits), two zero bits as on Windows.
+// Handle value: generation (14 bits), slot (16 bits), two zero bits, which a caller may use, as on Windows.
 inline constexpr uint32_t kSlotBits = 16;
 inline constexpr uint32_t kGenerationBits = 14;
 inline constexpr uint32_t kChunkSlots = 256;
@@ -45,7 +45,7 @@ struct HandleParts {
 inline HandleParts SplitHandle(HANDLE handle) {
     const auto value = reinterpret_cast<uintptr_t>(handle);
     const auto bits = static_cast<uint32_t>(value >> 2);
-    const bool isHandle = (value & ~uintptr_t{0xFFFFFFFC}) == 0;
+    const bool isHandle = (value & ~uintptr_t{0xFFFFFFFF}) == 0;
     return {bits & ((1u << kSlotBits) - 1), isHandle ? bits >> kSlotBits : 0};
 }
 

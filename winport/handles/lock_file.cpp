@@ -1,24 +1,34 @@
 #include "winport/handles/lock_file.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <time.h>
 #include <windows.h>
 
-#include <algorithm>
 #include <cerrno>
 
 #include "winport/files/error_map.h"
+#include "winport/files/own_file.h"
+#include "winport/files/retry.h"
 
 namespace winport {
 
+namespace {
+
+constexpr const char* kName = "lock";
+
+DWORD ErrorOfHolding(int number) {
+    return number == EBUSY ? ERROR_TIMEOUT : ErrorFromErrno(number);
+}
+
+}  // namespace
+
 bool LockFile::Open(const std::string& folder) {
-    const std::string path = folder + "/lock";
-    struct stat status = {};
-    const mode_t mode = ::stat(folder.c_str(), &status) == 0 ? status.st_mode & 0666 : 0600;
-    file_ = OpenFile(path, O_RDWR | O_CREAT | O_NOFOLLOW, mode);
+    file_ = OpenFile(folder + '/' + kName, O_RDWR | O_NOFOLLOW | O_NONBLOCK);
     if (file_) return true;
-    SetLastError(errno == ELOOP ? ERROR_ACCESS_DENIED : ErrorFromErrno(errno));
+    // It is missing, or still about to be as open as its folder.
+    const HeldFolder held(folder);
+    if (held) file_ = OpenOrMakeOwnFile(folder, kName);
+    if (file_) return true;
+    SetLastError(ErrorOfHolding(errno));
     return false;
 }
 
@@ -57,19 +67,9 @@ bool LockFile::IsHeldElsewhere(off_t byte) const {
     return ::fcntl(file_.Get(), F_OFD_GETLK, &lock) != 0 || lock.l_type != F_UNLCK;
 }
 
-FolderLock::FolderLock(const LockFile& file) : file_(file) {
-    constexpr long kFirstPauseNs = 20'000;
-    constexpr long kLongestPauseNs = 2'000'000;
-    constexpr long kLimitNs = 5'000'000'000;
-    long pause = kFirstPauseNs;
-    for (long waited = 0; !held_; waited += pause, pause = std::min(pause * 2, kLongestPauseNs)) {
-        held_ = file_.TryExclusive(kFolderByte);
-        if (held_) return;
-        if (waited >= kLimitNs || (errno != EAGAIN && errno != EACCES)) break;
-        const timespec rest = {0, pause};
-        nanosleep(&rest, nullptr);
-    }
-    SetLastError(errno == EAGAIN || errno == EACCES ? ERROR_TIMEOUT : ErrorFromErrno(errno));
+FolderLock::FolderLock(const LockFile& file)
+    : file_(file), held_(RetryWhileHeld([&file] { return file.TryExclusive(kFolderByte); })) {
+    if (!held_) SetLastError(ErrorOfHolding(errno));
 }
 
 FolderLock::~FolderLock() {

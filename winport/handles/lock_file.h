@@ -49,7 +49,7 @@ class FolderLock final {
 
   private:
     const LockFile& file_;
-    bool held_ = false;
+    bool held_;
 };
 
 }  // namespace winport

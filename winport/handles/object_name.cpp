@@ -16,6 +16,8 @@ constexpr size_t kReadableBytes = 180;
 
 constexpr std::string_view kGlobalScope = "global.";
 constexpr std::string_view kLocalScope = "local.";
+constexpr std::u16string_view kGlobal = u"Global\\";
+constexpr std::u16string_view kLocal = u"Local\\";
 
 bool IsPlain(unsigned char byte) {
     return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
@@ -55,8 +57,6 @@ std::string FileNameOf(std::string_view scope, std::u16string_view name) {
 }  // namespace
 
 std::optional<std::string> ObjectFileName(LPCWSTR name) {
-    static constexpr std::u16string_view kGlobal = u"Global\\";
-    static constexpr std::u16string_view kLocal = u"Local\\";
     std::u16string_view text = name;
     if (text.size() > kMaxNameUnits) {
         SetLastError(ERROR_FILENAME_EXCED_RANGE);
@@ -66,14 +66,18 @@ std::optional<std::string> ObjectFileName(LPCWSTR name) {
     if (text.starts_with(kGlobal)) {
         scope = kGlobalScope;
         text.remove_prefix(kGlobal.size());
-    } else if (text.starts_with(kLocal)) {
-        text.remove_prefix(kLocal.size());
+    } else {
+        text = WithoutLocalPrefix(name);
     }
     if (text.empty() || text.find(u'\\') != std::u16string_view::npos) {
         SetLastError(ERROR_PATH_NOT_FOUND);
         return std::nullopt;
     }
     return FileNameOf(scope, text);
+}
+
+LPCWSTR WithoutLocalPrefix(LPCWSTR name) {
+    return std::u16string_view(name).starts_with(kLocal) ? name + kLocal.size() : name;
 }
 
 bool IsObjectFileName(std::string_view fileName) {

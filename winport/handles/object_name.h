@@ -14,6 +14,9 @@ namespace winport {
 // (longer than 260 characters).
 std::optional<std::string> ObjectFileName(LPCWSTR name);
 
+// The name as it stands in an object's page: "Local\x" and "x" are one object.
+LPCWSTR WithoutLocalPrefix(LPCWSTR name);
+
 // Whether a file of the folder stands for an object.
 bool IsObjectFileName(std::string_view fileName);
 

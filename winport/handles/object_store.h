@@ -17,40 +17,9 @@
 #include <string>
 
 #include "winport/handles/kernel_object.h"
+#include "winport/handles/object_memory.h"
 
 namespace winport {
-
-// An object's file, mapped whole. Without a name: private memory of this process.
-class ObjectMemory final {
-  public:
-    ObjectMemory() = default;
-    ObjectMemory(void* base, size_t size, uint64_t inode, std::string fileName)
-        : base_(base), size_(size), inode_(inode), fileName_(std::move(fileName)) {}
-    ObjectMemory(ObjectMemory&& other) noexcept;
-    ObjectMemory& operator=(ObjectMemory&& other) noexcept;
-    ~ObjectMemory();
-
-    [[nodiscard]] ObjectPage* Page() const { return static_cast<ObjectPage*>(base_); }
-    [[nodiscard]] size_t Size() const { return size_; }
-    [[nodiscard]] uint64_t Inode() const { return inode_; }
-    [[nodiscard]] bool IsNamed() const { return !fileName_.empty(); }
-    [[nodiscard]] const std::string& FileName() const { return fileName_; }
-
-  private:
-    void* base_ = nullptr;
-    size_t size_ = 0;
-    uint64_t inode_ = 0;
-    std::string fileName_;
-};
-
-struct ObjectRequest {
-    ObjectKind kind;
-    const WCHAR* name = nullptr;  // null or empty: an unnamed object
-    uint64_t dataSize = 0;        // sections
-    bool manualReset = false;     // events
-    bool signaled = false;        // events: initial state
-    uint32_t owner = 0;           // mutexes: token of the initial owner
-};
 
 // Makes the process's one object of a name (or of no name) from its memory.
 using MakeObject = KernelObject* (*)(ObjectMemory&& memory);

@@ -3,7 +3,7 @@
 // it. Only LoadLibraryW can act on a refusal; elsewhere the library stays, refused, and gets no more notices.
 //
 // lib<stem>.so is shown as <stem>.dll in the same folder, in the letters of the file on disk.
-#include "winport/module/module_list.h"
+#include "winport/module/module_folders.h"
 
 #include <dlfcn.h>
 #include <limits.h>
@@ -21,6 +21,7 @@
 
 #include "winport/module/dll_entry.h"
 #include "winport/text/utf.h"
+#include "winport/threads/thread_record.h"
 
 struct WinportModule {
     std::string path;                // of the file, as the dynamic linker knows it
@@ -92,6 +93,8 @@ std::string LinuxName(std::string path) {
     return path.substr(0, start) + "lib" + file + ".so";
 }
 
+constexpr uintptr_t kLargestOrdinal = 0xFFFF;
+
 // The system libraries whose calls winport itself answers.
 bool IsOwnLibrary(std::u16string_view name) {
     static constexpr std::array<std::string_view, 11> kOwn = {
@@ -107,6 +110,20 @@ WinportModule& OwnModule() {
     static auto* own = new WinportModule{PathOfCode(reinterpret_cast<const void*>(&OwnModule)), nullptr,
                                          RTLD_DEFAULT, 1, true};
     return *own;
+}
+
+WinportModule& ProgramModule() {
+    static auto* program = new WinportModule{ProgramPath(), nullptr, RTLD_DEFAULT, 1, true};
+    return *program;
+}
+
+// Null with the last-error value for a handle that is no module's, or one's that was freed.
+WinportModule* Known(HMODULE module) {
+    if (module == &OwnModule() || module == &ProgramModule()) return module;
+    for (WinportModule& other : Modules())
+        if (&other == module) return module;
+    SetLastError(ERROR_MOD_NOT_FOUND);
+    return nullptr;
 }
 
 WinportModule* FindByPath(const std::string& path) {
@@ -136,6 +153,11 @@ void NotifyThread(DWORD reason) {
     const std::lock_guard guard(LoaderLock());
     for (WinportModule& module : Modules())
         if (module.attached && module.entry != nullptr) module.entry(&module, reason, nullptr);
+}
+
+[[gnu::constructor]] void RegisterThreadNotices() {
+    AtThreadStart([](ThreadRecord&) { NotifyThread(DLL_THREAD_ATTACH); });
+    AtThreadEnd([](ThreadRecord&) { NotifyThread(DLL_THREAD_DETACH); });
 }
 
 }  // namespace
@@ -197,14 +219,6 @@ HMODULE Load(const std::string& name) {
 
 }  // namespace
 
-void NotifyThreadStart() {
-    NotifyThread(DLL_THREAD_ATTACH);
-}
-
-void NotifyThreadEnd() {
-    NotifyThread(DLL_THREAD_DETACH);
-}
-
 }  // namespace winport
 
 using namespace winport;
@@ -240,12 +254,10 @@ HMODULE LoadLibraryW(LPCWSTR fileName) {
 }
 
 BOOL FreeLibrary(HMODULE module) {
-    if (module == &OwnModule()) return TRUE;
     const std::lock_guard guard(LoaderLock());
-    const auto& modules = Modules();
-    const bool known = std::any_of(modules.begin(), modules.end(),
-                                   [&](const WinportModule& other) { return &other == module; });
-    if (!known || module->references == 0) {
+    if (Known(module) == nullptr) return FALSE;
+    if (module == &OwnModule() || module == &ProgramModule()) return TRUE;
+    if (module->references == 0) {
         SetLastError(ERROR_MOD_NOT_FOUND);
         return FALSE;
     }
@@ -260,16 +272,21 @@ BOOL FreeLibrary(HMODULE module) {
 }
 
 FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
-    void* library = module != nullptr ? module->library : RTLD_DEFAULT;
-    if (module != nullptr && library == nullptr) library = RTLD_DEFAULT;
-    void* address = dlsym(library, name);
+    void* library = RTLD_DEFAULT;
+    {
+        const std::lock_guard guard(LoaderLock());
+        if (module != nullptr && Known(module) == nullptr) return nullptr;
+        if (module != nullptr && module->library != nullptr) library = module->library;
+    }
+    // Functions have no numbers here, which would stand in place of the name.
+    const bool isName = reinterpret_cast<uintptr_t>(name) > kLargestOrdinal;
+    void* address = isName ? dlsym(library, name) : nullptr;
     if (address == nullptr) SetLastError(ERROR_PROC_NOT_FOUND);
     return reinterpret_cast<FARPROC>(address);
 }
 
 HMODULE GetModuleHandleW(LPCWSTR fileName) {
-    static auto* program = new WinportModule{ProgramPath(), nullptr, RTLD_DEFAULT, 1, true};
-    if (fileName == nullptr) return program;
+    if (fileName == nullptr) return &ProgramModule();
     if (IsOwnLibrary(fileName)) return &OwnModule();
     const std::string wanted = LinuxName(ToHostPath(fileName));
     const std::lock_guard guard(LoaderLock());
@@ -284,7 +301,13 @@ HMODULE GetModuleHandleW(LPCWSTR fileName) {
 }
 
 DWORD GetModuleFileNameW(HMODULE module, LPWSTR buffer, DWORD capacity) {
-    const std::u16string name = FromUtf8(module == nullptr ? ProgramPath() : WindowsName(module->path));
+    std::u16string name;
+    {
+        const std::lock_guard guard(LoaderLock());
+        if (module == nullptr) module = &ProgramModule();
+        if (Known(module) == nullptr) return 0;
+        name = FromUtf8(WindowsName(module->path));
+    }
     if (capacity == 0) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return 0;

@@ -147,13 +147,20 @@ DWORD CheckFolder(const std::string& folder) {
                : ERROR_DIRECTORY;
 }
 
+// A program whose exit code nobody else will take.
+void EndUnwatched(pid_t id) {
+    ::kill(id, SIGKILL);
+    while (::waitpid(id, nullptr, 0) < 0 && errno == EINTR) {
+    }
+}
+
 // Handles for a program that has been started. One that nobody could watch or name is ended again.
 DWORD OpenHandles(pid_t id, PROCESS_INFORMATION& information) {
     const ObjectReference process(std::make_unique<ProgramObject>(ObjectKind::Process, id).release());
     const ObjectReference thread(std::make_unique<ProgramObject>(ObjectKind::Thread, id).release());
     auto& program = static_cast<ProgramObject&>(*process.Get());
     if (!WatchProgram(program, static_cast<ProgramObject&>(*thread.Get()))) {
-        program.Terminate(0);
+        EndUnwatched(id);
         return ERROR_NOT_ENOUGH_MEMORY;
     }
     information = {OpenHandle(process.Get()), OpenHandle(thread.Get()), static_cast<DWORD>(id),
@@ -182,8 +189,7 @@ DWORD Start(LPCWSTR program, LPCWSTR commandLine, DWORD flags, const WCHAR* envi
     try {
         return OpenHandles(id, information);
     } catch (const std::bad_alloc&) {
-        ::kill(id, SIGKILL);
-        ::waitpid(id, nullptr, 0);
+        EndUnwatched(id);
         throw;
     }
 }

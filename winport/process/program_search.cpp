@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "winport/module/module_list.h"
+#include "winport/module/module_folders.h"
 #include "winport/text/case_fold.h"
 #include "winport/text/utf.h"
 

@@ -46,6 +46,11 @@ std::optional<std::u16string_view> SectionName(std::u16string_view line) {
     return TrimBlanks(line.substr(1, end - 1));
 }
 
+// A key or a value ends at a NUL.
+std::u16string_view TextOf(std::u16string_view part) {
+    return TrimBlanks(part.substr(0, part.find(u'\0')));
+}
+
 }  // namespace
 
 std::u16string DecodeProfile(std::string_view bytes) {
@@ -55,7 +60,7 @@ std::u16string DecodeProfile(std::string_view bytes) {
 }
 
 std::u16string_view TrimBlanks(std::u16string_view text) {
-    constexpr std::u16string_view kBlanks = u" \t\v\f";
+    constexpr std::u16string_view kBlanks = u" \t\v\f\x1A";
     const std::size_t first = text.find_first_not_of(kBlanks);
     if (first == kNone) return {};
     return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
@@ -82,8 +87,12 @@ std::optional<ProfileEntry> NextEntry(std::u16string_view& lines) {
         const std::u16string_view line = TakeLine(lines);
         if (line.empty() || line.front() == u';') continue;
         const std::size_t equals = line.find(u'=');
-        if (equals == kNone) return ProfileEntry{line, {}, false};
-        return ProfileEntry{TrimBlanks(line.substr(0, equals)), TrimBlanks(line.substr(equals + 1)), true};
+        ProfileEntry entry = {TextOf(line.substr(0, equals)), {}, equals != kNone};
+        if (entry.hasEquals)
+            entry.value = TextOf(line.substr(equals + 1));
+        else if (entry.key.empty())
+            continue;
+        return entry;
     }
     return std::nullopt;
 }

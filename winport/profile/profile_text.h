@@ -11,7 +11,7 @@ namespace winport {
 // text in the ANSI code page.
 std::u16string DecodeProfile(std::string_view bytes);
 
-// Without blanks and tabs at both ends.
+// Without blanks at both ends; the mark that once ended texts (Ctrl-Z) counts as one.
 std::u16string_view TrimBlanks(std::u16string_view text);
 
 // The lines of the first section of that name (compared without case), headers excluded.

@@ -1,15 +1,11 @@
 #include "winport/registry/database.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-
 #include <cerrno>
 #include <string>
 
-#include "winport/files/descriptor.h"
 #include "winport/files/error_map.h"
 #include "winport/files/home.h"
+#include "winport/files/own_file.h"
 
 namespace winport {
 
@@ -17,6 +13,7 @@ namespace {
 
 constexpr int kBusyTimeoutMs = 5000;
 constexpr int kSchemaVersion = 1;
+constexpr const char* kFile = "registry.db";
 
 // A folded name is the name as it is compared and ordered. Ids count up and are never given twice, so that a
 // handle to a deleted key cannot reach a younger one. The four rows are the hives.
@@ -99,23 +96,6 @@ constexpr SqliteStatus kStatuses[] = {
     {SQLITE_CONSTRAINT, ERROR_KEY_DELETED},
 };
 
-// The file is as open to other accounts as its folder, which is more than a shared home's umask might give.
-// SQLite makes its two companion files like it.
-LSTATUS MakeFile(const std::string& path, mode_t folderMode) {
-    const Descriptor file = OpenFile(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
-    if (!file) return errno == EEXIST ? ERROR_SUCCESS : static_cast<LSTATUS>(ErrorFromErrno(errno));
-    return ::fchmod(file.Get(), folderMode & 0666) == 0 ? ERROR_SUCCESS
-                                                        : static_cast<LSTATUS>(ErrorFromErrno(errno));
-}
-
-bool LockFolder(const Descriptor& folder) {
-    int result;
-    do {
-        result = ::flock(folder.Get(), LOCK_EX);
-    } while (result != 0 && errno == EINTR);
-    return result == 0;
-}
-
 }  // namespace
 
 LSTATUS StatusFromSqlite(int result) {
@@ -129,14 +109,14 @@ LSTATUS RegistryDatabase::Open() {
     const std::string& state = StateDirectory();
     if (state.empty()) return static_cast<LSTATUS>(GetLastError());
     // One process at a time makes the file, its journal and its tables: SQLite's own busy wait does not cover
-    // the change of the journal mode. The lock goes with the descriptor.
-    const Descriptor folder = OpenFile(state, O_RDONLY | O_DIRECTORY);
-    const auto status = folder ? FileStatus(folder) : std::nullopt;
-    if (!status || !LockFolder(folder)) return static_cast<LSTATUS>(ErrorFromErrno(errno));
-    const std::string path = state + "/registry.db";
-    if (const LSTATUS failure = MakeFile(path, status->st_mode); failure != ERROR_SUCCESS) return failure;
+    // the change of the journal mode.
+    const HeldFolder held(state);
+    // SQLite makes its two companion files like this one.
+    if (!held || (!MakeOwnFile(state, kFile) && errno != EEXIST))
+        return static_cast<LSTATUS>(ErrorFromErrno(errno));
 
     sqlite3* opened = nullptr;
+    const std::string path = state + '/' + kFile;
     // Not SQLITE_OPEN_NOFOLLOW: it refuses a link anywhere on the way, such as a linked /home. The folder was
     // checked.
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX;

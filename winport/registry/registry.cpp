@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "winport/registry/caller_memory.h"
 #include "winport/registry/last_error_keeper.h"
 #include "winport/registry/slot_table.h"
 #include "winport/registry/store.h"
@@ -42,9 +43,14 @@ SlotTable<OpenKey>& Handles() {
     return handles;
 }
 
+// The predefined keys are numbers of 32 bits, which callers widen with or without their sign.
 std::optional<KeyId> HiveOf(HKEY key) {
-    const auto* found =
-        std::find_if(std::begin(kHives), std::end(kHives), [key](const Hive& h) { return h.key == key; });
+    const auto value = reinterpret_cast<std::uint64_t>(key);
+    const auto isHive = [value](const Hive& hive) {
+        const auto number = reinterpret_cast<std::uint64_t>(hive.key);
+        return value == number || value == (number | 0xFFFFFFFF'00000000);
+    };
+    const auto* found = std::find_if(std::begin(kHives), std::end(kHives), isHive);
     if (found == std::end(kHives)) return std::nullopt;
     return found->id;
 }
@@ -70,6 +76,16 @@ LSTATUS CheckPath(std::u16string_view path) {
 // Rights that are not named in the header (generic ones, other views of the registry) are not honoured.
 bool IsKnownAccess(REGSAM access) {
     return (access & ~REGSAM{KEY_ALL_ACCESS}) == 0;
+}
+
+// A text whose size was counted without the terminator just behind it is stored with it.
+std::string_view WithTerminator(DWORD type, const BYTE* data, DWORD size) {
+    constexpr DWORD kUnit = sizeof(WCHAR);
+    const bool isText = type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
+    if (isText && size >= kUnit && size % kUnit == 0 && UnitAt(data + size - kUnit) != u'\0' &&
+        UnitAt(data + size) == u'\0')
+        size += kUnit;
+    return {reinterpret_cast<const char*>(data), size};
 }
 
 LSTATUS Hand(OpenKey opened, PHKEY result) {
@@ -177,10 +193,12 @@ LSTATUS RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type,
             return ERROR_KEY_DELETED;
         if (session.Status() != ERROR_SUCCESS) return session.Status();
     }
+    const DWORD stored = value ? static_cast<DWORD>(value->bytes.size()) : 0;
+    if (!value && data == nullptr && size != nullptr) *size = 0;
     if (!value) return ERROR_FILE_NOT_FOUND;
-    if (type != nullptr) *type = value->type;
-    const DWORD stored = static_cast<DWORD>(value->bytes.size());
+    // Type and size may be one variable: the capacity is read first, the size written last.
     const DWORD capacity = size != nullptr ? *size : 0;
+    if (type != nullptr) *type = value->type;
     if (size != nullptr) *size = stored;
     if (data == nullptr) return ERROR_SUCCESS;
     if (capacity < stored) return ERROR_MORE_DATA;
@@ -189,13 +207,14 @@ LSTATUS RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type,
 }
 
 LSTATUS RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data, DWORD size) {
-    if (reserved != 0 || (data == nullptr && size != 0)) return ERROR_INVALID_PARAMETER;
+    if (reserved != 0) return ERROR_INVALID_PARAMETER;
+    if (!IsReadable(data, size)) return ERROR_NOACCESS;
     const LastErrorKeeper keeper;
     const auto opened = Resolve(key);
     if (!opened) return ERROR_INVALID_HANDLE;
     if ((opened->access & KEY_SET_VALUE) == 0) return ERROR_ACCESS_DENIED;
     RegistrySession session(RegistrySession::Purpose::kWrite);
-    session.Write(opened->id, OrEmpty(name), type, {reinterpret_cast<const char*>(data), size});
+    session.Write(opened->id, OrEmpty(name), type, WithTerminator(type, data, size));
     return session.Commit();
 }
 

@@ -25,7 +25,7 @@ class SlotTable final {
             index = free_.back();
             free_.pop_back();
         } else {
-            if (slots_.size() > kIndexMask) return 0;
+            if (slots_.size() > kIndexMask >> kIndexShift) return 0;
             index = slots_.size();
             // Closing a handle must not need memory.
             if (free_.capacity() <= index) free_.reserve(2 * index + 8);
@@ -33,7 +33,8 @@ class SlotTable final {
         }
         Slot& slot = slots_[index];
         slot.entry = entry;
-        return kind_ << kKindShift | static_cast<std::uint64_t>(slot.generation) << kGenerationShift | index;
+        return kind_ << kKindShift | static_cast<std::uint64_t>(slot.generation) << kGenerationShift |
+               index << kIndexShift;
     }
 
     [[nodiscard]] std::optional<Entry> Find(std::uint64_t handle) {
@@ -49,14 +50,17 @@ class SlotTable final {
         if (slot == nullptr) return false;
         slot->entry.reset();
         ++slot->generation;
-        free_.push_back(handle & kIndexMask);
+        free_.push_back(IndexOf(handle));
         return true;
     }
 
   private:
     static constexpr int kKindShift = 56;
     static constexpr int kGenerationShift = 24;
+    static constexpr int kIndexShift = 2;  // two bits that a caller may use, as on Windows
     static constexpr std::uint64_t kIndexMask = (1u << kGenerationShift) - 1;
+
+    static std::size_t IndexOf(std::uint64_t handle) { return (handle & kIndexMask) >> kIndexShift; }
 
     struct Slot {
         std::optional<Entry> entry;
@@ -64,7 +68,7 @@ class SlotTable final {
     };
 
     Slot* Locate(std::uint64_t handle) {
-        const std::size_t index = handle & kIndexMask;
+        const std::size_t index = IndexOf(handle);
         if (handle >> kKindShift != kind_ || index >= slots_.size()) return nullptr;
         Slot& slot = slots_[index];
         const auto generation = static_cast<std::uint32_t>(handle >> kGenerationShift);

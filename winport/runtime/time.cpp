@@ -23,9 +23,23 @@ bool ObservesDaylightSaving() {
     return false;
 }
 
-// What a conversion from calendar time made, or -1 when it is none that the run-time gives out.
-__time64_t Checked(__time64_t moment) {
-    return moment >= 0 && moment <= kLastMoment ? moment : -1;
+bool IsKnown(__time64_t moment) {
+    return moment >= 0 && moment <= kLastMoment;
+}
+
+errno_t Refuse() {
+    errno = EINVAL;
+    return EINVAL;
+}
+
+// From the calendar by one of the system's conversions; -1 for a moment that the run-time does not give out.
+__time64_t FromCalendar(struct tm* calendar, time_t (*convert)(struct tm*)) {
+    if (calendar != nullptr && calendar->tm_year >= kEpochYear - 1) {
+        const __time64_t moment = convert(calendar);
+        if (IsKnown(moment)) return moment;
+    }
+    Refuse();
+    return -1;
 }
 
 }  // namespace
@@ -37,21 +51,21 @@ __time64_t _time64(__time64_t* now) {
 }
 
 errno_t _localtime64_s(struct tm* local, const __time64_t* moment) {
-    if (local == nullptr) return EINVAL;
-    if (moment != nullptr && Checked(*moment) >= 0 && ::localtime_r(moment, local) != nullptr) return 0;
+    if (local == nullptr) return Refuse();
+    if (moment != nullptr && IsKnown(*moment) && ::localtime_r(moment, local) != nullptr) return 0;
     // Fields that no caller can take for a date.
     *local = {};
     local->tm_sec = local->tm_min = local->tm_hour = local->tm_mday = local->tm_mon = local->tm_year = -1;
     local->tm_wday = local->tm_yday = local->tm_isdst = -1;
-    return EINVAL;
+    return Refuse();
 }
 
 __time64_t _mktime64(struct tm* local) {
-    return local != nullptr && local->tm_year >= kEpochYear - 1 ? Checked(::mktime(local)) : -1;
+    return FromCalendar(local, ::mktime);
 }
 
 __time64_t _mkgmtime64(struct tm* utc) {
-    return utc != nullptr && utc->tm_year >= kEpochYear - 1 ? Checked(::timegm(utc)) : -1;
+    return FromCalendar(utc, ::timegm);
 }
 
 void _tzset() {

@@ -41,6 +41,14 @@ struct View {
 struct Views {
     std::mutex lock;
     std::map<uintptr_t, View> byAddress;
+
+    // The view that an address lies in, or the end.
+    auto Around(LPCVOID address) {
+        const auto asked = reinterpret_cast<uintptr_t>(address);
+        auto view = byAddress.upper_bound(asked);
+        if (view == byAddress.begin() || asked >= (--view)->first + view->second.size) return byAddress.end();
+        return view;
+    }
 };
 
 Views& AllViews() {
@@ -106,7 +114,9 @@ LPVOID MapViewOfFile(HANDLE mapping, DWORD access, DWORD offsetHigh, DWORD offse
     }
     auto& object = *static_cast<SectionObject*>(section.Get());
     const bool writable = (access & FILE_MAP_WRITE) != 0;
-    if ((writable && (allowed & FILE_MAP_WRITE) == 0) || (access & (FILE_MAP_READ | FILE_MAP_WRITE)) == 0) {
+    const bool known =
+        (access & (FILE_MAP_READ | FILE_MAP_WRITE)) != 0 && (access & ~DWORD{FILE_MAP_ALL_ACCESS}) == 0;
+    if (!known || (writable && (allowed & FILE_MAP_WRITE) == 0)) {
         SetLastError(ERROR_ACCESS_DENIED);
         return nullptr;
     }
@@ -122,13 +132,14 @@ BOOL UnmapViewOfFile(LPCVOID address) {
     SectionObject* section = nullptr;
     {
         const std::lock_guard guard(views.lock);
-        const auto view = views.byAddress.find(reinterpret_cast<uintptr_t>(address));
+        const auto view = views.Around(address);
         if (view == views.byAddress.end()) {
             SetLastError(ERROR_INVALID_ADDRESS);
             return FALSE;
         }
         section = view->second.section;
-        if (view->second.protection == PAGE_READONLY) munmap(const_cast<void*>(address), view->second.size);
+        if (view->second.protection == PAGE_READONLY)
+            munmap(reinterpret_cast<void*>(view->first), view->second.size);
         if (--view->second.uses == 0) views.byAddress.erase(view);
     }
     section->Release();
@@ -140,21 +151,20 @@ SIZE_T VirtualQuery(LPCVOID address, MEMORY_BASIC_INFORMATION* info, SIZE_T size
         SetLastError(ERROR_BAD_LENGTH);
         return 0;
     }
-    const auto asked = reinterpret_cast<uintptr_t>(address);
     Views& views = AllViews();
     const std::lock_guard guard(views.lock);
-    auto after = views.byAddress.upper_bound(asked);
-    if (after == views.byAddress.begin() || asked >= (--after)->first + after->second.size) {
+    const auto view = views.Around(address);
+    if (view == views.byAddress.end()) {
         SetLastError(ERROR_INVALID_PARAMETER);  // only views are known here
         return 0;
     }
-    const uintptr_t page = asked / kPageSize * kPageSize;
+    const uintptr_t page = reinterpret_cast<uintptr_t>(address) / kPageSize * kPageSize;
     *info = {reinterpret_cast<PVOID>(page),
-             reinterpret_cast<PVOID>(after->first),
-             after->second.protection,
-             after->first + after->second.size - page,
+             reinterpret_cast<PVOID>(view->first),
+             view->second.protection,
+             view->first + view->second.size - page,
              MEM_COMMIT,
-             after->second.protection,
+             view->second.protection,
              MEM_MAPPED};
     return sizeof(*info);
 }

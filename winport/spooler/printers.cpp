@@ -18,6 +18,8 @@ namespace {
 
 using Purpose = RegistrySession::Purpose;
 
+constexpr DWORD kKnownRights = SERVER_ALL_ACCESS | PRINTER_ALL_ACCESS;
+
 // The printer behind a handle, when it is there and the handle allows `access`. Else the error.
 DWORD Resolve(HANDLE handle, DWORD access, KeyId& key) {
     const auto opened = FindPrinterHandle(handle);
@@ -115,6 +117,8 @@ BOOL OpenPrinterW(LPWSTR name, LPHANDLE printer, LPPRINTER_DEFAULTSW defaults) {
     if (printer == nullptr) return Report(ERROR_INVALID_PARAMETER);
     *printer = nullptr;
     if (name != nullptr && name[0] == u'\0') return Report(ERROR_INVALID_PARAMETER);
+    if (defaults != nullptr && (defaults->DesiredAccess & ~kKnownRights) != 0)
+        return Report(ERROR_ACCESS_DENIED);
     const std::u16string_view wanted = name != nullptr ? name : std::u16string_view();
     const bool datatypeAsked = defaults != nullptr && !IsEmpty(defaults->pDatatype);
     if (datatypeAsked && !EqualsWithoutCase(defaults->pDatatype, u"RAW"))

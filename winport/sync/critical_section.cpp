@@ -6,7 +6,7 @@
 
 #include <atomic>
 
-#include "winport/module/thread_record.h"
+#include "winport/threads/thread_record.h"
 
 namespace {
 

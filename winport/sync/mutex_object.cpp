@@ -248,4 +248,12 @@ void AbandonHeldMutexes(ThreadRecord& thread) {
     thread.ownerToken = 0;
 }
 
+namespace {
+
+[[gnu::constructor]] void RegisterThreadEnd() {
+    GiveBackAtThreadEnd(AbandonHeldMutexes);
+}
+
+}  // namespace
+
 }  // namespace winport

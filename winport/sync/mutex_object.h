@@ -13,8 +13,8 @@
 
 #include "winport/handles/kernel_object.h"
 #include "winport/handles/object_store.h"
-#include "winport/module/thread_record.h"
 #include "winport/sync/futex.h"
+#include "winport/threads/thread_record.h"
 
 namespace winport {
 

@@ -3,8 +3,8 @@
 // processor from others, so it is done only where it has paid off lately.
 #pragma once
 
-#include "winport/module/thread_record.h"
 #include "winport/sync/futex.h"
+#include "winport/threads/thread_record.h"
 
 namespace winport {
 

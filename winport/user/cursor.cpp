@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "winport/module/thread_record.h"
+#include "winport/threads/thread_record.h"
 
 struct WinportCursor {
     LPCWSTR name;

@@ -1,6 +1,5 @@
-// One lock for all queues: messages are rare, and a poster must find the receiver's queue alive.
-#include "winport/user/message_queue.h"
-
+// The messages posted to a thread. A thread has a queue from its first call that asks for messages on. One
+// lock for all queues: messages are rare, and a poster must find the receiver's queue alive.
 #include <windows.h>
 
 #include <algorithm>
@@ -9,6 +8,8 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+
+#include "winport/threads/thread_record.h"
 
 namespace winport {
 
@@ -73,14 +74,18 @@ bool IsRefused(LPMSG message, HWND window) {
     return true;
 }
 
-}  // namespace
-
 void ForgetMessages(ThreadRecord& thread) {
     if (thread.messages == nullptr) return;
     const std::lock_guard guard(QueuesLock());
     const std::unique_ptr<MessageQueue> gone(thread.messages);
     thread.messages = nullptr;
 }
+
+[[gnu::constructor]] void RegisterThreadEnd() {
+    GiveBackAtThreadEnd(ForgetMessages);
+}
+
+}  // namespace
 
 }  // namespace winport
 

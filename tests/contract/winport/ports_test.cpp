@@ -55,6 +55,14 @@ std::vector<WideText> PortNames() {
 
 }  // namespace
 
+TEST(Ports, A_right_that_no_printer_and_no_server_has_is_refused_with_5) {
+    for (const DWORD access : {0x40u, 0x100u, 0x02000000u, 0x10000000u, 0x80000000u}) {
+        HANDLE server = nullptr;
+        PRINTER_DEFAULTSW defaults = {nullptr, nullptr, access};
+        EXPECT_EQ(ErrorOf([&] { return OpenPrinterW(nullptr, &server, &defaults); }), ERROR_ACCESS_DENIED);
+    }
+}
+
 TEST(Ports, A_network_port_is_added_once_and_kept) {
     const HANDLE monitor = OpenMonitor(SERVER_ACCESS_ADMINISTER);
     EXPECT_EQ(Ask(monitor, TEXT("AddPort"), Port(TEXT("ZRIJT_192.168.0.20"))), 0u);

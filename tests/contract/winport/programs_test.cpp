@@ -1,5 +1,6 @@
 // How programs are found, called and left alone.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -12,6 +13,7 @@
 #include <string>
 #include <utility>
 
+#include "forked.h"
 #include "program.h"
 
 namespace {
@@ -99,6 +101,23 @@ TEST_F(FoundPrograms, What_cannot_be_run_is_refused_at_once) {
     EXPECT_EQ(Run(folder_.Path(TEXT("text"))), static_cast<DWORD>(ERROR_BAD_EXE_FORMAT));
     EXPECT_EQ(Run(folder_.Path(TEXT("fine")), 0x4), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
     EXPECT_EQ(Run(folder_.Path(TEXT("fine"))), 128u + 9u);
+}
+
+// Of 64,321 nobody runs anything: its second process is its last, and a thread counts as one.
+TEST_F(FoundPrograms, One_that_nobody_could_watch_is_ended_and_leaves_no_corpse) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can become another account";
+    constexpr uid_t kUnused = 64'321;
+    EXPECT_TRUE(HoldsInChild([] {
+        const rlimit two = {2, 2};
+        if (::setresuid(kUnused, kUnused, kUnused) != 0 || ::setrlimit(RLIMIT_NPROC, &two) != 0) return false;
+        STARTUPINFOW startup = {};
+        PROCESS_INFORMATION info = {};
+        WideText line = TEXT("/bin/sleep 100");
+        const bool started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                                            nullptr, &startup, &info) != FALSE;
+        const bool refused = !started && GetLastError() == ERROR_NOT_ENOUGH_MEMORY;
+        return refused && ::waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD;
+    }));
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
-// A process of its own that uses the registry, for tests that kill it or start it in another environment:
+// A process of its own that uses the registry or kernel objects, for tests that kill it or start it in
+// another environment:
 //
 //   registry_probe create     exits with the result of making a key
 //   registry_probe together   the same in several processes that begin at one moment, with the worst result
 //   registry_probe count      writes a growing number again and again, printing each after it was written
 //   registry_probe orphan     the same in a forked child whose parent, which used the registry, has ended
+//   registry_probe objects    makes an event and a mutex of its own, prints both error values, and keeps them
 #include <sched.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -70,11 +72,21 @@ int CreateTogether() {
     return worst;
 }
 
+int KeepObjects() {
+    CreateEventW(nullptr, TRUE, FALSE, TEXT("Global\\Probe"));
+    const DWORD event = GetLastError();
+    CreateMutexW(nullptr, TRUE, TEXT("Global\\ProbeMutex"));
+    std::printf("%u %u\n", event, GetLastError());
+    std::fflush(stdout);
+    return ::pause();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     const std::string_view command = argc > 1 ? argv[1] : "create";
     if (command == "together") return CreateTogether();
+    if (command == "objects") return KeepObjects();
     HKEY key = nullptr;
     const LSTATUS status = Create(key);
     if (status != ERROR_SUCCESS || command == "create") return status;

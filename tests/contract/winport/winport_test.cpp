@@ -1,8 +1,10 @@
 // What only winport promises: where its state lies, who may touch it, what kills and forks leave of it, and
 // the few places where it differs from Windows on purpose.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <psapi.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <windows.h>
 #include <winspool.h>
@@ -23,16 +25,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-
-// What the body, in a forked child, says of itself.
-template <typename Body>
-bool HoldsInChild(Body body) {
-    constexpr unsigned kPatienceSeconds = 30;
-    return Forked([&] {
-               ::alarm(kPatienceSeconds);
-               return body() ? 0 : 1;
-           }).Wait() == 0;
-}
 
 std::string Home(const WideText& folder) {
     return "WINPORT_HOME=" + fs::path(folder).string();
@@ -107,6 +99,45 @@ TEST_F(State, A_chosen_home_may_be_shared_and_its_files_follow_its_mode) {
     EXPECT_EQ(status.st_mode & 0777, 0770u);
     ASSERT_EQ(::stat((home / "state/registry.db").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0660u);
+}
+
+TEST_F(State, A_shared_home_serves_every_account_it_is_open_to_whatever_the_umask) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can become another account";
+    // In a folder with the sticky bit one account cannot remove what another one left.
+    for (const mode_t mode : {0770, 01777}) {
+        SCOPED_TRACE(mode);
+        constexpr gid_t kGroup = 64'300;
+        const fs::path home = folder_.MakeFolder(mode == 0770 ? TEXT("group") : TEXT("all"));
+        ASSERT_EQ(::chown(home.c_str(), 0, kGroup), 0);
+        ASSERT_EQ(::chmod(home.c_str(), mode), 0);
+        const auto start = [&](const char* account, const char* command) {
+            return ChildProcess({"/usr/bin/setpriv", "--reuid", account, "--regid", account, "--groups",
+                                 std::to_string(kGroup), "/bin/sh", "-c", "umask 022; exec \"$@\"", "sh",
+                                 REGISTRY_PROBE, command},
+                                {{"WINPORT_HOME", home.string()}});
+        };
+        ChildProcess first = start("64321", "objects");
+        EXPECT_EQ(first.ReadLine(), "0 0");
+        ChildProcess second = start("64322", "objects");
+        EXPECT_EQ(second.ReadLine(), "183 183");
+        for (ChildProcess* child : {&first, &second}) {
+            child->Kill();
+            child->Wait();
+        }
+        EXPECT_EQ(start("64322", "objects").ReadLine(), "0 0") << "what a dead process left";
+        EXPECT_EQ(start("64321", "create").Wait(), 0);
+        EXPECT_EQ(start("64322", "create").Wait(), 0);
+    }
+}
+
+TEST(RegistryStore, A_folder_that_another_process_keeps_gives_170_after_five_seconds) {
+    const TempFolder folder;
+    const fs::path state = folder.MakeFolder(TEXT("home/state"));
+    const int kept = ::open(state.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(::flock(kept, LOCK_EX), 0);
+    EXPECT_EQ(RunProbe(Home(folder.Path(TEXT("home")))), ERROR_BUSY);
+    ::close(kept);
+    EXPECT_EQ(RunProbe(Home(folder.Path(TEXT("home")))), 0);
 }
 
 TEST(RegistryStore, A_killed_writer_loses_nothing_that_it_had_written) {

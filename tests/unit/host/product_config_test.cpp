@@ -16,6 +16,8 @@
 
 #include "host/config_discovery.h"
 
+using namespace host;
+
 namespace {
 
 using Path = std::filesystem::path;

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "cli_refusal.h"
-#include "kestrel/address_book.h"
-#include "kestrel/csv.h"
-#include "kestrel/device_status.h"
+#include "kestrel/printer/address_book.h"
+#include "kestrel/printer/device_status.h"
+#include "kestrel/text/csv.h"
 
 namespace {
 

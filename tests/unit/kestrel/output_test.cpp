@@ -8,11 +8,11 @@
 #include <utility>
 #include <vector>
 
-#include "kestrel/durations.h"
 #include "kestrel/failure.h"
-#include "kestrel/output.h"
-#include "kestrel/product_configuration.h"
-#include "kestrel/text.h"
+#include "kestrel/installation/product_configuration.h"
+#include "kestrel/output/output.h"
+#include "kestrel/text/durations.h"
+#include "kestrel/text/text.h"
 
 namespace {
 

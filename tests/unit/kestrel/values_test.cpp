@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "cli_refusal.h"
-#include "kestrel/settings.h"
-#include "kestrel/values.h"
+#include "kestrel/settings/settings.h"
+#include "kestrel/settings/values.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ TEST(KestrelValues, Are_accepted_in_every_spelling_and_printed_in_one) {
     };
     for (const auto& [setting, written, printed] : kCases) {
         SCOPED_TRACE(std::string(setting) + " " + written);
-        const SettingRow& row = cli::FindSetting(setting);
+        const catalogue::Row& row = cli::FindSetting(setting);
         const cli::Value value = cli::ParseValue(row, written);
         EXPECT_EQ(cli::FormatValue(row, value), printed);
         EXPECT_EQ(cli::ParseValue(row, printed), value);
@@ -71,7 +71,7 @@ TEST(KestrelValues, Are_refused_with_the_allowed_ones_when_the_type_cannot_hold_
 
 TEST(KestrelValues, Are_numbers_and_booleans_in_json_and_words_where_the_table_has_one) {
     const auto json = [](const char* name, const char* written) {
-        const SettingRow& row = cli::FindSetting(name);
+        const catalogue::Row& row = cli::FindSetting(name);
         return cli::JsonValue(row, cli::ParseValue(row, written)).dump();
     };
     EXPECT_EQ(json("fax.backup", "on"), "true");
@@ -103,7 +103,7 @@ TEST(KestrelSettings, Are_offered_when_a_name_is_nearly_right) {
 }
 
 TEST(KestrelSettings, Match_by_part_and_by_pattern) {
-    EXPECT_EQ(cli::MatchingSettings("").size(), Catalogue().size());
+    EXPECT_EQ(cli::MatchingSettings("").size(), catalogue::Rows().size());
     EXPECT_EQ(cli::MatchingSettings("redials").size(), 1u);
     EXPECT_EQ(cli::MatchingSettings("wireless.security-key?").size(), 4u);
     EXPECT_EQ(cli::MatchingSettings("*.quality").size(), 2u);
@@ -112,7 +112,7 @@ TEST(KestrelSettings, Match_by_part_and_by_pattern) {
 
 TEST(KestrelSettings, Know_which_of_them_are_secret) {
     std::size_t secrets = 0;
-    for (const SettingRow& row : Catalogue())
+    for (const catalogue::Row& row : catalogue::Rows())
         secrets += cli::IsSecret(row) ? 1 : 0;
     EXPECT_EQ(secrets, 5u);
     EXPECT_TRUE(cli::IsSecret(cli::FindSetting("wireless.pass-phrase")));

@@ -5,6 +5,8 @@
 #include <array>
 #include <iterator>
 
+using namespace kwt;
+
 namespace {
 
 // Other modules form the same names on their own: a letter that changes here breaks the meeting.

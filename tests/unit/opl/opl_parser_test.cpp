@@ -9,6 +9,8 @@
 #include <variant>
 #include <vector>
 
+using namespace opl;
+
 namespace {
 
 using namespace std::string_literals;
@@ -177,7 +179,7 @@ TEST(Extraction, Reads_numbers) {
                          {31, {"K=0x1F;", "K=0X1f;"}},
                          {-2, {"K=0xFFFFFFFE;"}},
                          {-1, {"K=0x100000000;"}},
-                         {INT32_MAX, {"K=2147483647;", "K=99999999999;"}},
+                         {INT32_MAX, {"K=2147483647;", "K=4294967295;", "K=99999999999;"}},
                          {INT32_MIN, {"K=-2147483648;", "K=-99999999999;"}}},
                         {"K=+5;", "K= 5;", "K=5 ;", "K=--5;", "K=5-;", "K=0x;", "K=0x-1;", "K=0xG;",
                          "K=0x1G;", "K=x1;", "K=-0x1;", "K=1\x1C;", "K=99999999999z;", "K;", "K=5"});

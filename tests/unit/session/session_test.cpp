@@ -12,6 +12,8 @@
 #include "session/response_judgement.h"
 #include "session/timeout_announcement.h"
 
+using namespace session;
+
 TEST(Judgement, Every_response_number_has_its_verdict) {
     const std::map<uint32_t, std::vector<uint32_t>> numbersOfError = {
         {0, {0, 1, 101, 1000, 4000, 4199, 100000}},
@@ -65,7 +67,7 @@ TEST(Session, Without_a_printer_a_request_fails_and_forgets_the_last_bad_reply) 
     EXPECT_EQ(sdk->lastTimeoutSent, 0u);
     EXPECT_EQ(sdk->lastResponseNum, 100000u);
 
-    std::string text = "stale";
+    std::string_view text = "stale";
     EXPECT_FALSE(sdk->Query("A?", text, 100));
     EXPECT_EQ(GetLastError(), SDK_ERROR_CHANNEL_NOT_OPEN);
     EXPECT_EQ(text, "");

@@ -8,6 +8,8 @@
 #include "settings/calendar.h"
 #include "settings/clock_text.h"
 
+using namespace settings;
+
 namespace {
 
 constexpr bool kObserved = true;

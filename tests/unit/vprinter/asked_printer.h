@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "vprinter/responder.h"
+#include "vprinter/requests/responder.h"
 
 namespace vprinter {
 

@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "asked_printer.h"
-#include "vprinter/control_file.h"
-#include "vprinter/readable_text.h"
+#include "vprinter/files/control_file.h"
+#include "vprinter/trace/readable_text.h"
 
 namespace vprinter {
 namespace {

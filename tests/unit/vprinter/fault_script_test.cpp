@@ -1,11 +1,11 @@
-#include "vprinter/fault_script.h"
+#include "vprinter/faults/fault_script.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <utility>
 
-#include "vprinter/user_error.h"
+#include "shared/user_error.h"
 
 namespace vprinter {
 namespace {
@@ -17,7 +17,7 @@ constexpr std::string_view kGoodReply = "0000,Key=value;";
 std::string ComplaintAbout(std::string_view text) {
     try {
         static_cast<void>(FaultScript::Parse(text, "faults.json"));
-    } catch (const UserError& error) {
+    } catch (const tools::UserError& error) {
         return error.what();
     }
     return "no complaint";

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "asked_printer.h"
-#include "vprinter/control_file.h"
+#include "vprinter/files/control_file.h"
 
 namespace vprinter {
 namespace {

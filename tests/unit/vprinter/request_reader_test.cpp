@@ -1,4 +1,4 @@
-#include "vprinter/request_reader.h"
+#include "vprinter/requests/request_reader.h"
 
 #include <gtest/gtest.h>
 

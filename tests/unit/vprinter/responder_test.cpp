@@ -1,4 +1,4 @@
-#include "vprinter/responder.h"
+#include "vprinter/requests/responder.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 
 #include "asked_printer.h"
 #include "opl/vocabulary.h"
-#include "vprinter/state_file.h"
-#include "vprinter/user_error.h"
+#include "shared/user_error.h"
+#include "vprinter/files/state_file.h"
 
 namespace vprinter {
 namespace {
@@ -36,7 +36,7 @@ TEST_F(VprinterResponder, A_client_has_given_up_after_the_time_out_that_it_annou
 }
 
 TEST_F(VprinterResponder, Restoring_defaults_goes_back_to_the_first_values) {
-    ASSERT_EQ(model_.SetInitial(KeyText(OplKey::FriendlyName), "mine"), "");
+    ASSERT_EQ(model_.SetInitial(opl::KeyText(opl::Key::FriendlyName), "mine"), "");
     Ask("DeviceSettings.System.Name=yours;DeviceNetwork.WiFiSettings.Mac_Configuration.Channel=11;");
     EXPECT_EQ(model_.ChangedValues().size(), 2u);
     Ask("DeviceSettings.System.RestoreDefaults=Network;");
@@ -50,7 +50,7 @@ using VprinterStateFile = AskedPrinter;
 
 TEST_F(VprinterStateFile, Changed_values_of_every_printer_survive) {
     ASSERT_EQ(model_.SetFromText(*model_.Find("DeviceSettings.System.Name"), "na\xEFve;\x01"), "");
-    ASSERT_EQ(model_.SetFromText(*model_.Find(KeyText(OplKey::StaticIPAddress)), "10.0.0.1"), "");
+    ASSERT_EQ(model_.SetFromText(*model_.Find(opl::KeyText(opl::Key::StaticIPAddress)), "10.0.0.1"), "");
     ASSERT_TRUE(StateFile(path_).Save("USB001", model_.ChangedValues()));
     StateFile second(path_);
     second.Load();
@@ -84,7 +84,7 @@ TEST_F(VprinterStateFile, A_file_that_cannot_be_used_is_refused_with_the_reason)
             state.Load();
             state.Restore("USB001", model_);
             ADD_FAILURE() << "taken: " << text;
-        } catch (const UserError& error) {
+        } catch (const tools::UserError& error) {
             EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
         }
     }

@@ -1,4 +1,4 @@
-#include "vprinter/trace.h"
+#include "vprinter/trace/trace.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <string>
 #include <utility>
 
-#include "vprinter/message_text.h"
-#include "vprinter/readable_text.h"
+#include "vprinter/trace/message_text.h"
+#include "vprinter/trace/readable_text.h"
 
 namespace vprinter {
 namespace {

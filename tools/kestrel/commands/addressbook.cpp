@@ -4,9 +4,9 @@
 #include <fstream>
 #include <iterator>
 
-#include "../address_book.h"
-#include "../text.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/printer/address_book.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {

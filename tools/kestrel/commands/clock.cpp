@@ -3,8 +3,8 @@
 #include <array>
 #include <charconv>
 
-#include "../text.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {

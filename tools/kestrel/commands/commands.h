@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../command_line.h"
+#include "kestrel/command_line.h"
 
 namespace cli {
 

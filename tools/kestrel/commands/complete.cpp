@@ -1,5 +1,5 @@
-#include "../settings.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/settings/settings.h"
 
 namespace cli {
 namespace {
@@ -7,7 +7,7 @@ namespace {
 Report Complete(const std::string& prefix) {
     Report report;
     report.data["keys"] = nlohmann::ordered_json::array();
-    for (const SettingRow* const row : MatchingSettings(prefix + "*")) {
+    for (const catalogue::Row* const row : MatchingSettings(prefix + "*")) {
         report.text += std::string(row->name) + '\n';
         report.data["keys"].push_back(row->name);
     }

@@ -3,9 +3,9 @@
 #include <array>
 #include <filesystem>
 
-#include "../text.h"
-#include "../waiting.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/output/waiting.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {

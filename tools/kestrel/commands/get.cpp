@@ -1,8 +1,8 @@
 #include <fmt/format.h>
 
-#include "../settings.h"
-#include "../text.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/settings/settings.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {
@@ -10,13 +10,13 @@ namespace {
 // A single setting gives its bare value; several give lines of name and value.
 // All names are looked up before the first exchange. Asked by its name, also a secret is shown.
 Report Get(Context& context, const std::vector<std::string>& names) {
-    std::vector<const SettingRow*> rows;
+    std::vector<const catalogue::Row*> rows;
     for (const std::string& name : names)
         rows.push_back(&FindReadableSetting(name));
 
     Report report;
     nlohmann::ordered_json& values = report.data["values"] = nlohmann::ordered_json::object();
-    for (const SettingRow* const row : rows) {
+    for (const catalogue::Row* const row : rows) {
         try {
             const Value value = context.GetPrinter().Get(*row);
             const std::string shown = ForTerminal(FormatValue(*row, value));

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <vector>
 
-#include "../text.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {

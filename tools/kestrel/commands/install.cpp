@@ -4,9 +4,9 @@
 #include <array>
 #include <filesystem>
 
-#include "../spooler.h"
-#include "../text.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/installation/spooler.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {

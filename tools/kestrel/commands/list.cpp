@@ -1,9 +1,9 @@
 #include <fmt/format.h>
 
-#include "../progress.h"
-#include "../settings.h"
-#include "../text.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/output/progress.h"
+#include "kestrel/settings/settings.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {
@@ -16,7 +16,7 @@ struct ListOptions {
 constexpr std::string_view kMask = "********";
 
 struct Listed {
-    const SettingRow* row;
+    const catalogue::Row* row;
     std::optional<Value> value;      // of a readable setting that was read
     std::optional<Failure> failure;  // why it was not
 };
@@ -28,14 +28,14 @@ bool IsHopeless(const Failure& failure) {
 }
 
 // Ends early, with the reason in the last entry, when going on is hopeless.
-std::vector<Listed> ReadAll(Context& context, const std::vector<const SettingRow*>& rows) {
+std::vector<Listed> ReadAll(Context& context, const std::vector<const catalogue::Row*>& rows) {
     const Printer& printer = context.GetPrinter();
     Progress progress(rows.size(), !context.Options().json);
     std::vector<Listed> list;
-    for (const SettingRow* const row : rows) {
+    for (const catalogue::Row* const row : rows) {
         progress.Step(row->name);
         Listed& listed = list.emplace_back(Listed{row, {}, {}});
-        if (!IsReadable(*row)) continue;
+        if (!row->CanRead()) continue;
         try {
             listed.value = printer.Get(*row);
         } catch (const Failure& failure) {
@@ -49,25 +49,25 @@ std::vector<Listed> ReadAll(Context& context, const std::vector<const SettingRow
 std::string ShownValue(const Listed& listed, bool showSecrets) {
     if (listed.failure) return "?";
     if (!listed.value) return "-";
-    const bool masked = !showSecrets && IsSecret(*listed.row);
+    const bool masked = !showSecrets && listed.row->IsSecret();
     return masked ? std::string(kMask) : ForTerminal(FormatValue(*listed.row, *listed.value));
 }
 
 // What `set` takes; the words also of a setting that can only be read, to know what to expect.
-std::string AllowedColumn(const SettingRow& row) {
-    return IsWritable(row) || FormOf(row) == ValueForm::kWord ? AllowedValues(row) : std::string();
+std::string AllowedColumn(const catalogue::Row& row) {
+    return row.CanWrite() || FormOf(row) == ValueForm::kWord ? AllowedValues(row) : std::string();
 }
 
 nlohmann::ordered_json ListedJson(const Listed& listed, bool showSecrets) {
-    const SettingRow& row = *listed.row;
+    const catalogue::Row& row = *listed.row;
     nlohmann::ordered_json json = {{"key", row.name},
                                    {"type", TypeName(row)},
-                                   {"readable", IsReadable(row)},
-                                   {"writable", IsWritable(row)}};
-    for (const EnumEntry& entry : Words(row))
+                                   {"readable", row.CanRead()},
+                                   {"writable", row.CanWrite()}};
+    for (const catalogue::EnumEntry& entry : row.words)
         json["words"].push_back(entry.name);
     if (listed.value) {
-        const bool masked = !showSecrets && IsSecret(row);
+        const bool masked = !showSecrets && row.IsSecret();
         json["value"] = masked ? nlohmann::ordered_json(kMask) : JsonValue(row, *listed.value);
         if (masked) json["masked"] = true;
     }
@@ -76,7 +76,7 @@ nlohmann::ordered_json ListedJson(const Listed& listed, bool showSecrets) {
 }
 
 Report List(Context& context, const ListOptions& options) {
-    const std::vector<const SettingRow*> matching = MatchingSettings(options.pattern);
+    const std::vector<const catalogue::Row*> matching = MatchingSettings(options.pattern);
     if (matching.empty()) {
         throw UsageFailure(fmt::format("no setting matches \"{}\"", options.pattern),
                            NearNamesAdvice(options.pattern));
@@ -86,7 +86,7 @@ Report List(Context& context, const ListOptions& options) {
     report.data["settings"] = nlohmann::ordered_json::array();
     std::vector<std::vector<std::string>> rows = {{"KEY", "TYPE", "ACCESS", "VALUE", "ALLOWED"}};
     for (const Listed& listed : ReadAll(context, matching)) {
-        const SettingRow& row = *listed.row;
+        const catalogue::Row& row = *listed.row;
         rows.push_back({std::string(row.name), std::string(TypeName(row)), AccessName(row),
                         ShownValue(listed, options.showSecrets), AllowedColumn(row)});
         report.data["settings"].push_back(ListedJson(listed, options.showSecrets));

@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "../text.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {

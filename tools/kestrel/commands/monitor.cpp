@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "commands.h"
+#include "kestrel/commands/commands.h"
 
 namespace cli {
 namespace {

@@ -4,11 +4,11 @@
 #include <array>
 #include <thread>
 
-#include "../progress.h"
-#include "../settings.h"
-#include "../text.h"
-#include "../values.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/output/progress.h"
+#include "kestrel/settings/settings.h"
+#include "kestrel/settings/values.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {
@@ -89,7 +89,7 @@ Report ShowWifi(Context& context) {
     std::vector<std::vector<std::string>> rows = {{"KEY", "VALUE"}};
     nlohmann::ordered_json& values = report.data["values"] = nlohmann::ordered_json::object();
     for (const char* const name : kShownSettings) {
-        const SettingRow& row = FindReadableSetting(name);
+        const catalogue::Row& row = FindReadableSetting(name);
         const Value value = context.GetPrinter().Get(row);
         rows.push_back({name, ForTerminal(FormatValue(row, value))});
         values[name] = JsonValue(row, value);
@@ -116,14 +116,14 @@ using WifiValues = std::array<std::string, kWifiOptions.size()>;
 
 Report SetWifi(Context& context, const WifiValues& written) {
     struct Change {
-        const SettingRow* row;
+        const catalogue::Row* row;
         Value value;
     };
     // All are understood before the first is sent.
     std::vector<Change> changes;
     for (std::size_t i = 0; i < kWifiOptions.size(); ++i) {
         if (written[i].empty()) continue;
-        const SettingRow& row = FindWritableSetting(kWifiOptions[i].setting);
+        const catalogue::Row& row = FindWritableSetting(kWifiOptions[i].setting);
         changes.push_back({&row, ParseValue(row, written[i])});
     }
     if (changes.empty()) throw UsageFailure("nothing is given to set", "give at least --ssid");

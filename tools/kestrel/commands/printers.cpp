@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "../product_configuration.h"
-#include "../spooler.h"
-#include "../text.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/installation/product_configuration.h"
+#include "kestrel/installation/spooler.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {

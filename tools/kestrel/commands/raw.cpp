@@ -1,7 +1,7 @@
 #include <fmt/format.h>
 
-#include "../text.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {

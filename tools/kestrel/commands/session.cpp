@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
-#include "../platform.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/platform.h"
 
 namespace cli {
 namespace {

@@ -1,8 +1,8 @@
 #include <fmt/format.h>
 
-#include "../settings.h"
-#include "../text.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/settings/settings.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {
@@ -13,18 +13,19 @@ struct SetOptions {
     bool verify = false;
 };
 
-void Verify(Context& context, const SettingRow& row, const Value& wanted) {
+void Verify(Context& context, const catalogue::Row& row, const Value& wanted) {
     const Value kept = context.GetPrinter().Get(row);
     if (kept == wanted) return;
     // The kept value of a secret is nobody's business here.
-    const std::string shown = IsSecret(row) ? "another value" : fmt::format("\"{}\"", FormatValue(row, kept));
+    const std::string shown =
+        row.IsSecret() ? "another value" : fmt::format("\"{}\"", FormatValue(row, kept));
     throw ValueFailure(fmt::format("the printer acknowledged {} and kept {}", row.name, shown),
                        "choose a value that the printer supports");
 }
 
 Report Set(Context& context, const SetOptions& options) {
-    const SettingRow& row = FindWritableSetting(options.name);
-    if (options.verify && !IsReadable(row)) {
+    const catalogue::Row& row = FindWritableSetting(options.name);
+    if (options.verify && !row.CanRead()) {
         throw UsageFailure(fmt::format("{} cannot be read back", row.name), "leave --verify out");
     }
     const Value value = ParseValue(row, options.written);
@@ -33,7 +34,7 @@ Report Set(Context& context, const SetOptions& options) {
 
     Report report;
     report.data = {{"key", row.name}};
-    if (!IsSecret(row)) report.data["value"] = JsonValue(row, value);
+    if (!row.IsSecret()) report.data["value"] = JsonValue(row, value);
     report.data["verified"] = options.verify;
     return report;
 }

@@ -6,10 +6,10 @@
 #include <filesystem>
 #include <system_error>
 
-#include "../failure.h"
-#include "../product_configuration.h"
-#include "../spooler.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/failure.h"
+#include "kestrel/installation/product_configuration.h"
+#include "kestrel/installation/spooler.h"
 
 namespace cli {
 namespace {

@@ -2,10 +2,10 @@
 
 #include <cstdio>
 
-#include "../device_status.h"
-#include "../platform.h"
-#include "../waiting.h"
-#include "commands.h"
+#include "kestrel/commands/commands.h"
+#include "kestrel/output/waiting.h"
+#include "kestrel/platform.h"
+#include "kestrel/printer/device_status.h"
 
 namespace cli {
 namespace {

@@ -1,4 +1,4 @@
-#include "commands.h"
+#include "kestrel/commands/commands.h"
 
 namespace cli {
 namespace {

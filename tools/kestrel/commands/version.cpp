@@ -1,6 +1,6 @@
 #include <fmt/format.h>
 
-#include "commands.h"
+#include "kestrel/commands/commands.h"
 
 namespace cli {
 namespace {

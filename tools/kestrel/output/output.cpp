@@ -1,0 +1,130 @@
+#include "kestrel/output/output.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "kestrel/platform.h"
+#include "kestrel/text/text.h"
+
+namespace cli {
+namespace {
+
+constexpr int kDocumentVersion = 1;
+
+bool ColourWanted(platform::Stream stream, bool noColour) {
+    const char* const refused = std::getenv("NO_COLOR");
+    return !noColour && (refused == nullptr || *refused == '\0') && platform::IsTerminal(stream);
+}
+
+const char* EscapeSequence(Colour colour) {
+    switch (colour) {
+        case Colour::kBold:
+            return "\x1b[1m";
+        case Colour::kDim:
+            return "\x1b[2m";
+        case Colour::kRed:
+            return "\x1b[31m";
+    }
+    return "";
+}
+
+// Characters, not bytes: continuation bytes take no place on the screen.
+std::size_t Width(std::string_view utf8) {
+    return static_cast<std::size_t>(std::count_if(
+        utf8.begin(), utf8.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+}
+
+nlohmann::ordered_json FailureJson(const Failure& failure) {
+    nlohmann::ordered_json json = {{"text", failure.text}};
+    if (!failure.advice.empty()) json["advice"] = failure.advice;
+    if (failure.code) {
+        json["code"] = *failure.code;
+        json["codeText"] = CodeText(*failure.code);
+    }
+    if (failure.responseNumber) json["responseNumber"] = *failure.responseNumber;
+    if (!failure.badReply.empty()) json["badReply"] = failure.badReply;
+    return json;
+}
+
+void Write(std::FILE* stream, std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stream);
+}
+
+}  // namespace
+
+std::string Paint::operator()(Colour colour, std::string_view text) const {
+    return enabled_ ? fmt::format("{}{}\x1b[0m", EscapeSequence(colour), text) : std::string(text);
+}
+
+Paint PaintForResults(bool noColour) {
+    return Paint(ColourWanted(platform::Stream::kOut, noColour));
+}
+Paint PaintForErrors(bool noColour) {
+    return Paint(ColourWanted(platform::Stream::kError, noColour));
+}
+
+std::string AlignedTable(const std::vector<std::vector<std::string>>& rows, const Paint& paint) {
+    std::vector<std::size_t> widths;
+    for (const auto& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (std::size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], Width(row[i]));
+    }
+
+    std::string table;
+    for (const auto& row : rows) {
+        std::string line;
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            line += row[i];
+            if (i + 1 < row.size()) line.append(widths[i] - Width(row[i]) + 2, ' ');
+        }
+        line.erase(line.find_last_not_of(' ') + 1);
+        table += (&row == &rows.front() ? paint(Colour::kBold, line) : line) + '\n';
+    }
+    return table;
+}
+
+std::string JsonDocument(std::string_view command, const Report& report) {
+    const ExitCode exit = report.failure ? report.failure->exit : ExitCode::kDone;
+    nlohmann::ordered_json document = {
+        {"version", kDocumentVersion}, {"command", command}, {"exitCode", static_cast<int>(exit)}};
+    document.update(report.data);
+    if (report.failure) document["error"] = FailureJson(*report.failure);
+    // A text that came from the command line need not be UTF-8; the document always is.
+    return document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + '\n';
+}
+
+std::string FailureText(const Failure& failure, const Paint& paint) {
+    std::string text = paint(Colour::kRed, "kestrel: ") + ForTerminal(failure.text);
+    if (failure.code) text += fmt::format(" [{}]", CodeText(*failure.code));
+    text += '\n';
+    if (!failure.badReply.empty()) {
+        text += fmt::format("  reply: {}\n", failure.badReply);
+    }
+    if (failure.responseNumber) text += fmt::format("  response number: {}\n", *failure.responseNumber);
+    if (!failure.advice.empty()) text += fmt::format("  {}\n", ForTerminal(failure.advice));
+    return text;
+}
+
+int Print(std::string_view command, const Report& report, bool json, bool noColour) {
+    if (json) {
+        Write(stdout, JsonDocument(command, report));
+    } else {
+        Write(stdout, report.text);
+        std::fflush(stdout);
+        if (report.failure) Write(stderr, FailureText(*report.failure, PaintForErrors(noColour)));
+    }
+    const ExitCode exit = report.failure ? report.failure->exit : ExitCode::kDone;
+    // A full disk behind a redirection must not look like success.
+    const bool complete = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    if (!complete && exit == ExitCode::kDone) {
+        Write(stderr, "kestrel: the results could not be written to standard output\n");
+        return static_cast<int>(ExitCode::kOwnFault);
+    }
+    return static_cast<int>(exit);
+}
+
+}  // namespace cli

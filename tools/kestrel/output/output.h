@@ -1,0 +1,50 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kestrel/failure.h"
+
+namespace cli {
+
+// What a command has to say. A failure may stand beside results: those had before it are shown all the same.
+struct Report final {
+    std::string text;                                                // for people, with its line ends
+    nlohmann::ordered_json data = nlohmann::ordered_json::object();  // fields of the JSON document
+    std::optional<Failure> failure;
+};
+
+enum class Colour { kBold, kDim, kRed };
+
+// Marks a text for a terminal, or leaves it alone.
+class Paint final {
+  public:
+    explicit Paint(bool enabled) : enabled_(enabled) {}
+    [[nodiscard]] std::string operator()(Colour colour, std::string_view text) const;
+
+  private:
+    bool enabled_;
+};
+
+// Colours are for terminals, and for people who have not asked to be spared (--no-color, NO_COLOR).
+[[nodiscard]] Paint PaintForResults(bool noColour);
+[[nodiscard]] Paint PaintForErrors(bool noColour);
+
+// Lines of aligned columns; the first row is the heading. The last column is not padded.
+[[nodiscard]] std::string AlignedTable(const std::vector<std::vector<std::string>>& rows, const Paint& paint);
+
+// The document of --json: version, command, exit code, the command's fields, the error if there is one.
+[[nodiscard]] std::string JsonDocument(std::string_view command, const Report& report);
+
+// The error for people: text, code, the reply that was judged bad, advice.
+[[nodiscard]] std::string FailureText(const Failure& failure, const Paint& paint);
+
+// Results to standard output, the failure to standard error (or both in one document); returns the exit
+// status.
+int Print(std::string_view command, const Report& report, bool json, bool noColour);
+
+}  // namespace cli

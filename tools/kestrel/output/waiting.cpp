@@ -1,0 +1,42 @@
+#include "kestrel/output/waiting.h"
+
+#include <fmt/format.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <mutex>
+
+#include "kestrel/platform.h"
+
+namespace cli {
+namespace {
+
+constexpr std::chrono::milliseconds kTick(250);
+constexpr const char* kEraseLine = "\r\x1b[K";
+
+}  // namespace
+
+Waiting::Waiting(std::string what, bool wanted) : what_(std::move(what)) {
+    if (wanted && platform::IsTerminal(platform::Stream::kError))
+        thread_ = std::jthread([this](const std::stop_token& stop) { Show(stop); });
+}
+
+Waiting::~Waiting() = default;
+
+void Waiting::Show(const std::stop_token& stop) const {
+    const auto start = std::chrono::steady_clock::now();
+    std::mutex mutex;
+    std::condition_variable_any ended;
+    std::unique_lock lock(mutex);
+    while (!stop.stop_requested()) {
+        const auto passed =
+            std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start);
+        fmt::print(stderr, "{}{} ... {} s", kEraseLine, what_, passed.count());
+        std::fflush(stderr);
+        ended.wait_for(lock, stop, kTick, [] { return false; });
+    }
+    fmt::print(stderr, "{}", kEraseLine);
+}
+
+}  // namespace cli

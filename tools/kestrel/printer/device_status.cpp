@@ -1,0 +1,142 @@
+#include "kestrel/printer/device_status.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <iterator>
+
+#include "kestrel/text/text.h"
+
+namespace cli {
+namespace {
+
+// The layout that the product's language monitor and status monitor agree on; numbers are little-endian.
+constexpr std::size_t kBlockSize = 0;
+constexpr std::size_t kLayout = 4;
+constexpr std::size_t kProgress = 12;
+constexpr std::size_t kInkCount = 16;
+constexpr std::size_t kInks = 20;  // percent and state of each
+constexpr std::size_t kInkBytes = 8;
+constexpr std::size_t kUpperTray = 60;
+constexpr std::size_t kLowerTray = 64;
+constexpr std::size_t kPhotoTray = 68;
+constexpr std::size_t kNetworkUp = 741;
+
+constexpr std::uint32_t kWholeBlock = 1316;
+constexpr std::uint32_t kKnownLayout = 1;
+constexpr std::uint32_t kNoUpgrade = 0xFFFFFFFF;
+
+constexpr std::array<std::string_view, 5> kInkNames = {"black", "cyan", "magenta", "yellow", "photo"};
+constexpr std::array<std::string_view, 3> kInkStates = {"enough", "low", "empty"};
+
+struct StateWord {
+    std::uint32_t state;
+    std::string_view word;
+};
+constexpr std::array<StateWord, 11> kStateWords = {{{0, "ready"},
+                                                    {1, "paper-out"},
+                                                    {2, "paper-jam"},
+                                                    {3, "cover-open"},
+                                                    {4, "ink-out"},
+                                                    {5, "cartridge-missing"},
+                                                    {6, "carriage-stalled"},
+                                                    {7, "device-error"},
+                                                    {100, "offline"},
+                                                    {101, "upgrading"},
+                                                    {100000, "not-yet-known"}}};
+
+class RecordBytes final {
+  public:
+    explicit RecordBytes(const DeviceStatusRecord& record) {
+        std::memcpy(bytes_.data(), &record, bytes_.size());
+    }
+
+    [[nodiscard]] std::uint32_t Number(std::size_t offset) const {
+        std::uint32_t number = 0;
+        for (std::size_t i = 4; i-- > 0;)
+            number = number << 8 | bytes_[offset + i];
+        return number;
+    }
+    [[nodiscard]] bool Flag(std::size_t offset) const { return bytes_[offset] != 0; }
+
+  private:
+    std::array<std::uint8_t, sizeof(DeviceStatusRecord)> bytes_{};
+};
+
+std::string_view WordOf(std::uint32_t state) {
+    for (const StateWord& row : kStateWords) {
+        if (row.state == state) return row.word;
+    }
+    return "other";
+}
+
+StatusDetails ReadDetails(const RecordBytes& bytes) {
+    StatusDetails details;
+    const std::uint32_t progress = bytes.Number(kProgress);
+    if (progress != kNoUpgrade) details.upgradePercent = progress;
+    const std::size_t inks = std::min<std::size_t>(bytes.Number(kInkCount), kInkNames.size());
+    for (std::size_t i = 0; i < inks; ++i) {
+        const std::uint32_t state = bytes.Number(kInks + i * kInkBytes + 4);
+        details.inks.push_back({kInkNames[i], bytes.Number(kInks + i * kInkBytes),
+                                state < kInkStates.size() ? kInkStates[state] : "unknown"});
+    }
+    details.upperTray = bytes.Number(kUpperTray);
+    details.lowerTray = bytes.Number(kLowerTray);
+    details.photoTray = bytes.Number(kPhotoTray) != 0;
+    details.networkUp = bytes.Flag(kNetworkUp);
+    return details;
+}
+
+}  // namespace
+
+DeviceStatus ReadStatus(const DeviceStatusRecord& record) {
+    const RecordBytes bytes(record);
+    DeviceStatus status;
+    status.state = record.state;
+    status.word = WordOf(record.state);
+    // A text that fills its field has no terminator.
+    const auto end = std::find(std::begin(record.text), std::end(record.text), kestrel_char{});
+    status.text = Utf8FromWide({record.text, static_cast<std::size_t>(end - std::begin(record.text))});
+    status.onUsb = record.onUsb != 0;
+    if (bytes.Number(kBlockSize) == kWholeBlock && bytes.Number(kLayout) == kKnownLayout)
+        status.details = ReadDetails(bytes);
+    return status;
+}
+
+std::string StatusText(const DeviceStatus& status) {
+    std::string text = fmt::format("state       {} ({})\n", status.word, status.state);
+    if (!status.text.empty()) text += fmt::format("text        {}\n", ForTerminal(status.text));
+    text += fmt::format("connection  {}\n", status.onUsb ? "USB" : "network");
+    if (!status.details) return text;
+
+    const StatusDetails& details = *status.details;
+    if (details.upgradePercent) text += fmt::format("upgrade     {} %\n", *details.upgradePercent);
+    for (const InkLevel& ink : details.inks)
+        text += fmt::format("ink         {:<8} {:>3} % {}\n", ink.name, ink.percent, ink.state);
+    text += fmt::format("trays       upper {} %, lower {} %, photo tray {}\n", details.upperTray,
+                        details.lowerTray, details.photoTray ? "engaged" : "not engaged");
+    text += fmt::format("wireless    {}\n", details.networkUp ? "connected" : "not connected");
+    return text;
+}
+
+nlohmann::ordered_json StatusJson(const DeviceStatus& status) {
+    nlohmann::ordered_json json = {{"state", status.word},
+                                   {"stateNumber", status.state},
+                                   {"text", status.text},
+                                   {"connection", status.onUsb ? "usb" : "network"}};
+    if (!status.details) return json;
+
+    const StatusDetails& details = *status.details;
+    if (details.upgradePercent) json["upgradePercent"] = *details.upgradePercent;
+    json["inks"] = nlohmann::ordered_json::array();
+    for (const InkLevel& ink : details.inks)
+        json["inks"].push_back({{"name", ink.name}, {"percent", ink.percent}, {"state", ink.state}});
+    json["trays"] = {
+        {"upper", details.upperTray}, {"lower", details.lowerTray}, {"photoEngaged", details.photoTray}};
+    json["networkUp"] = details.networkUp;
+    return json;
+}
+
+}  // namespace cli

@@ -1,0 +1,80 @@
+#include "kestrel/printer/library.h"
+
+#include <fmt/format.h>
+
+#include <vector>
+
+#include "kestrel/text/text.h"
+
+namespace cli {
+namespace {
+
+constexpr DWORD kLongestPath = 32768;
+// The longest reply that the channel carries, and its terminator.
+constexpr std::size_t kReplyUnits = 65792;
+
+WideText ProgramFolder() {
+    WideText path(MAX_PATH, 0);
+    DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    while (length >= path.size() && path.size() < kLongestPath) {
+        path.resize(path.size() * 2);
+        length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    }
+    path.resize(length);
+    const std::size_t separator = path.find_last_of(TEXT("\\/"));
+    return separator == WideText::npos ? WideText() : path.substr(0, separator + 1);
+}
+
+}  // namespace
+
+Library::Library(const std::string& product) {
+    const WideText file = ProgramFolder() + WideArgument(product + "SDK.dll", "product");
+    path_ = Utf8FromWide(file);
+    module_.reset(LoadLibraryW(file.c_str()));
+    if (module_) return;
+
+    Failure failure =
+        FailureFromCode(GetLastError(), fmt::format("cannot load the library {}", path_), Exchange::kWrite);
+    failure.exit = ExitCode::kOwnFault;
+    failure.advice = "put the product's library beside this program, or name another product with --product";
+    throw failure;
+}
+
+Library::AnyFunction Library::FindAny(const char* name) const {
+    const FARPROC function = GetProcAddress(module_.get(), name);
+    if (function == nullptr) {
+        throw Failure{ExitCode::kOwnFault,
+                      fmt::format("the library {} has no function {}", path_, name),
+                      "install the library and this program from the same release",
+                      GetLastError(),
+                      {},
+                      {}};
+    }
+    return reinterpret_cast<AnyFunction>(function);
+}
+
+Failure FailureOfLastCall(const Library& library, const std::string& attempt, Exchange direction) {
+    Failure failure = FailureFromCode(GetLastError(), attempt, direction);
+    std::vector<kestrel_char> reply(kReplyUnits);
+    library.Find<decltype(GetLastBadResponse)>("GetLastBadResponse")(reply.data(), kReplyUnits);
+    const WideText wide(reply.data());
+    if (wide.empty()) return failure;
+
+    // The library has widened the reply by the code page; the way back gives the bytes that came.
+    failure.badReply = ReadableBytes(AnsiFromWide(wide).value_or(Utf8FromWide(wide)));
+    failure.responseNumber = library.Find<decltype(GetLastResponseNum)>("GetLastResponseNum")();
+    return failure;
+}
+
+Failure FailureOfLastCall(const Library& library, const Attempt& attempt) {
+    if (GetLastError() != ERROR_SUCCESS) return FailureOfLastCall(library, attempt.text, attempt.direction);
+    const CodelessFailure& codeless = attempt.codeless;
+    return {codeless.exit,
+            fmt::format("{}: {}", attempt.text, codeless.text),
+            codeless.advice,
+            {},
+            {},
+            library.Find<decltype(GetLastResponseNum)>("GetLastResponseNum")()};
+}
+
+}  // namespace cli

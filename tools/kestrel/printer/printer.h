@@ -1,0 +1,40 @@
+#pragma once
+
+#include <catalogue/rows.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "kestrel/printer/library.h"
+#include "kestrel/settings/values.h"
+
+namespace cli {
+
+struct RawReply final {
+    std::string bytes;
+    std::uint32_t responseNumber = 0;  // 0 when the reply had none
+};
+
+// One selected printer. A selection holds for the thread that made it: a Printer is used by its thread alone.
+// Every operation throws the Failure of the library's call.
+class Printer final {
+  public:
+    // An empty name lets the library choose the installed printer of the product.
+    Printer(const Library& library, const std::string& product, const std::string& name,
+            std::uint32_t timeoutMs);
+
+    [[nodiscard]] Value Get(const catalogue::Row& row) const;
+    void Set(const catalogue::Row& row, const Value& value) const;
+
+    // One request of the command language as it stands; a reply judged bad is a failure that shows it.
+    [[nodiscard]] RawReply Send(std::string_view request) const;
+
+    [[nodiscard]] const Library& GetLibrary() const { return library_; }
+
+  private:
+    const Library& library_;
+    std::uint32_t timeoutMs_;
+};
+
+}  // namespace cli

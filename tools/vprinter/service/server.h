@@ -1,0 +1,98 @@
+// One printer in service: its channel, its model and the thread that answers.
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <future>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "ipc/opl_channel.h"
+#include "kwt/win_mutex.h"
+#include "vprinter/device/model.h"
+#include "vprinter/faults/fault_script.h"
+#include "vprinter/files/control_file.h"
+#include "vprinter/files/state_file.h"
+#include "vprinter/requests/responder.h"
+#include "vprinter/trace/trace.h"
+
+namespace vprinter {
+
+/// The channel name of a printer: the product's command channel and the port.
+[[nodiscard]] WideText ChannelName(const std::string& product, const std::string& port);
+
+/// The claim of this process on one printer. A printer is served by one process at a time; the claim of a
+/// process that died counts for nothing. Taken and given up by one thread.
+class PrinterClaim final {
+  public:
+    explicit PrinterClaim(const WideText& channelName);
+
+    /// False when a living process serves the printer.
+    [[nodiscard]] bool Take();
+
+  private:
+    kwt::WinMutex mutex_;
+};
+
+class PrinterServer final {
+  public:
+    /// What several printers of one process have in common; outlives the servers.
+    struct Shared {
+        Trace& trace;
+        StateFile* state;                 // null: nothing is kept
+        std::string controlFile;          // empty: nothing changes from outside
+        std::function<void()> onFailure;  // a printer cannot go on; called on its thread
+    };
+
+    PrinterServer(std::string port, WideText channelName, DeviceModel model, FaultScript faults,
+                  Shared shared);
+    PrinterServer(const PrinterServer&) = delete;
+    PrinterServer& operator=(const PrinterServer&) = delete;
+    /// Stops first.
+    ~PrinterServer();
+
+    [[nodiscard]] const std::string& Port() const { return port_; }
+
+    /// Opens the channel and serves it on a thread of its own. The future tells whether the channel opened.
+    [[nodiscard]] std::future<bool> Start();
+    /// Ends a wait or a delayed answer, closes the channel and returns when the thread has ended.
+    void Stop();
+
+    [[nodiscard]] bool HasFailed() const { return failed_; }
+
+  private:
+    struct Turn;
+
+    void Serve(std::promise<bool> opened);
+    void ServeRequests();
+    void AnswerRequest(std::string_view request);
+    void CarryOut(Turn& turn);
+    void SendReply(Turn& turn);
+    [[nodiscard]] uint32_t Post(const Turn& turn);
+    [[nodiscard]] bool WaitUnlessStopped(uint32_t milliseconds);
+    void WriteTrace(const Turn& turn);
+    void ApplyControl();
+    void KeepState();
+    void Fail(const std::string& what);
+
+    std::string port_;
+    WideText channelName_;
+    DeviceModel model_;
+    Responder responder_;
+    FaultScript faults_;
+    Shared shared_;
+    ControlFile control_;
+    uint64_t savedRevision_;
+
+    ipc::OPLChannel channel_;
+    std::string faultyReply_;
+    std::thread thread_;
+    std::atomic<bool> failed_ = false;
+    std::atomic<bool> stopping_ = false;
+    std::mutex stopLock_;
+    std::condition_variable stopSignal_;
+};
+
+}  // namespace vprinter
