@@ -2,10 +2,7 @@
 //
 //   kestrel_fuzz --target=NAME [libFuzzer's options] [CORPUS...]
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
 #include <string_view>
-#include <system_error>
 
 #include "own_folder.h"
 #include "targets.h"
@@ -23,13 +20,7 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
         if (argument.starts_with(kOption)) chosen = fuzz::FindTarget(argument.substr(kOption.size()));
     }
     fuzz::Require(chosen != nullptr, "--target names a target");
-    static const std::filesystem::path folder = MakeOwnFolder();
-    fuzz::Require(!folder.empty(), "a folder for the target's files");
-    // The fuzzer comes back from its work by exit alone.
-    std::atexit([] {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder, ignored);
-    });
+    static const OwnFolder folder;  // goes by exit alone, by which the fuzzer comes back
     return 0;
 }
 

@@ -14,12 +14,11 @@ struct Target {
 };
 
 [[nodiscard]] std::span<const Target> TextTargets();
-[[nodiscard]] std::span<const Target> ReplyTargets();
 [[nodiscard]] std::span<const Target> FileTargets();
 
 /// Null for an unknown name.
 [[nodiscard]] inline const Target* FindTarget(std::string_view name) {
-    for (const auto& targets : {TextTargets(), ReplyTargets(), FileTargets()})
+    for (const auto& targets : {TextTargets(), FileTargets()})
         for (const Target& target : targets)
             if (target.name == name) return &target;
     return nullptr;

@@ -3,7 +3,7 @@
 
 WINDOWS_BUILD_PACKAGES=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix googletest)
 export WINEPREFIX="$PWD/build/wineprefix" WINEDEBUG=-all LC_ALL=C.UTF-8
-export WINEDLLOVERRIDES="mscoree,mshtml=;winedbg.exe=d;winspool.drv=n,b"
+export WINEDLLOVERRIDES="mscoree,mshtml=;winedbg.exe=d"
 unset DISPLAY
 
 WINE64=/usr/lib/wine/wine64

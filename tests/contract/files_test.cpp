@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <utility>
+
 #include "support.h"
 
 TEST(Files, Attributes_tell_files_from_folders_and_say_what_is_missing) {
@@ -9,21 +11,16 @@ TEST(Files, Attributes_tell_files_from_folders_and_say_what_is_missing) {
     EXPECT_EQ(GetFileAttributesW(file.c_str()) & FILE_ATTRIBUTE_DIRECTORY, 0u);
     EXPECT_NE(GetFileAttributesW(folder.MakeFolder(TEXT("sub")).c_str()) & FILE_ATTRIBUTE_DIRECTORY, 0u);
 
-    const struct {
-        WideText path;
-        DWORD error;
-    } missing[] = {
+    const std::pair<WideText, LONG> missing[] = {
         {folder.Path(TEXT("none.ini")), ERROR_FILE_NOT_FOUND},
         {folder.Path(TEXT("none/file.ini")), ERROR_PATH_NOT_FOUND},
         {folder.Path(TEXT("file.ini/below")), ERROR_PATH_NOT_FOUND},
         {folder.Path(TEXT("wild*card")), ERROR_INVALID_NAME},
         {WideText(), ERROR_PATH_NOT_FOUND},
     };
-    for (const auto& row : missing) {
-        SetLastError(0);
-        EXPECT_EQ(GetFileAttributesW(row.path.c_str()), INVALID_FILE_ATTRIBUTES);
-        EXPECT_EQ(GetLastError(), row.error);
-    }
+    for (const auto& [path, error] : missing)
+        EXPECT_EQ(error,
+                  ErrorOf([&] { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }));
 }
 
 TEST(Files, Both_separators_lead_to_the_file) {
@@ -50,19 +47,14 @@ TEST(Files, An_existing_file_opens_for_reading_and_its_handle_closes_once) {
 
 TEST(Files, What_cannot_be_opened_gives_the_invalid_handle_and_the_reason) {
     const TempFolder folder;
-    const struct {
-        WideText path;
-        DWORD error;
-    } rows[] = {
+    const std::pair<WideText, LONG> rows[] = {
         {folder.Path(TEXT("none.inf")), ERROR_FILE_NOT_FOUND},
         {folder.Path(TEXT("none/a.inf")), ERROR_PATH_NOT_FOUND},
         {folder.MakeFolder(TEXT("sub")), ERROR_ACCESS_DENIED},
     };
-    for (const auto& row : rows) {
-        SetLastError(0);
-        const HANDLE file =
-            CreateFileW(row.path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-        EXPECT_EQ(file, INVALID_HANDLE_VALUE);
-        EXPECT_EQ(GetLastError(), row.error);
-    }
+    for (const auto& [path, error] : rows)
+        EXPECT_EQ(error, ErrorOf([&] {
+                      return CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                         0, nullptr) != INVALID_HANDLE_VALUE;
+                  }));
 }

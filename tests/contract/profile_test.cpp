@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "support.h"
@@ -98,10 +99,7 @@ TEST(Profile, A_missing_or_empty_section_has_no_lines_and_is_no_error) {
 TEST(Profile, Values_lose_their_blanks_and_one_pair_of_quotes) {
     const TempFolder folder;
     const WideText path = folder.WriteFile(TEXT("p.ini"), kFile);
-    const struct {
-        const WCHAR* key;
-        const WCHAR* value;
-    } rows[] = {
+    const std::pair<const WCHAR*, const WCHAR*> rows[] = {
         {TEXT("k2"), TEXT("v2")},           {TEXT("K2"), TEXT("v2")},
         {TEXT(" k2 "), TEXT("v2")},         {TEXT("quoted"), TEXT(" a ")},
         {TEXT("single"), TEXT("s")},        {TEXT("open"), TEXT("\"half")},
@@ -111,8 +109,8 @@ TEST(Profile, Values_lose_their_blanks_and_one_pair_of_quotes) {
         {TEXT("absent"), TEXT("")},         {TEXT("never"), TEXT("")},
         {TEXT("stray"), TEXT("")},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(Value(path, TEXT("PRINTERS"), row.key), row.value);
+    for (const auto& [key, value] : rows)
+        EXPECT_EQ(Value(path, TEXT("PRINTERS"), key), value);
 }
 
 TEST(Profile, Every_line_ending_and_byte_order_mark_is_read) {
@@ -181,37 +179,31 @@ TEST(Profile, A_long_value_is_cut_to_the_buffer) {
 
 TEST(Profile, A_file_that_cannot_be_read_gives_nothing_and_the_reason) {
     const TempFolder folder;
-    const struct {
-        WideText path;
-        DWORD error;
-    } rows[] = {
+    const std::pair<WideText, DWORD> rows[] = {
         {folder.Path(TEXT("none.ini")), ERROR_FILE_NOT_FOUND},
         {folder.Path(TEXT("none/p.ini")), ERROR_PATH_NOT_FOUND},
         {folder.MakeFolder(TEXT("sub")), ERROR_ACCESS_DENIED},
     };
-    for (const auto& row : rows) {
+    for (const auto& [path, error] : rows) {
         SetLastError(0);
-        EXPECT_TRUE(Lines(row.path, TEXT("S")).empty());
-        EXPECT_EQ(GetLastError(), row.error);
-        EXPECT_EQ(Value(row.path, TEXT("S"), TEXT("k")), WideText());
+        EXPECT_TRUE(Lines(path, TEXT("S")).empty());
+        EXPECT_EQ(GetLastError(), error);
+        EXPECT_EQ(Value(path, TEXT("S"), TEXT("k")), WideText());
     }
 }
 
 TEST(Profile, Numbers_are_read_as_far_as_they_go) {
     const TempFolder folder;
-    const struct {
-        const char* text;
-        UINT number;
-    } rows[] = {
+    const std::pair<const char*, UINT> rows[] = {
         {"12", 12},  {"-5", 0xFFFFFFFBu},    {"+7", 7},
         {"  9 ", 9}, {"12abc", 12},          {"abc", 0},
         {"", 1024},  {"0x10", 16},           {"0X1F", 0},
         {"010", 10}, {"-0x10", 0xFFFFFFF0u}, {"4294967295", 0xFFFFFFFFu},
         {"- 4", 0},  {"4294967296", 0},      {"\"33\"", 33},
     };
-    for (const auto& row : rows) {
-        const WideText path = folder.WriteFile(TEXT("p.ini"), std::string("[S]\nk=") + row.text + "\n");
-        EXPECT_EQ(GetPrivateProfileIntW(TEXT("S"), TEXT("k"), 1024, path.c_str()), row.number) << row.text;
+    for (const auto& [text, number] : rows) {
+        const WideText path = folder.WriteFile(TEXT("p.ini"), std::string("[S]\nk=") + text + "\n");
+        EXPECT_EQ(GetPrivateProfileIntW(TEXT("S"), TEXT("k"), 1024, path.c_str()), number) << text;
         EXPECT_EQ(GetPrivateProfileIntW(TEXT("S"), TEXT("other"), -3, path.c_str()), 0xFFFFFFFDu);
     }
 }

@@ -9,7 +9,7 @@
 
 #include "child.h"
 #include "handle_support.h"
-#include "own_home.h"
+#include "own_folder.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <windows.h>
 #include <winspool.h>
 
-#include <string>
+#include <utility>
 #include <vector>
 
 #include "on_wine.h"
@@ -135,20 +135,18 @@ TEST_F(Spooler, The_list_is_in_order_of_the_names_and_asks_for_its_size_first) {
 }
 
 TEST_F(Spooler, A_printer_keeps_what_it_was_added_with_and_takes_another_port) {
-    const struct {
-        const WCHAR* port;
-        DWORD attributes;
-    } rows[] = {{TEXT("USB001"), 0x840}, {TEXT("IP_192.168.0.5"), 0x40}, {TEXT("USB001,USB002"), 0x800}};
+    const std::pair<const WCHAR*, DWORD> rows[] = {
+        {TEXT("USB001"), 0x840}, {TEXT("IP_192.168.0.5"), 0x40}, {TEXT("USB001,USB002"), 0x800}};
     const HANDLE printer = AddForTest(TEXT("ZR Ports"), TEXT("LPT9"));
-    for (const auto& row : rows) {
-        PRINTER_INFO_2W info = Info(TEXT("ZR Ports"), row.port);
-        info.Attributes = row.attributes;
+    for (const auto& [port, attributes] : rows) {
+        PRINTER_INFO_2W info = Info(TEXT("ZR Ports"), port);
+        info.Attributes = attributes;
         ASSERT_TRUE(SetPrinterW(printer, 2, reinterpret_cast<LPBYTE>(&info), 0));
         const Record record = Read(printer);
         EXPECT_EQ(WideText((*record).pPrinterName), TEXT("ZR Ports"));
         EXPECT_EQ(WideText((*record).pDriverName), kDriver);
-        EXPECT_EQ(WideText((*record).pPortName), row.port);
-        EXPECT_EQ((*record).Attributes & 0x840, row.attributes);
+        EXPECT_EQ(WideText((*record).pPortName), port);
+        EXPECT_EQ((*record).Attributes & 0x840, attributes);
     }
 }
 
@@ -164,21 +162,15 @@ TEST_F(Spooler, Printers_open_by_name_without_case) {
 }
 
 TEST_F(Spooler, Names_that_are_no_printer_are_refused) {
-    const struct {
-        WideText name;
-        DWORD error;
-    } rows[] = {
+    const std::pair<WideText, LONG> rows[] = {
         {TEXT("ZR None"), ERROR_INVALID_PRINTER_NAME},
         {TEXT("\\\\server\\printer"), ERROR_INVALID_PRINTER_NAME},
         {WideText(300, 'x'), ERROR_INVALID_PRINTER_NAME},
         {WideText(), ERROR_INVALID_PARAMETER},
         {TEXT(",XcvMonitor No Such Monitor"), ERROR_UNKNOWN_PORT},
     };
-    for (const auto& row : rows) {
-        SetLastError(0);
-        EXPECT_EQ(Open(row.name.c_str()), nullptr);
-        EXPECT_EQ(GetLastError(), row.error);
-    }
+    for (const auto& [name, error] : rows)
+        EXPECT_EQ(ErrorOf([&] { return Open(name.c_str()) != nullptr; }), error);
 }
 
 TEST_F(Spooler, Handles_that_are_no_open_printer_are_refused) {

@@ -100,7 +100,7 @@ TEST(Text, Refused_arguments_leave_their_error) {
         int length;
         bool buffer;
         int capacity;
-        DWORD error;
+        LONG error;
     };
     const Row rows[] = {
         {"no text", 0, false, -1, true, 8, ERROR_INVALID_PARAMETER},
@@ -114,16 +114,15 @@ TEST(Text, Refused_arguments_leave_their_error) {
         SCOPED_TRACE(row.what);
         WCHAR wide[8] = {};
         char narrow[8] = {};
-        SetLastError(0);
-        int count = MultiByteToWideChar(CP_ACP, row.flags, row.text ? "abc" : nullptr, row.length,
-                                        row.buffer ? wide : nullptr, row.capacity);
-        EXPECT_EQ(count, 0);
-        EXPECT_EQ(GetLastError(), row.error);
-        SetLastError(0);
-        count = WideCharToMultiByte(CP_ACP, row.flags, row.text ? TEXT("abc") : nullptr, row.length,
-                                    row.buffer ? narrow : nullptr, row.capacity, nullptr, nullptr);
-        EXPECT_EQ(count, 0);
-        EXPECT_EQ(GetLastError(), row.error);
+        EXPECT_EQ(row.error, ErrorOf([&] {
+                      return MultiByteToWideChar(CP_ACP, row.flags, row.text ? "abc" : nullptr, row.length,
+                                                 row.buffer ? wide : nullptr, row.capacity);
+                  }));
+        EXPECT_EQ(row.error, ErrorOf([&] {
+                      return WideCharToMultiByte(CP_ACP, row.flags, row.text ? TEXT("abc") : nullptr,
+                                                 row.length, row.buffer ? narrow : nullptr, row.capacity,
+                                                 nullptr, nullptr);
+                  }));
     }
 }
 

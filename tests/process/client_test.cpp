@@ -55,6 +55,27 @@ TEST_F(Client, Exit_codes_have_one_meaning_each) {
     EXPECT_EQ(4, Run({"--timeout", "200ms", "get", "fax.redials"}).code);
 }
 
+TEST_F(Client, A_lock_keeps_other_programs_out_until_it_is_given_back_or_its_holder_dies) {
+    StartPrinter();
+    for (const bool isKilled : {false, true}) {
+        ChildProcess holder({KESTREL_CLIENT, "-p", "P", "--json", "lock"});
+        int code = 0;
+        for (int i = 0; i < 50 && code != 5; ++i) {
+            Sleep(100);
+            code = RunClient({"-p", "P", "set", "fax.redials", "4"}).code;
+        }
+        EXPECT_EQ(5, code);
+        if (isKilled) {
+            holder.Kill();
+        } else {
+            holder.WriteLine("");
+            EXPECT_NE(std::string::npos, holder.ReadAll().find("\"endedBy\": \"enter\""));
+        }
+        holder.Wait();
+        WithPrinter([] { EXPECT_EQ(kDone, Ended(SetFaxRedials(4, kLong))); });
+    }
+}
+
 TEST_F(Client, Json_is_one_document_with_the_exit_code_inside) {
     StartPrinter();
     const auto good = tools::Json::Parse(Run({"--json", "get", "fax.redials"}).output);

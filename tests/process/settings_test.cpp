@@ -6,27 +6,13 @@
 #include <cstring>
 #include <tuple>
 
-#include "catalogue/rows.h"
+#include "export_call.h"
 #include "installed_printer.h"
 #include "recording_monitor.h"
 
 namespace {
 
 using namespace std::string_literals;
-
-template <typename... Arguments>
-kestrel_bool Call(const char* name, Arguments... arguments) {
-    static HMODULE library = GetModuleHandleW(TEXT("ZRIJ9900SDK.dll"));
-    void* const address = reinterpret_cast<void*>(GetProcAddress(library, name));
-    return reinterpret_cast<kestrel_bool (*)(Arguments...)>(address)(arguments...);
-}
-
-// A number of any width is an argument of 32 bits, and a pointer is one whatever it points to.
-template <typename Value>
-kestrel_bool Call(const catalogue::Row& row, const char* function, Value value) {
-    if (row.index < 0) return Call(function, value, kLong);
-    return Call(function, static_cast<uint32_t>(row.index), value, kLong);
-}
 
 size_t WidthOf(catalogue::Type type) {
     switch (type) {
@@ -53,17 +39,17 @@ std::vector<int> ValuesOf(const catalogue::Row& row) {
 void ExpectNumbersTaken(const catalogue::Row& row) {
     for (const int value : ValuesOf(row)) {
         SCOPED_TRACE(value);
-        EXPECT_EQ(kDone, Ended(Call(row, row.setter, value)));
+        EXPECT_EQ(kDone, Ended(CallExport(row, row.setter, value, kLong)));
         if (!row.CanRead()) continue;
         std::array<uint8_t, 8> found;
         found.fill(0x55);
         std::array<uint8_t, 8> expected = found;
         std::memcpy(expected.data(), &value, WidthOf(row.readType));
-        EXPECT_EQ(kDone, Ended(Call(row, row.getter, found.data())));
+        EXPECT_EQ(kDone, Ended(CallExport(row, row.getter, found.data(), kLong)));
         EXPECT_EQ(expected, found);
     }
     if (row.readType == catalogue::Type::Enum) {
-        EXPECT_EQ(87u, Ended(Call(row, row.setter, 99)));
+        EXPECT_EQ(87u, Ended(CallExport(row, row.setter, 99, kLong)));
     }
 }
 
@@ -71,8 +57,8 @@ void ExpectTextsTaken(const catalogue::Row& row) {
     for (const kestrel_char* text : {TEXT("a;b&c=d,e"), TEXT("plain"), TEXT("")}) {
         // The units behind the documented buffer must stay as they are.
         std::vector<kestrel_char> buffer(row.bufferBytes / sizeof(kestrel_char) + 4, TEXT('#'));
-        EXPECT_EQ(kDone, Ended(Call(row, row.setter, text)));
-        EXPECT_EQ(kDone, Ended(Call(row, row.getter, buffer.data())));
+        EXPECT_EQ(kDone, Ended(CallExport(row, row.setter, text, kLong)));
+        EXPECT_EQ(kDone, Ended(CallExport(row, row.getter, buffer.data(), kLong)));
         EXPECT_EQ(WideText(text), buffer.data());
         EXPECT_EQ(WideText(4, TEXT('#')), WideText(buffer.end() - 4, buffer.end()));
     }
@@ -87,7 +73,7 @@ TEST_F(Settings, Every_row_goes_both_ways) {
             SCOPED_TRACE(std::string(row.name));
             alignas(8) std::array<uint8_t, 512> value{};
             if (!row.CanWrite())
-                EXPECT_EQ(kDone, Ended(Call(row, row.getter, value.data())));
+                EXPECT_EQ(kDone, Ended(CallExport(row, row.getter, value.data(), kLong)));
             else if (row.readType == catalogue::Type::Text)
                 ExpectTextsTaken(row);
             else

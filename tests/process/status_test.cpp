@@ -8,6 +8,7 @@
 
 #include "installed_status_monitor.h"
 #include "recording_monitor.h"
+#include "registry_value.h"
 
 namespace {
 
@@ -136,28 +137,20 @@ TEST_F(Windows, Wanted_by_several_processes_at_once_start_one_status_monitor) {
 
 TEST_F(Windows, The_display_mode_is_kept_for_the_user_where_the_configuration_says) {
     const WCHAR* const value = TEXT("AlwaysShowStatus");
+    const WCHAR* const kept = TEXT("Software\\ZRIJ9900\\Status Monitor");
     // An earlier run's choices live on where the registry is the system's.
     RegDeleteTreeW(HKEY_CURRENT_USER, TEXT("Software\\ZRIJ9900"));
     RegDeleteValueW(HKEY_CURRENT_USER, value);
-    const auto stored = [value](const WCHAR* path) {
-        DWORD number = 77;
-        DWORD size = sizeof(number);
-        HKEY key = nullptr;
-        if (RegOpenKeyW(HKEY_CURRENT_USER, path, &key) != ERROR_SUCCESS) return number;
-        RegQueryValueExW(key, value, nullptr, nullptr, reinterpret_cast<BYTE*>(&number), &size);
-        RegCloseKey(key);
-        return number;
-    };
     // Without a configuration it is the root of the user's hive.
     EXPECT_TRUE(GetStatusMonitorDisplayMode());
     EXPECT_TRUE(SetStatusMonitorDisplayMode(2));
-    EXPECT_EQ(0u, stored(TEXT("")));
+    EXPECT_EQ(0, RegistryNumber(HKEY_CURRENT_USER, TEXT(""), value));
     EXPECT_FALSE(GetStatusMonitorDisplayMode());
     WithPrinter([&] {
         EXPECT_TRUE(GetStatusMonitorDisplayMode()) << "nothing is stored there yet";
         for (const int mode : {-1, 1}) {
             EXPECT_TRUE(SetStatusMonitorDisplayMode(mode));
-            EXPECT_EQ(mode == 1 ? 1u : 0u, stored(TEXT("Software\\ZRIJ9900\\Status Monitor")));
+            EXPECT_EQ(mode == 1, RegistryNumber(HKEY_CURRENT_USER, kept, value));
         }
         EXPECT_TRUE(GetStatusMonitorDisplayMode());
     });

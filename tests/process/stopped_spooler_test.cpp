@@ -1,4 +1,4 @@
-// A spooler that is down. On Windows a stand-in beside this program can be; on winport the spooler itself.
+// A spooler that is down: on winport a value in the registry stops it.
 #include <kestrel/sdk.h>
 #include <windows.h>
 

@@ -1,4 +1,4 @@
-#include "failing_calls.h"
+#include "failing.h"
 
 #include <dlfcn.h>
 #include <fcntl.h>

@@ -3,7 +3,6 @@
 //
 //   failing_scenarios SEED SAMPLES [NAME]     SAMPLES: calls that fail of each scenario and kind; 0: all
 #include <kestrel/sdk.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <windows.h>
 
@@ -17,8 +16,8 @@
 #include <random>
 #include <string>
 
-#include "failing_calls.h"
-#include "scenarios.h"
+#include "failing.h"
+#include "forked.h"
 
 namespace {
 
@@ -60,12 +59,7 @@ int Try(const Scenario& scenario, Kind kind, long nth, bool forever, int error, 
 
 template <typename Body>
 int InChild(Body body) {
-    std::fflush(stdout);
-    const pid_t child = fork();
-    if (child == 0) _exit(body());
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return Forked(body).Wait();
 }
 
 struct Totals {
@@ -97,7 +91,7 @@ void TryCalls(const Scenario& scenario, Kind kind, bool forever, long samples, s
         ++totals.tried;
         if (verdict == kSurvived || verdict == kNotReached) continue;
         ++totals.faults;
-        std::printf("%s, %s call %ld %s with %d: verdict %d\n", scenario.name,
+        std::printf("%s, %s call %ld %s with %d: verdict %d\n", scenario.name.c_str(),
                     kind == Kind::Allocation ? "allocation" : "system", nth,
                     forever ? "and all behind it" : "once", error, verdict);
     }
@@ -111,10 +105,11 @@ int main(int argc, char** argv) {
     const long samples = std::atol(argv[2]);
     setvbuf(stdout, nullptr, _IOLBF, 0);
     Totals totals;
-    for (const Scenario& scenario : Scenarios()) {
-        if (argc > 3 && std::string(argv[3]) != scenario.name) continue;
+    const std::vector<Scenario> scenarios = Scenarios();
+    for (const Scenario& scenario : scenarios) {
+        if (argc > 3 && scenario.name != argv[3]) continue;
         if (InChild([&] { return scenario.run() ? 1 : 0; }) != 1) {
-            std::printf("%s does not even succeed by itself\n", scenario.name);
+            std::printf("%s does not even succeed by itself\n", scenario.name.c_str());
             ++totals.faults;
             continue;
         }
@@ -122,7 +117,7 @@ int main(int argc, char** argv) {
             for (const bool forever : {false, true})
                 TryCalls(scenario, kind, forever, samples, random, totals);
     }
-    std::printf("%zu scenarios, %ld calls that failed, %ld faults\n", Scenarios().size(), totals.tried,
+    std::printf("%zu scenarios, %ld calls that failed, %ld faults\n", scenarios.size(), totals.tried,
                 totals.faults);
     return totals.faults == 0 ? 0 : 1;
 }

@@ -18,6 +18,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 using winport::ObjectKind;
 
 struct ChannelObject {
@@ -53,7 +54,7 @@ std::string PageOf(const std::string& name, ObjectKind kind, uint64_t dataSize, 
 
 struct Opened {
     bool done = false;
-    long error = -1;
+    long error = 0;
 };
 
 class Objects : public testing::Test {
@@ -69,12 +70,15 @@ class Objects : public testing::Test {
 
     // In a process of its own; `prefix`: what starts it.
     Opened Open(const std::string& name, std::vector<std::string> prefix = {}) const {
-        for (const std::string& word : {std::string(CHANNEL_STEPPER), std::string("open"), name})
+        for (const std::string& word : {std::string(CHANNEL_CLIENT), name, "1"s, "0"s, "0"s})
             prefix.push_back(word);
         ChildProcess opener(prefix, {{"WINPORT_HOME", home_}});
         std::istringstream line(opener.ReadLine().value_or(""));
+        std::string word;
         Opened opened;
-        line >> opened.done >> opened.error;
+        line >> word >> opened.error;
+        opened.done = word == "ready";
+        opener.WriteLine("close");
         EXPECT_EQ(0, opener.Wait()) << name;
         return opened;
     }

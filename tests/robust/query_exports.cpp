@@ -1,17 +1,8 @@
 #include "query_exports.h"
 
-#include <kestrel/sdk.h>
-#include <windows.h>
+#include "export_call.h"
 
 namespace {
-
-template <typename... Arguments>
-bool Call(const char* name, Arguments... arguments) {
-    static const HMODULE library = GetModuleHandleW(TEXT("ZRIJ9900SDK.dll"));
-    using Function = kestrel_bool (*)(Arguments...);
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)))(arguments...) !=
-           0;
-}
 
 size_t OutBytes(const catalogue::Row& row) {
     switch (row.readType) {
@@ -30,8 +21,7 @@ size_t OutBytes(const catalogue::Row& row) {
 
 QueryExport GetterOf(const catalogue::Row& row) {
     const auto call = [&row](uint8_t* out, uint32_t timeoutMs) {
-        return row.index < 0 ? Call(row.getter, out, timeoutMs)
-                             : Call(row.getter, static_cast<uint32_t>(row.index), out, timeoutMs);
+        return CallExport(row, row.getter, out, timeoutMs) != 0;
     };
     const bool clears = row.readType != catalogue::Type::Enum && row.readType != catalogue::Type::Text;
     return {row.getter, OutBytes(row), call, &row, clears};

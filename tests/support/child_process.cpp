@@ -12,7 +12,7 @@ ChildProcess::ChildProcess(std::vector<std::string> commandLine, const Environme
     for (const auto& [name, value] : extra)
         commandLine.insert(commandLine.begin(), name + '=' + value);
     if (!extra.empty()) commandLine.insert(commandLine.begin(), "/usr/bin/env");
-    program_ = RunningProgram::Start(commandLine);
+    Start(std::move(commandLine));
 }
 
 ChildProcess& ChildProcess::operator=(ChildProcess&& other) noexcept {
@@ -23,14 +23,16 @@ ChildProcess& ChildProcess::operator=(ChildProcess&& other) noexcept {
 }
 
 ChildProcess::~ChildProcess() {
-    if (!IsRunning()) return;
-    Kill();
-    Wait();
+    if (IsRunning()) {
+        Kill();
+        Wait();
+    }
+    if (WasStarted()) Close();
 }
 
 bool ChildProcess::IsRunning() {
-    if (program_ == nullptr || exitCode_) return false;
-    exitCode_ = program_->ExitCode();
+    if (!WasStarted() || exitCode_) return false;
+    exitCode_ = ExitCode();
     return !exitCode_;
 }
 
@@ -43,12 +45,12 @@ std::optional<std::string> ChildProcess::ReadLine(std::chrono::milliseconds pati
             return line;
         }
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
-        if (left.count() <= 0 || !program_->Read(pending_, left)) return std::nullopt;
+        if (left.count() <= 0 || !Read(left)) return std::nullopt;
     }
 }
 
 std::string ChildProcess::ReadAll() {
-    while (program_->Read(pending_, std::chrono::seconds(60))) {
+    while (Read(std::chrono::seconds(60))) {
     }
     return std::exchange(pending_, {});
 }
@@ -58,7 +60,7 @@ int ChildProcess::Wait(std::chrono::milliseconds patience) {
     bool isLate = false;
     while (IsRunning()) {
         isLate = isLate || Clock::now() >= deadline;
-        if (isLate) program_->Kill();
+        if (isLate) Act(Action::Kill);
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
     return isLate ? -1 : exitCode_.value_or(-1);

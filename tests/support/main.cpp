@@ -24,9 +24,6 @@ class NothingLeftOpen final : public testing::EmptyTestEventListener {
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     testing::UnitTest::GetInstance()->listeners().Append(new NothingLeftOpen);
-    const std::filesystem::path folder = MakeOwnFolder();
-    if (folder.empty()) return 1;
-    const int result = RUN_ALL_TESTS();
-    std::filesystem::remove_all(folder);
-    return result;
+    const OwnFolder folder;
+    return RUN_ALL_TESTS();
 }

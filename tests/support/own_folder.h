@@ -5,9 +5,29 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <system_error>
 
-std::filesystem::path MakeOwnFolder();
+// Sets a variable of this process's environment, for its run-time and the programs that it starts.
+void SetVariable(const char* name, const std::string& value);
 
 // What this process has open, but for what it keeps from the first use to its end. On Windows nothing: the
 // system's own libraries open and close handles as they like.
 std::set<std::string> OpenFiles();
+
+// Made before the first Windows call. Where objects, registry and printers are the system's, suites run one
+// after the other.
+class OwnFolder final {
+  public:
+    OwnFolder() : path_(Make()) { SetVariable("KESTREL_TEST_FOLDER", path_.string()); }
+    ~OwnFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    OwnFolder(const OwnFolder&) = delete;
+    OwnFolder& operator=(const OwnFolder&) = delete;
+
+  private:
+    static std::filesystem::path Make();
+
+    const std::filesystem::path path_;
+};

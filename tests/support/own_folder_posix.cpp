@@ -1,15 +1,19 @@
-#include <cstdlib>
-#include <system_error>
+#include <stdlib.h>
+
+#include <cerrno>
 
 #include "own_folder.h"
 
-std::filesystem::path MakeOwnFolder() {
+std::filesystem::path OwnFolder::Make() {
     // Where kernel objects lie by default too: in memory.
     std::string folder = "/dev/shm/kestrel-test-XXXXXX";
-    if (mkdtemp(folder.data()) == nullptr) return {};
-    setenv("WINPORT_HOME", folder.c_str(), 1);
-    setenv("KESTREL_TEST_FOLDER", folder.c_str(), 1);
+    if (mkdtemp(folder.data()) == nullptr) throw std::system_error(errno, std::generic_category(), folder);
+    SetVariable("WINPORT_HOME", folder);
     return folder;
+}
+
+void SetVariable(const char* name, const std::string& value) {
+    setenv(name, value.c_str(), 1);
 }
 
 std::set<std::string> OpenFiles() {

@@ -1,8 +1,5 @@
 // What lies in the object folder is not always what winport put there.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -11,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "forked.h"
 #include "handle_support.h"
 
 namespace {
@@ -79,17 +77,14 @@ TEST(Object_files, A_forked_child_shares_the_objects_and_keeps_them_alive) {
     Handle event = ManualEvent(name);
     const Handle mutex = Mutex(FreshName());
     WaitForSingleObject(mutex.Get(), 0);
-    const pid_t child = fork();
-    if (child == 0) {
+    Forked child([&] {
         const bool owns = ReleaseMutex(mutex.Get()) != FALSE;
         const bool waited = WaitForSingleObject(event.Get(), 5000) == WAIT_OBJECT_0;
         const Handle own = AutoEvent(FreshName());
-        _exit(!owns && waited && own ? 0 : 1);
-    }
+        return !owns && waited && own ? 0 : 1;
+    });
     SetEvent(event.Get());
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(0, status);
+    EXPECT_EQ(0, child.Wait());
     EXPECT_TRUE(ReleaseMutex(mutex.Get()));
 }
 

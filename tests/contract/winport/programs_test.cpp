@@ -11,9 +11,10 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 
 #include "forked.h"
-#include "support.h"
+#include "program.h"
 
 namespace {
 
@@ -26,22 +27,15 @@ class FoundPrograms : public testing::Test {
     }
 
     // The last-error value of the start; 0 once the program has ended well.
-    DWORD Run(WideText commandLine, DWORD flags = DETACHED_PROCESS) {
-        STARTUPINFOW startup = {};
-        PROCESS_INFORMATION info = {};
-        if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, flags, nullptr,
-                            folder_.Path(TEXT(".")).c_str(), &startup, &info))
-            return GetLastError();
-        EXPECT_EQ(WaitForInputIdle(info.hProcess, 0), 0u);
-        EXPECT_EQ(WaitForSingleObject(info.hThread, 10'000), WAIT_OBJECT_0);
-        DWORD code = 77;
-        EXPECT_TRUE(GetExitCodeProcess(info.hProcess, &code));
+    DWORD Run(const WideText& commandLine, DWORD flags = DETACHED_PROCESS) {
+        const Program program(commandLine, nullptr, flags, folder_.Path(TEXT(".")).c_str());
+        if (!program.Started()) return program.Error();
+        EXPECT_EQ(WaitForInputIdle(program.Process(), 0), 0u);
+        EXPECT_EQ(WaitForSingleObject(program.Thread(), 10'000), WAIT_OBJECT_0);
         // Nothing is left of it in the process table.
-        EXPECT_EQ(::waitpid(static_cast<pid_t>(info.dwProcessId), nullptr, WNOHANG), -1);
+        EXPECT_EQ(::waitpid(static_cast<pid_t>(program.Id()), nullptr, WNOHANG), -1);
         EXPECT_EQ(errno, ECHILD);
-        CloseHandle(info.hProcess);
-        CloseHandle(info.hThread);
-        return code;
+        return program.ExitCode();
     }
 
     std::string Output() {
@@ -55,10 +49,7 @@ class FoundPrograms : public testing::Test {
 TEST_F(FoundPrograms, Arguments_arrive_as_the_run_time_of_Windows_takes_them_apart) {
     MakeProgram(TEXT("show.exe"), "#!/bin/sh\nprintf '[%s]' \"$@\" > out\n");
     const WideText program = TEXT("\"") + folder_.Path(TEXT("show.exe")) + TEXT("\" ");
-    const struct {
-        const WCHAR* arguments;
-        const char* expected;
-    } rows[] = {
+    const std::pair<const WCHAR*, const char*> rows[] = {
         {TEXT("\"abc\" d  e"), "[abc][d][e]"},
         {TEXT("a\\\\\\b d\"e f\"g h"), "[a\\\\\\b][de fg][h]"},
         {TEXT("a\\\\\\\"b c d"), "[a\\\"b][c][d]"},
@@ -66,9 +57,9 @@ TEST_F(FoundPrograms, Arguments_arrive_as_the_run_time_of_Windows_takes_them_apa
         {TEXT("\"\" x"), "[][x]"},
         {TEXT("/f \"C:\\my drivers\\a.inf\" /m \"ZR IJ\""), "[/f][C:\\my drivers\\a.inf][/m][ZR IJ]"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(Run(program + row.arguments), 0u);
-        EXPECT_EQ(Output(), row.expected);
+    for (const auto& [arguments, expected] : rows) {
+        EXPECT_EQ(Run(program + arguments), 0u);
+        EXPECT_EQ(Output(), expected);
     }
 }
 
@@ -77,26 +68,22 @@ TEST_F(FoundPrograms, A_path_with_blanks_needs_no_quotes_and_the_ending_may_be_m
     MakeProgram(TEXT("my 3/mon itor.exe"), "#!/bin/sh\nprintf '%s' \"$#$1\" > out\n");
     MakeProgram(TEXT("my 3/plain"), "#!/bin/sh\nprintf plain > out\n");
     const WideText folder = folder_.Path(TEXT("my 3"));
-    const struct {
-        WideText line;
-        const char* expected;
-    } rows[] = {
+    const std::pair<WideText, const char*> rows[] = {
         {folder + TEXT("\\mon itor.exe a"), "1a"},
         {folder + TEXT("\\mon itor b"), "1b"},
         {folder + TEXT("/plain.EXE"), "plain"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(Run(row.line), 0u);
-        EXPECT_EQ(Output(), row.expected);
+    for (const auto& [line, expected] : rows) {
+        EXPECT_EQ(Run(line), 0u);
+        EXPECT_EQ(Output(), expected);
     }
 }
 
 TEST_F(FoundPrograms, A_detached_one_has_its_own_session_and_no_descriptor_of_its_starter) {
-    MakeProgram(
-        TEXT("probe"),
-        "#!/bin/sh\nls /proc/$$/fd -l > open\ngrep -c -e /contract-home -e pipe -e /probe open > out\n"
-        "[ \"$(cut -d' ' -f6 /proc/$$/stat)\" = $$ ] && echo own >> out\n"
-        "[ \"$(readlink /proc/$$/fd/0)\" = /dev/null ] && echo null >> out\nexit 0\n");
+    MakeProgram(TEXT("probe"),
+                "#!/bin/sh\nls /proc/$$/fd -l > open\ngrep -c -e /kestrel-test -e pipe -e /probe open > out\n"
+                "[ \"$(cut -d' ' -f6 /proc/$$/stat)\" = $$ ] && echo own >> out\n"
+                "[ \"$(readlink /proc/$$/fd/0)\" = /dev/null ] && echo null >> out\nexit 0\n");
     int ends[2] = {};
     ASSERT_EQ(::pipe(ends), 0);
     EXPECT_EQ(Run(folder_.Path(TEXT("probe"))), 0u);

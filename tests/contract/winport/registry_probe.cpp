@@ -1,24 +1,25 @@
 // A process of its own that uses the registry or kernel objects, for tests that kill it or start it in
-// another environment.
+// another environment:
+//
 //   registry_probe create     exits with the result of making a key
-//   registry_probe together   the same in several processes that begin at one moment; exits with the worst
-//   result registry_probe count      writes a growing number again and again, printing each after it was
-//   written registry_probe orphan     the same in a forked child whose parent, which used the registry
-//   before, has ended registry_probe objects    makes an event and a mutex of its own, prints both error
-//   values, and keeps them until it is
-//                             killed
+//   registry_probe together   the same in several processes that begin at one moment, with the worst result
+//   registry_probe count      writes a growing number again and again, printing each after it was written
+//   registry_probe orphan     the same in a forked child whose parent, which used the registry, has ended
+//   registry_probe objects    makes an event and a mutex of its own, prints both error values, and keeps them
 #include <sched.h>
 #include <sys/mman.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <windows.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <new>
 #include <string_view>
+
+#include "forked.h"
 
 namespace {
 
@@ -55,23 +56,19 @@ int CreateTogether() {
         ::mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     if (page == MAP_FAILED) return EXIT_FAILURE;
     auto* begin = new (page) std::atomic<int>(0);
-    pid_t children[6];
-    for (pid_t& child : children) {
-        child = ::fork();
-        if (child != 0) continue;
-        while (begin->load() == 0)
-            ::sched_yield();
-        HKEY key = nullptr;
-        ::_exit(Create(key));
-    }
+    std::array<Forked, 6> children;
+    for (Forked& child : children)
+        child = Forked([begin] {
+            while (begin->load() == 0)
+                ::sched_yield();
+            HKEY key = nullptr;
+            return Create(key);
+        });
     ::usleep(2000);
     begin->store(1);
     int worst = 0;
-    for (const pid_t child : children) {
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        worst = std::max(worst, WIFEXITED(status) ? WEXITSTATUS(status) : EXIT_FAILURE);
-    }
+    for (Forked& child : children)
+        worst = std::max(worst, child.Wait());
     return worst;
 }
 

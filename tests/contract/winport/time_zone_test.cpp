@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <time.h>
 
-#include "own_home.h"
+#include "own_folder.h"
 
 namespace {
 

@@ -6,8 +6,6 @@
 #include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <windows.h>
 #include <winspool.h>
 
@@ -18,10 +16,10 @@
 #include <filesystem>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "child_process.h"
 #include "forked.h"
+#include "registry_value.h"
 #include "support.h"
 
 namespace {
@@ -47,18 +45,6 @@ DWORD ReadNumbers(ChildProcess& probe, int count) {
     while (count-- > 0)
         last = probe.ReadLine().value_or("nothing came");
     return static_cast<DWORD>(std::stoul(last));
-}
-
-DWORD StoredCount() {
-    HKEY key = nullptr;
-    DWORD number = 0;
-    DWORD size = sizeof number;
-    EXPECT_EQ(RegOpenKeyW(HKEY_CURRENT_USER, TEXT("Probe"), &key), ERROR_SUCCESS);
-    EXPECT_EQ(
-        RegQueryValueExW(key, TEXT("Count"), nullptr, nullptr, reinterpret_cast<LPBYTE>(&number), &size),
-        ERROR_SUCCESS);
-    RegCloseKey(key);
-    return number;
 }
 
 class State : public testing::Test {
@@ -163,7 +149,7 @@ TEST(RegistryStore, A_killed_writer_loses_nothing_that_it_had_written) {
         // What the pipe still holds was written before the kill too.
         while (const auto line = probe.ReadLine())
             acknowledged = static_cast<DWORD>(std::stoul(*line));
-        EXPECT_GE(StoredCount(), acknowledged);
+        EXPECT_GE(RegistryNumber(HKEY_CURRENT_USER, TEXT("Probe"), TEXT("Count")), acknowledged);
     }
 }
 
@@ -187,31 +173,6 @@ TEST(RegistryStore, A_forked_child_outlives_its_parent_while_others_open_the_reg
     EXPECT_GT(ReadNumbers(probe, 100), 0u);
 }
 
-TEST(RegistryStore, A_forked_child_and_its_parent_both_go_on) {
-    HKEY key = nullptr;
-    ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, TEXT("Fork"), &key), ERROR_SUCCESS);
-    const auto write = [key](const WCHAR* name) {
-        for (DWORD number = 0; number < 50; ++number) {
-            const auto* bytes = reinterpret_cast<const BYTE*>(&number);
-            if (const LSTATUS status = RegSetValueExW(key, name, 0, REG_DWORD, bytes, 4); status != 0)
-                return status;
-        }
-        return LSTATUS{0};
-    };
-    ASSERT_EQ(write(TEXT("before")), 0);
-    const pid_t child = ::fork();
-    if (child == 0) ::_exit(write(TEXT("child")));
-    EXPECT_EQ(write(TEXT("parent")), 0);
-    EXPECT_EQ(ExitCode(child), 0);
-    for (const WCHAR* name : {TEXT("before"), TEXT("child"), TEXT("parent")}) {
-        DWORD number = 0;
-        DWORD size = 4;
-        EXPECT_EQ(RegQueryValueExW(key, name, nullptr, nullptr, reinterpret_cast<LPBYTE>(&number), &size), 0);
-        EXPECT_EQ(number, 49u);
-    }
-    RegCloseKey(key);
-}
-
 TEST(RegistryStore, A_damaged_file_is_reported_and_left_alone) {
     const TempFolder folder;
     folder.MakeFolder(TEXT("home/state"));
@@ -231,37 +192,14 @@ TEST(Ids, A_forked_child_has_ids_of_its_own) {
 }
 
 TEST(Ids, An_ended_process_is_off_the_list_before_its_parent_has_asked_for_it) {
-    const pid_t child = ::fork();
-    if (child == 0) ::_exit(0);
+    Forked child([] { return 0; });
     siginfo_t info = {};
-    ASSERT_EQ(::waitid(P_PID, child, &info, WEXITED | WNOWAIT), 0);
+    ASSERT_EQ(::waitid(P_PID, child.Id(), &info, WEXITED | WNOWAIT), 0);
     std::array<DWORD, 16384> ids;
     DWORD needed = 0;
     ASSERT_TRUE(EnumProcesses(ids.data(), sizeof ids, &needed));
-    EXPECT_EQ(std::count(ids.begin(), ids.begin() + needed / sizeof(DWORD), static_cast<DWORD>(child)), 0);
-    EXPECT_EQ(ExitCode(child), 0);
-}
-
-TEST(StoppedSpooler, Every_call_says_so_until_it_runs_again) {
-    HKEY print = nullptr;
-    ASSERT_EQ(RegCreateKeyW(HKEY_LOCAL_MACHINE, TEXT("SYSTEM\\CurrentControlSet\\Control\\Print"), &print),
+    EXPECT_EQ(std::count(ids.begin(), ids.begin() + needed / sizeof(DWORD), static_cast<DWORD>(child.Id())),
               0);
-    const DWORD yes = 1;
-    ASSERT_EQ(RegSetValueExW(print, TEXT("Stopped"), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&yes), 4),
-              0);
-    DWORD needed = 0;
-    DWORD count = 0;
-    HANDLE printer = nullptr;
-    const auto list = [&] {
-        return EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, nullptr, 0, &needed, &count);
-    };
-    EXPECT_EQ(ErrorOf(list), RPC_S_SERVER_UNAVAILABLE);
-    EXPECT_EQ(ErrorOf([&] { return OpenPrinterW(nullptr, &printer, nullptr); }), RPC_S_SERVER_UNAVAILABLE);
-    EXPECT_EQ(ErrorOf([&] { return GetPrinterDriverDirectoryW(nullptr, nullptr, 1, nullptr, 0, &needed); }),
-              RPC_S_SERVER_UNAVAILABLE);
-    EXPECT_EQ(RegDeleteValueW(print, TEXT("Stopped")), 0);
-    EXPECT_TRUE(list());
-    RegCloseKey(print);
 }
 
 // The other threads of the parent are not there in the child, whatever they were waiting for.
@@ -277,17 +215,6 @@ TEST(Handles, A_forked_child_closes_what_a_thread_of_its_parent_is_waiting_for) 
     stop = true;
     waiter.join();
     EXPECT_TRUE(CloseHandle(event));
-}
-
-TEST(Handles, A_closed_one_stays_refused_when_its_place_is_taken) {
-    HANDLE closed = nullptr;
-    HANDLE open = nullptr;
-    ASSERT_TRUE(OpenPrinterW(nullptr, &closed, nullptr));
-    ASSERT_TRUE(ClosePrinter(closed));
-    ASSERT_TRUE(OpenPrinterW(nullptr, &open, nullptr));
-    EXPECT_FALSE(ClosePrinter(closed));
-    EXPECT_EQ(RegCloseKey(reinterpret_cast<HKEY>(open)), ERROR_INVALID_HANDLE);
-    EXPECT_TRUE(ClosePrinter(open));
 }
 
 TEST(Differences, A_text_that_looks_like_another_is_not_turned_into_it) {

@@ -1,0 +1,38 @@
+// Clients of a channel at work in another process.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+#include "child_process.h"
+#include "exchange_counts.h"
+
+class WorkingClient final {
+  public:
+    WorkingClient() = default;
+    // They have opened the channel and wait.
+    WorkingClient(const std::string& channel, int threads, int timeoutMs, int pauseMs = 0)
+        : process_({CHANNEL_CLIENT, channel, std::to_string(threads), std::to_string(timeoutMs),
+                    std::to_string(pauseMs)}) {
+        EXPECT_EQ("ready", process_.ReadLine());
+    }
+    void Begin() { process_.WriteLine("begin"); }
+    // What they have done since then, once they were served at least once.
+    ExchangeCounts Counts() {
+        process_.WriteLine("end");
+        std::istringstream line(process_.ReadLine(std::chrono::minutes(1)).value_or(""));
+        ExchangeCounts counts;
+        EXPECT_TRUE(line >> counts);
+        return counts;
+    }
+    void Close() {
+        process_.WriteLine("close");
+        EXPECT_EQ(0, process_.Wait());
+    }
+    ChildProcess& Process() { return process_; }
+
+  private:
+    ChildProcess process_;
+};
