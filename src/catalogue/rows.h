@@ -70,20 +70,20 @@ constexpr std::span<const EnumEntry> WordsOf(const EnumEntry (&table)[kSize]) {
 
 // clang-format off
 inline constexpr Row kRows[] = {
-#define ROW(base, name, access, initial, read, write, lowest, highest, words, bytes, privacy, about)      \
-    {name, opl::Key::base, opl::KeyText(opl::Key::base), Access::access,                                           \
-     GetterName(Access::access, "Get" #base), SetterName(Access::access, "Set" #base, #base),             \
-     Type::read, Type::write, kNoIndex, initial, lowest, highest, WordsOf(k##words), bytes,               \
+#define ROW(base, name, access, initial, read, write, lowest, highest, words, bytes, privacy, about)\
+    {name, opl::Key::base, opl::KeyText(opl::Key::base), Access::access,                            \
+     GetterName(Access::access, "Get" #base), SetterName(Access::access, "Set" #base, #base),       \
+     Type::read, Type::write, kNoIndex, initial, lowest, highest, WordsOf(k##words), bytes,         \
      Privacy::privacy, about},
-#define INDEXED(base, index, name, initial, bytes, privacy, about)                                        \
-    {name, opl::Key::base##index, opl::KeyText(opl::Key::base##index), Access::ReadWrite,                          \
-     "Get" #base, "Set" #base,                                                                            \
-     Type::Text, Type::Text, index, initial, 0, 0, {}, bytes,                                             \
+#define INDEXED(base, index, name, initial, bytes, privacy, about)                                  \
+    {name, opl::Key::base##index, opl::KeyText(opl::Key::base##index), Access::ReadWrite,           \
+     "Get" #base, "Set" #base,                                                                      \
+     Type::Text, Type::Text, index, initial, 0, 0, {}, bytes,                                       \
      Privacy::privacy, about},
-#define CONSTANT(base, name, type, about)                                                                 \
-    {name, {}, {}, Access::ReadOnly,                                                                      \
-     "Get" #base, nullptr,                                                                                \
-     Type::type, Type::type, kNoIndex, "0", 0, 0, {}, 0,                                                  \
+#define CONSTANT(base, name, type, about)                                                           \
+    {name, {}, {}, Access::ReadOnly,                                                                \
+     "Get" #base, nullptr,                                                                          \
+     Type::type, Type::type, kNoIndex, "0", 0, 0, {}, 0,                                            \
      Privacy::Public, about},
 #include "catalogue/settings.def"
 };

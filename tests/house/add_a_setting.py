@@ -81,8 +81,9 @@ def use_it(home):
     home.mkdir(mode=0o700)
     ask("setup")
     ask("printers", "add", "Office", "--port", "USB001")
-    printer = subprocess.Popen(["kestrel-vprinter", "--port", "USB001"])
+    printer = subprocess.Popen(["kestrel-vprinter", "--port", "USB001", "--trace", "none"], stdout=subprocess.PIPE)
     try:
+        assert printer.stdout.readline() == b"ready: USB001\n"
         listed = ask("list", "scan.colour")["settings"]
         assert [(row["words"], row["value"]) for row in listed] == [(["Grey", "Full"], "Grey")], listed
         ask("set", "scan.colour", "full", "--verify")

@@ -141,7 +141,7 @@ bool IsRight(const catalogue::Row& row, const Guarded& out, const std::string& r
             WCHAR expected[1024];
             const int length =
                 MultiByteToWideChar(CP_ACP, 0, plain.data(), static_cast<int>(plain.size()), expected, 1024);
-            return WideView(expected, static_cast<size_t>(length)).substr(0, row.bufferBytes / 2 - 1) == read;
+            return WideView(expected, static_cast<size_t>(length)).substr(0, row.MaxCharacters()) == read;
         }
     }
     return false;

@@ -94,7 +94,7 @@ const Other kOthers[] = {
 std::vector<QueryExport> QueryExports() {
     std::vector<QueryExport> all;
     for (const catalogue::Row& row : catalogue::Rows())
-        if (row.getter != nullptr && !row.key.empty()) all.push_back(GetterOf(row));
+        if (row.CanRead() && row.id) all.push_back(GetterOf(row));
     for (const Other& other : kOthers)
         all.push_back({other.name, other.outBytes, other.call, nullptr, other.clears});
     return all;
