@@ -4,6 +4,7 @@ the public header names the buffer that each text needs."""
 import re
 import sys
 
+sys.dont_write_bytecode = True  # the source folder stays as it is
 from catalogue import ROOT, rows
 
 PAGE = ROOT / "docs/vprinter.md"
