@@ -113,10 +113,10 @@ TEST(KestrelSettings, Match_by_part_and_by_pattern) {
 TEST(KestrelSettings, Know_which_of_them_are_secret) {
     std::size_t secrets = 0;
     for (const catalogue::Row& row : catalogue::Rows())
-        secrets += cli::IsSecret(row) ? 1 : 0;
+        secrets += row.IsSecret() ? 1 : 0;
     EXPECT_EQ(secrets, 5u);
-    EXPECT_TRUE(cli::IsSecret(cli::FindSetting("wireless.pass-phrase")));
-    EXPECT_FALSE(cli::IsSecret(cli::FindSetting("wireless.security-type")));
+    EXPECT_TRUE(cli::FindSetting("wireless.pass-phrase").IsSecret());
+    EXPECT_FALSE(cli::FindSetting("wireless.security-type").IsSecret());
 }
 
 }  // namespace

@@ -123,7 +123,7 @@ Report SetWifi(Context& context, const WifiValues& written) {
     for (size_t i = 0; i < kWifiOptions.size(); ++i) {
         if (written[i].empty()) continue;
         const catalogue::Row& row = FindWritableSetting(kWifiOptions[i].setting);
-        changes.Append({&row, ParseValue(row, written[i])});
+        changes.push_back({&row, ParseValue(row, written[i])});
     }
     if (changes.empty()) throw UsageFailure("nothing is given to set", "give at least --ssid");
 
