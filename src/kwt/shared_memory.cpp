@@ -38,7 +38,7 @@ bool SharedMemory::Create(const WCHAR* name, uint32_t size, bool writable, bool 
     writable_ = writable;
     size_ = size;
     const WideText base = name;
-    if (!mutex_.IsValid()) mutex_.Create((base + TEXT("Mutex")).c_str(), global);
+    if (!mutex_.IsValid() && !mutex_.Create((base + TEXT("Mutex")).c_str(), global)) return false;
     Step("section: mutex");
     const bool events = notifyEvent_.Create((base + TEXT("NotifyEvent")).c_str(), global) &&
                         cancelEvent_.Create((base + TEXT("CancelEvent")).c_str(), global);

@@ -78,7 +78,7 @@ class Objects : public testing::Test {
         Opened opened;
         line >> word >> opened.error;
         opened.done = word == "ready";
-        opener.WriteLine("close");
+        if (opened.done) opener.WriteLine("close");
         EXPECT_EQ(0, opener.Wait()) << name;
         return opened;
     }

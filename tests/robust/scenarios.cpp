@@ -94,10 +94,10 @@ bool SectionSeen(const WCHAR* name) {
     return view != nullptr;
 }
 bool ChannelOpened(ipc::ChannelRole role) {
-    const auto channel = std::make_unique<ipc::OPLChannel>();
+    auto channel = std::make_unique<ipc::OPLChannel>();
     const bool opened = channel->Open(role, TEXT("FailingChannel"));
     const kwt::LastErrorKeeper keeper;
-    channel->Close();
+    channel.reset();
     return opened;
 }
 bool ProgramRun() {
@@ -117,7 +117,7 @@ bool ProfileRead() {
     if (!GetPrinterDriverDirectoryW(nullptr, nullptr, 1, room, sizeof(room), &size)) return false;
     const WideText path = reinterpret_cast<WCHAR*>(room) + WideText(TEXT("\\3\\ZRIJ9900.INI"));
     return GetPrivateProfileSectionW(TEXT("Printers"), text, 300, path.c_str()) > 0 &&
-           GetPrivateProfileStringW(TEXT("SDK"), TEXT("Signature"), TEXT(""), text, 300, path.c_str()) == 8;
+           GetPrivateProfileStringW(TEXT("SDK"), TEXT("Signature"), TEXT(""), text, 300, path.c_str()) > 0;
 }
 bool PrinterRead(HANDLE printer) {
     return GetPrinterW(printer, 2, room, sizeof(room), &size) != FALSE;

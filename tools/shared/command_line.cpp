@@ -45,7 +45,7 @@ const Option& Option::Environment(const std::string& variable) const {
     return *this;
 }
 const Option& Option::OneEachTime() const {
-    option_->allow_extra_args(false);
+    option_->expected(1, CLI::detail::expected_max_vector_size)->allow_extra_args(false);
     return *this;
 }
 const Option& Option::SplitAt(char delimiter) const {

@@ -1,18 +1,19 @@
-// A folder opens like a file and fails when it is read, which only the stream that is read into reports
-// quietly.
+// A folder opens like a file and fails when it is read: as a stream that went bad.
 #include "shared/file.h"
 
+#include <array>
 #include <fstream>
-#include <sstream>
 
 namespace tools {
 
 std::optional<std::string> ReadFile(const std::filesystem::path& path) {
-    const std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    if (!file.is_open() || text.bad()) return {};
-    return std::move(text).str();
+    std::ifstream file(path, std::ios::binary);
+    std::string text;
+    std::array<char, 4096> block;
+    while (file.read(block.data(), block.size()), file.gcount() > 0)
+        text.append(block.data(), static_cast<size_t>(file.gcount()));
+    if (!file.is_open() || file.bad()) return {};
+    return text;
 }
 
 }  // namespace tools
