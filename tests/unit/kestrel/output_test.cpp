@@ -64,18 +64,18 @@ TEST(KestrelFailures, Give_each_code_one_exit_code_and_an_advice) {
     };
     for (const auto& [exit, codes] : codesOfExit) {
         for (const std::uint32_t code : codes) {
-            const Failure failure = cli::FailureFromCode(code, "cannot do it", cli::Exchange::kWrite);
+            const Failure failure = cli::FailureFromCode(code, "cannot do it", cli::Exchange::Write);
             EXPECT_EQ(failure.exit, exit) << code;
             EXPECT_FALSE(failure.advice.empty()) << code;
         }
     }
     // The device's word is unknown, not the caller's.
-    EXPECT_EQ(cli::FailureFromCode(87, "cannot read it", cli::Exchange::kRead).exit, kBadReply);
+    EXPECT_EQ(cli::FailureFromCode(87, "cannot read it", cli::Exchange::Read).exit, kBadReply);
 }
 
 TEST(KestrelFailures, Show_code_reply_and_advice_to_people_and_to_scripts) {
     cli::Report report;
-    report.failure = cli::FailureFromCode(0xE0000003, "cannot read \xFF", cli::Exchange::kRead);
+    report.failure = cli::FailureFromCode(0xE0000003, "cannot read \xFF", cli::Exchange::Read);
     report.failure->badReply = "3400,no;";
     report.failure->responseNumber = 3400;
 

@@ -63,7 +63,7 @@ TEST(KestrelValues, Are_refused_with_the_allowed_ones_when_the_type_cannot_hold_
             const auto failure =
                 FailureOf([&] { return cli::ParseValue(cli::FindSetting(row.setting), written); });
             ASSERT_TRUE(failure);
-            EXPECT_EQ(failure->exit, ExitCode::kValueRefused);
+            EXPECT_EQ(failure->exit, ExitCode::ValueRefused);
             EXPECT_EQ(failure->advice, std::string("allowed: ") + row.allowed);
         }
     }
@@ -97,7 +97,7 @@ TEST(KestrelSettings, Are_offered_when_a_name_is_nearly_right) {
     for (const auto& [written, offered] : kCases) {
         const auto failure = FailureOf([&] { return cli::FindSetting(written); });
         ASSERT_TRUE(failure) << written;
-        EXPECT_EQ(failure->exit, ExitCode::kUsage);
+        EXPECT_EQ(failure->exit, ExitCode::Usage);
         EXPECT_EQ(failure->advice.substr(0, std::string(offered).size()), offered) << written;
     }
 }
