@@ -70,7 +70,7 @@ TEST(KestrelFailures, Give_each_code_one_exit_code_and_an_advice) {
         }
     }
     // The device's word is unknown, not the caller's.
-    EXPECT_EQ(cli::FailureFromCode(87, "cannot read it", cli::Exchange::Read).exit, kBadReply);
+    EXPECT_EQ(cli::FailureFromCode(87, "cannot read it", cli::Exchange::Read).exit, BadReply);
 }
 
 TEST(KestrelFailures, Show_code_reply_and_advice_to_people_and_to_scripts) {
