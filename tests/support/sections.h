@@ -1,0 +1,30 @@
+// Cases that are told in a text: "## Title" begins a section, "#" a comment, any other line is a case.
+#pragma once
+
+#include <algorithm>
+#include <fstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+struct Section {
+    std::string title;
+    std::vector<std::string> lines;
+};
+
+inline std::vector<Section> Sections(const char* path) {
+    std::vector<Section> all;
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);)
+        if (line.starts_with("## "))
+            all.push_back({line.substr(3), {}});
+        else if (!line.empty() && line.front() != '#')
+            all.back().lines.push_back(line);
+    return all;
+}
+
+// "CASE -> EXPECTED"
+inline std::pair<std::string, std::string> CaseIn(const std::string& line) {
+    const size_t arrow = line.find(" ->");
+    return {line.substr(0, arrow), line.substr(std::min(line.size(), arrow + 4))};
+}
