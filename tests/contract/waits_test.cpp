@@ -228,22 +228,6 @@ TEST(Waits, What_is_given_back_was_not_taken) {
     }
 }
 
-TEST(Waits, For_several_objects_come_to_a_busy_mutex_too) {
-    const Handle mutex = Mutex();
-    const Handle never = AutoEvent();
-    std::vector<std::jthread> others;
-    for (int i = 0; i < 3; ++i)
-        others.emplace_back([&](const std::stop_token& stop) {
-            while (!stop.stop_requested() && WaitForSingleObject(mutex.Get(), kLong) == WAIT_OBJECT_0)
-                ReleaseMutex(mutex.Get());
-        });
-    const HANDLE both[] = {never.Get(), mutex.Get()};
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(WAIT_OBJECT_0 + 1, WaitForMultipleObjects(2, both, FALSE, kLong));
-        ReleaseMutex(mutex.Get());
-    }
-}
-
 TEST(Waits, For_all_of_one_object_twice_is_refused_with_87__not_on_Wine) {
     if (OnWine()) GTEST_SKIP() << "Wine 8 does not look whether a handle stands twice";
     const Handle event = AutoEvent(FreshName());

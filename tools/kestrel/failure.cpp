@@ -55,29 +55,29 @@ constexpr uint32_t kDeviceNotAvailable = 4319;
 
 // A code that is not here is a fault of this installation.
 constexpr CodeExit kExits[] = {
-    {SDK_ERROR_CHANNEL_NOT_OPEN, ExitCode::kOwnFault},
-    {SDK_ERROR_SEND_INCOMPLETE, ExitCode::kNoAnswer},
-    {SDK_ERROR_NO_REPLY, ExitCode::kNoAnswer},
-    {SDK_ERROR_BAD_REPLY, ExitCode::kBadReply},
-    {SDK_ERROR_UNEXPECTED_REPLY, ExitCode::kBadReply},
-    {SDK_ERROR_BIDI_DISABLED, ExitCode::kNoPrinter},
-    {SDK_ERROR_NETWORK_PRINTER_NAME, ExitCode::kNoPrinter},
-    {SDK_ERROR_PORT_LIST, ExitCode::kNoPrinter},
-    {ERROR_FILE_NOT_FOUND, ExitCode::kDeviceRefused},
-    {ERROR_BAD_COMMAND, ExitCode::kDeviceRefused},
-    {ERROR_CRC, ExitCode::kDeviceRefused},
-    {ERROR_GEN_FAILURE, ExitCode::kDeviceRefused},
-    {ERROR_NOT_SUPPORTED, ExitCode::kDeviceRefused},
-    {ERROR_FILE_CORRUPT, ExitCode::kDeviceRefused},
-    {ERROR_INVALID_PARAMETER, ExitCode::kValueRefused},
-    {ERROR_BUSY, ExitCode::kLocked},
-    {ERROR_LOCKED, ExitCode::kLocked},
-    {ERROR_TIMEOUT, ExitCode::kNoAnswer},
-    {kDeviceNotAvailable, ExitCode::kNoAnswer},
-    {ERROR_INVALID_PRINTER_NAME, ExitCode::kNoPrinter},
-    {ERROR_UNKNOWN_PORT, ExitCode::kValueRefused},
-    {ERROR_UNKNOWN_PRINTER_DRIVER, ExitCode::kValueRefused},
-    {ERROR_PRINTER_ALREADY_EXISTS, ExitCode::kValueRefused},
+    {SDK_ERROR_CHANNEL_NOT_OPEN, ExitCode::OwnFault},
+    {SDK_ERROR_SEND_INCOMPLETE, ExitCode::NoAnswer},
+    {SDK_ERROR_NO_REPLY, ExitCode::NoAnswer},
+    {SDK_ERROR_BAD_REPLY, ExitCode::BadReply},
+    {SDK_ERROR_UNEXPECTED_REPLY, ExitCode::BadReply},
+    {SDK_ERROR_BIDI_DISABLED, ExitCode::NoPrinter},
+    {SDK_ERROR_NETWORK_PRINTER_NAME, ExitCode::NoPrinter},
+    {SDK_ERROR_PORT_LIST, ExitCode::NoPrinter},
+    {ERROR_FILE_NOT_FOUND, ExitCode::DeviceRefused},
+    {ERROR_BAD_COMMAND, ExitCode::DeviceRefused},
+    {ERROR_CRC, ExitCode::DeviceRefused},
+    {ERROR_GEN_FAILURE, ExitCode::DeviceRefused},
+    {ERROR_NOT_SUPPORTED, ExitCode::DeviceRefused},
+    {ERROR_FILE_CORRUPT, ExitCode::DeviceRefused},
+    {ERROR_INVALID_PARAMETER, ExitCode::ValueRefused},
+    {ERROR_BUSY, ExitCode::Locked},
+    {ERROR_LOCKED, ExitCode::Locked},
+    {ERROR_TIMEOUT, ExitCode::NoAnswer},
+    {kDeviceNotAvailable, ExitCode::NoAnswer},
+    {ERROR_INVALID_PRINTER_NAME, ExitCode::NoPrinter},
+    {ERROR_UNKNOWN_PORT, ExitCode::ValueRefused},
+    {ERROR_UNKNOWN_PRINTER_DRIVER, ExitCode::ValueRefused},
+    {ERROR_PRINTER_ALREADY_EXISTS, ExitCode::ValueRefused},
 };
 
 template <typename Row, size_t count>
@@ -100,12 +100,12 @@ Failure FailureFromCode(uint32_t code, const std::string& attempt, Exchange dire
     const CodeExit* const exit = FindCode(kExits, code);
 
     Failure failure;
-    failure.exit = exit != nullptr ? exit->exit : ExitCode::kOwnFault;
+    failure.exit = exit != nullptr ? exit->exit : ExitCode::OwnFault;
     failure.text = fmt::format("{}: {}", attempt, known != nullptr ? known->text : "unexpected error");
     failure.advice = known != nullptr ? known->advice : "report this together with the command line";
     failure.code = code;
-    if (code == ERROR_INVALID_PARAMETER && direction == Exchange::kRead) {
-        failure.exit = ExitCode::kBadReply;
+    if (code == ERROR_INVALID_PARAMETER && direction == Exchange::Read) {
+        failure.exit = ExitCode::BadReply;
         failure.text = attempt + ": the device answers with a word that is not in the table of this setting";
         failure.advice = "install the library that belongs to the device's firmware";
     }
@@ -113,11 +113,11 @@ Failure FailureFromCode(uint32_t code, const std::string& attempt, Exchange dire
 }
 
 Failure UsageFailure(std::string text, std::string advice) {
-    return {ExitCode::kUsage, std::move(text), std::move(advice), {}, {}, {}};
+    return {ExitCode::Usage, std::move(text), std::move(advice), {}, {}, {}};
 }
 
 Failure ValueFailure(std::string text, std::string advice) {
-    return {ExitCode::kValueRefused, std::move(text), std::move(advice), {}, {}, {}};
+    return {ExitCode::ValueRefused, std::move(text), std::move(advice), {}, {}, {}};
 }
 
 }  // namespace cli

@@ -11,7 +11,7 @@ namespace cli {
 
 // The one thing that is thrown here: why a command did not do what was asked, for people and for scripts.
 struct Failure final {
-    ExitCode exit = ExitCode::kOwnFault;
+    ExitCode exit = ExitCode::OwnFault;
     std::string text;                        // what happened, what was expected
     std::string advice;                      // what to do; may be empty
     std::optional<uint32_t> code;            // the last-error value, when a call set one
@@ -19,7 +19,7 @@ struct Failure final {
     std::optional<uint32_t> responseNumber;  // of badReply
 };
 
-enum class Exchange { kRead, kWrite };
+enum class Exchange { Read, Write };
 
 // The failure that a last-error value of the library or the spooler stands for. `attempt` opens the text
 // ("cannot read fax.redials"). The direction matters for one code: an invalid parameter is the caller's

@@ -14,7 +14,7 @@ namespace {
 constexpr const char* kHelpAdvice = "run `kestrel --help`, or `kestrel COMMAND --help`";
 
 Failure Interrupted() {
-    return {ExitCode::kInterrupted, "interrupted", {}, {}, {}, {}};
+    return {ExitCode::Interrupted, "interrupted", {}, {}, {}, {}};
 }
 
 // Ctrl-C ends an exchange that waits; also then --json gives its one document.
@@ -23,7 +23,7 @@ void PrepareForInterrupt(const GlobalOptions& options, const std::string& comman
     const std::string document = options.json ? JsonDocument(command, report) : std::string();
     const std::string message =
         options.json ? std::string() : "\n" + FailureText(*report.failure, Paint(false));
-    platform::EndOnInterrupt(document, message, static_cast<int>(ExitCode::kInterrupted));
+    platform::EndOnInterrupt(document, message, static_cast<int>(ExitCode::Interrupted));
 }
 
 Report RunGuarded(const Chosen& chosen, Context& context) {
@@ -33,7 +33,7 @@ Report RunGuarded(const Chosen& chosen, Context& context) {
     } catch (const Failure& failure) {
         report.failure = failure;
     } catch (const std::exception& fault) {
-        report.failure = Failure{ExitCode::kOwnFault,
+        report.failure = Failure{ExitCode::OwnFault,
                                  std::string("unexpected fault: ") + fault.what(),
                                  "report this together with the command line",
                                  {},
@@ -61,7 +61,7 @@ int Run(int argc, char** argv) {
         case tools::CommandLine::Outcome::Read:
             break;
         case tools::CommandLine::Outcome::HelpShown:
-            return static_cast<int>(ExitCode::kDone);
+            return static_cast<int>(ExitCode::Done);
         case tools::CommandLine::Outcome::Wrong:
             // A line that cannot be read still says how it wants its error.
             return ReportFailure(UsageFailure(line.Problem(), kHelpAdvice),
@@ -77,7 +77,7 @@ int Run(int argc, char** argv) {
     const int exitStatus = Print(chosen.name, report, options.json, options.noColour);
     // Unloading the library closes its channel, and a client's close withdraws whatever request stands there
     // unread, also that of another program. That is wanted only for a request of our own that was given up.
-    const bool gaveUp = report.failure && report.failure->exit == ExitCode::kNoAnswer;
+    const bool gaveUp = report.failure && report.failure->exit == ExitCode::NoAnswer;
     if (!gaveUp) platform::EndWithoutUnloading(exitStatus);
     return exitStatus;
 }

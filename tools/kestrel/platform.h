@@ -17,7 +17,7 @@ void KeepLineEnds();
 void EndOnInterrupt(std::string outText, std::string errorText, int exitStatus);
 
 // How a wait for the user ended. kEnter stands for the end of standard input as well.
-enum class WaitEnd { kTime, kEnter, kInterrupt };
+enum class WaitEnd { Time, Enter, Interrupt };
 
 // Waits for an interrupt, and for the time if one is given, else for a line of standard input. An interrupt
 // does not end the program here.

@@ -89,8 +89,8 @@ WaitEnd WaitForUser(std::optional<std::chrono::milliseconds> time) {
         limit.tv_nsec = std::chrono::nanoseconds(*time - seconds).count();
     }
     const int ready = ppoll(&input, time ? 0 : 1, time ? &limit : nullptr, interruptEndsWait.MaskOfWait());
-    if (ready < 0) return WaitEnd::kInterrupt;
-    return ready > 0 ? WaitEnd::kEnter : WaitEnd::kTime;
+    if (ready < 0) return WaitEnd::Interrupt;
+    return ready > 0 ? WaitEnd::Enter : WaitEnd::Time;
 }
 
 // winport refuses a home of its own choice that others can enter; one of WINPORT_HOME it takes as it is, and

@@ -88,8 +88,8 @@ WaitEnd WaitForUser(std::optional<std::chrono::milliseconds> time) {
     const DWORD limit = time ? static_cast<DWORD>(time->count()) : INFINITE;
     const DWORD ended = WaitForMultipleObjects(2, events, FALSE, limit);
     SetConsoleCtrlHandler(OnWaitInterrupted, FALSE);
-    if (ended == WAIT_OBJECT_0) return WaitEnd::kInterrupt;
-    return ended == WAIT_OBJECT_0 + 1 ? WaitEnd::kEnter : WaitEnd::kTime;
+    if (ended == WAIT_OBJECT_0) return WaitEnd::Interrupt;
+    return ended == WAIT_OBJECT_0 + 1 ? WaitEnd::Enter : WaitEnd::Time;
 }
 
 // Kernel objects guard themselves.

@@ -21,9 +21,9 @@ struct ActionRow {
 };
 
 constexpr ActionRow kActions[] = {
-    {"/ia", Action::kInstallDriver, "install the driver of model /m from the file /f"},
-    {"/if", Action::kInstallPrinter, "install a printer of model /m on port /r, and its driver from /f"},
-    {"/y", Action::kMakeDefault, "make printer /n the default printer"},
+    {"/ia", Action::InstallDriver, "install the driver of model /m from the file /f"},
+    {"/if", Action::InstallPrinter, "install a printer of model /m on port /r, and its driver from /f"},
+    {"/y", Action::MakeDefault, "make printer /n the default printer"},
 };
 
 struct TextRow {
@@ -57,9 +57,9 @@ struct Need {
 };
 
 constexpr Need kNeeds[] = {
-    {Action::kInstallDriver, &CommandLine::infPath},  {Action::kInstallDriver, &CommandLine::model},
-    {Action::kInstallPrinter, &CommandLine::infPath}, {Action::kInstallPrinter, &CommandLine::model},
-    {Action::kInstallPrinter, &CommandLine::port},    {Action::kMakeDefault, &CommandLine::printer},
+    {Action::InstallDriver, &CommandLine::infPath},  {Action::InstallDriver, &CommandLine::model},
+    {Action::InstallPrinter, &CommandLine::infPath}, {Action::InstallPrinter, &CommandLine::model},
+    {Action::InstallPrinter, &CommandLine::port},    {Action::MakeDefault, &CommandLine::printer},
 };
 
 Refusal UsageRefusal(std::string text) {

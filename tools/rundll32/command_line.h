@@ -6,10 +6,10 @@
 
 namespace printui {
 
-enum class Action { kInstallDriver, kInstallPrinter, kMakeDefault };
+enum class Action { InstallDriver, InstallPrinter, MakeDefault };
 
 struct CommandLine final {
-    Action action = Action::kInstallDriver;
+    Action action = Action::InstallDriver;
     std::string infPath;      // /f
     std::string model;        // /m
     std::string port;         // /r

@@ -13,9 +13,9 @@ namespace {
 using namespace printui;
 
 void Run(const CommandLine& line) {
-    if (line.action == Action::kMakeDefault) return MakeDefault(line.printer);
+    if (line.action == Action::MakeDefault) return MakeDefault(line.printer);
     const Driver driver = FindDriver(InfFile::Read(line.infPath), line.infPath, WideArgument(line.model));
-    if (line.action == Action::kInstallDriver) return AddDriver(driver);
+    if (line.action == Action::InstallDriver) return AddDriver(driver);
     CheckPort(line.port);
     if (!line.keepDriver || !HasDriver(driver.model)) AddDriver(driver);
     AddPrinter(line.baseName.empty() ? line.model : line.baseName, line.port, driver.model);

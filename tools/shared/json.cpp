@@ -93,9 +93,27 @@ class JsonWriter final {
     std::string text_;
 };
 
+Json::Json() = default;
+Json::Json(std::nullptr_t) {}
+Json::Json(double number) : value_(number) {}
+Json::Json(std::string text) : value_(std::move(text)) {}
+Json::Json(std::string_view text) : value_(std::string(text)) {}
+Json::Json(const char* text) : value_(std::string(text)) {}
 Json::Json(Array items) : value_(std::move(items)) {}
 Json::Json(Object members) : value_(std::move(members)) {}
 Json::Json(std::initializer_list<Member> members) : value_(Object(members)) {}
+Json::Json(const Json& other) = default;
+Json::Json(Json&& other) noexcept = default;
+Json& Json::operator=(const Json& other) = default;
+Json& Json::operator=(Json&& other) noexcept = default;
+Json::~Json() = default;
+
+Json Json::EmptyArray() {
+    return Array();
+}
+Json Json::EmptyObject() {
+    return Object();
+}
 
 Json Json::Parse(std::string_view text) {
     const auto checkDepth = [](int depth, Document::parse_event_t, Document&) {

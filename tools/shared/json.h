@@ -33,31 +33,31 @@ class Json final {
     /// In the order in which the members were added.
     using Object = std::vector<Member>;
 
-    Json() = default;  // null
-    Json(std::nullptr_t) {}
+    // Whatever makes or ends one is defined where Member is known.
+    Json();  // null
+    Json(std::nullptr_t);
     // No pointer is taken for a flag.
-    Json(std::same_as<bool> auto flag) : value_(flag) {}
+    Json(std::same_as<bool> auto flag);
     template <std::integral Number>
-    requires(!std::same_as<Number, bool>) Json(Number number) {
-        if (number < 0) {
-            value_ = static_cast<int64_t>(number);
-        } else {
-            value_ = static_cast<uint64_t>(number);
-        }
-    }
-    Json(double number) : value_(number) {}
-    Json(std::string text) : value_(std::move(text)) {}
-    Json(std::string_view text) : value_(std::string(text)) {}
-    Json(const char* text) : value_(std::string(text)) {}
+    requires(!std::same_as<Number, bool>) Json(Number number);
+    Json(double number);
+    Json(std::string text);
+    Json(std::string_view text);
+    Json(const char* text);
     Json(Array items);
     Json(Object members);
     template <typename Item>
     Json(const std::vector<Item>& items) : Json(Array(items.begin(), items.end())) {}
     /// An object: {{"name", value}, {"other", value}}.
     Json(std::initializer_list<Member> members);
+    Json(const Json& other);
+    Json(Json&& other) noexcept;
+    Json& operator=(const Json& other);
+    Json& operator=(Json&& other) noexcept;
+    ~Json();
 
-    [[nodiscard]] static Json EmptyArray() { return Array(); }
-    [[nodiscard]] static Json EmptyObject() { return Object(); }
+    [[nodiscard]] static Json EmptyArray();
+    [[nodiscard]] static Json EmptyObject();
 
     /// Throws a JsonError for a text that is no JSON, or nests deeper than any of ours. Of members of one
     /// name the last one counts; they come in the order of their names.
@@ -106,5 +106,16 @@ struct Json::Member final {
 
     bool operator==(const Member& other) const = default;
 };
+
+Json::Json(std::same_as<bool> auto flag) : value_(flag) {}
+
+template <std::integral Number>
+requires(!std::same_as<Number, bool>) Json::Json(Number number) {
+    if (number < 0) {
+        value_ = static_cast<int64_t>(number);
+    } else {
+        value_ = static_cast<uint64_t>(number);
+    }
+}
 
 }  // namespace tools

@@ -45,30 +45,30 @@ struct SqlText {
 };
 
 constexpr SqlText kTexts[] = {
-    {Sql::kBegin, "BEGIN"},
-    {Sql::kBeginWrite, "BEGIN IMMEDIATE"},
-    {Sql::kCommit, "COMMIT"},
-    {Sql::kRollback, "ROLLBACK"},
-    {Sql::kKeyName, "SELECT name FROM keys WHERE id = ?"},
-    {Sql::kFindChild, "SELECT id FROM keys WHERE parent = ? AND folded = ?"},
-    {Sql::kCreateChild, "INSERT INTO keys(parent, folded, name) VALUES (?, ?, ?)"},
-    {Sql::kChildNames, "SELECT name FROM keys WHERE parent = ? ORDER BY folded"},
-    {Sql::kChildName, "SELECT name FROM keys WHERE parent = ? ORDER BY folded LIMIT 1 OFFSET ?"},
-    {Sql::kDeleteChildren, "DELETE FROM keys WHERE parent = ?"},
-    {Sql::kDeleteKey, "DELETE FROM keys WHERE id = ?"},
-    {Sql::kReadValue, "SELECT type, data FROM key_values WHERE key = ? AND folded = ?"},
-    {Sql::kWriteValue,
+    {Sql::Begin, "BEGIN"},
+    {Sql::BeginWrite, "BEGIN IMMEDIATE"},
+    {Sql::Commit, "COMMIT"},
+    {Sql::Rollback, "ROLLBACK"},
+    {Sql::KeyName, "SELECT name FROM keys WHERE id = ?"},
+    {Sql::FindChild, "SELECT id FROM keys WHERE parent = ? AND folded = ?"},
+    {Sql::CreateChild, "INSERT INTO keys(parent, folded, name) VALUES (?, ?, ?)"},
+    {Sql::ChildNames, "SELECT name FROM keys WHERE parent = ? ORDER BY folded"},
+    {Sql::ChildName, "SELECT name FROM keys WHERE parent = ? ORDER BY folded LIMIT 1 OFFSET ?"},
+    {Sql::DeleteChildren, "DELETE FROM keys WHERE parent = ?"},
+    {Sql::DeleteKey, "DELETE FROM keys WHERE id = ?"},
+    {Sql::ReadValue, "SELECT type, data FROM key_values WHERE key = ? AND folded = ?"},
+    {Sql::WriteValue,
      "INSERT INTO key_values(key, folded, name, type, data) VALUES (?, ?, ?, ?, ?) "
      "ON CONFLICT(key, folded) DO UPDATE SET type = excluded.type, data = excluded.data"},
-    {Sql::kDeleteValue, "DELETE FROM key_values WHERE key = ? AND folded = ?"},
-    {Sql::kDeleteValues, "DELETE FROM key_values WHERE key = ?"},
+    {Sql::DeleteValue, "DELETE FROM key_values WHERE key = ? AND folded = ?"},
+    {Sql::DeleteValues, "DELETE FROM key_values WHERE key = ?"},
 };
 
 constexpr bool InOrder() {
     for (std::size_t i = 0; i < std::size(kTexts); ++i) {
         if (kTexts[i].sql != static_cast<Sql>(i)) return false;
     }
-    return std::size(kTexts) == static_cast<std::size_t>(Sql::kCount);
+    return std::size(kTexts) == static_cast<std::size_t>(Sql::Count);
 }
 static_assert(InOrder());
 

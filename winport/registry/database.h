@@ -11,22 +11,22 @@
 namespace winport {
 
 enum class Sql {
-    kBegin,
-    kBeginWrite,
-    kCommit,
-    kRollback,
-    kKeyName,
-    kFindChild,
-    kCreateChild,
-    kChildNames,
-    kChildName,
-    kDeleteChildren,
-    kDeleteKey,
-    kReadValue,
-    kWriteValue,
-    kDeleteValue,
-    kDeleteValues,
-    kCount
+    Begin,
+    BeginWrite,
+    Commit,
+    Rollback,
+    KeyName,
+    FindChild,
+    CreateChild,
+    ChildNames,
+    ChildName,
+    DeleteChildren,
+    DeleteKey,
+    ReadValue,
+    WriteValue,
+    DeleteValue,
+    DeleteValues,
+    Count
 };
 
 LSTATUS StatusFromSqlite(int result);
@@ -58,7 +58,7 @@ class RegistryDatabase final {
 
     // Before the statements, so that it is closed after them.
     std::unique_ptr<sqlite3, ConnectionCloser> connection_;
-    std::array<std::unique_ptr<sqlite3_stmt, StatementCloser>, static_cast<std::size_t>(Sql::kCount)>
+    std::array<std::unique_ptr<sqlite3_stmt, StatementCloser>, static_cast<std::size_t>(Sql::Count)>
         statements_;
 };
 

@@ -102,7 +102,7 @@ LSTATUS Open(HKEY key, std::u16string_view path, REGSAM access, PHKEY result) {
     if (const LSTATUS refused = CheckPath(path); refused != ERROR_SUCCESS) return refused;
     KeyId found = 0;
     {
-        RegistrySession session(RegistrySession::Purpose::kRead);
+        RegistrySession session(RegistrySession::Purpose::Read);
         found = session.Find(parent->id, path);
         if (session.Status() != ERROR_SUCCESS) return session.Status();
         if (found == 0 && !session.Exists(parent->id)) return ERROR_KEY_DELETED;
@@ -118,13 +118,13 @@ LSTATUS Create(HKEY key, std::u16string_view path, REGSAM access, PHKEY result, 
     KeyId made = 0;
     {
         // Most keys that are "created" are there already, and a look does not wait for writers.
-        RegistrySession look(RegistrySession::Purpose::kRead);
+        RegistrySession look(RegistrySession::Purpose::Read);
         made = look.Find(parent->id, path);
         if (look.Status() != ERROR_SUCCESS) return look.Status();
     }
     created = false;
     if (made == 0) {
-        RegistrySession session(RegistrySession::Purpose::kWrite);
+        RegistrySession session(RegistrySession::Purpose::Write);
         if (session.Status() == ERROR_SUCCESS && !session.Exists(parent->id)) return ERROR_KEY_DELETED;
         made = session.Create(parent->id, path, created);
         if (const LSTATUS failure = session.Commit(); failure != ERROR_SUCCESS) return failure;
@@ -187,7 +187,7 @@ LSTATUS RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type,
     if ((opened->access & KEY_QUERY_VALUE) == 0) return ERROR_ACCESS_DENIED;
     std::optional<RegistryValue> value;
     {
-        RegistrySession session(RegistrySession::Purpose::kRead);
+        RegistrySession session(RegistrySession::Purpose::Read);
         value = session.Read(opened->id, OrEmpty(name));
         if (!value && session.Status() == ERROR_SUCCESS && !session.Exists(opened->id))
             return ERROR_KEY_DELETED;
@@ -213,7 +213,7 @@ LSTATUS RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const
     const auto opened = Resolve(key);
     if (!opened) return ERROR_INVALID_HANDLE;
     if ((opened->access & KEY_SET_VALUE) == 0) return ERROR_ACCESS_DENIED;
-    RegistrySession session(RegistrySession::Purpose::kWrite);
+    RegistrySession session(RegistrySession::Purpose::Write);
     session.Write(opened->id, OrEmpty(name), type, WithTerminator(type, data, size));
     return session.Commit();
 }
@@ -223,7 +223,7 @@ LSTATUS RegDeleteValueW(HKEY key, LPCWSTR name) {
     const auto opened = Resolve(key);
     if (!opened) return ERROR_INVALID_HANDLE;
     if ((opened->access & KEY_SET_VALUE) == 0) return ERROR_ACCESS_DENIED;
-    RegistrySession session(RegistrySession::Purpose::kWrite);
+    RegistrySession session(RegistrySession::Purpose::Write);
     if (session.Status() == ERROR_SUCCESS && !session.Exists(opened->id)) return ERROR_KEY_DELETED;
     const bool deleted = session.DeleteValue(opened->id, OrEmpty(name));
     const LSTATUS outcome = session.Commit();
@@ -237,7 +237,7 @@ LSTATUS RegDeleteTreeW(HKEY key, LPCWSTR subKey) {
     const std::u16string_view path = OrEmpty(subKey);
     if (const LSTATUS refused = CheckPath(path); refused != ERROR_SUCCESS) return refused;
     if (path.empty() && (opened->access & KEY_SET_VALUE) == 0) return ERROR_ACCESS_DENIED;
-    RegistrySession session(RegistrySession::Purpose::kWrite);
+    RegistrySession session(RegistrySession::Purpose::Write);
     const KeyId found = session.Find(opened->id, path);
     if (session.Status() != ERROR_SUCCESS) return session.Status();
     if (found == 0) return session.Exists(opened->id) ? ERROR_FILE_NOT_FOUND : ERROR_KEY_DELETED;
@@ -261,7 +261,7 @@ LSTATUS RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD nameLength, LP
     if ((opened->access & KEY_ENUMERATE_SUB_KEYS) == 0) return ERROR_ACCESS_DENIED;
     std::optional<std::u16string> child;
     {
-        RegistrySession session(RegistrySession::Purpose::kRead);
+        RegistrySession session(RegistrySession::Purpose::Read);
         child = session.ChildName(opened->id, index);
         if (!child && session.Status() == ERROR_SUCCESS && !session.Exists(opened->id))
             return ERROR_KEY_DELETED;

@@ -52,14 +52,14 @@ std::u16string_view TakeName(std::u16string_view& path) {
 RegistrySession::RegistrySession(Purpose purpose) : guard_(registryMutex), database_(&Database()) {
     if (!database_->IsOpen()) status_ = database_->Open();
     if (status_ != ERROR_SUCCESS) return;
-    Query begin(*database_, purpose == Purpose::kWrite ? Sql::kBeginWrite : Sql::kBegin);
+    Query begin(*database_, purpose == Purpose::Write ? Sql::BeginWrite : Sql::Begin);
     begin.Step();
     status_ = begin.Status();
     inTransaction_ = status_ == ERROR_SUCCESS;
 }
 
 RegistrySession::~RegistrySession() {
-    if (inTransaction_) Query(*database_, Sql::kRollback).Step();
+    if (inTransaction_) Query(*database_, Sql::Rollback).Step();
     // SQLite takes a file that it could not open for writing, be it for want of descriptors, as one that is
     // only read, and stays with that: the next call opens it anew.
     if (status_ == ERROR_ACCESS_DENIED || status_ == ERROR_IO_DEVICE) database_->Close();
@@ -67,7 +67,7 @@ RegistrySession::~RegistrySession() {
 
 LSTATUS RegistrySession::Commit() {
     if (status_ != ERROR_SUCCESS) return status_;
-    Query commit(*database_, Sql::kCommit);
+    Query commit(*database_, Sql::Commit);
     commit.Step();
     status_ = commit.Status();
     inTransaction_ = status_ != ERROR_SUCCESS;
@@ -81,7 +81,7 @@ bool RegistrySession::Exists(KeyId key) {
 KeyId RegistrySession::FindChild(KeyId parent, std::u16string_view name) {
     if (status_ != ERROR_SUCCESS) return 0;
     const std::string folded = Folded(name);
-    Query query(*database_, Sql::kFindChild);
+    Query query(*database_, Sql::FindChild);
     const bool found = query.Bind(parent).Bind(folded).Step();
     status_ = query.Status();
     return found ? query.Number(0) : 0;
@@ -95,7 +95,7 @@ KeyId RegistrySession::CreateChild(KeyId parent, std::u16string_view name) {
     }
     const std::string folded = Folded(name);
     const std::string shown = ToUtf8(name);
-    Query query(*database_, Sql::kCreateChild);
+    Query query(*database_, Sql::CreateChild);
     query.Bind(parent).Bind(folded).Bind(shown).Step();
     status_ = query.Status();
     return status_ == ERROR_SUCCESS ? database_->LastInsertId() : 0;
@@ -122,7 +122,7 @@ KeyId RegistrySession::Create(KeyId parent, std::u16string_view path, bool& crea
 
 std::optional<std::u16string> RegistrySession::Name(KeyId key) {
     if (status_ != ERROR_SUCCESS) return std::nullopt;
-    Query query(*database_, Sql::kKeyName);
+    Query query(*database_, Sql::KeyName);
     const bool found = query.Bind(key).Step();
     status_ = query.Status();
     if (!found) return std::nullopt;
@@ -132,7 +132,7 @@ std::optional<std::u16string> RegistrySession::Name(KeyId key) {
 std::vector<std::u16string> RegistrySession::ChildNames(KeyId key) {
     std::vector<std::u16string> names;
     if (status_ != ERROR_SUCCESS) return names;
-    Query query(*database_, Sql::kChildNames);
+    Query query(*database_, Sql::ChildNames);
     query.Bind(key);
     while (query.Step())
         names.push_back(FromUtf8(query.Bytes(0)));
@@ -142,7 +142,7 @@ std::vector<std::u16string> RegistrySession::ChildNames(KeyId key) {
 
 std::optional<std::u16string> RegistrySession::ChildName(KeyId key, DWORD index) {
     if (status_ != ERROR_SUCCESS) return std::nullopt;
-    Query query(*database_, Sql::kChildName);
+    Query query(*database_, Sql::ChildName);
     const bool found = query.Bind(key).Bind(sqlite3_int64{index}).Step();
     status_ = query.Status();
     if (!found) return std::nullopt;
@@ -150,7 +150,7 @@ std::optional<std::u16string> RegistrySession::ChildName(KeyId key, DWORD index)
 }
 
 void RegistrySession::Clear(KeyId key) {
-    for (const Sql sql : {Sql::kDeleteChildren, Sql::kDeleteValues}) {
+    for (const Sql sql : {Sql::DeleteChildren, Sql::DeleteValues}) {
         if (status_ != ERROR_SUCCESS) return;
         Query query(*database_, sql);
         query.Bind(key).Step();
@@ -160,7 +160,7 @@ void RegistrySession::Clear(KeyId key) {
 
 void RegistrySession::DeleteTree(KeyId key) {
     if (status_ != ERROR_SUCCESS) return;
-    Query query(*database_, Sql::kDeleteKey);
+    Query query(*database_, Sql::DeleteKey);
     query.Bind(key).Step();
     status_ = query.Status();
 }
@@ -168,7 +168,7 @@ void RegistrySession::DeleteTree(KeyId key) {
 std::optional<RegistryValue> RegistrySession::Read(KeyId key, std::u16string_view name) {
     if (status_ != ERROR_SUCCESS) return std::nullopt;
     const std::string folded = Folded(name);
-    Query query(*database_, Sql::kReadValue);
+    Query query(*database_, Sql::ReadValue);
     const bool found = query.Bind(key).Bind(folded).Step();
     status_ = query.Status();
     if (!found) return std::nullopt;
@@ -179,7 +179,7 @@ void RegistrySession::Write(KeyId key, std::u16string_view name, DWORD type, std
     if (status_ != ERROR_SUCCESS) return;
     const std::string folded = Folded(name);
     const std::string shown = ToUtf8(name);
-    Query query(*database_, Sql::kWriteValue);
+    Query query(*database_, Sql::WriteValue);
     query.Bind(key).Bind(folded).Bind(shown).Bind(sqlite3_int64{type}).BindBytes(bytes).Step();
     status_ = query.Status();
 }
@@ -187,7 +187,7 @@ void RegistrySession::Write(KeyId key, std::u16string_view name, DWORD type, std
 bool RegistrySession::DeleteValue(KeyId key, std::u16string_view name) {
     if (status_ != ERROR_SUCCESS) return false;
     const std::string folded = Folded(name);
-    Query query(*database_, Sql::kDeleteValue);
+    Query query(*database_, Sql::DeleteValue);
     query.Bind(key).Bind(folded).Step();
     status_ = query.Status();
     return status_ == ERROR_SUCCESS && database_->Changes() > 0;

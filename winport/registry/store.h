@@ -40,7 +40,7 @@ struct RegistryValue {
 // nothing. What was changed counts only after a successful `Commit`; the destructor takes back the rest.
 class RegistrySession final {
   public:
-    enum class Purpose { kRead, kWrite };
+    enum class Purpose { Read, Write };
 
     explicit RegistrySession(Purpose purpose);
     ~RegistrySession();

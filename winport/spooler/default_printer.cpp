@@ -26,7 +26,7 @@ std::u16string DefaultPrinter(SpoolSession& session) {
 }
 
 DWORD ChooseDefault(LPCWSTR name) {
-    SpoolSession session(Purpose::kWrite);
+    SpoolSession session(Purpose::Write);
     if (const DWORD failure = session.Error(); failure != ERROR_SUCCESS) return failure;
     const KeyId printer = session.FindPrinter(name);
     if (printer == 0) return ERROR_INVALID_PRINTER_NAME;
@@ -52,7 +52,7 @@ BOOL GetDefaultPrinterW(LPWSTR buffer, LPDWORD size) {
     if (size == nullptr) return Report(ERROR_INVALID_PARAMETER);
     std::u16string name;
     {
-        SpoolSession session(Purpose::kRead);
+        SpoolSession session(Purpose::Read);
         name = DefaultPrinter(session);
         if (const DWORD failure = session.Error(); failure != ERROR_SUCCESS) return Report(failure);
     }

@@ -57,7 +57,7 @@ std::string_view MultiText(LPCWSTR texts) {
 }
 
 DWORD RecordDriver(const DRIVER_INFO_3W& info) {
-    SpoolSession session(Purpose::kWrite);
+    SpoolSession session(Purpose::Write);
     if (const DWORD failure = session.Error(); failure != ERROR_SUCCESS) return failure;
     const std::u16string drivers = DriversPath(FindEnvironment(info.pEnvironment)->name);
     const KeyId driver = session.CreateKey(drivers + u'\\' + info.pName);
@@ -103,7 +103,7 @@ BOOL GetPrinterDriverDirectoryW(LPWSTR server, LPWSTR environment, DWORD level, 
     if (!IsEmpty(server)) return Report(ERROR_INVALID_NAME);
     const Environment* wanted = FindEnvironment(environment);
     if (wanted == nullptr) return Report(ERROR_INVALID_ENVIRONMENT);
-    DWORD error = SpoolSession(Purpose::kRead).Error();
+    DWORD error = SpoolSession(Purpose::Read).Error();
     if (error != ERROR_SUCCESS) return Report(error);
     const std::u16string folder = FromUtf8(DriverFolder(*wanted, error));
     if (error != ERROR_SUCCESS) return Report(error);
@@ -136,7 +136,7 @@ BOOL EnumPrinterDriversW(LPWSTR server, LPWSTR environment, DWORD level, LPBYTE 
     if (wanted == nullptr) return Report(ERROR_INVALID_ENVIRONMENT);
     std::vector<std::u16string> names;
     {
-        SpoolSession session(Purpose::kRead);
+        SpoolSession session(Purpose::Read);
         names = session.Registry().ChildNames(session.FindKey(DriversPath(wanted->name)));
         if (const DWORD failure = session.Error(); failure != ERROR_SUCCESS) return Report(failure);
     }

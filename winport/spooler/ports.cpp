@@ -38,7 +38,7 @@ std::optional<std::u16string> TextOf(const WCHAR (&field)[kCapacity]) {
 }
 
 DWORD RecordPort(const std::u16string& name, const std::u16string& host, const PORT_DATA_1& data) {
-    SpoolSession session(Purpose::kWrite);
+    SpoolSession session(Purpose::Write);
     if (const DWORD failure = session.Error(); failure != ERROR_SUCCESS) return failure;
     const std::u16string path = std::u16string(kPortsPath) + u'\\' + name;
     if (session.FindKey(path) != 0) return ERROR_ALREADY_EXISTS;
@@ -87,7 +87,7 @@ BOOL EnumPortsW(LPWSTR server, DWORD level, LPBYTE buffer, DWORD size, LPDWORD n
     if (level != 1) return Report(ERROR_INVALID_LEVEL);
     std::vector<std::u16string> names(std::begin(kLocalPorts), std::end(kLocalPorts));
     {
-        SpoolSession session(Purpose::kRead);
+        SpoolSession session(Purpose::Read);
         for (std::u16string& name : session.Registry().ChildNames(session.FindKey(kPortsPath)))
             names.push_back(std::move(name));
         if (const DWORD failure = session.Error(); failure != ERROR_SUCCESS) return Report(failure);
@@ -103,7 +103,7 @@ BOOL XcvDataW(HANDLE monitor, LPCWSTR request, LPBYTE input, DWORD inputSize, LP
     *outputNeeded = 0;
     const auto opened = FindPrinterHandle(monitor);
     if (!opened || !opened->isPortMonitor) return Report(ERROR_INVALID_HANDLE);
-    if (const DWORD failure = SpoolSession(Purpose::kRead).Error(); failure != ERROR_SUCCESS)
+    if (const DWORD failure = SpoolSession(Purpose::Read).Error(); failure != ERROR_SUCCESS)
         return Report(failure);
     *status = AnswerRequest(*opened, request, input, inputSize);
     return Report(ERROR_SUCCESS);

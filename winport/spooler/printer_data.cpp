@@ -41,7 +41,7 @@ DWORD GetPrinterDataW(HANDLE printer, LPWSTR valueName, LPDWORD type, LPBYTE dat
     *needed = 0;
     std::optional<RegistryValue> value;
     {
-        SpoolSession session(Purpose::kRead);
+        SpoolSession session(Purpose::Read);
         KeyId key = 0;
         if (const DWORD refused = Resolve(printer, 0, session, key); refused != ERROR_SUCCESS) return refused;
         const KeyId values = session.Registry().Find(key, kDataKey);
@@ -59,7 +59,7 @@ DWORD GetPrinterDataW(HANDLE printer, LPWSTR valueName, LPDWORD type, LPBYTE dat
 DWORD SetPrinterDataW(HANDLE printer, LPWSTR valueName, DWORD type, LPBYTE data, DWORD size) {
     const LastErrorKeeper keeper;
     if (valueName == nullptr || (data == nullptr && size != 0)) return ERROR_INVALID_PARAMETER;
-    SpoolSession session(Purpose::kWrite);
+    SpoolSession session(Purpose::Write);
     KeyId key = 0;
     const DWORD refused = Resolve(printer, PRINTER_ACCESS_ADMINISTER, session, key);
     if (refused != ERROR_SUCCESS) return refused;
@@ -72,7 +72,7 @@ DWORD SetPrinterDataW(HANDLE printer, LPWSTR valueName, DWORD type, LPBYTE data,
 DWORD DeletePrinterDataW(HANDLE printer, LPWSTR valueName) {
     const LastErrorKeeper keeper;
     if (valueName == nullptr) return ERROR_INVALID_PARAMETER;
-    SpoolSession session(Purpose::kWrite);
+    SpoolSession session(Purpose::Write);
     KeyId key = 0;
     const DWORD refused = Resolve(printer, PRINTER_ACCESS_ADMINISTER, session, key);
     if (refused != ERROR_SUCCESS) return refused;

@@ -33,7 +33,7 @@ DWORD EnumerateInto(PackedRecord<Info> (*load)(RegistrySession&, KeyId), LPBYTE 
                     DWORD& needed, DWORD& returned) {
     std::vector<PackedRecord<Info>> records;
     {
-        SpoolSession session(Purpose::kRead);
+        SpoolSession session(Purpose::Read);
         const KeyId printers = session.Printers();
         for (const std::u16string& name : session.Registry().ChildNames(printers)) {
             records.push_back(load(session.Registry(), session.FindPrinter(name)));
@@ -46,7 +46,7 @@ DWORD EnumerateInto(PackedRecord<Info> (*load)(RegistrySession&, KeyId), LPBYTE 
 }
 
 DWORD CheckStopped() {
-    return SpoolSession(Purpose::kRead).Error();
+    return SpoolSession(Purpose::Read).Error();
 }
 
 // What AddPrinterW and SetPrinterW refuse in a level-2 record.
@@ -67,7 +67,7 @@ DWORD AddNewPrinter(const PRINTER_INFO_2W& wanted, KeyId& printer) {
     if (!IsPrinterName(wanted.pPrinterName)) return ERROR_INVALID_PRINTER_NAME;
     if (IsEmpty(wanted.pPortName)) return ERROR_UNKNOWN_PORT;
     if (IsEmpty(wanted.pDriverName)) return ERROR_UNKNOWN_PRINTER_DRIVER;
-    SpoolSession session(Purpose::kWrite);
+    SpoolSession session(Purpose::Write);
     if (const DWORD failure = session.Error(); failure != ERROR_SUCCESS) return failure;
     if (const DWORD refused = CheckPrinter(session, wanted); refused != ERROR_SUCCESS) return refused;
     if (session.FindPrinter(wanted.pPrinterName) != 0) return ERROR_PRINTER_ALREADY_EXISTS;
@@ -80,7 +80,7 @@ DWORD AddNewPrinter(const PRINTER_INFO_2W& wanted, KeyId& printer) {
 }
 
 DWORD ChangePrinter(KeyId printer, const PRINTER_INFO_2W& wanted) {
-    SpoolSession session(Purpose::kWrite);
+    SpoolSession session(Purpose::Write);
     if (const DWORD failure = session.Error(); failure != ERROR_SUCCESS) return failure;
     const auto name = session.Registry().Name(printer);
     if (!name) return ERROR_PRINTER_DELETED;
@@ -128,7 +128,7 @@ BOOL OpenPrinterW(LPWSTR name, LPHANDLE printer, LPPRINTER_DEFAULTSW defaults) {
     opened.access =
         defaults != nullptr && defaults->DesiredAccess != 0 ? defaults->DesiredAccess : PRINTER_ACCESS_USE;
     {
-        SpoolSession session(Purpose::kRead);
+        SpoolSession session(Purpose::Read);
         if (const DWORD failure = session.Error(); failure != ERROR_SUCCESS) return Report(failure);
         if (wanted.starts_with(u",Xcv")) {
             opened.isPortMonitor = EqualsWithoutCase(wanted, kPortMonitorName);
@@ -156,7 +156,7 @@ BOOL GetPrinterW(HANDLE printer, DWORD level, LPBYTE buffer, DWORD size, LPDWORD
     if (level != 2) return Report(ERROR_INVALID_LEVEL);
     std::vector<PackedRecord<PRINTER_INFO_2W>> records;
     {
-        SpoolSession session(Purpose::kRead);
+        SpoolSession session(Purpose::Read);
         if (const DWORD failure = session.Error(); failure != ERROR_SUCCESS) return Report(failure);
         if (!session.Registry().Exists(key)) return Report(ERROR_PRINTER_DELETED);
         records.push_back(LoadPrinter(session.Registry(), key));
@@ -195,7 +195,7 @@ BOOL DeletePrinter(HANDLE printer) {
     KeyId key = 0;
     const DWORD refused = Resolve(printer, PRINTER_ACCESS_ADMINISTER, key);
     if (refused != ERROR_SUCCESS) return Report(refused);
-    SpoolSession session(Purpose::kWrite);
+    SpoolSession session(Purpose::Write);
     if (const DWORD failure = session.Error(); failure != ERROR_SUCCESS) return Report(failure);
     if (!session.Registry().Exists(key)) return Report(ERROR_PRINTER_DELETED);
     session.Registry().DeleteTree(key);

@@ -107,30 +107,29 @@ void MutexObject::EnterList(ThreadRecord& thread) {
     thread.heldMutexes = this;
 }
 
-// The one of this mutex in the thread's list. That is another object when its last handle was closed and the
-// name opened anew while the thread owned it.
-MutexObject* MutexObject::EntryIn(const ThreadRecord& thread) {
-    if (heldHere_.load(std::memory_order_relaxed)) return this;
-    MutexObject* entry = thread.heldMutexes;
-    while (entry != nullptr && !(entry->IsNamed() && entry->memory_.Inode() == memory_.Inode()))
-        entry = entry->nextHeld_;
-    return entry;
+inline void MutexObject::Unlink(ThreadRecord& thread) {
+    if (nextHeld_ != nullptr) nextHeld_->previousHeld_ = previousHeld_;
+    (previousHeld_ != nullptr ? previousHeld_->nextHeld_ : thread.heldMutexes) = nextHeld_;
+    heldHere_.store(false, std::memory_order_relaxed);
 }
 
 void MutexObject::LeaveList(ThreadRecord& thread) {
-    MutexObject* const entry = EntryIn(thread);
-    if (entry == nullptr) return;
-    MutexObject* const next = entry->nextHeld_;
-    MutexObject* const previous = entry->previousHeld_;
-    if (next != nullptr) next->previousHeld_ = previous;
-    (previous != nullptr ? previous->nextHeld_ : thread.heldMutexes) = next;
-    if (entry == this) {
-        heldHere_.store(false, std::memory_order_relaxed);
-        return;
-    }
+    if (heldHere_.load(std::memory_order_relaxed))
+        Unlink(thread);
+    else
+        UnlinkPredecessor(thread);
+}
+
+// Another object of this mutex entered the list when its last handle was closed and the name opened anew
+// while the thread owned it.
+void MutexObject::UnlinkPredecessor(ThreadRecord& thread) {
+    MutexObject* entered = thread.heldMutexes;
+    while (entered != nullptr && !(entered->IsNamed() && entered->memory_.Inode() == memory_.Inode()))
+        entered = entered->nextHeld_;
+    if (entered == nullptr) return;
     const std::lock_guard guard(OrphanLock());
-    entry->heldHere_.store(false, std::memory_order_relaxed);
-    if (entry->orphan_) delete entry;
+    entered->Unlink(thread);
+    if (entered->orphan_) delete entered;
 }
 
 TakeResult MutexObject::TryTake(ThreadRecord& thread, uint32_t token, bool outOfTurn) {
@@ -171,11 +170,23 @@ void MutexObject::NoticeDeadHeir() {
 bool MutexObject::ReleaseLevel(ThreadRecord& thread) {
     ObjectPage& page = Page();
     const uint32_t token = OwnToken(thread);
-    if (token == 0 || (page.word.load(std::memory_order_relaxed) & kMutexOwner) != token) return false;
+    uint32_t word = page.word.load(std::memory_order_relaxed);
+    if (token == 0 || (word & kMutexOwner) != token) return false;
     const uint32_t levels = page.recursion.load(std::memory_order_relaxed) - 1;
     page.recursion.store(levels, std::memory_order_relaxed);
     if (levels != 0) return true;
+    // Mostly it was taken through this object and nobody sleeps.
+    if (word == token && heldHere_.load(std::memory_order_relaxed)) {
+        Unlink(thread);
+        if (page.word.compare_exchange_strong(word, 0, std::memory_order_release, std::memory_order_relaxed))
+            return true;
+    }
+    return ReleaseSlowly(thread);
+}
+
+bool MutexObject::ReleaseSlowly(ThreadRecord& thread) {
     LeaveList(thread);
+    ObjectPage& page = Page();
     const Turn turn(page);  // before it is another's
     // A sleeping heir wakes by itself within a turn; at the turn's end it is woken.
     const uint32_t before = page.word.fetch_and(kMutexSleeper, std::memory_order_release);

@@ -62,6 +62,7 @@ class MutexObject final : public KernelObject {
     [[nodiscard]] bool IsDead(uint32_t token) const;
     [[nodiscard]] bool MustGiveWay(uint32_t token) const;
     void Abandon(uint32_t token);
+    [[nodiscard]] bool ReleaseSlowly(ThreadRecord& thread);  // always true
 
     [[nodiscard]] TakeResult WaitAsHeir(ThreadRecord& thread, uint32_t token, Moment deadline);
     // True when the thread was woken to become the heir, or has slept so long that it may see to it itself.
@@ -72,7 +73,8 @@ class MutexObject final : public KernelObject {
 
     void EnterList(ThreadRecord& thread);
     void LeaveList(ThreadRecord& thread);
-    [[nodiscard]] MutexObject* EntryIn(const ThreadRecord& thread);
+    void Unlink(ThreadRecord& thread);
+    void UnlinkPredecessor(ThreadRecord& thread);
 
     ObjectMemory memory_;
     // By a thread of this process, in whose list it then stands. A list of links: taking needs no memory.

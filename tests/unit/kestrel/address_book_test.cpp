@@ -69,7 +69,7 @@ TEST(KestrelAddressBook, Refuses_a_file_that_the_printer_cannot_hold) {
     for (const auto& [text, reason] : cases) {
         const auto failure = FailureOf([&] { return cli::RecordsFromCsv(text, list); });
         ASSERT_TRUE(failure) << text;
-        EXPECT_EQ(cli::ExitCode::kValueRefused, failure->exit);
+        EXPECT_EQ(cli::ExitCode::ValueRefused, failure->exit);
         EXPECT_NE(std::string::npos, failure->text.find(reason)) << failure->text;
     }
 }

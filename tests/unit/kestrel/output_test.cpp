@@ -54,28 +54,28 @@ TEST(KestrelDurations, Need_a_unit_and_stay_below_the_value_that_means_no_limit)
 TEST(KestrelFailures, Give_each_code_one_exit_code_and_an_advice) {
     using enum ExitCode;
     const std::map<ExitCode, std::vector<std::uint32_t>> codesOfExit = {
-        {kOwnFault, {0xE0000001, 126, 1722, 123456}},
-        {kNoAnswer, {0xE0000002, 0xE0000003, 1460, 4319}},
-        {kBadReply, {0xE0000011, 0xE0000012}},
-        {kNoPrinter, {0xE0000013, 0xE0000014, 0xE0000015, 1801}},
-        {kDeviceRefused, {2, 22, 23, 31, 50, 1392}},
-        {kValueRefused, {87, 1797, 1802}},
-        {kLocked, {170, 212}},
+        {OwnFault, {0xE0000001, 126, 1722, 123456}},
+        {NoAnswer, {0xE0000002, 0xE0000003, 1460, 4319}},
+        {BadReply, {0xE0000011, 0xE0000012}},
+        {NoPrinter, {0xE0000013, 0xE0000014, 0xE0000015, 1801}},
+        {DeviceRefused, {2, 22, 23, 31, 50, 1392}},
+        {ValueRefused, {87, 1797, 1802}},
+        {Locked, {170, 212}},
     };
     for (const auto& [exit, codes] : codesOfExit) {
         for (const std::uint32_t code : codes) {
-            const Failure failure = cli::FailureFromCode(code, "cannot do it", cli::Exchange::kWrite);
+            const Failure failure = cli::FailureFromCode(code, "cannot do it", cli::Exchange::Write);
             EXPECT_EQ(failure.exit, exit) << code;
             EXPECT_FALSE(failure.advice.empty()) << code;
         }
     }
     // The device's word is unknown, not the caller's.
-    EXPECT_EQ(cli::FailureFromCode(87, "cannot read it", cli::Exchange::kRead).exit, kBadReply);
+    EXPECT_EQ(cli::FailureFromCode(87, "cannot read it", cli::Exchange::Read).exit, BadReply);
 }
 
 TEST(KestrelFailures, Show_code_reply_and_advice_to_people_and_to_scripts) {
     cli::Report report;
-    report.failure = cli::FailureFromCode(0xE0000003, "cannot read \xFF", cli::Exchange::kRead);
+    report.failure = cli::FailureFromCode(0xE0000003, "cannot read \xFF", cli::Exchange::Read);
     report.failure->badReply = "3400,no;";
     report.failure->responseNumber = 3400;
 

@@ -20,7 +20,7 @@ TEST(KestrelValues, Are_accepted_in_every_spelling_and_printed_in_one_or_refused
         const std::string written = cli::BytesFromReadable(given.substr(blank + 1)).value();
         cli::Value value;
         if (const auto failure = FailureOf([&] { return value = cli::ParseValue(row, written); })) {
-            EXPECT_EQ(failure->exit, ExitCode::kValueRefused);
+            EXPECT_EQ(failure->exit, ExitCode::ValueRefused);
             EXPECT_EQ(failure->advice, expected);
         } else {
             EXPECT_EQ(cli::FormatValue(row, value), expected);
@@ -51,7 +51,7 @@ TEST(KestrelSettings, Are_offered_when_a_name_is_nearly_right) {
         const auto [written, offered] = CaseIn(line);
         const auto failure = FailureOf([name = written] { return cli::FindSetting(name); });
         ASSERT_TRUE(failure) << written;
-        EXPECT_EQ(failure->exit, ExitCode::kUsage);
+        EXPECT_EQ(failure->exit, ExitCode::Usage);
         EXPECT_TRUE(failure->advice.starts_with(offered)) << written;
     }
 }

@@ -25,14 +25,14 @@ uint32_t ListTimeout(const Context& context, const AddressList& list) {
     return static_cast<uint32_t>(std::min(whole, std::max<uint64_t>(kLongest, context.Options().timeoutMs)));
 }
 
-constexpr CodelessFailure kOutOfTime = {ExitCode::kNoAnswer, "the time for the whole list ran out",
+constexpr CodelessFailure kOutOfTime = {ExitCode::NoAnswer, "the time for the whole list ran out",
                                         "allow more time with --timeout"};
 
 std::vector<KestrelQuickDial> ReadList(Context& context, const AddressList& list) {
     std::vector<KestrelQuickDial> records(list.records);
     Demand<kestrel_bool(KestrelQuickDial*, uint32_t)>(
         context.GetPrinter().GetLibrary(), list.getter,
-        {fmt::format("cannot read the {} list", list.name), Exchange::kRead, kOutOfTime}, records.data(),
+        {fmt::format("cannot read the {} list", list.name), Exchange::Read, kOutOfTime}, records.data(),
         ListTimeout(context, list));
     return records;
 }
@@ -40,7 +40,7 @@ std::vector<KestrelQuickDial> ReadList(Context& context, const AddressList& list
 void WriteList(Context& context, const AddressList& list, const std::vector<KestrelQuickDial>& records) {
     Demand<kestrel_bool(const KestrelQuickDial*, uint32_t)>(
         context.GetPrinter().GetLibrary(), list.setter,
-        {fmt::format("cannot write the {} list", list.name), Exchange::kWrite, kOutOfTime}, records.data(),
+        {fmt::format("cannot write the {} list", list.name), Exchange::Write, kOutOfTime}, records.data(),
         ListTimeout(context, list));
 }
 

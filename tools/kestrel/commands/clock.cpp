@@ -23,7 +23,7 @@ std::string Text(const WallTime& time) {
                        time.minute);
 }
 
-constexpr CodelessFailure kNoCompleteTime = {ExitCode::kBadReply,
+constexpr CodelessFailure kNoCompleteTime = {ExitCode::BadReply,
                                              "the printer's answer is not a complete time",
                                              "set the clock with `kestrel clock sync` and try again"};
 
@@ -32,12 +32,11 @@ Report ShowClock(Context& context) {
     const uint32_t timeoutMs = context.Options().timeoutMs;
     WallTime time;
     Demand<decltype(GetDeviceTime)>(library, "GetDeviceTime",
-                                    {"cannot read the clock", Exchange::kRead, kNoCompleteTime}, &time.year,
+                                    {"cannot read the clock", Exchange::Read, kNoCompleteTime}, &time.year,
                                     &time.month, &time.day, &time.hour, &time.minute, timeoutMs);
     std::array<kestrel_char, 29> text{};
-    Demand<decltype(GetCurrentTimeRTC)>(library, "GetCurrentTimeRTC",
-                                        {"cannot read the clock text", Exchange::kRead}, text.data(),
-                                        timeoutMs);
+    Demand<decltype(GetCurrentTimeRTC)>(
+        library, "GetCurrentTimeRTC", {"cannot read the clock text", Exchange::Read}, text.data(), timeoutMs);
     const std::string rtc = Utf8FromWide(text.data());
     return {fmt::format("{}\nclock text {}\n", Text(time), ForTerminal(rtc)),
             {{"time", Text(time)}, {"clockText", rtc}},
@@ -84,8 +83,8 @@ Report SyncClock(Context& context) {
     Demand<decltype(SetCurrentTimeRTC)>(
         context.GetPrinter().GetLibrary(), "SetCurrentTimeRTC",
         {"cannot set the clock from this computer's",
-         Exchange::kWrite,
-         {ExitCode::kOwnFault, "this computer has no identity", "check the rights on the registry"}},
+         Exchange::Write,
+         {ExitCode::OwnFault, "this computer has no identity", "check the rights on the registry"}},
         context.Options().timeoutMs);
     return {"the clock is that of this computer\n", tools::Json::EmptyObject(), {}};
 }

@@ -20,7 +20,7 @@ struct Versions {
 Report ShowFirmware(Context& context) {
     Versions versions;
     Demand<decltype(GetFWVersion)>(context.GetPrinter().GetLibrary(), "GetFWVersion",
-                                   {"cannot read the firmware's versions", Exchange::kRead}, &versions.lagoon,
+                                   {"cannot read the firmware's versions", Exchange::Read}, &versions.lagoon,
                                    &versions.customer, versions.printer.data(), context.Options().timeoutMs);
     const std::string printer = Utf8FromWide(versions.printer.data());
     return {fmt::format("printer   {}\ncustomer  {}\nlagoon    {}\n", ForTerminal(printer), versions.customer,
@@ -30,7 +30,7 @@ Report ShowFirmware(Context& context) {
 }
 
 constexpr CodelessFailure kFileRefused = {
-    ExitCode::kDeviceRefused, "the printer refused the file",
+    ExitCode::DeviceRefused, "the printer refused the file",
     "check that the file is an upgrade for this model; the response number gives the printer's reason"};
 
 // A relative path means nothing to the language monitor, which opens the file.
@@ -41,7 +41,7 @@ Report Upgrade(Context& context, const std::string& written) {
     const Waiting waiting("handing over the file", !context.Options().json);
     Demand<decltype(UpgradeFW)>(
         library, "UpgradeFW",
-        {fmt::format("cannot upgrade the firmware from {}", path), Exchange::kWrite, kFileRefused},
+        {fmt::format("cannot upgrade the firmware from {}", path), Exchange::Write, kFileRefused},
         wide.c_str());
     const uint32_t number = library.Find<decltype(GetLastResponseNum)>("GetLastResponseNum")();
     return {"the printer has taken the file and goes on by itself; `kestrel status` shows how far it is\n",

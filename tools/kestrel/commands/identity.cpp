@@ -32,7 +32,7 @@ std::optional<bool> ServiceFlag(const Library& library, const CloudService& serv
     if (library.Find<GetFlag>(service.function)(&configured, timeoutMs) != 0) return configured != 0;
     if (GetLastError() == ERROR_SUCCESS) return std::nullopt;
     throw FailureOfLastCall(library, fmt::format("cannot ask for the service {}", service.name),
-                            Exchange::kRead);
+                            Exchange::Read);
 }
 
 Report Identify(Context& context) {
@@ -41,7 +41,7 @@ Report Identify(Context& context) {
     uint32_t vendor = 0;
     uint32_t product = 0;
     Demand<decltype(GetVendorProductIDs)>(library, "GetVendorProductIDs",
-                                          {"cannot read the USB identifiers", Exchange::kRead}, &vendor,
+                                          {"cannot read the USB identifiers", Exchange::Read}, &vendor,
                                           &product, timeoutMs);
     Report report;
     report.text = fmt::format("USB vendor   {:04X}\nUSB product  {:04X}\n", vendor, product);
@@ -71,8 +71,8 @@ std::vector<uint8_t> CapabilityBlock(const Library& library) {
     if (got) return block;
     throw FailureOfLastCall(library,
                             Attempt{"cannot read the capability block",
-                                    Exchange::kRead,
-                                    {ExitCode::kBadReply, "the printer has no complete block",
+                                    Exchange::Read,
+                                    {ExitCode::BadReply, "the printer has no complete block",
                                      "look at the printer's reply with `kestrel raw 'ZRGetCapabilities?'`"}});
 }
 
@@ -82,11 +82,11 @@ Report ShowCapabilities(Context& context) {
     kestrel_bool upgrade = 0;
     kestrel_bool edge = 0;
     uint32_t version = 0;
-    Demand<GetFlag>(library, "GetCapFWUpgrade", {"cannot read the upgrade capability", Exchange::kRead},
+    Demand<GetFlag>(library, "GetCapFWUpgrade", {"cannot read the upgrade capability", Exchange::Read},
                     &upgrade, timeoutMs);
-    Demand<GetFlag>(library, "GetCapTOFEdgeOverride", {"cannot read the edge capability", Exchange::kRead},
+    Demand<GetFlag>(library, "GetCapTOFEdgeOverride", {"cannot read the edge capability", Exchange::Read},
                     &edge, timeoutMs);
-    Demand<decltype(GetCapRBNVer)>(library, "GetCapRBNVer", {"cannot read the RBN version", Exchange::kRead},
+    Demand<decltype(GetCapRBNVer)>(library, "GetCapRBNVer", {"cannot read the RBN version", Exchange::Read},
                                    &version, timeoutMs);
     const std::vector<uint8_t> block = CapabilityBlock(library);
     const std::string bytes(block.begin(), block.end());

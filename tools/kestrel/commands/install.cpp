@@ -54,7 +54,7 @@ void RequirePrinter(const NewPrinter& printer) {
         return installed.name == printer.name;
     });
     if (made) return;
-    throw Failure{ExitCode::kDeviceRefused,
+    throw Failure{ExitCode::DeviceRefused,
                   fmt::format("the printer user interface has not made the printer \"{}\"", printer.name),
                   fmt::format("check that {} names the model \"{}\" and that the port {} exists", printer.inf,
                               printer.model, printer.port),

@@ -25,7 +25,7 @@ struct Listed {
 // A printer that does not answer once will not answer for the other settings either: each would cost a
 // time-out.
 bool IsHopeless(const Failure& failure) {
-    return failure.exit == ExitCode::kNoAnswer || failure.exit == ExitCode::kOwnFault;
+    return failure.exit == ExitCode::NoAnswer || failure.exit == ExitCode::OwnFault;
 }
 
 // Ends early, with the reason in the last entry, when going on is hopeless.
@@ -56,7 +56,7 @@ std::string ShownValue(const Listed& listed, bool showSecrets) {
 
 // What `set` takes; the words also of a setting that can only be read, to know what to expect.
 std::string AllowedColumn(const catalogue::Row& row) {
-    return row.CanWrite() || FormOf(row) == ValueForm::kWord ? AllowedValues(row) : std::string();
+    return row.CanWrite() || FormOf(row) == ValueForm::Word ? AllowedValues(row) : std::string();
 }
 
 tools::Json ListedJson(const Listed& listed, bool showSecrets) {

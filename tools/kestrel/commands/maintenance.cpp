@@ -9,7 +9,7 @@
 namespace cli {
 namespace {
 
-enum class Argument { kNone, kNo, kYes };
+enum class Argument { None, No, Yes };
 
 struct Action {
     std::string_view name;
@@ -18,13 +18,13 @@ struct Action {
     std::string_view meaning;
 };
 constexpr std::array<Action, 7> kActions = {{
-    {"calibrate", "CalibrateHead", Argument::kNone, "calibrate the print head"},
-    {"test-page", "PrintTestPage", Argument::kNone, "print a test page"},
-    {"clean", "CleanHead", Argument::kNo, "clean the print head"},
-    {"deep-clean", "CleanHead", Argument::kYes, "clean the print head thoroughly"},
-    {"check-nozzles", "CheckNozzle", Argument::kNone, "print the nozzle check pattern"},
-    {"align", "AlignHead", Argument::kNone, "align the print head"},
-    {"vtoe", "VTOE", Argument::kNone, "run the VTOE procedure"},
+    {"calibrate", "CalibrateHead", Argument::None, "calibrate the print head"},
+    {"test-page", "PrintTestPage", Argument::None, "print a test page"},
+    {"clean", "CleanHead", Argument::No, "clean the print head"},
+    {"deep-clean", "CleanHead", Argument::Yes, "clean the print head thoroughly"},
+    {"check-nozzles", "CheckNozzle", Argument::None, "print the nozzle check pattern"},
+    {"align", "AlignHead", Argument::None, "align the print head"},
+    {"vtoe", "VTOE", Argument::None, "run the VTOE procedure"},
 }};
 
 std::string ActionList() {
@@ -45,8 +45,8 @@ const Action& FindAction(std::string_view name) {
 }
 
 bool Start(const Library& library, const Action& action) {
-    if (action.argument == Argument::kNone) return library.Find<kestrel_bool()>(action.function)() != 0;
-    const kestrel_bool argument = action.argument == Argument::kYes ? 1 : 0;
+    if (action.argument == Argument::None) return library.Find<kestrel_bool()>(action.function)() != 0;
+    const kestrel_bool argument = action.argument == Argument::Yes ? 1 : 0;
     return library.Find<kestrel_bool(kestrel_bool)>(action.function)(argument) != 0;
 }
 

@@ -36,8 +36,8 @@ Report Mode(Context& context, const std::string& wanted) {
         Demand<decltype(SetStatusMonitorDisplayMode)>(
             library, "SetStatusMonitorDisplayMode",
             {"cannot store the display mode",
-             Exchange::kWrite,
-             {ExitCode::kOwnFault, "the registry refuses it", "check the rights on the user's registry"}},
+             Exchange::Write,
+             {ExitCode::OwnFault, "the registry refuses it", "check the rights on the user's registry"}},
             wanted == "always" ? 1 : 0);
     }
     const bool always =

@@ -23,7 +23,7 @@ constexpr milliseconds kQuietEnd{3000};
 uint32_t AskNumber(const Library& library, const char* function, const char* what, uint32_t timeoutMs) {
     uint32_t number = 0;
     Demand<kestrel_bool(uint32_t*, uint32_t)>(
-        library, function, {fmt::format("cannot read the number of {}", what), Exchange::kRead}, &number,
+        library, function, {fmt::format("cannot read the number of {}", what), Exchange::Read}, &number,
         timeoutMs);
     return number;
 }
@@ -54,7 +54,7 @@ Report Scan(Context& context, milliseconds limit) {
 
     std::vector<KestrelAccessPoint> points(KESTREL_MAX_ACCESS_POINTS);
     Demand<decltype(GetAccessPoints)>(library, "GetAccessPoints",
-                                      {"cannot read the access points", Exchange::kRead}, points.data(),
+                                      {"cannot read the access points", Exchange::Read}, points.data(),
                                       timeoutMs);
     Report report;
     report.data["accessPoints"] = tools::Json::EmptyArray();
@@ -178,7 +178,7 @@ Report Ping(Context& context, const PingOptions& options) {
                   {{"address", options.address}, {"sent", sent}, {"answered", answered}},
                   {}};
     if (answered == 0) {
-        report.failure = Failure{ExitCode::kDeviceRefused,
+        report.failure = Failure{ExitCode::DeviceRefused,
                                  fmt::format("{} did not answer the printer", options.address),
                                  "check the address and the printer's network settings",
                                  {},
@@ -193,7 +193,7 @@ Report Ping(Context& context, const PingOptions& options) {
 Report Hosts(Context& context) {
     std::vector<KestrelHost> hosts(KESTREL_MAX_HOSTS);
     Demand<decltype(GetMDNSHostList)>(context.GetPrinter().GetLibrary(), "GetMDNSHostList",
-                                      {"cannot read the hosts", Exchange::kRead}, hosts.data(),
+                                      {"cannot read the hosts", Exchange::Read}, hosts.data(),
                                       context.Options().timeoutMs);
     Report report;
     report.data["hosts"] = tools::Json::EmptyArray();

@@ -34,7 +34,7 @@ Report Add(const Context& context, InstalledPrinter printer) {
     if (printer.driver.empty()) {
         const std::vector<std::string> drivers = ConfiguredDrivers(context.Options().product);
         if (drivers.empty()) {
-            throw Failure{ExitCode::kOwnFault,
+            throw Failure{ExitCode::OwnFault,
                           "there is no product configuration that names a driver",
                           "run `kestrel setup`, or name a driver with --driver",
                           {},

@@ -10,16 +10,16 @@ namespace cli {
 namespace {
 
 constexpr CodelessFailure kNotComplied = {
-    ExitCode::kDeviceRefused, "the language monitor did not comply",
+    ExitCode::DeviceRefused, "the language monitor did not comply",
     "the response number gives its reason; a language monitor without a cache has nothing to switch"};
 
 struct EndWord {
     platform::WaitEnd end;
     const char* word;
 };
-constexpr EndWord kEndWords[] = {{platform::WaitEnd::kTime, "time"},
-                                 {platform::WaitEnd::kEnter, "enter"},
-                                 {platform::WaitEnd::kInterrupt, "interrupt"}};
+constexpr EndWord kEndWords[] = {{platform::WaitEnd::Time, "time"},
+                                 {platform::WaitEnd::Enter, "enter"},
+                                 {platform::WaitEnd::Interrupt, "interrupt"}};
 
 const char* WordOf(platform::WaitEnd end) {
     for (const EndWord& row : kEndWords) {
@@ -61,7 +61,7 @@ Report SwitchCache(Context& context, bool on) {
     const char* const word = on ? "on" : "off";
     Demand<decltype(EnableCache)>(
         context.GetPrinter().GetLibrary(), "EnableCache",
-        {fmt::format("cannot switch the cache {}", word), Exchange::kWrite, kNotComplied},
+        {fmt::format("cannot switch the cache {}", word), Exchange::Write, kNotComplied},
         static_cast<kestrel_bool>(on));
     return {fmt::format("cache {}\n", word), {{"cache", on}}, {}};
 }

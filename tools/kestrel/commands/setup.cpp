@@ -26,9 +26,9 @@ struct WrittenWords {
 constexpr std::string_view kDefaultDriverEnding = " Series";
 
 constexpr std::array<WrittenWords, 3> kWrittenWords = {{
-    {Written::kNew, "new", "wrote the product configuration"},
-    {Written::kUnchanged, "unchanged", "the product configuration is up to date:"},
-    {Written::kReplaced, "replaced", "replaced the product configuration (the old one is kept as .bak)"},
+    {Written::New, "new", "wrote the product configuration"},
+    {Written::Unchanged, "unchanged", "the product configuration is up to date:"},
+    {Written::Replaced, "replaced", "replaced the product configuration (the old one is kept as .bak)"},
 }};
 
 // The status monitor that is built with this client, and the ending of its name behind the product's prefix.
@@ -54,7 +54,7 @@ void CopyProgram(const fs::path& from, const fs::path& to) {
     fs::copy_file(from, fresh, error);
     if (!error) fs::rename(fresh, to, error);
     if (!error) return;
-    throw Failure{ExitCode::kOwnFault,
+    throw Failure{ExitCode::OwnFault,
                   fmt::format("{} cannot be copied to {}: {}", from.string(), to.string(), error.message()),
                   "run `kestrel setup` with an account that may write to the driver directory",
                   {},

@@ -24,7 +24,7 @@ DeviceStatus Ask(Context& context) {
     DeviceStatusRecord record{};
     const Library& library = context.GetPrinter().GetLibrary();
     const Waiting waiting("asking for the status", !context.Options().json);
-    Demand<decltype(GetStatus)>(library, "GetStatus", {"cannot read the status", Exchange::kRead}, &record,
+    Demand<decltype(GetStatus)>(library, "GetStatus", {"cannot read the status", Exchange::Read}, &record,
                                 static_cast<uint32_t>(sizeof(record)));
     return ReadStatus(record);
 }
@@ -57,9 +57,9 @@ Report Watch(Context& context, const StatusOptions& options) {
         if (changes.Items().empty() || changes.Items().back().At("status") != now)
             changes.Append({{"afterMs", passed().count()}, {"status", now}});
         if (options.end && passed() >= *options.end) return report;
-    } while (platform::WaitForUser(options.interval) == platform::WaitEnd::kTime);
+    } while (platform::WaitForUser(options.interval) == platform::WaitEnd::Time);
     // The same end as that of an interrupt in the middle of a question.
-    report.failure = Failure{ExitCode::kInterrupted, "interrupted", {}, {}, {}, {}};
+    report.failure = Failure{ExitCode::Interrupted, "interrupted", {}, {}, {}, {}};
     return report;
 }
 

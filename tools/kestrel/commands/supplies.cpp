@@ -4,13 +4,13 @@
 namespace cli {
 namespace {
 
-constexpr CodelessFailure kRefused = {ExitCode::kDeviceRefused,
+constexpr CodelessFailure kRefused = {ExitCode::DeviceRefused,
                                       "the printer cannot be asked and the status monitor refuses",
                                       "check that the printer is switched on and connected, then try again"};
 
 Report Order(Context& context) {
     Demand<decltype(OrderSupplies)>(context.GetPrinter().GetLibrary(), "OrderSupplies",
-                                    {"cannot order supplies", Exchange::kWrite, kRefused});
+                                    {"cannot order supplies", Exchange::Write, kRefused});
     return {"an order has been started\n", tools::Json::EmptyObject(), {}};
 }
 

@@ -76,7 +76,7 @@ void ReplaceAll(std::string& text, std::string_view what, std::string_view with)
 }
 
 [[noreturn]] void ThrowUnwritable(const fs::path& path, const std::string& reason) {
-    throw Failure{ExitCode::kOwnFault,
+    throw Failure{ExitCode::OwnFault,
                   fmt::format("the product configuration {} cannot be written: {}", path.string(), reason),
                   "run `kestrel setup` with an account that may write to the driver directory",
                   {},
@@ -141,7 +141,7 @@ std::string ConfigurationText(const std::string& product, const std::vector<std:
 Written WriteConfiguration(const fs::path& path, const std::string& text) {
     std::error_code error;
     const bool existed = fs::exists(path, error);
-    if (existed && tools::ReadFile(path) == text) return Written::kUnchanged;
+    if (existed && tools::ReadFile(path) == text) return Written::Unchanged;
 
     fs::create_directories(path.parent_path(), error);
     if (error) ThrowUnwritable(path, error.message());
@@ -163,7 +163,7 @@ Written WriteConfiguration(const fs::path& path, const std::string& text) {
     }
     fs::rename(fresh, path, error);
     if (error) ThrowUnwritable(path, error.message());
-    return existed ? Written::kReplaced : Written::kNew;
+    return existed ? Written::Replaced : Written::New;
 }
 
 }  // namespace cli

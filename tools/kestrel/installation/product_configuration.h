@@ -23,7 +23,7 @@ extern const std::string_view kProductTemplate;
 [[nodiscard]] std::string ConfigurationText(const std::string& product,
                                             const std::vector<std::string>& drivers);
 
-enum class Written { kNew, kUnchanged, kReplaced };
+enum class Written { New, Unchanged, Replaced };
 
 // Puts the text in place whole or not at all. An older, different file is kept as <file>.bak.
 Written WriteConfiguration(const std::filesystem::path& path, const std::string& text);

@@ -19,7 +19,7 @@ namespace {
 constexpr DWORD kDriverVersion = 3;
 
 [[noreturn]] void ThrowLastError(const std::string& attempt) {
-    throw FailureFromCode(GetLastError(), attempt, Exchange::kWrite);
+    throw FailureFromCode(GetLastError(), attempt, Exchange::Write);
 }
 
 std::string Text(const WCHAR* text) {

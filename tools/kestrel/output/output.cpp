@@ -22,11 +22,11 @@ bool ColourWanted(std::FILE* stream, bool noColour) {
 
 const char* EscapeSequence(Colour colour) {
     switch (colour) {
-        case Colour::kBold:
+        case Colour::Bold:
             return "\x1b[1m";
-        case Colour::kDim:
+        case Colour::Dim:
             return "\x1b[2m";
-        case Colour::kRed:
+        case Colour::Red:
             return "\x1b[31m";
     }
     return "";
@@ -83,13 +83,13 @@ std::string AlignedTable(const std::vector<std::vector<std::string>>& rows, cons
             if (i + 1 < row.size()) line.append(widths[i] - Width(row[i]) + 2, ' ');
         }
         line.erase(line.find_last_not_of(' ') + 1);
-        table += (&row == &rows.front() ? paint(Colour::kBold, line) : line) + '\n';
+        table += (&row == &rows.front() ? paint(Colour::Bold, line) : line) + '\n';
     }
     return table;
 }
 
 std::string JsonDocument(std::string_view command, const Report& report) {
-    const ExitCode exit = report.failure ? report.failure->exit : ExitCode::kDone;
+    const ExitCode exit = report.failure ? report.failure->exit : ExitCode::Done;
     tools::Json document = {
         {"version", kDocumentVersion}, {"command", command}, {"exitCode", static_cast<int>(exit)}};
     for (const auto& [name, value] : report.data.Members())
@@ -100,7 +100,7 @@ std::string JsonDocument(std::string_view command, const Report& report) {
 }
 
 std::string FailureText(const Failure& failure, const Paint& paint) {
-    std::string text = paint(Colour::kRed, "kestrel: ") + ForTerminal(failure.text);
+    std::string text = paint(Colour::Red, "kestrel: ") + ForTerminal(failure.text);
     if (failure.code) text += fmt::format(" [{}]", CodeText(*failure.code));
     text += '\n';
     if (!failure.badReply.empty()) {
@@ -119,12 +119,12 @@ int Print(std::string_view command, const Report& report, bool json, bool noColo
         std::fflush(stdout);
         if (report.failure) Write(stderr, FailureText(*report.failure, PaintForErrors(noColour)));
     }
-    const ExitCode exit = report.failure ? report.failure->exit : ExitCode::kDone;
+    const ExitCode exit = report.failure ? report.failure->exit : ExitCode::Done;
     // A full disk behind a redirection must not look like success.
     const bool complete = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
-    if (!complete && exit == ExitCode::kDone) {
+    if (!complete && exit == ExitCode::Done) {
         Write(stderr, "kestrel: the results could not be written to standard output\n");
-        return static_cast<int>(ExitCode::kOwnFault);
+        return static_cast<int>(ExitCode::OwnFault);
     }
     return static_cast<int>(exit);
 }

@@ -18,7 +18,7 @@ struct Report final {
     std::optional<Failure> failure;
 };
 
-enum class Colour { kBold, kDim, kRed };
+enum class Colour { Bold, Dim, Red };
 
 // Marks a text for a terminal, or leaves it alone.
 class Paint final {

@@ -35,8 +35,8 @@ Library::Library(const std::string& product) {
     if (module_) return;
 
     Failure failure =
-        FailureFromCode(GetLastError(), fmt::format("cannot load the library {}", path_), Exchange::kWrite);
-    failure.exit = ExitCode::kOwnFault;
+        FailureFromCode(GetLastError(), fmt::format("cannot load the library {}", path_), Exchange::Write);
+    failure.exit = ExitCode::OwnFault;
     failure.advice = "put the product's library beside this program, or name another product with --product";
     throw failure;
 }
@@ -44,7 +44,7 @@ Library::Library(const std::string& product) {
 Library::AnyFunction Library::FindAny(const char* name) const {
     const FARPROC function = GetProcAddress(module_.get(), name);
     if (function == nullptr) {
-        throw Failure{ExitCode::kOwnFault,
+        throw Failure{ExitCode::OwnFault,
                       fmt::format("the library {} has no function {}", path_, name),
                       "install the library and this program from the same release",
                       GetLastError(),

@@ -41,7 +41,7 @@ class Library final {
 
 // What a failure means that left no error code.
 struct CodelessFailure final {
-    ExitCode exit = ExitCode::kDeviceRefused;
+    ExitCode exit = ExitCode::DeviceRefused;
     const char* text = "the device answered that it did not do this";
     const char* advice = "look at the printer's display, remedy what it shows and try again";
 };
@@ -49,7 +49,7 @@ struct CodelessFailure final {
 // What a call is made for. `text` opens the failure's text: "cannot lock the printer".
 struct Attempt final {
     std::string text;
-    Exchange direction = Exchange::kWrite;
+    Exchange direction = Exchange::Write;
     CodelessFailure codeless = {};
 };
 

@@ -23,7 +23,7 @@ Failure SelectionFailure(const Library& library, const std::string& product, con
     const std::filesystem::path configuration = ConfigurationPath(product);
     std::error_code error;
     if (code == kUntouched || !std::filesystem::exists(configuration, error)) {
-        return {ExitCode::kOwnFault,
+        return {ExitCode::OwnFault,
                 fmt::format("there is no usable product configuration {}", configuration.string()),
                 "run `kestrel setup`",
                 {},
@@ -31,7 +31,7 @@ Failure SelectionFailure(const Library& library, const std::string& product, con
                 {}};
     }
     if (name.empty() && code == ERROR_SUCCESS) {
-        return {ExitCode::kNoPrinter,
+        return {ExitCode::NoPrinter,
                 "no installed printer uses a driver of the product",
                 "add one with `kestrel printers add NAME --port PORT`, or name a printer with --printer",
                 {},
@@ -40,7 +40,7 @@ Failure SelectionFailure(const Library& library, const std::string& product, con
     }
     SetLastError(code);
     const std::string who = name.empty() ? "the product's printer" : fmt::format("the printer \"{}\"", name);
-    return FailureOfLastCall(library, "cannot select " + who, Exchange::kWrite);
+    return FailureOfLastCall(library, "cannot select " + who, Exchange::Write);
 }
 
 // The exported getters and setters differ in the type of the value alone.
@@ -81,7 +81,7 @@ const NumberCalls& CallsOf(catalogue::Type type) {
         if (calls.type == type) return calls;
     }
     throw Failure{
-        ExitCode::kOwnFault, "a setting of an unknown type", "install the product again", {}, {}, {}};
+        ExitCode::OwnFault, "a setting of an unknown type", "install the product again", {}, {}, {}};
 }
 
 // One of several texts behind a pair of functions is chosen by a number in front of the other arguments.
@@ -119,18 +119,18 @@ Printer::Printer(const Library& library, const std::string& product, const std::
 
 Value Printer::Get(const catalogue::Row& row) const {
     Value value;
-    const bool done = FormOf(row) == ValueForm::kText
+    const bool done = FormOf(row) == ValueForm::Text
                           ? GetText(library_, row, value.text, timeoutMs_)
                           : CallsOf(row.readType).get(library_, row.getter, value.number, timeoutMs_);
-    if (!done) throw FailureOfLastCall(library_, fmt::format("cannot read {}", row.name), Exchange::kRead);
+    if (!done) throw FailureOfLastCall(library_, fmt::format("cannot read {}", row.name), Exchange::Read);
     return value;
 }
 
 void Printer::Set(const catalogue::Row& row, const Value& value) const {
-    const bool done = FormOf(row) == ValueForm::kText
+    const bool done = FormOf(row) == ValueForm::Text
                           ? SetText(library_, row, value.text, timeoutMs_)
                           : CallsOf(row.writeType).set(library_, row.setter, value.number, timeoutMs_);
-    if (!done) throw FailureOfLastCall(library_, fmt::format("cannot set {}", row.name), Exchange::kWrite);
+    if (!done) throw FailureOfLastCall(library_, fmt::format("cannot set {}", row.name), Exchange::Write);
 }
 
 RawReply Printer::Send(std::string_view request) const {
@@ -144,7 +144,7 @@ RawReply Printer::Send(std::string_view request) const {
     const bool good =
         library_.Find<decltype(SendCmd)>("SendCmd")(request.data(), static_cast<uint32_t>(request.size()),
                                                     reply.bytes.data(), kLargestMessage, &length, timeoutMs_);
-    if (!good) throw FailureOfLastCall(library_, "the request failed", Exchange::kWrite);
+    if (!good) throw FailureOfLastCall(library_, "the request failed", Exchange::Write);
     reply.bytes.resize(length);
     reply.responseNumber = library_.Find<decltype(GetLastResponseNum)>("GetLastResponseNum")();
     return reply;

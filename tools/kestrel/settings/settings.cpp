@@ -26,15 +26,15 @@ struct TypeRow {
     IntegerRange range;  // of integers
 };
 constexpr std::array<TypeRow, 9> kTypes = {{
-    {catalogue::Type::Bool, "bool", ValueForm::kBool, {}},
-    {catalogue::Type::U8, "u8", ValueForm::kInteger, RangeOf<uint8_t>()},
-    {catalogue::Type::S8, "s8", ValueForm::kInteger, RangeOf<int8_t>()},
-    {catalogue::Type::U16, "u16", ValueForm::kInteger, RangeOf<uint16_t>()},
-    {catalogue::Type::U32, "u32", ValueForm::kInteger, RangeOf<uint32_t>()},
-    {catalogue::Type::S32, "s32", ValueForm::kInteger, RangeOf<int32_t>()},
-    {catalogue::Type::Enum, "enum", ValueForm::kWord, {}},
-    {catalogue::Type::Text, "text", ValueForm::kText, {}},
-    {catalogue::Type::Address, "address", ValueForm::kAddress, {}},
+    {catalogue::Type::Bool, "bool", ValueForm::Bool, {}},
+    {catalogue::Type::U8, "u8", ValueForm::Integer, RangeOf<uint8_t>()},
+    {catalogue::Type::S8, "s8", ValueForm::Integer, RangeOf<int8_t>()},
+    {catalogue::Type::U16, "u16", ValueForm::Integer, RangeOf<uint16_t>()},
+    {catalogue::Type::U32, "u32", ValueForm::Integer, RangeOf<uint32_t>()},
+    {catalogue::Type::S32, "s32", ValueForm::Integer, RangeOf<int32_t>()},
+    {catalogue::Type::Enum, "enum", ValueForm::Word, {}},
+    {catalogue::Type::Text, "text", ValueForm::Text, {}},
+    {catalogue::Type::Address, "address", ValueForm::Address, {}},
 }};
 
 const TypeRow& TypeOf(catalogue::Type type) {
@@ -126,15 +126,15 @@ std::string AccessName(const catalogue::Row& row) {
 
 std::string AllowedValues(const catalogue::Row& row) {
     switch (FormOf(row)) {
-        case ValueForm::kBool:
+        case ValueForm::Bool:
             return "yes no";
-        case ValueForm::kInteger:
+        case ValueForm::Integer:
             return NumbersText(WritableRange(row));
-        case ValueForm::kWord:
+        case ValueForm::Word:
             return WordsText(row);
-        case ValueForm::kText:
+        case ValueForm::Text:
             return fmt::format("at most {} characters", row.MaxCharacters());
-        case ValueForm::kAddress:
+        case ValueForm::Address:
             return "a.b.c.d";
     }
     return {};

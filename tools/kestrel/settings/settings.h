@@ -11,7 +11,7 @@
 namespace cli {
 
 // How people write a setting's value.
-enum class ValueForm { kBool, kInteger, kWord, kText, kAddress };
+enum class ValueForm { Bool, Integer, Word, Text, Address };
 
 struct IntegerRange final {
     int64_t lowest;

@@ -122,15 +122,15 @@ std::optional<uint32_t> ParseDottedAddress(std::string_view written) {
 
 Value ParseValue(const catalogue::Row& row, std::string_view written) {
     switch (FormOf(row)) {
-        case ValueForm::kBool:
+        case ValueForm::Bool:
             return ParseBool(row, written);
-        case ValueForm::kInteger:
+        case ValueForm::Integer:
             return ParseInteger(row, written);
-        case ValueForm::kWord:
+        case ValueForm::Word:
             return ParseWord(row, written);
-        case ValueForm::kText:
+        case ValueForm::Text:
             return ParseText(row, written);
-        case ValueForm::kAddress:
+        case ValueForm::Address:
             return ParseAddress(row, written);
     }
     return {};
@@ -138,16 +138,16 @@ Value ParseValue(const catalogue::Row& row, std::string_view written) {
 
 std::string FormatValue(const catalogue::Row& row, const Value& value) {
     switch (FormOf(row)) {
-        case ValueForm::kBool:
+        case ValueForm::Bool:
             return value.number != 0 ? "yes" : "no";
-        case ValueForm::kInteger:
+        case ValueForm::Integer:
             return std::to_string(value.number);
-        case ValueForm::kWord:
+        case ValueForm::Word:
             if (const catalogue::EnumEntry* const entry = WordOf(row, value.number)) return entry->name;
             return std::to_string(value.number);
-        case ValueForm::kText:
+        case ValueForm::Text:
             return value.text;
-        case ValueForm::kAddress:
+        case ValueForm::Address:
             return DottedAddress(value.number);
     }
     return {};
@@ -155,9 +155,9 @@ std::string FormatValue(const catalogue::Row& row, const Value& value) {
 
 tools::Json JsonValue(const catalogue::Row& row, const Value& value) {
     switch (FormOf(row)) {
-        case ValueForm::kBool:
+        case ValueForm::Bool:
             return value.number != 0;
-        case ValueForm::kInteger:
+        case ValueForm::Integer:
             return value.number;
         default:
             return FormatValue(row, value);
