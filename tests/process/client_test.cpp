@@ -15,10 +15,8 @@ class Client : public InstalledStatusMonitor {
     }
     // The cases of this title in commands.txt.
     void ExpectAll(const std::string& title) {
-        for (const Section& section : Sections(COMMANDS))
-            for (const std::string& line : section.lines)
-                if (section.title == title)
-                    Expect(std::regex_replace(line, std::regex("HOME"), home_.string()));
+        for (const std::string& line : CasesOf(COMMANDS, title))
+            Expect(std::regex_replace(line, std::regex("HOME"), home_.string()));
     }
     static void Expect(const std::string& line) {
         const auto [command, expected] = CaseIn(line);

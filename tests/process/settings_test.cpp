@@ -122,7 +122,7 @@ TEST_F(Wire, Requests_are_the_literal_texts_of_the_device_language) {
 }
 
 TEST_F(Wire, Replies_are_judged_and_read_as_the_device_language_says) {
-    for (const std::string& line : Sections(REPLIES).at(0).lines) {
+    for (const std::string& line : CasesOf(REPLIES, "Replies")) {
         const auto [reply, expected] = CaseIn(line);
         std::istringstream words(expected);
         uint32_t ends = 0;

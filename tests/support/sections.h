@@ -23,6 +23,12 @@ inline std::vector<Section> Sections(const char* path) {
     return all;
 }
 
+inline std::vector<std::string> CasesOf(const char* path, const std::string& title) {
+    const std::vector<Section> all = Sections(path);
+    const auto found = std::ranges::find(all, title, &Section::title);
+    return found == all.end() ? std::vector<std::string>{"no such section"} : found->lines;
+}
+
 // "CASE -> EXPECTED"
 inline std::pair<std::string, std::string> CaseIn(const std::string& line) {
     const size_t arrow = line.find(" ->");

@@ -10,7 +10,7 @@ namespace catalogue {
 namespace {
 
 TEST(ValueTables, Have_the_words_and_numbers_that_callers_know) {
-    for (const std::string& line : Sections(UNIT_TESTS "/catalogue/words.txt").at(0).lines) {
+    for (const std::string& line : CasesOf(UNIT_TESTS "/catalogue/words.txt", "Words")) {
         const auto [name, words] = CaseIn(line);
         const auto row = std::ranges::find(Rows(), name, &Row::name);
         ASSERT_NE(row, Rows().end()) << name;

@@ -12,7 +12,7 @@ namespace {
 using cli::ExitCode;
 
 TEST(KestrelValues, Are_accepted_in_every_spelling_and_printed_in_one_or_refused_with_the_allowed_ones) {
-    for (const std::string& line : Sections(UNIT_TESTS "/kestrel/values.txt").at(0).lines) {
+    for (const std::string& line : CasesOf(UNIT_TESTS "/kestrel/values.txt", "Values")) {
         SCOPED_TRACE(line);
         const auto [given, expected] = CaseIn(line);
         const size_t blank = given.find(' ');
@@ -47,7 +47,7 @@ TEST(KestrelSettings, Are_found_by_name_and_by_key_without_case) {
 }
 
 TEST(KestrelSettings, Are_offered_when_a_name_is_nearly_right) {
-    for (const std::string& line : Sections(UNIT_TESTS "/kestrel/values.txt").at(1).lines) {
+    for (const std::string& line : CasesOf(UNIT_TESTS "/kestrel/values.txt", "Names")) {
         const auto [written, offered] = CaseIn(line);
         const auto failure = FailureOf([name = written] { return cli::FindSetting(name); });
         ASSERT_TRUE(failure) << written;

@@ -7,25 +7,20 @@
 
 using namespace kwt;
 
-namespace {
-
-std::vector<std::string> Lines(size_t section) {
-    return Sections(UNIT_TESTS "/kwt/object_names.txt").at(section).lines;
-}
-
-}  // namespace
+constexpr const char* kNames = UNIT_TESTS "/kwt/object_names.txt";
 
 TEST(ObjectNames, All_names_are_formed_from_the_file_name) {
     ObjectNameTable table;
     ASSERT_TRUE(table.Build(TEXT("C:\\windows\\system32\\ZRIJ9900SDK.DLL")));
-    const std::vector<std::string> names = Lines(0);
+    const std::vector<std::string> names = CasesOf(kNames, "Names of ZRIJ9900 in their order");
     ASSERT_EQ(names.size(), kObjectNameCount);
     for (size_t i = 0; i < kObjectNameCount; ++i)
         EXPECT_EQ(table[static_cast<ObjectName>(i)], Widened(names[i])) << i;
 }
 
 TEST(ObjectNames, The_prefix_is_the_file_name_less_seven_characters_and_other_files_are_refused) {
-    for (const std::string& line : Lines(1)) {
+    for (const std::string& line :
+         CasesOf(kNames, "File of a module -> product prefix and name of its library")) {
         SCOPED_TRACE(line);
         const auto [path, expected] = CaseIn(line);
         ObjectNameTable table;
