@@ -16,6 +16,7 @@
 #include "contract/handle_support.h"
 #include "failing.h"
 #include "ipc/opl_channel.h"
+#include "kwt/last_error_keeper.h"
 #include "query_exports.h"
 
 namespace {
@@ -80,7 +81,11 @@ bool SectionSeen(const WideText& name) {
     return UnmapViewOfFile(view);
 }
 bool ChannelOpened(ipc::ChannelRole role) {
-    return std::make_unique<ipc::OPLChannel>()->Open(role, TEXT("FailingChannel"));
+    auto channel = std::make_unique<ipc::OPLChannel>();
+    const bool opened = channel->Open(role, TEXT("FailingChannel"));
+    const kwt::LastErrorKeeper keeper;
+    channel.reset();
+    return opened;
 }
 bool ProgramRun() {
     STARTUPINFOW startup{};
