@@ -1,7 +1,6 @@
 // Files that somebody else wrote.
 #include <windows.h>
 
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -15,7 +14,6 @@
 #include "shared/user_error.h"
 #include "targets.h"
 #include "vprinter/faults/fault_script.h"
-#include "winport/handles/object_page.h"
 
 namespace fuzz {
 
@@ -138,16 +136,8 @@ void ObjectFiles(std::string_view bytes) {
         return Home() + "/kernel";
     }();
     const auto kind = static_cast<winport::ObjectKind>(1 + static_cast<unsigned char>(bytes[0]) % 3);
-    std::string file(winport::kPageSize * (1 + static_cast<unsigned char>(bytes[1]) % 3), '\0');
-    winport::ObjectPage page = {};
-    page.magic = winport::kPageMagic;
-    page.layoutVersion = winport::kLayoutVersion;
-    page.kind = kind;
-    page.dataSize = file.size() - winport::kPageSize;
-    constexpr std::u16string_view kName = u"Global\\FuzzObject";
-    page.nameLength = static_cast<uint32_t>(kName.size());
-    kName.copy(page.name, kName.size());
-    std::memcpy(file.data(), &page, sizeof(page));
+    const size_t size = winport::kPageSize * (1 + static_cast<unsigned char>(bytes[1]) % 3);
+    std::string file = PageOf("FuzzObject", kind, size - winport::kPageSize, size);
     const std::string_view over = bytes.substr(2, file.size());
     // Zero bytes keep what is there, so that a few bytes can change a field far behind.
     for (size_t i = 0; i < over.size(); ++i)

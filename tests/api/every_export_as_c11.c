@@ -11,13 +11,11 @@ enum Export {
     kExportCount
 };
 typedef void (*AnyFunction)(void);
-static const AnyFunction kAddresses[] = {
-#define NAME(name) (AnyFunction) name,
-#include "export_names.inc"
-#undef NAME
-};
-static const char* const kNames[] = {
-#define NAME(name) #name,
+static const struct {
+    const char* name;
+    AnyFunction address;
+} kExports[] = {
+#define NAME(name) {#name, (AnyFunction)name},
 #include "export_names.inc"
 #undef NAME
 };
@@ -28,7 +26,7 @@ static int faults = 0;
 static void Expect(int export, int holds) {
     called[export] = 1;
     if (holds) return;
-    fprintf(stderr, "%s does not return what it should\n", kNames[export]);
+    fprintf(stderr, "%s does not return what it should\n", kExports[export].name);
     ++faults;
 }
 
@@ -158,8 +156,8 @@ int main(void) {
     CallDevice();
     CallHost();
     for (int export = 0; export < kExportCount; ++export) {
-        if (called[export] && kAddresses[export] != NULL) continue;
-        fprintf(stderr, "%s is never called\n", kNames[export]);
+        if (called[export] && kExports[export].address != NULL) continue;
+        fprintf(stderr, "%s is never called\n", kExports[export].name);
         ++faults;
     }
     printf("%d exports called\n", (int)kExportCount);

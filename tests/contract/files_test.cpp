@@ -1,6 +1,3 @@
-#include <gtest/gtest.h>
-#include <windows.h>
-
 #include <utility>
 
 #include "support.h"

@@ -1,11 +1,6 @@
 // Handles that close themselves, and names that no other test uses.
 #pragma once
 
-#include <windows.h>
-
-#include <atomic>
-#include <string>
-
 #include "support.h"
 
 class Handle final {

@@ -1,4 +1,3 @@
-#include <gtest/gtest.h>
 #include <windows.h>
 // The header below needs the one above.
 #include <psapi.h>

@@ -1,9 +1,4 @@
-#include <gtest/gtest.h>
-#include <windows.h>
-
 #include <algorithm>
-#include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 

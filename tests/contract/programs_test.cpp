@@ -1,8 +1,6 @@
 // Programs started, watched and ended, also with the account's own token and environment.
-#include <gtest/gtest.h>
 #include <windows.h>
 // The headers below need the one above.
-#include <userenv.h>
 #include <wtsapi32.h>
 
 #include <utility>

@@ -1,9 +1,4 @@
-#include <gtest/gtest.h>
-#include <windows.h>
-
-#include <atomic>
 #include <cstdint>
-#include <string>
 #include <thread>
 #include <vector>
 

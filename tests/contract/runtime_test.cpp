@@ -1,5 +1,4 @@
 // Identifiers and the clock.
-#include <gtest/gtest.h>
 #include <windows.h>
 // The headers below need the one above.
 #include <objbase.h>
@@ -7,7 +6,6 @@
 #include <time.h>
 
 #include <cerrno>
-#include <string>
 
 #include "support.h"
 

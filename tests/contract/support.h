@@ -1,6 +1,7 @@
 // What the contract tests share: wide text and files of their own.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <atomic>

@@ -1,7 +1,3 @@
-#include <gtest/gtest.h>
-#include <windows.h>
-
-#include <string>
 #include <vector>
 
 #include "support.h"

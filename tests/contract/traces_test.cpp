@@ -1,8 +1,6 @@
 // Long random traces of calls on events, mutexes and sections by two threads, one of which dies now and then.
 // What every call returned goes into a digest; the digests in the table are those of Windows' own calls, as
 // Wine carries them out.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <array>
 #include <condition_variable>

@@ -1,9 +1,7 @@
 // A counterpart in another process that does with a channel what the test tells it.
 #pragma once
 
-#include <cstdint>
 #include <sstream>
-#include <string>
 
 #include "child_process.h"
 

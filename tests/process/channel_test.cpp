@@ -4,9 +4,7 @@
 
 #include <array>
 #include <atomic>
-#include <chrono>
 #include <cstring>
-#include <string>
 #include <thread>
 
 #include "channel_puppet.h"

@@ -1,11 +1,6 @@
 // Address book, access points, network diagnostics, clock, firmware and capabilities on the wire, with a
 // language monitor that answers what the test says.
-#include <kestrel/sdk.h>
-#include <windows.h>
-
 #include <array>
-#include <cstdlib>
-#include <cstring>
 #include <ctime>
 #include <regex>
 #include <tuple>

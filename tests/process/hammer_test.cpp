@@ -1,18 +1,13 @@
 // Many clients on one channel while one of them is killed again and again.
-#include <gtest/gtest.h>
+#include <windows.h>
 
 #include <array>
-#include <chrono>
 #include <iostream>
-#include <random>
-#include <thread>
 
 #include "channel_puppet.h"
 #include "working_client.h"
 
 namespace {
-
-using std::chrono::milliseconds;
 
 constexpr int kTimeoutMs = 2000;
 
@@ -27,23 +22,19 @@ TEST(Hammer, Survivors_of_kills_never_hang_and_never_see_anothers_reply) {
     ASSERT_EQ(1u, server.Do("open server Hammer 65791").number);
     ASSERT_EQ(1u, server.Do("dispatch").number);
     std::array<WorkingClient, 2> survivors = {Start(2), Start(2)};
-    std::mt19937 random(20261124);
-    long kills = 0;
-    const auto end = std::chrono::steady_clock::now() + milliseconds(10'000);
-    while (std::chrono::steady_clock::now() < end) {
+    constexpr int kKills = 100;
+    for (int i = 0; i < kKills; ++i) {
         WorkingClient victim = Start(1);
-        std::this_thread::sleep_for(milliseconds(random() % 60));
+        Sleep(static_cast<DWORD>(i * 7 % 60));
         victim.Process().Kill();
         victim.Process().Wait();
-        ++kills;
     }
     for (WorkingClient& survivor : survivors) {
         const ExchangeCounts counts = survivor.Counts();
-        std::cout << kills << " kills: " << counts << '\n';
+        std::cout << kKills << " kills: " << counts << '\n';
         EXPECT_GT(counts.good, 1000);
-        EXPECT_EQ(0, counts.wrong);
-        EXPECT_EQ(0, counts.other);
-        EXPECT_LE(counts.Failures(), kills);
+        EXPECT_EQ(0, counts.wrong + counts.other);
+        EXPECT_LE(counts.failed, kKills);
         // A reply knows its process, not its request: the other thread may get what one has given up.
         EXPECT_LE(counts.late, counts.failed);
         EXPECT_LT(counts.longestMs, 2 * kTimeoutMs + 250);
@@ -53,7 +44,7 @@ TEST(Hammer, Survivors_of_kills_never_hang_and_never_see_anothers_reply) {
         survivor.Close();
     // Longer than the one time-out that it may cost to find the last one's request.
     WorkingClient afterwards = Start(1);
-    std::this_thread::sleep_for(milliseconds(2 * kTimeoutMs));
+    Sleep(2 * kTimeoutMs);
     const ExchangeCounts counts = afterwards.Counts();
     EXPECT_GT(counts.good, 100);
     EXPECT_EQ(0, counts.other + counts.late + counts.wrong);

@@ -1,9 +1,6 @@
 // The status monitor of an installed product, started by the test or by the library.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "installed_printer.h"
 
 class InstalledStatusMonitor : public InstalledPrinter {

@@ -1,14 +1,9 @@
 // A language monitor that writes down every request and answers with what it is given.
 #pragma once
 
-#include <windows.h>
-
 #include <atomic>
 #include <cstring>
 #include <mutex>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "installed_printer.h"
 #include "ipc/opl_channel.h"

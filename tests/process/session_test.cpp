@@ -1,7 +1,4 @@
 // Selection and raw exchanges, with printers that do not do what they should.
-#include <kestrel/sdk.h>
-#include <windows.h>
-
 #include "installed_printer.h"
 
 namespace {

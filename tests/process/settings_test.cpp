@@ -1,30 +1,16 @@
 // Every setting, both ways, against the virtual printer; and the literal texts on the wire.
-#include <kestrel/sdk.h>
-#include <windows.h>
-
 #include <array>
-#include <cstring>
+#include <iomanip>
 #include <tuple>
 
 #include "export_call.h"
 #include "installed_printer.h"
 #include "recording_monitor.h"
+#include "sections.h"
 
 namespace {
 
 using namespace std::string_literals;
-
-size_t WidthOf(catalogue::Type type) {
-    switch (type) {
-        case catalogue::Type::Enum:
-        case catalogue::Type::Address:
-            return sizeof(uint32_t);
-        case catalogue::Type::U16:
-            return sizeof(uint16_t);
-        default:
-            return sizeof(uint8_t);
-    }
-}
 
 std::vector<int> ValuesOf(const catalogue::Row& row) {
     if (row.readType == catalogue::Type::Bool) return {0, 1};
@@ -44,7 +30,7 @@ void ExpectNumbersTaken(const catalogue::Row& row) {
         std::array<uint8_t, 8> found;
         found.fill(0x55);
         std::array<uint8_t, 8> expected = found;
-        std::memcpy(expected.data(), &value, WidthOf(row.readType));
+        std::memcpy(expected.data(), &value, OutBytes(row));
         EXPECT_EQ(kDone, Ended(CallExport(row, row.getter, found.data(), kLong)));
         EXPECT_EQ(expected, found);
     }
@@ -136,29 +122,14 @@ TEST_F(Wire, Requests_are_the_literal_texts_of_the_device_language) {
 }
 
 TEST_F(Wire, Replies_are_judged_and_read_as_the_device_language_says) {
-    // How GetFaxRedials ends, what it reads, the response number, and whether the reply is kept as a bad one.
-    const std::tuple<const char*, uint32_t, uint8_t, uint32_t, bool> rows[] = {
-        {"4000,X=5;", kDone, 5, 4000, false},
-        {"100000,X=5;", kDone, 5, 100000, false},
-        {",X=5;", kDone, 5, 0, false},
-        {"X=5;", kDone, 5, 0, false},
-        {"0000,X=300;", kDone, 44, 0, false},
-        {"0000,X=0x1F;", kDone, 31, 0, false},
-        {"0000,X=;", kDone, 0, 0, false},
-        {"0000,X=-1;", kDone, 255, 0, false},
-        {"100001,X=5;", 31, 0, 100001, true},
-        {"1999,X=5;", 170, 0, 1999, true},
-        {"3400,what=?;", 22, 0, 3400, true},
-        {"3450,X;", 23, 0, 3450, true},
-        {"100009,X;", kNoReply, 0, 100009, true},
-        {"99999999999999999999,X=5;", 31, 0, 0xFFFFFFFF, true},
-        {"0000,X=five;", kBadReply, 0, 0, true},
-        {"0000,X;", kBadReply, 0, 0, true},
-        {"0000,X=5", kUnexpectedReply, 0, 0, false},
-        {"0000,X#99999999999999999=5;", kUnexpectedReply, 0, 0, false},
-        {"0000,\x01=5;", kUnexpectedReply, 0, 0, false},
-    };
-    for (const auto& [reply, ends, value, number, isBad] : rows) {
+    for (const std::string& line : CasesOf(REPLIES, "Replies")) {
+        const auto [reply, expected] = CaseIn(line);
+        std::istringstream words(expected);
+        uint32_t ends = 0;
+        int value = 0;
+        uint32_t number = 0;
+        std::string kept;
+        words >> std::setbase(0) >> ends >> value >> number >> kept;
         SCOPED_TRACE(reply);
         monitor_.Answer(reply);
         uint8_t found = 0x55;
@@ -168,7 +139,7 @@ TEST_F(Wire, Replies_are_judged_and_read_as_the_device_language_says) {
         kestrel_char bad[64];
         GetLastBadResponse(bad, 64);
         EXPECT_EQ(ends == kDone ? 0 : ends, GetLastError()) << "diagnostics must not change it";
-        EXPECT_EQ(Widened(isBad ? reply : ""), bad);
+        EXPECT_EQ(Widened(kept == "kept" ? reply : ""), bad);
     }
 }
 

@@ -1,9 +1,5 @@
 // The status query, the windows of the status monitor and the ordering of supplies, from the library to both
 // of its counterparts.
-#include <kestrel/sdk.h>
-#include <windows.h>
-
-#include <cstring>
 #include <tuple>
 
 #include "installed_status_monitor.h"

@@ -1,7 +1,4 @@
 // A spooler that is down: on winport a value in the registry stops it.
-#include <kestrel/sdk.h>
-#include <windows.h>
-
 #include "installed_status_monitor.h"
 
 namespace {

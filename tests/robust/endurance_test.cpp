@@ -1,21 +1,16 @@
 // What must hold for long: dead owners, many clients, hostile neighbours, stopped partners, and nothing left
 // over.
-#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <array>
 #include <atomic>
-#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
 #include <memory>
-#include <random>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "effort.h"
 #include "forked.h"

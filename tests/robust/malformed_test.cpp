@@ -1,19 +1,14 @@
 // Replies that are almost right, to every function that asks the printer for something: shortened at each
 // place, and with each byte changed into each other.
-#include <windows.h>
-
-#include <algorithm>
-#include <charconv>
 #include <cstring>
 #include <mutex>
-#include <span>
-#include <string>
-#include <vector>
 
 #include "effort.h"
+#include "export_call.h"
 #include "installed_printer.h"
 #include "ipc/opl_channel.h"
-#include "opl/value_escape.h"
+#include "kwt/strings.h"
+#include "opl/opl_parser.h"
 #include "query_exports.h"
 #include "vprinter/requests/responder.h"
 
@@ -58,46 +53,26 @@ class Guarded final {
   public:
     static constexpr uint8_t kUntouched = 0xA5;
 
-    explicit Guarded(size_t size)
-        : bytes_(size + 2 * kMargin), own_(bytes_.begin() + kMargin, bytes_.end() - kMargin) {
-        Fill();
-    }
+    explicit Guarded(size_t size) : bytes_(size + 2 * kMargin) { Fill(); }
     void Fill() { std::ranges::fill(bytes_, kUntouched); }
-    [[nodiscard]] uint8_t* Data() const { return own_.data(); }
-    [[nodiscard]] bool IsAll(uint8_t byte) const { return Count(own_, byte) == own_.size(); }
+    [[nodiscard]] uint8_t* Data() { return bytes_.data() + kMargin; }
+    [[nodiscard]] const uint8_t* Data() const { return bytes_.data() + kMargin; }
+    [[nodiscard]] bool IsAll(uint8_t byte) const { return Are(kMargin, bytes_.size() - kMargin, byte); }
     [[nodiscard]] bool IsIntactAround() const {
-        const std::span<const uint8_t> all = bytes_;
-        return Count(all.first(kMargin), kUntouched) == kMargin &&
-               Count(all.last(kMargin), kUntouched) == kMargin;
+        return Are(0, kMargin, kUntouched) && Are(bytes_.size() - kMargin, bytes_.size(), kUntouched);
     }
 
   private:
     static constexpr size_t kMargin = 256;
-    static size_t Count(std::span<const uint8_t> bytes, uint8_t byte) {
-        return static_cast<size_t>(std::ranges::count(bytes, byte));
+    [[nodiscard]] bool Are(size_t from, size_t to, uint8_t byte) const {
+        return std::all_of(&bytes_[from], &bytes_[0] + to, [byte](uint8_t own) { return own == byte; });
     }
 
     std::vector<uint8_t> bytes_;
-    std::span<uint8_t> own_;
 };
 
 constexpr DWORD kDocumented[] = {
     0, 2, 22, 23, 31, 87, 170, 1392, 1460, 4319, kNoReply, kBadReply, kUnexpectedReply};
-
-/// The text of the first value of a reply, as a reader who knows nothing of this library finds it.
-std::string ValueIn(const std::string& reply) {
-    const size_t start = reply.find('=') + 1;
-    return reply.substr(start, reply.find_first_of("&;?", start) - start);
-}
-
-int64_t NumberIn(std::string text, int64_t lowest, int64_t highest) {
-    const bool hex = text.starts_with("0x") || text.starts_with("0X");
-    int64_t number = 0;
-    const char* const first = text.data() + (hex ? 2 : 0);
-    const auto scan = std::from_chars(first, text.data() + text.size(), number, hex ? 16 : 10);
-    if (scan.ec == std::errc::result_out_of_range) return text[0] == '-' ? lowest : highest;
-    return std::clamp(number, lowest, highest);
-}
 
 template <typename Value>
 Value Out(const Guarded& out) {
@@ -106,45 +81,34 @@ Value Out(const Guarded& out) {
     return value;
 }
 
-/// Whether a success delivered what the reply says.
+/// Whether a success delivered what the reply says, as the reader of its values has it.
 bool IsRight(const catalogue::Row& row, const Guarded& out, const std::string& reply) {
-    const std::string text = ValueIn(reply);
-    const bool hex = text.starts_with("0x") || text.starts_with("0X");
-    const auto number =
-        static_cast<uint32_t>(hex ? NumberIn(text, 0, UINT32_MAX) : NumberIn(text, INT32_MIN, INT32_MAX));
+    using Reader = opl::OPLParser;
+    using catalogue::Type;
+    std::string text;
+    int32_t number = 0;
+    uint8_t flag = 0;
+    std::vector<uint8_t> block;
     switch (row.readType) {
-        case catalogue::Type::Bool:
-            return *out.Data() ==
-                   (std::string("TYOEtyoe").find(text.substr(0, 1)) < 8 && text != "OFF" && text.size() != 7);
-        case catalogue::Type::U8:
-        case catalogue::Type::S8:
-            return *out.Data() == static_cast<uint8_t>(number) ||
-                   (row.name.ends_with("-level") && *out.Data() == 100);
-        case catalogue::Type::U16:
-            return Out<uint16_t>(out) == static_cast<uint16_t>(number);
-        case catalogue::Type::U32:
-        case catalogue::Type::S32:
-            return Out<uint32_t>(out) == number;
-        case catalogue::Type::Address:
-            return std::string_view(reply).substr(reply.find("#4=") + 3, 4) ==
-                   std::string_view(reinterpret_cast<const char*>(out.Data()), 4);
-        case catalogue::Type::Enum:
-            return std::ranges::any_of(row.words, [&](const catalogue::EnumEntry& word) {
-                std::string plain;
-                opl::AppendEscaped(plain, text);
-                return plain == word.name && word.value == Out<uint32_t>(out);
-            });
-        case catalogue::Type::Text: {
-            const auto* const read = reinterpret_cast<const WCHAR*>(out.Data());
-            std::string plain;
-            opl::AppendEscaped(plain, text == "(null)" ? "" : text.substr(0, text.find('\0')));
-            WCHAR expected[1024];
-            const int length =
-                MultiByteToWideChar(CP_ACP, 0, plain.data(), static_cast<int>(plain.size()), expected, 1024);
-            return WideView(expected, static_cast<size_t>(length)).substr(0, row.MaxCharacters()) == read;
-        }
+        case Type::Bool:
+            return Reader::GetBoolValue(reply, flag) && Out<uint8_t>(out) == flag;
+        case Type::Address:
+            return Reader::GetBinaryValue(reply, block) && block.size() == 4 &&
+                   std::memcmp(block.data(), out.Data(), 4) == 0;
+        case Type::Enum:
+            return Reader::GetValue(reply, text) &&
+                   std::ranges::any_of(row.words, [&](const catalogue::EnumEntry& word) {
+                       return text == word.name && word.value == Out<uint32_t>(out);
+                   });
+        case Type::Text:
+            if (!Reader::GetValue(reply, text)) return false;
+            return WideText(kwt::WideString(text == "(null)" ? "" : text.c_str()).GetBuffer())
+                       .substr(0, row.MaxCharacters()) == reinterpret_cast<const WCHAR*>(out.Data());
+        default:
+            return Reader::GetIntValue(reply, number) &&
+                   (std::memcmp(&number, out.Data(), OutBytes(row)) == 0 ||
+                    (row.name.ends_with("-level") && Out<uint8_t>(out) == 100));
     }
-    return false;
 }
 
 class MalformedReplies : public InstalledPrinter {
@@ -208,15 +172,10 @@ class MalformedReplies : public InstalledPrinter {
         out_ = std::make_unique<Guarded>(query.outBytes);
         server_.TakeSeen();
         ASSERT_TRUE(query.call(out_->Data(), kTimeoutMs)) << query.name << " " << GetLastError();
+        const auto seen = server_.TakeSeen();
         if (query.setting != nullptr) {
-            const auto seen = server_.TakeSeen();
             ASSERT_TRUE(IsRight(*query.setting, *out_, seen.back().second)) << query.name;
-            return TryRequests(query, seen);
         }
-        TryRequests(query, server_.TakeSeen());
-    }
-
-    void TryRequests(const QueryExport& query, const Counterpart::Exchanges& seen) {
         constexpr size_t kLongMost = 100'000;
         const auto most = static_cast<size_t>(effort.Of(kLongMost, 200)) / seen.size() + 1;
         for (const auto& [request, reply] : seen) {

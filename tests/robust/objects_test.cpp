@@ -3,7 +3,6 @@
 #include <sched.h>
 #include <sys/mount.h>
 
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -13,7 +12,6 @@
 #include "child_process.h"
 #include "effort.h"
 #include "occupied_file.h"
-#include "winport/handles/object_page.h"
 
 namespace {
 
@@ -37,20 +35,6 @@ const ChannelObject kObjects[] = {
 };
 
 constexpr uint64_t kSectionBytes = 65791 + 12;
-
-std::string PageOf(const std::string& name, ObjectKind kind, uint64_t dataSize, size_t fileSize) {
-    winport::ObjectPage page = {};
-    page.magic = winport::kPageMagic;
-    page.layoutVersion = winport::kLayoutVersion;
-    page.kind = kind;
-    page.dataSize = dataSize;
-    const std::u16string whole = u"Global\\" + std::u16string(name.begin(), name.end());
-    page.nameLength = static_cast<uint32_t>(whole.size());
-    whole.copy(page.name, whole.size());
-    std::string file(fileSize, '\0');
-    std::memcpy(file.data(), &page, std::min(sizeof(page), fileSize));
-    return file;
-}
 
 struct Opened {
     bool done = false;
@@ -106,21 +90,18 @@ TEST_F(Objects, A_squatted_object_is_refused_cleanly_and_nothing_outside_is_writ
         const uint64_t data = object.kind == ObjectKind::Section ? kSectionBytes : 0;
         const size_t whole = winport::kPageSize * (data == 0 ? 1 : 18);
         const ObjectKind other = object.kind == ObjectKind::Event ? ObjectKind::Mutex : ObjectKind::Event;
-        {
-            const OccupiedFile wrongKind(Folder(), name, PageOf(name, other, data, whole));
-            ExpectRefused("Squat", {6});
-        }
-        {
-            const OccupiedFile tooSmall(Folder(), name, PageOf(name, object.kind, data, 100));
-            ExpectRefused("Squat", {1392});
-        }
-        {
-            const OccupiedFile tooLarge(Folder(), name, PageOf(name, object.kind, data, whole + 4096));
-            ExpectRefused("Squat", {1392});
-        }
-        if (data != 0) {
-            const OccupiedFile smallSection(Folder(), name, PageOf(name, object.kind, 4096, 8192));
-            ExpectRefused("Squat", {1610});
+        struct Page {
+            ObjectKind kind;
+            uint64_t data;
+            size_t size;
+            long error;
+        };
+        std::vector<Page> pages = {
+            {other, data, whole, 6}, {object.kind, data, 100, 1392}, {object.kind, data, whole + 4096, 1392}};
+        if (data != 0) pages.push_back({object.kind, 4096, 8192, 1610});
+        for (const Page& page : pages) {
+            const OccupiedFile squatter(Folder(), name, PageOf(name, page.kind, page.data, page.size));
+            ExpectRefused("Squat", {page.error});
         }
         // A link belongs to nobody: the first to open the folder sweeps it away, itself and not what it
         // names.

@@ -4,21 +4,6 @@
 
 namespace {
 
-size_t OutBytes(const catalogue::Row& row) {
-    switch (row.readType) {
-        case catalogue::Type::Bool:
-        case catalogue::Type::U8:
-        case catalogue::Type::S8:
-            return 1;
-        case catalogue::Type::U16:
-            return 2;
-        case catalogue::Type::Text:
-            return row.bufferBytes;
-        default:
-            return 4;
-    }
-}
-
 QueryExport GetterOf(const catalogue::Row& row) {
     const auto call = [&row](uint8_t* out, uint32_t timeoutMs) {
         return CallExport(row, row.getter, out, timeoutMs) != 0;

@@ -13,6 +13,7 @@
 #include <memory>
 #include <string_view>
 
+#include "contract/handle_support.h"
 #include "failing.h"
 #include "ipc/opl_channel.h"
 #include "kwt/last_error_keeper.h"
@@ -20,7 +21,7 @@
 
 namespace {
 
-constexpr const WCHAR* kName = TEXT("Global\\Failing");
+const WideText kName = TEXT("Global\\Failing");
 constexpr uint32_t kMs = 1000;
 
 // Room for whatever is read.
@@ -33,15 +34,11 @@ bool Is(LSTATUS status) {
     SetLastError(static_cast<DWORD>(status));
     return status == ERROR_SUCCESS;
 }
-bool Closed(HANDLE handle) {
-    return handle != nullptr && CloseHandle(handle);
-}
 template <typename Use>
 bool WithKey(Use use) {
     HKEY key = nullptr;
     if (!Is(RegCreateKeyW(HKEY_CURRENT_USER, TEXT("Software\\Failing"), &key))) return false;
     const bool done = use(key);
-    const kwt::LastErrorKeeper keeper;
     RegCloseKey(key);
     return done;
 }
@@ -55,7 +52,6 @@ bool WithPrinter(const WCHAR* name, Use use) {
     HANDLE printer = nullptr;
     if (!OpenPrinterW(WideText(name).data(), &printer, &defaults)) return false;
     const bool done = use(printer);
-    const kwt::LastErrorKeeper keeper;
     ClosePrinter(printer);
     return done;
 }
@@ -72,26 +68,17 @@ bool PrinterAddedAndDeleted() {
     if (added == nullptr && GetLastError() != ERROR_PRINTER_ALREADY_EXISTS) return false;
     return WithPrinter(TEXT("Q"), [](HANDLE printer) { return DeletePrinter(printer) != FALSE; });
 }
-bool MutexTaken(const WCHAR* name) {
-    const HANDLE mutex = CreateMutexW(nullptr, FALSE, name);
-    if (mutex == nullptr) return false;
-    const bool taken = WaitForSingleObject(mutex, 0) == WAIT_OBJECT_0;
-    const kwt::LastErrorKeeper keeper;
-    if (taken) ReleaseMutex(mutex);
-    CloseHandle(mutex);
-    return taken;
+bool MutexTaken(const WideText& name) {
+    const Handle mutex = Mutex(name);
+    return mutex && WaitForSingleObject(mutex.Get(), 0) == WAIT_OBJECT_0 && ReleaseMutex(mutex.Get());
 }
-bool SectionSeen(const WCHAR* name) {
-    const HANDLE section = CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 70000, name);
-    if (section == nullptr) return false;
-    void* const view = MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 0, 0);
-    const kwt::LastErrorKeeper keeper;
-    if (view != nullptr) {
-        static_cast<volatile char*>(view)[69999] = 1;
-        UnmapViewOfFile(view);
-    }
-    CloseHandle(section);
-    return view != nullptr;
+bool SectionSeen(const WideText& name) {
+    const Handle section = Section(70000, name);
+    if (!section) return false;
+    void* const view = MapViewOfFile(section.Get(), FILE_MAP_ALL_ACCESS, 0, 0, 0);
+    if (view == nullptr) return false;
+    static_cast<volatile char*>(view)[69999] = 1;
+    return UnmapViewOfFile(view);
 }
 bool ChannelOpened(ipc::ChannelRole role) {
     auto channel = std::make_unique<ipc::OPLChannel>();
@@ -124,11 +111,11 @@ bool PrinterRead(HANDLE printer) {
 }
 
 const Scenario kScenarios[] = {
-    {"unnamed event", [] { return Closed(CreateEventW(nullptr, TRUE, TRUE, nullptr)); }},
-    {"named event", [] { return Closed(CreateEventW(nullptr, TRUE, TRUE, kName)); }},
-    {"unnamed mutex", [] { return MutexTaken(nullptr); }},
+    {"unnamed event", [] { return bool(ManualEvent()); }},
+    {"named event", [] { return bool(ManualEvent(kName)); }},
+    {"unnamed mutex", [] { return MutexTaken({}); }},
     {"named mutex", [] { return MutexTaken(kName); }},
-    {"unnamed section", [] { return SectionSeen(nullptr); }},
+    {"unnamed section", [] { return SectionSeen({}); }},
     {"named section", [] { return SectionSeen(kName); }},
     {"client channel", [] { return ChannelOpened(ipc::ChannelRole::Client); }},
     {"server channel", [] { return ChannelOpened(ipc::ChannelRole::Server); }},

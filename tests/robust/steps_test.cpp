@@ -1,12 +1,6 @@
 // A process ends at every place on the way of a message, while two clients work.
-#include <gtest/gtest.h>
-
 #include <array>
-#include <chrono>
 #include <iostream>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include "effort.h"
 #include "working_client.h"

@@ -6,6 +6,22 @@
 
 #include "catalogue/rows.h"
 
+// What a setting's getter writes.
+inline size_t OutBytes(const catalogue::Row& row) {
+    switch (row.readType) {
+        case catalogue::Type::Bool:
+        case catalogue::Type::U8:
+        case catalogue::Type::S8:
+            return 1;
+        case catalogue::Type::U16:
+            return 2;
+        case catalogue::Type::Text:
+            return row.bufferBytes;
+        default:
+            return 4;
+    }
+}
+
 template <typename... Arguments>
 kestrel_bool CallExport(const char* name, Arguments... arguments) {
     static const HMODULE library = GetModuleHandleW(TEXT("ZRIJ9900SDK.dll"));

@@ -6,15 +6,12 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <sstream>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "child_process.h"
 #include "shared/json.h"

@@ -5,9 +5,29 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstring>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+
+#include "winport/handles/object_page.h"
+
+// A page that would be accepted as that of "Global\<name>", and zeros behind it; cut to `fileSize`.
+inline std::string PageOf(std::string_view name, winport::ObjectKind kind, uint64_t dataSize,
+                          size_t fileSize) {
+    winport::ObjectPage page = {};
+    page.magic = winport::kPageMagic;
+    page.layoutVersion = winport::kLayoutVersion;
+    page.kind = kind;
+    page.dataSize = dataSize;
+    const std::u16string whole = u"Global\\" + std::u16string(name.begin(), name.end());
+    page.nameLength = static_cast<uint32_t>(whole.size());
+    whole.copy(page.name, whole.size());
+    std::string file(fileSize, '\0');
+    std::memcpy(file.data(), &page, std::min(sizeof(page), fileSize));
+    return file;
+}
 
 class OccupiedFile final {
   public:

@@ -1,4 +1,5 @@
-// What nearly every test includes, compiled once a program. Each test still names what it uses.
+// What nearly every test includes, compiled once a program. Each test still names what it uses, unless a
+// header of its own suite brings it.
 #pragma once
 
 #include <gtest/gtest.h>

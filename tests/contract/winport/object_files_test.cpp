@@ -1,11 +1,6 @@
 // What lies in the object folder is not always what winport put there.
-#include <gtest/gtest.h>
-
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
-#include <string>
 #include <vector>
 
 #include "forked.h"

@@ -1,5 +1,4 @@
 // The network port monitor, and what the default printer is without its printer.
-#include <gtest/gtest.h>
 #include <windows.h>
 // The headers below need the one above.
 #include <tcpxcv.h>

@@ -1,17 +1,9 @@
 // How programs are found, called and left alone.
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-#include <windows.h>
 
 #include <cerrno>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
-#include <string>
-#include <utility>
 
 #include "forked.h"
 #include "program.h"

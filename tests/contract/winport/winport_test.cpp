@@ -1,9 +1,7 @@
 // What only winport promises: where its state lies, who may touch it, what kills and forks leave of it, and
 // the few places where it differs from Windows on purpose.
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <psapi.h>
-#include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <windows.h>
@@ -11,10 +9,7 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cstdlib>
-#include <filesystem>
-#include <string>
 #include <thread>
 
 #include "child_process.h"

@@ -1,31 +1,13 @@
 // Conversations with the virtual printer, as conversations.txt tells them.
-#include <algorithm>
-#include <vector>
-
 #include "asked_printer.h"
+#include "sections.h"
 #include "vprinter/files/control_file.h"
 #include "vprinter/trace/readable_text.h"
 
 namespace vprinter {
 namespace {
 
-struct Conversation {
-    std::string title;
-    std::vector<std::string> lines;
-};
-
-std::vector<Conversation> Conversations() {
-    std::vector<Conversation> all;
-    std::ifstream file(CONVERSATIONS);
-    for (std::string line; std::getline(file, line);)
-        if (line.starts_with("## "))
-            all.push_back({line.substr(3), {}});
-        else if (!line.empty() && line.front() != '#')
-            all.back().lines.push_back(line);
-    return all;
-}
-
-class VprinterConversation : public AskedPrinter, public testing::WithParamInterface<Conversation> {
+class VprinterConversation : public AskedPrinter, public testing::WithParamInterface<Section> {
   protected:
     void Follow(const std::string& word, const std::string& rest) {
         if (word == ">") {
@@ -74,13 +56,14 @@ TEST_P(VprinterConversation, Goes) {
     }
 }
 
-std::string NameOf(const testing::TestParamInfo<Conversation>& conversation) {
+std::string NameOf(const testing::TestParamInfo<Section>& conversation) {
     std::string name = conversation.param.title;
     std::ranges::replace(name, ' ', '_');
     return name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Printer, VprinterConversation, testing::ValuesIn(Conversations()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Printer, VprinterConversation,
+                         testing::ValuesIn(Sections(UNIT_TESTS "/vprinter/conversations.txt")), NameOf);
 
 }  // namespace
 }  // namespace vprinter

@@ -1,11 +1,6 @@
 // What changes in the virtual printer by itself, with time or by its control file.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <string>
 
 #include "asked_printer.h"
 #include "vprinter/files/control_file.h"

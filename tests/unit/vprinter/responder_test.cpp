@@ -1,9 +1,5 @@
 #include "vprinter/requests/responder.h"
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <string>
 #include <utility>
 
 #include "asked_printer.h"
