@@ -12,7 +12,7 @@ import subprocess
 import sys
 import time
 
-TARGETS = ["kestrel_sdk", "kestrel", "kestrel-vprinter", "unit_tests", "every_export_as_c11"]
+TARGETS = ["kestrel_sdk", "kestrel", "kestrel-vprinter", "unit_tests", "every_export_as_c11", "error_recorder"]
 
 
 def after(line, added):
@@ -108,7 +108,7 @@ def main():
 
     os.environ["PATH"] = f"{build}/bin:{os.environ['PATH']}"
     run([build / "bin/unit_tests", "--gtest_brief=1"])
-    run(["ctest", "--test-dir", build, "--no-tests=error", "--output-on-failure", "-R",
+    run(["ctest", "--test-dir", build, "--no-tests=error", "--output-on-failure", "--fixture-exclude-any", ".", "-R",
          r"^(api\.every_export_as_c11|api\.exports_are|house\.documents)"])
     use_it(folder / "home")
     shutil.rmtree(folder)
