@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <functional>
-#include <latch>
 #include <stop_token>
 #include <thread>
 #include <vector>
@@ -52,12 +51,13 @@ TEST(Events, A_set_wakes_a_sleeping_wait_and_a_time_out_is_never_early) {
 TEST(Events, A_manual_reset_event_that_is_set_and_reset_at_once_wakes_all_who_wait) {
     const Handle event = ManualEvent();
     std::atomic<int> woken{0};
-    std::latch begun(3);
+    std::atomic<int> begun{0};
     auto waiters = OnThreads(3, [&] {
-        begun.count_down();
+        ++begun;
         woken += WaitForSingleObject(event.Get(), kLong) == WAIT_OBJECT_0;
     });
-    begun.wait();
+    while (begun < 3)
+        Sleep(1);
     Sleep(250);  // until they wait
     SetEvent(event.Get());
     ResetEvent(event.Get());
