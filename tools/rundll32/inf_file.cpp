@@ -16,7 +16,7 @@ namespace printui {
 namespace {
 
 constexpr const char* kAdvice = "Give the path of the driver's .INF file with /f.";
-constexpr uintmax_t kLargestFile = 16 * 1024 * 1024;
+constexpr uintmax_t kLargestFile = uintmax_t{16} << 20;  // bytes
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 

@@ -85,7 +85,7 @@ class JsonWriter final {
     void BeginLine() {
         if (indent_ < 0) return;
         text_ += '\n';
-        text_.append(static_cast<size_t>(indent_ * depth_), ' ');
+        text_.append(static_cast<size_t>(indent_) * static_cast<size_t>(depth_), ' ');
     }
 
     int indent_;

@@ -12,6 +12,7 @@ namespace {
 // All names are looked up before the first exchange. Asked by its name, also a secret is shown.
 Report Get(Context& context, const std::vector<std::string>& names) {
     std::vector<const catalogue::Row*> rows;
+    rows.reserve(names.size());
     for (const std::string& name : names)
         rows.push_back(&FindReadableSetting(name));
 

@@ -69,7 +69,7 @@ fs::path InstallStatusMonitor(const std::string& product) {
     std::error_code error;
     if (!fs::exists(source / kStatusMonitor, error)) return {};
     const fs::path target = ConfigurationPath(product).parent_path();
-    const fs::path program = target / (product + kStatusMonitorEnding);
+    fs::path program = target / (product + kStatusMonitorEnding);
     if (fs::exists(source / kSystemLibrary, error))
         CopyProgram(source / kSystemLibrary, target / kSystemLibrary);
     CopyProgram(source / kStatusMonitor, program);

@@ -16,7 +16,9 @@ namespace {
 
 constexpr std::array<std::string_view, 3> kTypes = {"none", "fax", "email"};
 constexpr std::string_view kNoText = "(null)";
-const CsvRow kHeading = {"number", "type", "name", "address"};
+CsvRow Heading() {
+    return {"number", "type", "name", "address"};
+}
 
 template <size_t units>
 std::string Field(const kestrel_char (&field)[units]) {
@@ -86,7 +88,7 @@ KestrelQuickDial RecordFrom(const AddressEntry& entry) {
 }
 
 std::string CsvFromRecords(const std::vector<KestrelQuickDial>& records) {
-    std::string text = CsvLine(kHeading);
+    std::string text = CsvLine(Heading());
     for (size_t i = 0; i < records.size(); ++i) {
         if (IsEmpty(records[i])) continue;
         const AddressEntry entry = EntryFrom(records[i]);
@@ -101,8 +103,8 @@ std::vector<KestrelQuickDial> RecordsFromCsv(std::string_view text, const Addres
     size_t rowNumber = 0;
     for (const CsvRow& row : ParseCsv(text)) {
         ++rowNumber;
-        if (rowNumber == 1 && row == kHeading) continue;
-        if (row.size() != kHeading.size()) {
+        if (rowNumber == 1 && row == Heading()) continue;
+        if (row.size() != Heading().size()) {
             throw ValueFailure(fmt::format("row {} has {} fields", rowNumber, row.size()),
                                "write number,type,name,address");
         }

@@ -48,7 +48,7 @@ template <typename Number>
 bool GetNumber(const Library& library, const char* getter, int64_t& number, uint32_t timeoutMs) {
     Number got{};
     const bool done = library.Find<kestrel_bool(Number*, uint32_t)>(getter)(&got, timeoutMs) != 0;
-    number = got;
+    number = int64_t{got};
     return done;
 }
 

@@ -91,6 +91,7 @@ std::vector<std::string_view> NearNames(std::string_view name) {
                      [](const auto& a, const auto& b) { return a.first < b.first; });
 
     std::vector<std::string_view> names;
+    names.reserve(similar.size());
     for (const auto& entry : similar)
         names.push_back(entry.second);
     names.resize(std::min(names.size(), kMost));

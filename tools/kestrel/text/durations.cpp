@@ -12,7 +12,7 @@ struct Unit {
     std::string_view name;
     uint64_t milliseconds;
 };
-constexpr std::array<Unit, 3> kUnits = {{{"ms", 1}, {"s", 1000}, {"m", 60 * 1000}}};
+constexpr std::array<Unit, 3> kUnits = {{{"ms", 1}, {"s", 1000}, {"m", 60'000}}};
 
 }  // namespace
 

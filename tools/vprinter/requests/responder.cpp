@@ -48,7 +48,7 @@ struct Responder::WordRow {
     bool needsDevice = false;  // the language monitor cannot answer by itself
 };
 
-const Responder::WordRow Responder::kWords[] = {
+constexpr Responder::WordRow Responder::kWords[] = {
     {opl::WordText(opl::Word::Ping), 0, &Responder::Acknowledge},
     {opl::WordText(opl::Word::Cancel), 0, &Responder::Acknowledge},
     {opl::WordText(opl::Word::LockPrinter), 2, &Responder::Lock},
