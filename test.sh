@@ -50,9 +50,11 @@ run_windows_suites() {
 
 # Takes only what the suites under Wine leave of the processors: they run one at a time and mostly wait.
 build_sanitizers_meanwhile() {
-    (for preset in asan tsan; do build_preset "$preset"; done) >build/sanitizers.log 2>&1 &
+    (
+        chrt --idle --pid 0 $BASHPID
+        for preset in asan tsan; do build_preset "$preset"; done
+    ) >build/sanitizers.log 2>&1 &
     sanitizers=$!
-    chrt --idle --all-tasks --pid 0 $sanitizers
 }
 
 install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" binutils python3
