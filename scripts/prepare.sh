@@ -1,7 +1,8 @@
 # Sourced by demo.sh, test.sh and bench/run: what a fresh Debian 12 lacks is installed, and a preset is built.
 # Expects to be sourced from the repository's root.
 
-say() { printf '\n== %s\n' "$*"; }
+# With the minutes and seconds since the script began.
+say() { printf '\n== %s  [%d:%02d]\n' "$*" $((SECONDS / 60)) $((SECONDS % 60)); }
 
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then "$@"
@@ -20,7 +21,8 @@ install_packages() {
     done
     [ ${#missing[@]} -eq 0 ] && return 0
     say "Installing ${missing[*]}"
-    as_root apt-get update -qq
+    # An index that cannot be fetched, perhaps of another architecture, is no obstacle to packages of the others.
+    as_root apt-get update -qq || echo "Some package index could not be fetched; going on with what is there." >&2
     as_root env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=300 install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 

@@ -4,79 +4,24 @@
     check_headers.py documented    every export is declared, with its parameters, errors and blocking time explained, and
                                    every error of src/ is in sdk_errors.h
     check_headers.py wrappers      prints one RECORDED(...) a function, for error_recorder.c
-    check_headers.py seen FILE     every error that the recorder noted is among those of its function
-
-A function's text is its own comment (///), that of its section (// --- Name ---) and that of its file's head; the
-nearest one that has an "Errors" or a "Blocks" holds. Errors are a list behind a colon, or rows that begin with one:
-numbers, names, and the groups of sdk_errors.h. "Errors of Get..." are those of functions so named."""
+    check_headers.py seen FILE     every error that the recorder noted is among those of its function"""
 import pathlib
 import re
 import sys
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-HEADERS = ROOT / "include" / "kestrel"
-PROTOTYPE = re.compile(r"KESTREL_API (\w+) (\w+)\((.*)\);")
-ERRORS = re.compile(r"Errors(?: of (\w+)\.\.\.)?(?:: (.*))?$")
+sys.dont_write_bytecode = True  # the source folder stays as it is
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent.parent / "scripts"))
+import interface
+from interface import ROOT
+
 NO_CODES = {"none", "any", "unchanged"}
 # Success by other names, and one that SelectPrinter replaces.
 NEVER_LEFT = {"ERROR_SUCCESS", "RPC_S_OK", "3012"}
 
 
-class Function:
-    def __init__(self, match, texts):
-        self.result, self.name, parameters = match.groups()
-        self.parameters = [] if parameters == "void" else parameters.split(", ")
-        self.parameter_names = [re.search(r"\w+$", parameter).group() for parameter in self.parameters]
-        self.texts = texts
-
-    def errors(self):
-        """The codes and names that are listed; None when no text lists any."""
-        for text in self.texts:
-            for i, line in enumerate(text):
-                match = ERRORS.match(line)
-                if match and (match[1] is None or self.name.startswith(match[1])):
-                    return match[2].split(", ") if match[2] else rows_below(text, i)
-        return None
-
-
-def rows_below(text, start):
-    codes = []
-    for line in text[start + 1:]:
-        if not line.startswith("  "):
-            break
-        if line[2] != " ":
-            codes += re.split(r"  +", line.strip())[0].split(", ")
-    return codes
-
-
-def functions_of(header):
-    head, section, own, declaration = [], [], [], ""
-    for line in header.read_text().splitlines():
-        if declaration or line.startswith("KESTREL_API"):
-            declaration = (declaration + " " + line.strip()).strip()
-            if declaration.endswith(";"):
-                yield Function(PROTOTYPE.match(declaration), (own, section, head))
-                declaration = ""
-        elif line.startswith("///"):
-            # A comment behind a declaration begins another function's.
-            own = own + [line[4:]] if previous.startswith("///") else [line[4:]]
-        elif line.startswith("// ---"):
-            section, own = [line], []
-        elif line.startswith("//"):
-            (section or head).append(line[3:])
-        elif not line:
-            own = []
-        previous = line
-
-
 def error_table():
     """Codes by name, and the groups of codes."""
-    text = (HEADERS / "sdk_errors.h").read_text()
-    codes = {name: int(code, 0) for name, code in re.findall(r"#define (SDK_ERROR_\w+) (\w+)u", text)}
-    codes |= {name: int(code) for name, code in re.findall(r'ROW\("(\w+)", (\d+)u,', text)}
-    head = re.sub(r"\n//      +", " ", text[:text.index("#pragma once")])
-    groups = {name: members.split(", ") for name, members in re.findall(r"^//   (\w+) +([^:]+):", head, re.M)}
-    return codes, groups
+    return {error.name: error.code for error in interface.errors()}, interface.error_groups()
 
 
 def expanded(errors, codes, groups):
@@ -105,7 +50,7 @@ def faults_of_texts(functions, codes, groups):
         yield f"{name}: not both exported and declared"
     for function in functions.values():
         text = "\n".join(line for lines in function.texts for line in lines)
-        for name in function.parameter_names:
+        for _, name in function.parameters:
             if f"`{name}`" not in text:
                 yield f"{function.name}: nothing is said of {name}"
         if not re.search(r"^Blocks ", text, re.M):
@@ -131,14 +76,15 @@ def faults_of_run(path, functions, codes, groups):
 
 
 def main():
-    functions = {function.name: function for header in sorted(HEADERS.glob("*.h")) for function in functions_of(header)}
+    functions = interface.functions()
     table = error_table()
     faults = []
     if sys.argv[1] == "wrappers":
         for function in functions.values():
             if function.result == "kestrel_bool":
-                print(f"RECORDED({function.name}, ({', '.join(function.parameters) or 'void'}), "
-                      f"({', '.join(function.parameter_names)}))")
+                declared = ", ".join(f"{kind} {name}" for kind, name in function.parameters)
+                print(f"RECORDED({function.name}, ({declared or 'void'}), "
+                      f"({', '.join(name for _, name in function.parameters)}))")
     elif sys.argv[1] == "documented":
         faults = [*faults_of_source(table[0]), *faults_of_texts(functions, *table)]
         print(f"{len(functions)} functions, {len(faults)} faults")
