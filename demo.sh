@@ -42,6 +42,8 @@ else
     preset=${RUNNABLE[-1]}
     build_programs "$preset" kestrel_sdk "${programs[@]}" kestrel_statusmon
     start_wine
+    export WINEPREFIX
+    WINEPREFIX=$(wine_prefix "$preset")
     for program in "${programs[@]}" $status_monitor; do
         printf '#!/bin/sh\nexec "%s" "%s" "$@"\n' "$PWD/scripts/wine.sh" "$PWD/build/$preset/bin/$program.exe" \
             >"$work/bin/$program"

@@ -29,39 +29,43 @@ run_suites() {
     results+=("$name=$report")
 }
 
-# Under Wine, which takes its own time, a case that fails gets a second chance; ctest shows both. One after the
-# other: all of them live in one prefix.
+# Under Wine, which takes its own time, a case that fails gets a second chance; ctest shows both. Each word size has a
+# computer of its own, so both run side by side; what the one prints appears when the other is through.
 run_windows_suites() {
     local preset
     for preset in win64 win32; do
-        if can_run "$preset"; then
-            run_suites "$preset" "$preset" ${RUN_OPTIONS[$preset]:---repeat until-pass:2}
-        else
-            run_suites "$preset" "$preset" -L files
-            left_out+=("the programs of $preset: this machine cannot run them (see above)")
-        fi
+        can_run "$preset" && continue
+        run_suites "$preset" "$preset" -L files
+        left_out+=("the programs of $preset: this machine cannot run them (see above)")
     done
+    can_run win64 || return 0
+    run_suites win64 win64 --repeat until-pass:2 >build/win64.log 2>&1 &
+    local win64=$!
     if can_run win32; then
-        export KESTREL_COUNTERPART="$PWD/build/win64/bin/kestrel-vprinter.exe"
-        run_suites win32-with-64-bit-printer win32 --repeat until-pass:3 -R '^process\.(Settings|Exchange\.A_raw)'
-        unset KESTREL_COUNTERPART
+        run_suites win32 win32 ${RUN_OPTIONS[win32]:---repeat until-pass:2}
+        KESTREL_COUNTERPART="$PWD/build/win64/bin/kestrel-vprinter.exe" run_suites win32-with-64-bit-printer win32 \
+            --repeat until-pass:3 -R '^process\.(Settings|Exchange\.A_raw)'
     fi
+    wait $win64
+    cat build/win64.log
+    results+=("win64=$PWD/build/win64/win64.xml")
 }
 
-# Takes only what the suites under Wine leave of the processors: they run one at a time and mostly wait.
-build_sanitizers_meanwhile() {
+# Takes only what the suites under Wine leave of the processors: these mostly wait.
+build_meanwhile() {
     (
         chrt --idle --pid 0 $BASHPID
         for preset in asan tsan; do build_preset "$preset"; done
-    ) >build/sanitizers.log 2>&1 &
-    sanitizers=$!
+        run_suites recipes native -L builds
+    ) >build/meanwhile.log 2>&1 &
+    meanwhile=$!
 }
 
 install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" binutils python3
 CMAKE_EXTRA=(-DKESTREL_TESTS=ON -DKESTREL_BENCH=OFF)
 build_preset native
 if [ $form = all ]; then
-    run_suites native native -j2
+    run_suites native native -j2 -LE builds
 else
     run_suites native native -j2 -LE slow
     slow=$(ctest --preset native -N -L slow | sed -n 's/^Total Tests: //p')
@@ -77,13 +81,14 @@ else
     find_runnable
     trap stop_wine EXIT
     start_wine
-    [ $form != all ] || build_sanitizers_meanwhile
+    [ $form != all ] || build_meanwhile
     run_windows_suites
 fi
 
 if [ $form = all ]; then
-    say "Building what the sanitizers watch"
-    wait $sanitizers || { cat build/sanitizers.log; exit 1; }
+    say "Building what the sanitizers watch, and a tree with one more setting"
+    wait $meanwhile || { cat build/meanwhile.log; exit 1; }
+    results+=("recipes=$PWD/build/native/recipes.xml")
     for preset in asan tsan; do run_suites $preset $preset -j2; done
 fi
 

@@ -1,8 +1,11 @@
 # Sourced by test.sh and demo.sh after prepare.sh: Wine and the cross compilers, and what of them this machine can
 # run. Expects to be sourced from the repository's root.
+#
+# A Wine prefix is a computer. Each preset has one of its own (CMakePresets.json names it too), so that the suites of
+# both word sizes run side by side and know nothing of each other.
 
 WINDOWS_BUILD_PACKAGES=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix googletest)
-export WINEPREFIX="$PWD/build/wineprefix" WINEDEBUG=-all LC_ALL=C.UTF-8
+export WINEDEBUG=-all LC_ALL=C.UTF-8
 export WINEDLLOVERRIDES="mscoree,mshtml=;winedbg.exe=d"
 unset DISPLAY
 
@@ -79,27 +82,53 @@ emulate_32_bit() {
     export QEMU_CPU=max QEMU_SET_ENV="LD_PRELOAD=$EMULATION/\$LIB/wine_in_qemu.so"
 }
 
-# A prefix is a computer. Its server is started with its output away from here: services inherit it, and whoever
-# reads the pipe of a test would wait for them.
+wine_prefix() { echo "$PWD/build/$1/wineprefix"; }
+
+# start_wine: a computer for each of RUNNABLE, its server running. That is started with its output away from here:
+# services inherit it, and whoever reads the pipe of a test would wait for them.
 start_wine() {
-    [ ${#RUNNABLE[@]} -gt 0 ] || return 0
-    # One that was made without 32-bit Wine has no system for 32-bit programs.
-    if [ ! -e "$WINEPREFIX/system.reg" ] ||
-        { can_run win32 && [ ! -e "$WINEPREFIX/drive_c/windows/syswow64/kernel32.dll" ]; }; then
-        say "Making the Wine prefix (10 to 40 s)"
-        rm -rf "$WINEPREFIX"
-        mkdir -p "$(dirname "$WINEPREFIX")"
-        "$WINE64" wineboot.exe -i >/dev/null 2>&1 </dev/null
-        wineserver -w
+    local preset made=
+    for preset in "${RUNNABLE[@]}"; do
+        has_prefix "$preset" || make_prefix "$preset" "$made"
+        made=$preset
+    done
+    for preset in "${RUNNABLE[@]}"; do
+        in_prefix "$preset" wineserver -p300 || [ $? -eq 2 ]  # it runs already
+        in_prefix "$preset" "$WINE64" cmd.exe /c exit >/dev/null 2>&1 </dev/null
+    done
+}
+
+in_prefix() { env WINEPREFIX="$(wine_prefix "$1")" "${@:2}"; }
+
+# One that was made without 32-bit Wine has no system for 32-bit programs.
+has_prefix() {
+    [ -e "$(wine_prefix "$1")/system.reg" ] &&
+        { ! can_run win32 || [ -e "$(wine_prefix "$1")/drive_c/windows/syswow64/kernel32.dll" ]; }
+}
+
+# make_prefix PRESET [OTHER]: a new one, or a copy of the other preset's, whose server stops for it.
+make_prefix() {
+    local prefix
+    prefix=$(wine_prefix "$1")
+    rm -rf "$prefix"
+    mkdir -p "$(dirname "$prefix")"
+    if [ -n "${2:-}" ]; then
+        in_prefix "$2" wineserver -k || :
+        in_prefix "$2" wineserver -w
+        cp -a "$(wine_prefix "$2")" "$prefix"
+    else
+        say "Making a Wine prefix (10 to 40 s)"
+        in_prefix "$1" "$WINE64" wineboot.exe -i >/dev/null 2>&1 </dev/null
+        in_prefix "$1" wineserver -w
     fi
-    wineserver -p300 || [ $? -eq 2 ]  # it runs already
-    "$WINE64" cmd.exe /c exit >/dev/null 2>&1 </dev/null
 }
 
 # A program that still runs would end with exit code 0: never while tests run.
 stop_wine() {
-    [ ${#RUNNABLE[@]} -gt 0 ] || return 0
-    wineserver -k || :
-    wineserver -w
+    local preset
+    for preset in "${RUNNABLE[@]}"; do
+        in_prefix "$preset" wineserver -k || :
+        in_prefix "$preset" wineserver -w
+    done
     [ ! -e $BINFMT/kestrel-i386 ] || as_root sh -c "echo -1 >$BINFMT/kestrel-i386"
 }
