@@ -138,12 +138,36 @@ class Error(NamedTuple):
 
 def errors():
     """The rows of sdk_errors.h."""
-    text = (HEADERS / "sdk_errors.h").read_text()
-    own = {name: int(code, 0) for name, code in re.findall(r"#define (SDK_ERROR_\w+) (\w+)u", text)}
-    flat = re.sub(r'"\s*\\\n\s*"', "", text)  # texts that go on in the next line
-    return [Error(name, own[code] if code in own else int(code.rstrip("u")), words, advice)
-            for name, code, words, advice in
-            re.findall(r'ROW\("(\w+)", (\w+),\s*\\?\s*"([^"]*)",\s*\\?\s*"([^"]*)"\)', flat)]
+    return [Error(name, _code(code), words, advice) for name, code, words, advice in
+            re.findall(r'ROW\("(\w+)", (\w+),\s*"([^"]*)",\s*"([^"]*)"\)', _flat_errors())]
+
+
+class Response(NamedTuple):
+    first: int
+    last: int
+    error: int
+    name: str
+    text: str
+    advice: str
+
+
+def responses():
+    """The rows of response numbers of sdk_errors.h. The first that has a number counts."""
+    return [Response(int(first, 0), int(last, 0), _code(error), name, words, advice)
+            for first, last, error, name, words, advice in
+            re.findall(r'ROW\((\w+)u, (\w+)u, (\w+), "(\w+)",\s*"([^"]*)",\s*"([^"]*)"\)', _flat_errors())]
+
+
+def _flat_errors():
+    """sdk_errors.h without the ends of its tables' lines; a text that goes on in the next one is whole."""
+    text = (HEADERS / "sdk_errors.h").read_text().replace("\\\n", "\n")
+    return re.sub(r'"\s*\n\s*"', "", text)
+
+
+def _code(written):
+    """A code by its number, or by the name that sdk_errors.h defines."""
+    defined = dict(re.findall(r"#define (SDK_ERROR_\w+) (\w+)u", _flat_errors()))
+    return int(defined.get(written, written.rstrip("u")), 0)
 
 
 def error_groups():

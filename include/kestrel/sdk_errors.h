@@ -1,6 +1,7 @@
-// The error codes that a function of the Kestrel SDK leaves in the thread's last-error value, with a text
-// for people and what to do about it. A code of the system that is not here has been passed on unchanged and
-// has its usual meaning. Plain C11, also valid as C++.
+// The error codes that a function of the Kestrel SDK leaves in the thread's last-error value, and the
+// response numbers of the printer's replies, each with a text for people and what to do about it; sdk_text.h
+// finds them. A code of the system that is not here has been passed on unchanged and has its usual meaning.
+// Plain C11, also valid as C++.
 //
 // Groups of codes, by which the other headers name what a function can fail with besides what it lists:
 //   object    8, 1114: the thread's object cannot be made, for lack of memory or in a library that was
@@ -32,19 +33,14 @@
 #define SDK_ERROR_NETWORK_PRINTER_NAME 0xE0000014u
 #define SDK_ERROR_PORT_LIST 0xE0000015u
 
-// One row per code: ROW(name, code, text, advice). To make a table of them:
-//
-//     struct Error { const char* name; uint32_t code; const char* text; const char* advice; };
-//     #define ERROR_ROW(name, code, text, advice) {name, code, text, advice},
-//     static const struct Error kErrors[] = {KESTREL_SDK_ERRORS(ERROR_ROW)};
-//     #undef ERROR_ROW
+// One row per code: ROW(name, code, text, advice).
 // clang-format off
 #define KESTREL_SDK_ERRORS(ROW)                                                                              \
     ROW("SDK_ERROR_CHANNEL_NOT_OPEN", SDK_ERROR_CHANNEL_NOT_OPEN,                                            \
         "no printer is selected on this thread",                                                             \
         "select a printer on the thread that makes the call, and check that the selection succeeded")        \
     ROW("SDK_ERROR_SEND_INCOMPLETE", SDK_ERROR_SEND_INCOMPLETE,                                              \
-        "the request could not be handed over whole",                                                        \
+        "the request was not taken, or not whole",                                                           \
         "check that the printer's language monitor (for a status monitor request: the status monitor) runs " \
         "and is not busy with another program, allow more time, and keep a request within 65,791 bytes")     \
     ROW("SDK_ERROR_NO_REPLY", SDK_ERROR_NO_REPLY,                                                            \
@@ -154,8 +150,8 @@
         "the print spooler did not execute the call",                                                        \
         "restart the print spooler, then repeat")                                                            \
     ROW("ERROR_UNKNOWN_PORT", 1796u,                                                                         \
-        "the spooler has no Standard TCP/IP port monitor",                                                   \
-        "install the Standard TCP/IP port monitor of the system")                                            \
+        "the spooler does not know the port, or has no Standard TCP/IP port monitor",                        \
+        "check the port's name, or install the Standard TCP/IP port monitor of the system")                  \
     ROW("ERROR_INVALID_PRINTER_NAME", 1801u,                                                                 \
         "there is no such printer, or its driver is not one of the product's",                               \
         "compare the name with the list of installed printers")                                              \
@@ -165,4 +161,83 @@
     ROW("ERROR_DEVICE_NOT_AVAILABLE", 4319u,                                                                 \
         "the printer cannot be reached",                                                                     \
         "check that it is switched on and that its cable or network connection works")
+// clang-format on
+
+// The response numbers, with which the printer and its language monitor open a reply: ROW(first, last, error,
+// name, text, advice) for the numbers from first to last, and the last-error value that they stand for, 0 for
+// the good ones. The first row that has a number counts; there is one for each.
+// clang-format off
+#define KESTREL_SDK_RESPONSES(ROW)                                                                           \
+    ROW(0u, 0u, 0u, "RESPONSE_DONE",                                                                         \
+        "the printer has done what was asked",                                                               \
+        "nothing to do")                                                                                     \
+    ROW(2u, 2u, 0u, "RESPONSE_LOCKED",                                                                       \
+        "the printer is locked for the one who asked",                                                       \
+        "unlock it when the work is done")                                                                   \
+    ROW(3u, 3u, 0u, "RESPONSE_UNLOCKED",                                                                     \
+        "the printer is unlocked",                                                                           \
+        "nothing to do")                                                                                     \
+    ROW(95u, 95u, 0u, "RESPONSE_MAINTENANCE_REFUSED",                                                        \
+        "the printer did not carry out the maintenance action",                                              \
+        "look at its display, put right what it asks for, then repeat")                                      \
+    ROW(96u, 96u, 0u, "RESPONSE_MAINTENANCE_DONE",                                                           \
+        "the printer has carried out the maintenance action",                                                \
+        "nothing to do")                                                                                     \
+    ROW(100u, 100u, 0u, "RESPONSE_NOT_COMPLIED",                                                             \
+        "the language monitor does not do what was asked",                                                   \
+        "check that the printer supports it and is ready, then repeat")                                      \
+    ROW(101u, 101u, 0u, "RESPONSE_COMPLIED",                                                                 \
+        "the language monitor has done what was asked",                                                      \
+        "nothing to do")                                                                                     \
+    ROW(1u, 1000u, 0u, "RESPONSE_ACCEPTED",                                                                  \
+        "the printer accepted the request",                                                                  \
+        "nothing to do, unless the function that was called wants another number")                           \
+    ROW(4000u, 4199u, 0u, "RESPONSE_ACCEPTED_STATE",                                                         \
+        "the printer accepted the request",                                                                  \
+        "nothing to do, unless the function that was called wants another number")                           \
+    ROW(100000u, 100000u, 0u, "RESPONSE_NONE",                                                               \
+        "no reply has been read yet, or an upgrade was accepted",                                            \
+        "send a request first")                                                                              \
+    ROW(1999u, 1999u, 170u, "RESPONSE_BUSY",                                                                 \
+        "the printer is busy, or another program has locked it",                                             \
+        "wait until it has finished, or let the other program unlock it, then repeat")                       \
+    ROW(3400u, 3400u, 22u, "RESPONSE_BAD_COMMAND",                                                           \
+        "the printer does not know this command",                                                            \
+        "use a request that this printer model supports")                                                    \
+    ROW(3450u, 3450u, 23u, "RESPONSE_BAD_DATA",                                                              \
+        "the printer found an error in the data",                                                            \
+        "check the value that was sent against those that the printer accepts")                              \
+    ROW(100001u, 100001u, 31u, "RESPONSE_NO_OBJECT",                                                         \
+        "the thread's object cannot be made",                                                                \
+        "look at the last-error value for the reason")                                                       \
+    ROW(100003u, 100003u, 4319u, "RESPONSE_NOT_REACHED",                                                     \
+        "the language monitor does not reach the printer",                                                   \
+        "check that it is switched on and that its cable or network connection works")                       \
+    ROW(100004u, 100004u, 1460u, "RESPONSE_TIMEOUT",                                                         \
+        "the printer did not answer the language monitor in time",                                           \
+        "check that the printer is ready, then repeat with more time")                                       \
+    ROW(100007u, 100007u, 4319u, "RESPONSE_CONNECTION_FAILED",                                               \
+        "the connection to the printer cannot be made",                                                      \
+        "check that it is switched on and that its cable or network connection works")                       \
+    ROW(100008u, 100008u, 4319u, "RESPONSE_CONNECTION_LOST",                                                 \
+        "the connection to the printer is gone",                                                             \
+        "check its cable or network connection, then repeat")                                                \
+    ROW(100009u, 100009u, SDK_ERROR_NO_REPLY, "RESPONSE_NO_REPLY",                                           \
+        "the printer sent no reply to the language monitor",                                                 \
+        "check that the printer is switched on and connected, then repeat with more time")                   \
+    ROW(100103u, 100103u, 1460u, "RESPONSE_SEND_TIMEOUT",                                                    \
+        "the time for handing the request to the printer ran out",                                           \
+        "check that the printer is ready, then repeat with more time")                                       \
+    ROW(100104u, 100104u, 1460u, "RESPONSE_READ_TIMEOUT",                                                    \
+        "the time for reading the printer's reply ran out",                                                  \
+        "check that the printer is ready, then repeat with more time")                                       \
+    ROW(100113u, 100113u, 2u, "RESPONSE_FILE_NOT_FOUND",                                                     \
+        "the language monitor does not find the file",                                                       \
+        "check the name of the file, which must be reachable for the print spooler")                         \
+    ROW(100114u, 100114u, 1392u, "RESPONSE_FILE_CORRUPT",                                                    \
+        "the file is damaged or not for this printer",                                                       \
+        "get the file anew, for this printer model, and repeat")                                             \
+    ROW(1001u, 0xFFFFFFFFu, 31u, "RESPONSE_FAILED",                                                          \
+        "the printer or the language monitor refused the request",                                           \
+        "look at the text of the reply and at the printer's display")
 // clang-format on

@@ -1,8 +1,8 @@
-// The words and the exit code of each error code.
+// The exit code of each error code, and its words as the public header has them.
 #include "kestrel/failure.h"
 
 #include <fmt/core.h>
-#include <kestrel/sdk_errors.h>
+#include <kestrel/sdk_text.h>
 #include <windows.h>
 
 #include <algorithm>
@@ -10,41 +10,6 @@
 
 namespace cli {
 namespace {
-
-struct KnownText {
-    const char* name;
-    uint32_t code;
-    const char* text;
-    const char* advice;
-};
-
-// The library's own words for its codes and those of the system that it passes on.
-#define ERROR_ROW(name, code, text, advice) {name, code, text, advice},
-constexpr KnownText kLibraryTexts[] = {KESTREL_SDK_ERRORS(ERROR_ROW)};
-#undef ERROR_ROW
-
-// Codes that only this program meets, of the loader and of the spooler's printer management; and those of the
-// library's for which a person at the command line needs other words than a programmer.
-constexpr KnownText kOwnTexts[] = {
-    {"SDK_ERROR_SEND_INCOMPLETE", SDK_ERROR_SEND_INCOMPLETE, "no language monitor took the request in time",
-     "check that the printer's language monitor runs and is not busy with another program, or allow more "
-     "time "
-     "with --timeout"},
-    {"SDK_ERROR_BAD_REPLY", SDK_ERROR_BAD_REPLY, "the reply does not hold the value that was asked for",
-     "the printer may not support this setting"},
-    {"SDK_ERROR_UNEXPECTED_REPLY", SDK_ERROR_UNEXPECTED_REPLY,
-     "the reply is incomplete or has another form than expected",
-     "repeat the command; if it fails again, `kestrel raw` shows what the device sends"},
-    {"ERROR_GEN_FAILURE", ERROR_GEN_FAILURE, "the device refused the request",
-     "the reply and its response number give the device's reason"},
-    {"ERROR_MOD_NOT_FOUND", ERROR_MOD_NOT_FOUND, "the file, or a library that it needs, is not there",
-     "install the product again"},
-    {"ERROR_UNKNOWN_PORT", ERROR_UNKNOWN_PORT, "the spooler knows no such port", "check the port's name"},
-    {"ERROR_UNKNOWN_PRINTER_DRIVER", ERROR_UNKNOWN_PRINTER_DRIVER, "the driver is not installed",
-     "run `kestrel setup`, with --driver for a driver of another name"},
-    {"ERROR_PRINTER_ALREADY_EXISTS", ERROR_PRINTER_ALREADY_EXISTS,
-     "a printer of this name is installed already", "choose another name, or remove that printer first"},
-};
 
 struct CodeExit {
     uint32_t code;
@@ -80,11 +45,10 @@ constexpr CodeExit kExits[] = {
     {ERROR_PRINTER_ALREADY_EXISTS, ExitCode::ValueRefused},
 };
 
-template <typename Row, size_t count>
-const Row* FindCode(const Row (&rows)[count], uint32_t code) {
-    const Row* const found =
-        std::find_if(std::begin(rows), std::end(rows), [code](const Row& row) { return row.code == code; });
-    return found == std::end(rows) ? nullptr : found;
+ExitCode ExitOf(uint32_t code) {
+    const CodeExit* const found = std::find_if(std::begin(kExits), std::end(kExits),
+                                               [code](const CodeExit& row) { return row.code == code; });
+    return found == std::end(kExits) ? ExitCode::OwnFault : found->exit;
 }
 
 }  // namespace
@@ -95,12 +59,10 @@ std::string CodeText(uint32_t code) {
 }
 
 Failure FailureFromCode(uint32_t code, const std::string& attempt, Exchange direction) {
-    const KnownText* known = FindCode(kOwnTexts, code);
-    if (known == nullptr) known = FindCode(kLibraryTexts, code);
-    const CodeExit* const exit = FindCode(kExits, code);
+    const KestrelErrorText* const known = KestrelFindError(code);
 
     Failure failure;
-    failure.exit = exit != nullptr ? exit->exit : ExitCode::OwnFault;
+    failure.exit = ExitOf(code);
     failure.text = fmt::format("{}: {}", attempt, known != nullptr ? known->text : "unexpected error");
     failure.advice = known != nullptr ? known->advice : "report this together with the command line";
     failure.code = code;

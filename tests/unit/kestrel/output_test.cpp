@@ -1,9 +1,11 @@
 // Texts on their way in and out of the command line, failures, and the product configuration that is written.
 #include <gtest/gtest.h>
+#include <kestrel/sdk_text.h>
 
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -73,6 +75,32 @@ TEST(KestrelFailures, Give_each_code_one_exit_code_and_an_advice) {
     EXPECT_EQ(cli::FailureFromCode(87, "cannot read it", cli::Exchange::Read).exit, BadReply);
 }
 
+TEST(Texts, Every_code_and_every_response_number_has_a_name_a_text_and_an_advice) {
+    const auto said = [](const char* text) { return text != nullptr && *text != '\0'; };
+#define CODE_OF(name, code, text, advice) code,
+    for (const std::uint32_t code : {KESTREL_SDK_ERRORS(CODE_OF) KESTREL_CALLER_ERRORS(CODE_OF)}) {
+        const KestrelErrorText* const error = KestrelFindError(code);
+        ASSERT_NE(error, nullptr) << code;
+        EXPECT_EQ(error->code, code) << "found by its code, so it stands there once";
+        EXPECT_TRUE(said(error->name) && said(error->text) && said(error->advice)) << code;
+    }
+#undef CODE_OF
+    EXPECT_EQ(KestrelFindError(123456), nullptr);
+
+    std::set<std::string> names;
+    for (std::uint32_t number = 0; number < 101000; ++number) {
+        const KestrelResponseText* const response = KestrelFindResponse(number);
+        ASSERT_TRUE(response->first <= number && number <= response->last) << number;
+        EXPECT_TRUE(said(response->name) && said(response->text) && said(response->advice)) << number;
+        names.insert(response->name);
+        EXPECT_NE(KestrelFindError(response->error), nullptr) << number;
+    }
+#define NAME_OF(first, last, error, name, text, advice) name,
+    EXPECT_EQ(names, (std::set<std::string>{KESTREL_SDK_RESPONSES(NAME_OF)})) << "a row that is never found";
+#undef NAME_OF
+    EXPECT_STREQ(KestrelFindResponse(0xFFFFFFFF)->name, "RESPONSE_FAILED");
+}
+
 TEST(KestrelFailures, Show_code_reply_and_advice_to_people_and_to_scripts) {
     cli::Report report;
     report.failure = cli::FailureFromCode(0xE0000003, "cannot read \xFF", cli::Exchange::Read);
@@ -80,7 +108,8 @@ TEST(KestrelFailures, Show_code_reply_and_advice_to_people_and_to_scripts) {
     report.failure->responseNumber = 3400;
 
     const std::string people = cli::FailureText(*report.failure, cli::Paint(false));
-    for (const char* part : {"cannot read", "[0xE0000003]", "reply: 3400,no;", "response number: 3400"})
+    for (const char* part : {"cannot read", "[0xE0000003]", "reply: 3400,no;",
+                             "response number: 3400, the printer does not know"})
         EXPECT_NE(people.find(part), std::string::npos) << part;
 
     const auto document = tools::Json::Parse(cli::JsonDocument("get", report));

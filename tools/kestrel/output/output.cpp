@@ -2,6 +2,7 @@
 #include "kestrel/output/output.h"
 
 #include <fmt/core.h>
+#include <kestrel/sdk_text.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -45,7 +46,10 @@ tools::Json FailureJson(const Failure& failure) {
         json["code"] = *failure.code;
         json["codeText"] = CodeText(*failure.code);
     }
-    if (failure.responseNumber) json["responseNumber"] = *failure.responseNumber;
+    if (failure.responseNumber) {
+        json["responseNumber"] = *failure.responseNumber;
+        json["responseText"] = KestrelFindResponse(*failure.responseNumber)->text;
+    }
     if (!failure.badReply.empty()) json["badReply"] = failure.badReply;
     return json;
 }
@@ -106,7 +110,10 @@ std::string FailureText(const Failure& failure, const Paint& paint) {
     if (!failure.badReply.empty()) {
         text += fmt::format("  reply: {}\n", failure.badReply);
     }
-    if (failure.responseNumber) text += fmt::format("  response number: {}\n", *failure.responseNumber);
+    if (failure.responseNumber) {
+        text += fmt::format("  response number: {}, {}\n", *failure.responseNumber,
+                            KestrelFindResponse(*failure.responseNumber)->text);
+    }
     if (!failure.advice.empty()) text += fmt::format("  {}\n", ForTerminal(failure.advice));
     return text;
 }
