@@ -32,6 +32,14 @@
 #define SDK_ERROR_BIDI_DISABLED 0xE0000013u
 #define SDK_ERROR_NETWORK_PRINTER_NAME 0xE0000014u
 #define SDK_ERROR_PORT_LIST 0xE0000015u
+// Those of sdk.hpp and of the interfaces of other languages, for a fault that they find before they call, and
+// for a failure for which a function leaves 0. No function leaves them.
+#define SDK_ERROR_WRONG_THREAD 0xE0000021u
+#define SDK_ERROR_SELECTION_LOST 0xE0000022u
+#define SDK_ERROR_BAD_TEXT 0xE0000023u
+#define SDK_ERROR_BAD_NUMBER 0xE0000024u
+#define SDK_ERROR_DECLINED 0xE0000025u
+#define SDK_ERROR_NO_PRODUCT_PRINTER 0xE0000026u
 
 // One row per code: ROW(name, code, text, advice).
 // clang-format off
@@ -61,6 +69,24 @@
     ROW("SDK_ERROR_PORT_LIST", SDK_ERROR_PORT_LIST,                                                          \
         "the printer is attached to a list of ports",                                                        \
         "attach the printer to a single port in its properties, then select it again")                       \
+    ROW("SDK_ERROR_WRONG_THREAD", SDK_ERROR_WRONG_THREAD,                                                    \
+        "the printer was selected on another thread",                                                        \
+        "select it on the thread that makes the call: each thread has a selection of its own")               \
+    ROW("SDK_ERROR_SELECTION_LOST", SDK_ERROR_SELECTION_LOST,                                                \
+        "this object's printer is not the one that the thread has selected now",                             \
+        "select it anew, and keep one selected printer at a time on a thread")                               \
+    ROW("SDK_ERROR_BAD_TEXT", SDK_ERROR_BAD_TEXT,                                                            \
+        "a text is not valid Unicode, holds a zero character, or is too long for its field",                 \
+        "check the text that was passed; nothing was sent")                                                  \
+    ROW("SDK_ERROR_BAD_NUMBER", SDK_ERROR_BAD_NUMBER,                                                        \
+        "a number does not fit the type that the setting is written as",                                     \
+        "pass one within the setting's limits; nothing was sent")                                            \
+    ROW("SDK_ERROR_DECLINED", SDK_ERROR_DECLINED,                                                            \
+        "the printer declined, or its answer is not complete",                                               \
+        "look at the last response number; the printer may not support this")                                \
+    ROW("SDK_ERROR_NO_PRODUCT_PRINTER", SDK_ERROR_NO_PRODUCT_PRINTER,                                        \
+        "no installed printer belongs to the product, or its configuration is missing",                      \
+        "install the product and a printer, or name the printer to select")                                  \
     ROW("NO_ERROR", 0u, "success", "nothing to do")                                                          \
     ROW("ERROR_FILE_NOT_FOUND", 2u,                                                                          \
         "a file was not found",                                                                              \
