@@ -30,3 +30,9 @@ def word_tables():
     text = (CATALOGUE / "value_tables.h").read_text()
     return {name: re.findall(r'\{"([^"]*)",', entries)
             for name, entries in re.findall(r"EnumEntry k(\w+)\[\] = \{(.*?)\};", text, re.S)}
+
+
+def words_of_constants():
+    """The device's word for each named number of sdk_types.h; the first one where there are several."""
+    pairs = re.findall(r'\{"([^"]*)", (KESTREL_\w+)\}', (CATALOGUE / "value_tables.h").read_text())
+    return {constant: word for word, constant in reversed(pairs)}

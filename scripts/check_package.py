@@ -8,9 +8,12 @@ import tempfile
 import zipfile
 
 COMMON = {"README.md", "include/kestrel/sdk.h", "docs/kestrel.md", "bin/ZRIJ9900MUI.exe"}
+COMMON |= {"include/kestrel/sdk_settings.hpp", "share/kestrel-sdk/csharp/Printer.cs", "share/kestrel-sdk/csharp/Native.cs"}
 WINDOWS = COMMON | {"bin/ZRIJ9900SDK.dll", "bin/ZRIJ9900SDK.dll.debug", "lib/libZRIJ9900SDK.dll.a",
                     "lib/ZRIJ9900SDK.def", "bin/kestrel.exe", "bin/kestrel-vprinter.exe"}
 LINUX = COMMON | {"lib/libZRIJ9900SDK.so", "lib/libwinport.so", "bin/kestrel", "bin/kestrel-vprinter", "bin/rundll32"}
+# Folders with whatever belongs there.
+OPEN = ("include/kestrel/", "docs/", "share/kestrel-sdk/csharp/")
 
 
 def main():
@@ -24,7 +27,7 @@ def main():
     wanted = WINDOWS if "windows" in package.name else LINUX
     # Libraries on Linux lie below the folder of the machine's kind.
     files = {name.replace("lib/x86_64-linux-gnu/", "lib/") for name in files}
-    strangers = {name for name in files - wanted if not name.startswith(("include/kestrel/", "docs/"))}
+    strangers = {name for name in files - wanted if not name.startswith(OPEN)}
     for name in sorted(wanted - files):
         print(f"{package.name}: {name} is missing", file=sys.stderr)
     for name in sorted(strangers):
