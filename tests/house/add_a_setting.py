@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Adds a setting with an enumeration of its own to a copy of the tree, in the places that the head of settings.def names
-and in no others; then everybody has to know it: the library and its export list, the client, the virtual printer.
+and in no others; then everybody has to know it: the library and its export list, the client, the virtual printer, and
+the interfaces in other languages.
 
     add_a_setting.py SOURCE FOLDER CMAKE_OPTION..."""
 import json
@@ -53,6 +54,17 @@ PLACES = {
 }
 
 
+# What a generator of bindings/ writes, and the line of the new setting in it.
+INTERFACES = (
+    ("cpp", "sdk_settings.hpp", "struct scan_colour : kind::Choice<ScanColour> {"),
+    ("cpp", "sdk_settings.hpp", "enum class ScanColour : std::uint32_t {"),
+    ("python", "_catalogue.py", '"scan.colour"'),
+    ("csharp", "Native.cs", "bool GetScanColour(out uint value, uint timeoutMs)"),
+    ("csharp", "Settings.cs", "public ScanColour ScanColour"),
+    ("csharp", "Settings.cs", '{ typeof(ScanColour), new[] { "Grey", "Full" } }'),
+)
+
+
 def add_setting(tree):
     recipe = (tree / "src/catalogue/settings.def").read_text().split("Row kinds")[0]
     assert re.findall(r"^//   \d\. (\S+)", recipe, re.M) == list(PLACES), "the recipe names other places"
@@ -61,6 +73,16 @@ def add_setting(tree):
             path = tree / place
             path.write_text(edit(path.read_text()))
     run([tree / "scripts/settings_table.py"])
+
+
+def generate_interfaces(tree, folder):
+    folder.mkdir()
+    for language, output, wanted in INTERFACES:
+        if not (tree / "bindings" / language).is_dir():
+            print(f"LEFT OUT: there is no bindings/{language}", flush=True)
+            continue
+        run([tree / "bindings" / language / "generate.py", folder / output])
+        assert wanted in (folder / output).read_text(), f"{output} has no {wanted}"
 
 
 def run(command, **options):
@@ -100,6 +122,7 @@ def main():
     tree, build = folder / "tree", folder / "tree/build/added"
     shutil.copytree(source, tree, ignore=shutil.ignore_patterns("build", ".git"), symlinks=True)
     add_setting(tree)
+    generate_interfaces(tree, folder / "generated")
     begun = time.monotonic()
     run(["cmake", "-S", tree, "-B", build, "-G", "Ninja", "-DKESTREL_BENCH=OFF", *sys.argv[3:]],
         stdout=subprocess.DEVNULL)
