@@ -1,9 +1,9 @@
 // checks                what is counted rather than compared, as lines of JSON: allocations, processor time
-//                       while idle, the time to open a printer
+//                       while idle, the time to open a printer; and what sdk.hpp adds to a call
 // checks exchanges N    N hot exchanges and no more, for a tracer of system calls
-#include <kestrel/sdk.h>
 #include <time.h>
 #include <unistd.h>
+#include <kestrel/sdk.hpp>
 
 #include <algorithm>
 #include <atomic>
@@ -53,6 +53,8 @@ namespace {
 
 constexpr int kCountedExchanges = 1000;
 constexpr int kOpenings = 50;
+constexpr int kTurns = 2000;
+constexpr int kExchangesOfTurn = 20;
 constexpr unsigned kIdleSeconds = 10;
 
 double NowUs() {
@@ -77,13 +79,25 @@ void ExchangeTimes(int times) {
     }
 }
 
+void TypedExchangeTimes(const kestrel::Printer& printer, int times) {
+    for (int i = 0; i < times; ++i) {
+        const auto redials = printer.get<kestrel::setting::fax_redials>();
+        Require(redials && *redials == 3, "a wrong answer");
+    }
+}
+
+double Median(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::ranges::nth_element(values, middle);
+    return *middle;
+}
+
 template <typename Action>
 double MedianUs(Action action) {
     std::vector<double> times;
     for (int i = 0; i < kOpenings; ++i)
         times.push_back(action());
-    std::ranges::nth_element(times, times.begin() + kOpenings / 2);
-    return times[kOpenings / 2];
+    return Median(std::move(times));
 }
 
 template <typename Action>
@@ -101,12 +115,25 @@ double TimedOnNewThread(Action action) {
     return time;
 }
 
+// By turns in one process: what disturbs the one disturbs the other as well.
+double TypedOfC() {
+    const auto printer = kestrel::Printer::select().value();
+    std::vector<double> plain;
+    std::vector<double> typed;
+    for (int i = 0; i < kTurns; ++i) {
+        plain.push_back(Timed([] { ExchangeTimes(kExchangesOfTurn); }));
+        typed.push_back(Timed([&] { TypedExchangeTimes(printer, kExchangesOfTurn); }));
+    }
+    return Median(std::move(typed)) / Median(std::move(plain));
+}
+
 void CheckAll(const Server& printer, const Place& place) {
     ExchangeTimes(1);
     const uint64_t before = allocations.load();
     ExchangeTimes(kCountedExchanges);
     Tell("allocations an exchange", static_cast<double>(allocations.load() - before) / kCountedExchanges);
 
+    Tell("GetFaxRedials through sdk.hpp, x of C", TypedOfC());
     Tell("select a printer, us", MedianUs([&] { return Timed([&] { SelectInstalledPrinter(place); }); }));
     Tell("object of a new thread, us", MedianUs([] { return TimedOnNewThread(GetLastResponseNum); }));
     Tell("first selection on a new thread, us",

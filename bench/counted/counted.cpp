@@ -1,13 +1,13 @@
-// counted COUNT    that many exchanges and parses, for callgrind to collect in `CountedExchange` and
-//                  `CountedParse`
+// counted COUNT    that many exchanges and parses, for callgrind to collect in `CountedExchange`, in
+//                  `CountedTypedExchange`, which is the same through sdk.hpp, and in `CountedParse`
 //
 // How often a waiting thread looks is chance. Here a wait begins only once the counterpart, a process of its
 // own, has long done its part and sleeps again, so that the first look succeeds: nothing is counted but the
 // way there and back.
 #include <dlfcn.h>
-#include <kestrel/sdk.h>
 #include <unistd.h>
 #include <windows.h>
+#include <kestrel/sdk.hpp>
 
 #include <cstdio>
 #include <cstdlib>
@@ -54,6 +54,12 @@ extern "C" __attribute__((visibility("default"), noinline)) bool CountedExchange
     return GetFaxRedials(&redials, kTimeoutMs) != 0 && redials == 3;
 }
 
+extern "C" __attribute__((visibility("default"), noinline)) bool CountedTypedExchange(
+    const kestrel::Printer& printer) {
+    const auto redials = printer.get<kestrel::setting::fax_redials>();
+    return redials && *redials == 3;
+}
+
 extern "C" __attribute__((visibility("default"), noinline)) bool CountedParse(std::string_view reply) {
     opl::OPLParser framer;
     const char* message = nullptr;
@@ -66,10 +72,11 @@ extern "C" __attribute__((visibility("default"), noinline)) bool CountedParse(st
 
 namespace {
 
-bool Count(int times) {
+bool Count(const kestrel::Printer& printer, int times) {
     bool right = true;
     for (int i = 0; i < times; ++i)
-        right = CountedExchange() && CountedParse("0000,DeviceSettings.Fax.Redials=3;") && right;
+        right = CountedExchange() && CountedTypedExchange(printer) &&
+                CountedParse("0000,DeviceSettings.Fax.Redials=3;") && right;
     return right;
 }
 
@@ -80,9 +87,10 @@ int main(int argc, char** argv) {
     try {
         const TemporaryFolder folder;
         const Place place{folder.Path()};
-        const Server printer(kGetFaxRedials, place, false);
+        const Server server(kGetFaxRedials, place, false);
         SelectInstalledPrinter(place);
-        if (!SetFaxRedials(3, kTimeoutMs) || !Count(std::atoi(argv[1]))) {
+        const auto printer = kestrel::Printer::select().value();
+        if (!SetFaxRedials(3, kTimeoutMs) || !Count(printer, std::atoi(argv[1]))) {
             std::fprintf(stderr, "counted: a wrong answer\n");
             return 1;
         }

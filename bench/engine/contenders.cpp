@@ -16,6 +16,7 @@ const Contender* const kContenders[] = {
     &kLargePollingLimit,
     &kLargeSleepingLimit,
     &kGetFaxRedials,
+    &kTypedGetFaxRedials,
     &kSetFaxRedials,
     &kRawExchange,
     &kFramedExchange,

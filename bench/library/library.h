@@ -4,6 +4,7 @@
 #include "engine/contender.h"
 
 extern const Contender kGetFaxRedials;
+extern const Contender kTypedGetFaxRedials;
 extern const Contender kSetFaxRedials;
 extern const Contender kRawExchange;
 extern const Contender kFramedExchange;

@@ -1,5 +1,5 @@
-// One getter and one setter against the virtual printer.
-#include <kestrel/sdk.h>
+// One getter, in C and in C++, and one setter against the virtual printer.
+#include <kestrel/sdk.hpp>
 
 #include <stdexcept>
 
@@ -24,6 +24,24 @@ class Getter final : public Client {
     bool succeeded_ = false;
 };
 
+class TypedGetter final : public Client {
+  public:
+    explicit TypedGetter(const Place& place) : printer_(SelectTyped(place)) {
+        printer_.set<kestrel::setting::fax_redials>(kRedials).value();
+    }
+    void Exchange() override { redials_ = printer_.get<kestrel::setting::fax_redials>(); }
+    bool IsRight() override { return redials_ && *redials_ == kRedials; }
+
+  private:
+    static kestrel::Printer SelectTyped(const Place& place) {
+        SelectInstalledPrinter(place);
+        return kestrel::Printer::select().value();
+    }
+
+    kestrel::Printer printer_;
+    kestrel::Result<uint8_t> redials_ = uint8_t{0};
+};
+
 class Setter final : public Client {
   public:
     explicit Setter(const Place& place) { SelectInstalledPrinter(place); }
@@ -38,5 +56,12 @@ class Setter final : public Client {
 
 const Contender kGetFaxRedials = {
     "get", "GetFaxRedials", "polling", "sleeping", ServeVirtualPrinter, Connect<Getter>, "h4m1"};
+const Contender kTypedGetFaxRedials = {"get-cpp",
+                                       "GetFaxRedials through sdk.hpp",
+                                       "polling",
+                                       "sleeping",
+                                       ServeVirtualPrinter,
+                                       Connect<TypedGetter>,
+                                       "h"};
 const Contender kSetFaxRedials = {
     "set", "SetFaxRedials", "polling", "sleeping", ServeVirtualPrinter, Connect<Setter>, "h"};
