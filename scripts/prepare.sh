@@ -26,8 +26,8 @@ install_packages() {
     as_root env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=300 install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-BUILD_PACKAGES=(g++ cmake ninja-build libsqlite3-dev libcli11-dev nlohmann-json3-dev libfmt-dev)
-TEST_PACKAGES=(libgtest-dev)
+BUILD_PACKAGES=(g++ cmake ninja-build python3 libsqlite3-dev libcli11-dev nlohmann-json3-dev libfmt-dev)
+TEST_PACKAGES=(libgtest-dev clang mono-mcs mono-runtime)
 
 # build_preset PRESET [TARGET...]
 build_preset() {
