@@ -84,13 +84,15 @@ class Enumeration(NamedTuple):
     name: str
     about: str
     values: dict  # enumerator: number
+    meanings: dict  # enumerator: text
 
 
 def enumerations():
     """Those of sdk_types.h by name. The catalogue's table of words X belongs to KestrelX."""
     found = re.findall(r"((?:^/// [^\n]*\n)*)^typedef enum (\w+) \{(.*?)\}", _types(), re.M | re.S)
     return {name: Enumeration(name, _plain(about),
-                              {key: int(value) for key, value in re.findall(r"(\w+) = (\d+)", body)})
+                              {key: int(value) for key, value in re.findall(r"(\w+) = (\d+)", body)},
+                              dict(re.findall(r"(\w+) = \d+,? +///< (.*)", body)))
             for about, name, body in found}
 
 

@@ -41,7 +41,9 @@
 #define SDK_ERROR_DECLINED 0xE0000025u
 #define SDK_ERROR_NO_PRODUCT_PRINTER 0xE0000026u
 
-// One row per code: ROW(name, code, text, advice).
+/// One row per code.
+///
+/// `ROW`: a macro of four arguments: name, code, text, advice.
 // clang-format off
 #define KESTREL_SDK_ERRORS(ROW)                                                                              \
     ROW("SDK_ERROR_CHANNEL_NOT_OPEN", SDK_ERROR_CHANNEL_NOT_OPEN,                                            \

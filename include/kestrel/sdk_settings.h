@@ -407,6 +407,7 @@ KESTREL_API kestrel_bool VTOE(void);
 // Errors: 22
 // Blocks not at all.
 
+/// Not supported.
 KESTREL_API kestrel_bool GetWirelessFragmentationThreshold(uint32_t* value, uint32_t timeoutMs);
 KESTREL_API kestrel_bool SetWirelessFragmentationThreshold(uint32_t value, uint32_t timeoutMs);
 KESTREL_API kestrel_bool GetWirelessRTSThreshold(uint32_t* value, uint32_t timeoutMs);

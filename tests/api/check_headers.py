@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Holds the public headers against the code.
 
-    check_headers.py documented    every export is declared, with its parameters, errors and blocking time explained, and
-                                   every error of src/ is in sdk_errors.h
+    check_headers.py documented    every export is declared, with its parameters, errors and blocking time explained, as is
+                                   what a number or a field means, and every error of src/ is in sdk_errors.h
     check_headers.py wrappers      prints one RECORDED(...) a function, for error_recorder.c
     check_headers.py seen FILE     every error that the recorder noted is among those of its function"""
 import pathlib
@@ -63,6 +63,17 @@ def faults_of_texts(functions, codes, groups):
                 yield f"{function.name}: {error} is not in sdk_errors.h"
 
 
+def faults_of_types():
+    """What the maker of the reference does not ask for."""
+    for enumeration in interface.enumerations().values():
+        for name in [enumeration.name] * (not enumeration.about) + [*enumeration.values.keys() - enumeration.meanings.keys()]:
+            yield f"{name}: nothing is said of it"
+    for record in interface.records().values():
+        for field in record.fields:
+            if not field.about:
+                yield f"{record.name}::{field.name}: nothing is said of it"
+
+
 def faults_of_run(path, functions, codes, groups):
     lines = path.read_text().splitlines() if path.exists() else []
     if not lines:
@@ -86,7 +97,7 @@ def main():
                 print(f"RECORDED({function.name}, ({declared or 'void'}), "
                       f"({', '.join(name for _, name in function.parameters)}))")
     elif sys.argv[1] == "documented":
-        faults = [*faults_of_source(table[0]), *faults_of_texts(functions, *table)]
+        faults = [*faults_of_source(table[0]), *faults_of_texts(functions, *table), *faults_of_types()]
         print(f"{len(functions)} functions, {len(faults)} faults")
     else:
         faults = list(faults_of_run(pathlib.Path(sys.argv[2]), functions, *table))
