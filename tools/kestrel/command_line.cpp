@@ -4,21 +4,18 @@
 #include <array>
 
 #include "kestrel/commands/commands.h"
+#include "kestrel/exit_codes.h"
+#include "kestrel/installation/spooler.h"
 #include "kestrel/text/durations.h"
 
 namespace cli {
 namespace {
 
-constexpr const char* kExitCodes =
-    "Exit codes: 0 done, 1 the device said no, 2 wrong usage, 3 no such printer, 4 time-out or no language\n"
-    "monitor, 5 locked by another, 6 value refused, 7 reply not understood, 70 incomplete installation,\n"
-    "130 interrupted.\n\n"
-    "Example: kestrel -p \"Office\" get fax.redials";
-
 void DeclareGlobalOptions(const tools::Command& app, GlobalOptions& options) {
     app.AddOption("-p,--printer", options.printer, "Installed printer; none: the product's own")
         .Environment("KESTREL_PRINTER")
-        .TypeName("PRINTER");
+        .TypeName("PRINTER")
+        .Offers(OfferPrinters);
     app.AddOption("--product", options.product, "Prefix of the product's file names")
         .ShowsDefault()
         .TypeName("PREFIX");
@@ -45,6 +42,13 @@ tools::Option AddTimeOption(const tools::Command& command, const std::string& na
     return command.AddOption(name, read, help).TypeName("TIME");
 }
 
+tools::Offer OfferPrinters(const std::vector<std::string>&) {
+    tools::Offer offer;
+    for (const InstalledPrinter& printer : InstalledPrinters())
+        offer.words.push_back({printer.name, printer.driver + " on " + printer.port});
+    return offer;
+}
+
 const Library& Context::GetLibrary() {
     if (!library_) library_ = std::make_unique<Library>(options_.product);
     return *library_;
@@ -60,17 +64,25 @@ const Printer& Context::GetPrinter() {
 
 void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chosen& chosen) {
     app.Description("Reads and changes the settings of a printer");
-    app.Footer(kExitCodes);
+    app.Example("kestrel setup", "install the product configuration and the driver");
+    app.Example("kestrel printers add Office --port USB001", "install a printer");
+    app.Example("kestrel -p Office get fax.redials", "print a setting");
+    app.Example("kestrel -p Office list 'fax.*' --json", "some settings, for a script");
+    app.Variable("NO_COLOR", "no colours, also on a terminal");
+    app.File("<driver directory>/3/" KESTREL_PRODUCT ".INI",
+             "the product configuration, which `kestrel setup` writes");
+    for (const ExitCodeText& row : kExitCodes)
+        app.ExitCode(static_cast<int>(row.code), row.meaning);
     app.VersionFlag("--version", "kestrel " KESTREL_VERSION);
     app.AllowOneSubcommand();
     app.PassOptionsOn();
     DeclareGlobalOptions(app, options);
 
-    constexpr std::array kCommands = {AddSetup,    AddPrinters,    AddStatus,   AddGet,          AddSet,
-                                      AddList,     AddAddressBook, AddRaw,      AddMaintenance,  AddLock,
-                                      AddUnlock,   AddCancel,      AddCache,    AddWifi,         AddPing,
-                                      AddHosts,    AddClock,       AddFirmware, AddCapabilities, AddIdentity,
-                                      AddSupplies, AddMonitor,     AddInstall,  AddVersion,      AddComplete};
+    constexpr std::array kCommands = {
+        AddSetup,   AddPrinters,    AddStatus,  AddGet,        AddSet,          AddList,     AddAddressBook,
+        AddRaw,     AddMaintenance, AddLock,    AddUnlock,     AddCancel,       AddCache,    AddWifi,
+        AddPing,    AddHosts,       AddClock,   AddFirmware,   AddCapabilities, AddIdentity, AddSupplies,
+        AddMonitor, AddInstall,     AddVersion, AddCompletion, AddComplete};
     for (const auto add : kCommands)
         add(app, chosen);
 }

@@ -50,6 +50,9 @@ struct Chosen final {
 tools::Option AddTimeOption(const tools::Command& command, const std::string& name,
                             std::function<void(std::chrono::milliseconds)> take, const std::string& help);
 
+// The installed printers, for an option or argument that names one.
+[[nodiscard]] tools::Offer OfferPrinters(const std::vector<std::string>& before);
+
 // Declares the global options and every command.
 void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chosen& chosen);
 

@@ -1,6 +1,8 @@
 // The client's exit codes.
 #pragma once
 
+#include <array>
+
 namespace cli {
 
 // What a script reads from the program's end. Each number has one meaning, whatever the command.
@@ -16,5 +18,22 @@ enum class ExitCode : int {
     OwnFault = 70,      // the installation is incomplete: library, configuration, spooler
     Interrupted = 130,  // ended by the user
 };
+
+struct ExitCodeText final {
+    ExitCode code;
+    const char* meaning;
+};
+inline constexpr std::array<ExitCodeText, 10> kExitCodes = {{
+    {ExitCode::Done, "done"},
+    {ExitCode::DeviceRefused, "the device said no"},
+    {ExitCode::Usage, "wrong usage: unknown command, option or key; nothing was sent"},
+    {ExitCode::NoPrinter, "no such printer, or not one that the library can use"},
+    {ExitCode::NoAnswer, "time-out, or no language monitor serves the printer"},
+    {ExitCode::Locked, "locked by another"},
+    {ExitCode::ValueRefused, "value refused before it was sent, or not kept by the printer"},
+    {ExitCode::BadReply, "reply not understood"},
+    {ExitCode::OwnFault, "the installation is incomplete: library, product configuration, spooler"},
+    {ExitCode::Interrupted, "interrupted"},
+}};
 
 }  // namespace cli

@@ -9,6 +9,7 @@
 
 #include "rundll32/refusal.h"
 #include "rundll32/text.h"
+#include "shared/process.h"
 
 namespace printui {
 
@@ -129,6 +130,34 @@ std::string UsageText() {
     text += '\n';
     add(kTexts, " TEXT");
     add(kFlags, "");
+    return text;
+}
+
+tools::CommandText Description() {
+    tools::CommandText text;
+    text.name = "rundll32";
+    text.about = "Installs printer drivers and printers, called as on Windows";
+    tools::OptionText& entry = text.options.emplace_back();
+    entry.names = {"printui.dll,PrintUIEntry"};
+    entry.about = "the entry of the printer user interface, the only one there is";
+    entry.isArgument = entry.isRequired = true;
+    const auto add = [&](const auto& rows, const char* value) {
+        for (const auto& row : rows) {
+            tools::OptionText& option = text.options.emplace_back();
+            option.names = {std::string(row.option)};
+            option.value = value;
+            option.about = row.help;
+        }
+    };
+    add(kActions, "");
+    add(kTexts, "TEXT");
+    add(kFlags, "");
+    text.notes = {"One of /ia, /if and /y is given. Options are taken without case."};
+    text.examples = {{"rundll32 printui.dll,PrintUIEntry /if /b Office /f zr.inf /r USB001 /m \"ZR 9900\"",
+                      "install a printer"},
+                     {"rundll32 printui.dll,PrintUIEntry /y /n Office", "make it the default printer"}};
+    text.exitCodes = {{"0", "done"}, {"1", "not done, for the reason that is printed"}, {"2", "wrong usage"}};
+    text.variables = tools::CommonVariables();
     return text;
 }
 

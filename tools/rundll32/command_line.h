@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "shared/command_text.h"
+
 namespace printui {
 
 enum class Action { InstallDriver, InstallPrinter, MakeDefault };
@@ -24,5 +26,7 @@ struct CommandLine final {
 [[nodiscard]] CommandLine ParseCommandLine(const std::vector<std::string>& words, bool& quiet);
 
 [[nodiscard]] std::string UsageText();
+/// The same and more, for the manual.
+[[nodiscard]] tools::CommandText Description();
 
 }  // namespace printui

@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <string_view>
 
 #include "rundll32/command_line.h"
 #include "rundll32/printers.h"
@@ -29,6 +30,10 @@ int main(int count, char** values) {
         if (count < 2) {
             fmt::print("{}", UsageText());
             return 2;
+        }
+        if (values[1] == std::string_view(tools::kDescribeArgument)) {
+            fmt::print("{}\n", tools::DescriptionJson(Description()));
+            return 0;
         }
         Run(ParseCommandLine({values + 1, values + count}, quiet));
         return 0;

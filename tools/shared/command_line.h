@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "shared/command_text.h"
 #include "shared/exit_codes.h"
 
 namespace CLI {
@@ -19,17 +20,24 @@ class Option;
 
 namespace tools {
 
+/// What has been said of the parts of a command line beside what the parser library keeps.
+struct CommandTexts;
+
 /// An option or argument that has been declared; lives in its command line.
 class Option final {
   public:
-    explicit Option(CLI::Option* option) : option_(option) {}
+    Option(CLI::Option* option, OptionText* text) : option_(option), text_(text) {}
 
     const Option& Required() const;
-    /// What stands for the value in the help.
+    /// What stands for the value in the help; a FILE is also looked for by the shell.
     const Option& TypeName(const std::string& name) const;
     /// The help shows the value that the variable has now.
     const Option& ShowsDefault() const;
     const Option& OneOf(std::vector<std::string> words) const;
+    /// Words to choose from, of which somebody else makes sure; those with a meaning stand in the help.
+    const Option& Explains(std::vector<Explained> words) const;
+    /// What a shell is to offer for it; the call must be quick and ask no printer.
+    const Option& Offers(OfferFunction offer) const;
     const Option& Between(int lowest, int highest) const;
     /// `problemOf` says what is wrong with a value, or nothing.
     const Option& Check(std::function<std::string(const std::string&)> problemOf) const;
@@ -44,13 +52,14 @@ class Option final {
 
   private:
     CLI::Option* option_;
+    OptionText* text_;
 };
 
 /// A command with its options and subcommands; lives in its command line. The variables that the options fill
 /// outlive it.
 class Command final {
   public:
-    explicit Command(CLI::App* app) : app_(app) {}
+    Command(CLI::App* app, CommandTexts* texts);
 
     [[nodiscard]] Command AddSubcommand(const std::string& name, const std::string& help) const;
     void RequireSubcommand() const;
@@ -61,7 +70,15 @@ class Command final {
     void PassOptionsOn() const;
 
     void Description(const std::string& text) const;
-    void Footer(const std::string& text) const;
+    /// For programs alone: help, manual and completion leave it out.
+    void Hide() const;
+    // Below the options of the help, and in the manual: paragraphs, lines to type, and of a program what it
+    // ends with, what it takes from the environment and which files are its own.
+    void Note(const std::string& paragraph) const;
+    void Example(const std::string& line, const std::string& about = {}) const;
+    void ExitCode(int code, const std::string& meaning) const;
+    void Variable(const std::string& name, const std::string& meaning) const;
+    void File(const std::string& path, const std::string& meaning) const;
     void VersionFlag(const std::string& name, const std::string& version) const;
     /// Runs while a line with this command is read, after its values have been taken.
     void OnUse(std::function<void()> act) const;
@@ -77,11 +94,17 @@ class Command final {
     Option AddFlag(const std::string& name, bool& value, const std::string& help) const;
     [[nodiscard]] bool Has(const std::string& option) const;
 
+    /// Everything declared up to now.
+    [[nodiscard]] CommandText Describe() const;
+
   private:
+    Option Declared(CLI::Option* option) const;
+
     CLI::App* app_;
+    CommandTexts* texts_;
 };
 
-/// Adds --help by itself.
+/// Adds --help by itself, answers kDescribeArgument, and names the variables that all programs take.
 class CommandLine final {
   public:
     CommandLine(const std::string& description, const std::string& program);
@@ -89,7 +112,7 @@ class CommandLine final {
     CommandLine& operator=(const CommandLine&) = delete;
     ~CommandLine();
 
-    [[nodiscard]] Command Root() const { return Command(app_.get()); }
+    [[nodiscard]] Command Root() const { return {app_.get(), texts_.get()}; }
 
     enum class Outcome { Read, HelpShown, Wrong };
     /// `arguments`: without the program's name.
@@ -101,6 +124,7 @@ class CommandLine final {
     [[nodiscard]] const std::string& Problem() const { return problem_; }
 
   private:
+    std::unique_ptr<CommandTexts> texts_;
     std::unique_ptr<CLI::App> app_;
     std::string problem_;
 };

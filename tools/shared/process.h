@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "shared/command_text.h"
+
 namespace tools {
 
 /// The arguments after the program's name, as UTF-8.
@@ -27,6 +29,9 @@ class EndRequest final {
 
 /// The process is gone at once: no destructor, no buffer written, nothing released.
 [[noreturn]] void EndAbruptly();
+
+/// What every program takes from the environment, for its help and manual.
+[[nodiscard]] std::vector<Explained> CommonVariables();
 
 /// Whether somebody may be looking at stdout or stderr.
 [[nodiscard]] bool IsTerminal(std::FILE* stream);

@@ -23,6 +23,12 @@ std::vector<std::string> Arguments(int count, const char* const* values) {
     return count > 0 ? std::vector<std::string>(values + 1, values + count) : std::vector<std::string>();
 }
 
+std::vector<Explained> CommonVariables() {
+    return {{"WINPORT_HOME",
+             "folder of printers, registry and what programs share; the same for all that are to meet"},
+            {"WINPORT_ANSI_CODEPAGE", "number of the code page in which printers are spoken to; else 1252"}};
+}
+
 // Blocked here, before there are other threads, the signals reach nobody but the sigwait below. A closed
 // reader of the output ends a write, not the printers.
 EndRequest::EndRequest() {

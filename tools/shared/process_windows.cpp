@@ -35,6 +35,10 @@ BOOL WINAPI OnConsoleEvent(DWORD) {
 
 }  // namespace
 
+std::vector<Explained> CommonVariables() {
+    return {};
+}
+
 // The run-time's own arguments have lost what the ANSI code page cannot hold.
 std::vector<std::string> Arguments(int, const char* const*) {
     struct Frees {

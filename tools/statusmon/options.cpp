@@ -5,6 +5,7 @@
 
 #include <charconv>
 #include <functional>
+#include <iterator>
 #include <string_view>
 
 #include "shared/command_line.h"
@@ -12,21 +13,6 @@
 
 namespace statusmon {
 namespace {
-
-constexpr const char* kFooter = R"(CODE is Ping, UpSt, ShoW, ShoM, ShoA, SOIS or SFWU.
-
-Started without options, as the library does it, the program does what the file of its own name with the
-ending .json says, if there is one beside it:
-  {"refuse": ["ShoW"], "slow": {"UpSt": 500}, "silent": [], "die": [], "dieAfter": [],
-   "exitAfter": 60000, "log": "monitor.log"}
-Options count more than the file.
-
-Exit codes:
-  0   ended as asked
-  2   the command line, the settings file or the log cannot be used
-  3   --stop, and no status monitor runs
-  4   another status monitor of the product runs
-  70  a fault of this program or of the system)";
 
 /// What a text that is no request is answered with.
 std::string Complaint(const std::function<void()>& apply) {
@@ -72,14 +58,39 @@ void Declare(const tools::Command& program, Options& options) {
     program.AddFlag("--stop", options.stop, "end the status monitor that runs");
 }
 
+void Explain(const tools::Command& program) {
+    std::string codes = "CODE is a request of the library:";
+    for (const RequestKind& kind : kRequestKinds)
+        codes += fmt::format(" {} ({}){}", kind.letters, kind.meaning,
+                             &kind == &std::end(kRequestKinds)[-1] ? "." : ",");
+    program.Note(codes);
+    program.Note(
+        "Started without options, as the library does it, the program does what its settings file says. "
+        "Options "
+        "count more than the file.");
+    program.Note("What it is asked for, and what it answers, is in the document statusmon.md.");
+    program.Example(KESTREL_PRODUCT "MUI.exe --refuse ShoW,ShoM --slow UpSt=500",
+                    "open no windows, and take half a second for each update of the status");
+    program.Example(KESTREL_PRODUCT "MUI.exe --stop", "end the one that runs");
+    program.File(
+        KESTREL_PRODUCT "MUI.json",
+        R"(beside the program, its settings: {"refuse": ["ShoW"], "slow": {"UpSt": 500}, "silent": [], "die": [], )"
+        R"("dieAfter": [], "exitAfter": 60000, "log": "monitor.log"})");
+    program.ExitCode(tools::kDone, "ended as asked");
+    program.ExitCode(tools::kWrongUsage, "the command line, the settings file or the log cannot be used");
+    program.ExitCode(tools::kNotRunning, "--stop, and no status monitor runs");
+    program.ExitCode(tools::kRunsAlready, "another status monitor of the product runs");
+    program.ExitCode(tools::kOwnFault, "a fault of this program or of the system");
+}
+
 }  // namespace
 
 std::optional<tools::ExitCode> ReadCommandLine(int argc, const char* const* argv, Options& options) {
     tools::CommandLine line(
         "Status monitor: answers what the library asks of the program that shows the printer's state.",
         KESTREL_PRODUCT "MUI.exe");
-    line.Root().Footer(kFooter);
     Declare(line.Root(), options);
+    Explain(line.Root());
     return line.ReadOrExplain(argc, argv);
 }
 

@@ -134,21 +134,31 @@ void DeclareShow(const tools::Command& book, Chosen& chosen) {
     const tools::Command command = book.AddSubcommand("show", "Print the records in use");
     const auto list = std::make_shared<std::string>();
     AddListOption(command, *list);
-    command.Footer("Without --list both lists.\n\nExample: kestrel addressbook show --list one-touch");
+    command.Note("Without --list both lists.");
+    command.Example("kestrel addressbook show --list one-touch");
     command.OnUse([&chosen, list] {
         chosen = {"addressbook show", [list](Context& context) { return Show(context, *list); }};
     });
+}
+
+std::vector<tools::Explained> AddressTypeWords() {
+    std::vector<tools::Explained> words;
+    for (const std::string_view type : kAddressTypes)
+        words.push_back({std::string(type), {}});
+    return words;
 }
 
 void DeclareSet(const tools::Command& book, Chosen& chosen) {
     const tools::Command command = book.AddSubcommand("set", "Change one record");
     const auto options = std::make_shared<SetOptions>();
     command.AddOption("NUMBER", options->number, "Record, from 0").Required();
-    command.AddOption("TYPE", options->entry.type, "none, fax or email").Required();
+    command.AddOption("TYPE", options->entry.type, "What its address is")
+        .Required()
+        .Explains(AddressTypeWords());
     command.AddOption("NAME", options->entry.name, "Name of the destination");
     command.AddOption("ADDRESS", options->entry.address, "Fax number or e-mail address");
     AddListOption(command, options->list);
-    command.Footer("Example: kestrel addressbook set 3 fax \"Head office\" 0301234567");
+    command.Example("kestrel addressbook set 3 fax \"Head office\" 0301234567");
     command.OnUse([&chosen, options] {
         chosen = {"addressbook set", [options](Context& context) { return Set(context, *options); }};
     });
@@ -159,7 +169,7 @@ void DeclareFiles(const tools::Command& book, Chosen& chosen) {
     const auto out = std::make_shared<FileOptions>();
     exports.AddOption("FILE", out->file, "File to write [standard output]");
     AddListOption(exports, out->list);
-    exports.Footer("Example: kestrel addressbook export book.csv");
+    exports.Example("kestrel addressbook export book.csv");
     exports.OnUse([&chosen, out] {
         chosen = {"addressbook export", [out](Context& context) { return Export(context, *out); }};
     });
@@ -168,9 +178,8 @@ void DeclareFiles(const tools::Command& book, Chosen& chosen) {
     const auto in = std::make_shared<FileOptions>();
     imports.AddOption("FILE", in->file, "File with lines number,type,name,address").Required();
     AddListOption(imports, in->list);
-    imports.Footer(
-        "Nothing is sent when a line is wrong. Records that the file leaves out become empty.\n\n"
-        "Example: kestrel addressbook import book.csv");
+    imports.Note("Nothing is sent when a line is wrong. Records that the file leaves out become empty.");
+    imports.Example("kestrel addressbook import book.csv");
     imports.OnUse([&chosen, in] {
         chosen = {"addressbook import", [in](Context& context) { return Import(context, *in); }};
     });

@@ -96,21 +96,20 @@ void AddClock(const tools::Command& app, Chosen& chosen) {
     command.RequireSubcommand();
 
     const tools::Command show = command.AddSubcommand("show", "Print the time and the clock text");
-    show.Footer("Example: kestrel clock show");
+    show.Example("kestrel clock show");
     show.OnUse([&chosen] { chosen = {"clock show", ShowClock}; });
 
     const tools::Command set = command.AddSubcommand("set", "Set the time");
     const auto written = std::make_shared<std::string>();
     set.AddOption("TIME", *written, "YYYY-MM-DD HH:MM").Required();
-    set.Footer("Example: kestrel clock set '2026-11-24 18:30'");
+    set.Example("kestrel clock set '2026-11-24 18:30'");
     set.OnUse([&chosen, written] {
         chosen = {"clock set", [written](Context& context) { return SetClock(context, *written); }};
     });
 
     const tools::Command sync = command.AddSubcommand("sync", "Set the time to that of this computer");
-    sync.Footer(
-        "The printer also learns the time zone and the identity of this computer.\n\n"
-        "Example: kestrel clock sync");
+    sync.Note("The printer also learns the time zone and the identity of this computer.");
+    sync.Example("kestrel clock sync");
     sync.OnUse([&chosen] { chosen = {"clock sync", SyncClock}; });
 }
 

@@ -31,6 +31,7 @@ void AddSupplies(const tools::Command& app, Chosen& chosen);
 void AddMonitor(const tools::Command& app, Chosen& chosen);
 void AddInstall(const tools::Command& app, Chosen& chosen);
 void AddVersion(const tools::Command& app, Chosen& chosen);
+void AddCompletion(const tools::Command& app, Chosen& chosen);
 void AddComplete(const tools::Command& app, Chosen& chosen);
 
 }  // namespace cli

@@ -63,22 +63,21 @@ void AddFirmware(const tools::Command& app, Chosen& chosen) {
     command.RequireSubcommand();
 
     const tools::Command show = command.AddSubcommand("show", "Print the versions");
-    show.Footer("Example: kestrel firmware show");
+    show.Example("kestrel firmware show");
     show.OnUse([&chosen] { chosen = {"firmware show", ShowFirmware}; });
 
     const tools::Command upgrade = command.AddSubcommand("upgrade", "Hand an upgrade file to the printer");
     const auto path = std::make_shared<std::string>();
     upgrade.AddOption("FILE", *path, "Upgrade file").Required();
-    upgrade.Footer(
-        "Up to 72 s are allowed; --timeout does not count here.\n\n"
-        "Example: kestrel firmware upgrade zr9900.fw");
+    upgrade.Note("Up to 72 s are allowed; --timeout does not count here.");
+    upgrade.Example("kestrel firmware upgrade zr9900.fw");
     upgrade.OnUse([&chosen, path] {
         chosen = {"firmware upgrade", [path](Context& context) { return Upgrade(context, *path); }};
     });
 
     const tools::Command refresh =
         command.AddSubcommand("refresh", "Have the firmware's capabilities asked for anew");
-    refresh.Footer("Example: kestrel firmware refresh");
+    refresh.Example("kestrel firmware refresh");
     refresh.OnUse([&chosen] { chosen = {"firmware refresh", Refresh}; });
 }
 

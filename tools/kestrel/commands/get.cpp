@@ -2,6 +2,7 @@
 #include <fmt/core.h>
 
 #include "kestrel/commands/commands.h"
+#include "kestrel/settings/offers.h"
 #include "kestrel/settings/settings.h"
 #include "kestrel/text/text.h"
 
@@ -37,10 +38,9 @@ Report Get(Context& context, const std::vector<std::string>& names) {
 void AddGet(const tools::Command& app, Chosen& chosen) {
     const tools::Command command = app.AddSubcommand("get", "Print the value of one or more settings");
     const auto names = std::make_shared<std::vector<std::string>>();
-    command.AddOption("KEY", *names, "Setting, such as fax.redials").Required();
-    command.Footer(
-        "One KEY prints the bare value, several print lines of key and value.\n\n"
-        "Example: kestrel get fax.redials fax.mode");
+    command.AddOption("KEY", *names, "Setting, such as fax.redials").Required().Offers(OfferReadable);
+    command.Note("One KEY prints the bare value, several print lines of key and value.");
+    command.Example("kestrel get fax.redials fax.mode");
     command.OnUse([&chosen, names] {
         chosen = {"get", [names](Context& context) { return Get(context, *names); }};
     });

@@ -107,13 +107,13 @@ Report ShowCapabilities(Context& context) {
 void AddIdentity(const tools::Command& app, Chosen& chosen) {
     const tools::Command command =
         app.AddSubcommand("identity", "Print the USB identifiers and the cloud services of the printer");
-    command.Footer("Example: kestrel identity");
+    command.Example("kestrel identity");
     command.OnUse([&chosen] { chosen = {"identity", Identify}; });
 }
 
 void AddCapabilities(const tools::Command& app, Chosen& chosen) {
     const tools::Command command = app.AddSubcommand("capabilities", "Print what the printer can do");
-    command.Footer("Example: kestrel capabilities");
+    command.Example("kestrel capabilities");
     command.OnUse([&chosen] { chosen = {"capabilities", ShowCapabilities}; });
 }
 

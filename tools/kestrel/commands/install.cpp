@@ -97,9 +97,9 @@ void DeclarePort(const tools::Command& install, Chosen& chosen) {
         install.AddSubcommand("port", "Make a network port for a printer's address");
     const auto port = std::make_shared<NetPort>();
     command.AddOption("HOST", port->host, "IPv4 address or host name").Required();
-    command.AddOption("--number", port->number, "TCP port").ShowsDefault();
-    command.AddOption("--name", port->name, "Name of the port [formed from the host]");
-    command.Footer("Example: kestrel install port 192.168.0.20");
+    command.AddOption("--number", port->number, "TCP port").ShowsDefault().TypeName("N");
+    command.AddOption("--name", port->name, "Name of the port [formed from the host]").TypeName("NAME");
+    command.Example("kestrel install port 192.168.0.20");
     command.OnUse([&chosen, port] {
         chosen = {"install port", [port](Context& context) { return InstallPort(context, *port); }};
     });
@@ -114,7 +114,7 @@ void DeclareDriver(const tools::Command& install, Chosen& chosen) {
     const tools::Command command = install.AddSubcommand("driver", "Install a printer driver");
     const auto driver = std::make_shared<NewPrinter>();
     AddModelOptions(command, *driver);
-    command.Footer("Example: kestrel install driver zr.inf \"ZR 9900\"");
+    command.Example("kestrel install driver zr.inf \"ZR 9900\"");
     command.OnUse([&chosen, driver] {
         chosen = {"install driver", [driver](Context& context) { return InstallDriver(context, *driver); }};
     });
@@ -127,7 +127,7 @@ void DeclareQueue(const tools::Command& install, Chosen& chosen) {
     AddModelOptions(command, *printer);
     command.AddOption("PORT", printer->port, "Port that the printer is attached to").Required();
     command.AddFlag("--default", printer->makeDefault, "Make it the default printer");
-    command.Footer("Example: kestrel install printer Office zr.inf \"ZR 9900\" USB001");
+    command.Example("kestrel install printer Office zr.inf \"ZR 9900\" USB001");
     command.OnUse([&chosen, printer] {
         chosen = {"install printer", [printer](Context& context) { return InstallQueue(context, *printer); }};
     });

@@ -3,6 +3,7 @@
 
 #include "kestrel/commands/commands.h"
 #include "kestrel/output/progress.h"
+#include "kestrel/settings/offers.h"
 #include "kestrel/settings/settings.h"
 #include "kestrel/text/text.h"
 
@@ -103,11 +104,11 @@ void AddList(const tools::Command& app, Chosen& chosen) {
     const tools::Command command =
         app.AddSubcommand("list", "Print settings with type, value and allowed values");
     const auto options = std::make_shared<ListOptions>();
-    command.AddOption("PATTERN", options->pattern, "Part of a key, or a pattern with * and ? [all settings]");
+    command.AddOption("PATTERN", options->pattern, "Part of a key, or a pattern with * and ? [all settings]")
+        .Offers(OfferSettings);
     command.AddFlag("--show-secrets", options->showSecrets, "Print keys and pass phrases instead of a mask");
-    command.Footer(
-        "A value of - cannot be read, one of ? could not be read this time.\n\n"
-        "Example: kestrel list 'fax.*'");
+    command.Note("A value of - cannot be read, one of ? could not be read this time.");
+    command.Example("kestrel list 'fax.*'");
     command.OnUse([&chosen, options] {
         chosen = {"list", [options](Context& context) { return List(context, *options); }};
     });

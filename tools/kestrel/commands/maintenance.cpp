@@ -27,11 +27,11 @@ constexpr std::array<Action, 7> kActions = {{
     {"vtoe", "VTOE", Argument::None, "run the VTOE procedure"},
 }};
 
-std::string ActionList() {
-    std::string list = "Actions:\n";
+std::vector<tools::Explained> ActionWords() {
+    std::vector<tools::Explained> words;
     for (const Action& action : kActions)
-        list += fmt::format("  {:<15} {}\n", action.name, action.meaning);
-    return list;
+        words.push_back({std::string(action.name), std::string(action.meaning)});
+    return words;
 }
 
 const Action& FindAction(std::string_view name) {
@@ -64,10 +64,9 @@ Report Maintain(Context& context, const std::string& name) {
 void AddMaintenance(const tools::Command& app, Chosen& chosen) {
     const tools::Command command = app.AddSubcommand("maintenance", "Run a maintenance action");
     const auto name = std::make_shared<std::string>();
-    command.AddOption("ACTION", *name, "What to do").Required();
-    command.Footer(ActionList() +
-                   "The library allows five seconds for an action; --timeout does not count here.\n\n"
-                   "Example: kestrel maintenance check-nozzles");
+    command.AddOption("ACTION", *name, "What to do").Required().Explains(ActionWords());
+    command.Note("The library allows five seconds for an action; --timeout does not count here.");
+    command.Example("kestrel maintenance check-nozzles");
     command.OnUse([&chosen, name] {
         chosen = {"maintenance", [name](Context& context) { return Maintain(context, *name); }};
     });

@@ -51,7 +51,7 @@ void DeclareMode(const tools::Command& monitor, Chosen& chosen) {
         monitor.AddSubcommand("mode", "Print or set whether the status window is always shown");
     const auto wanted = std::make_shared<std::string>();
     command.AddOption("MODE", *wanted, "always or off [print it]").OneOf({"always", "off"});
-    command.Footer("Example: kestrel monitor mode off");
+    command.Example("kestrel monitor mode off");
     command.OnUse([&chosen, wanted] {
         chosen = {"monitor mode", [wanted](Context& context) { return Mode(context, *wanted); }};
     });
@@ -64,10 +64,8 @@ void AddMonitor(const tools::Command& app, Chosen& chosen) {
     command.RequireSubcommand();
     for (const Window& window : kWindows) {
         const tools::Command open = command.AddSubcommand(window.name, window.help);
-        open.Footer(
-            fmt::format("Six seconds are allowed, and the start takes one more; --timeout does not "
-                        "count here.\n\nExample: kestrel monitor {}",
-                        window.name));
+        open.Note("Six seconds are allowed, and the start takes one more; --timeout does not count here.");
+        open.Example(fmt::format("kestrel monitor {}", window.name));
         open.OnUse([&chosen, &window] {
             chosen = {fmt::format("monitor {}", window.name),
                       [&window](Context& context) { return Show(context, window); }};

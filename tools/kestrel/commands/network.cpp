@@ -6,6 +6,7 @@
 
 #include "kestrel/commands/commands.h"
 #include "kestrel/output/progress.h"
+#include "kestrel/settings/offers.h"
 #include "kestrel/settings/settings.h"
 #include "kestrel/settings/values.h"
 #include "kestrel/text/text.h"
@@ -214,16 +215,17 @@ void AddWifi(const tools::Command& app, Chosen& chosen) {
     command.RequireSubcommand();
 
     const tools::Command show = command.AddSubcommand("show", "Print the wireless settings and state");
-    show.Footer("Example: kestrel wifi show");
+    show.Example("kestrel wifi show");
     show.OnUse([&chosen] { chosen = {"wifi show", ShowWifi}; });
 
     const tools::Command scan = command.AddSubcommand("scan", "Let the printer search access points");
     const auto limit = std::make_shared<milliseconds>(15000);
     AddTimeOption(
         scan, "--wait", [limit](milliseconds time) { *limit = time; }, "Longest search [15s]");
-    scan.Footer(
-        "The search ends earlier when nothing new has been found for 3 seconds. The encryption is the\n"
-        "printer's own number.\n\nExample: kestrel wifi scan");
+    scan.Note(
+        "The search ends earlier when nothing new has been found for 3 seconds. The encryption is the "
+        "printer's own number.");
+    scan.Example("kestrel wifi scan");
     scan.OnUse([&chosen, limit] {
         chosen = {"wifi scan", [limit](Context& context) { return Scan(context, *limit); }};
     });
@@ -231,10 +233,13 @@ void AddWifi(const tools::Command& app, Chosen& chosen) {
     const tools::Command set = command.AddSubcommand("set", "Change several wireless settings");
     const auto values = std::make_shared<WifiValues>();
     for (size_t i = 0; i < kWifiOptions.size(); ++i)
-        set.AddOption(kWifiOptions[i].option, (*values)[i], kWifiOptions[i].help).TypeName("VALUE");
-    set.Footer(
-        "`kestrel list wireless` shows the allowed words.\n\n"
-        "Example: kestrel wifi set --ssid Office --security WPA2PSK_AES --pass-phrase \"open sesame\"");
+        set.AddOption(kWifiOptions[i].option, (*values)[i], kWifiOptions[i].help)
+            .TypeName("VALUE")
+            .Offers([setting = kWifiOptions[i].setting](const auto&) {
+                return OfferValues(FindSetting(setting));
+            });
+    set.Note("`kestrel list wireless` shows the allowed words.");
+    set.Example("kestrel wifi set --ssid Office --security WPA2PSK_AES --pass-phrase \"open sesame\"");
     set.OnUse([&chosen, values] {
         chosen = {"wifi set", [values](Context& context) { return SetWifi(context, *values); }};
     });
@@ -244,11 +249,16 @@ void AddPing(const tools::Command& app, Chosen& chosen) {
     const tools::Command command = app.AddSubcommand("ping", "Let the printer ping an address");
     const auto options = std::make_shared<PingOptions>();
     command.AddOption("ADDRESS", options->address, "Dotted address").Required();
-    command.AddOption("--count", options->count, "How many pings").ShowsDefault().Between(1, 255);
+    command.AddOption("--count", options->count, "How many pings")
+        .ShowsDefault()
+        .TypeName("N")
+        .Between(1, 255);
     command.AddOption("--wait", options->wait, "Time that the printer waits for each answer, in its own unit")
         .ShowsDefault()
+        .TypeName("N")
         .Between(1, 255);
-    command.Footer("Without any answer the exit code is 1.\n\nExample: kestrel ping 192.168.0.1");
+    command.Note("Without any answer the exit code is 1.");
+    command.Example("kestrel ping 192.168.0.1");
     command.OnUse([&chosen, options] {
         chosen = {"ping", [options](Context& context) { return Ping(context, *options); }};
     });
@@ -257,7 +267,7 @@ void AddPing(const tools::Command& app, Chosen& chosen) {
 void AddHosts(const tools::Command& app, Chosen& chosen) {
     const tools::Command command =
         app.AddSubcommand("hosts", "Print the hosts that the printer found by multicast DNS");
-    command.Footer("Example: kestrel hosts");
+    command.Example("kestrel hosts");
     command.OnUse([&chosen] { chosen = {"hosts", Hosts}; });
 }
 

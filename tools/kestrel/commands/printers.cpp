@@ -58,6 +58,13 @@ Report Remove(const std::string& name) {
     return {fmt::format("removed the printer \"{}\"\n", name), {{"name", name}}, {}};
 }
 
+tools::Offer OfferDrivers(const std::vector<std::string>&) {
+    tools::Offer offer;
+    for (const std::string& driver : ConfiguredDrivers(KESTREL_PRODUCT))
+        offer.words.push_back({driver, {}});
+    return offer;
+}
+
 void DeclareAdd(const tools::Command& printers, Chosen& chosen) {
     const tools::Command command = printers.AddSubcommand("add", "Install a printer");
     const auto printer = std::make_shared<InstalledPrinter>();
@@ -67,10 +74,11 @@ void DeclareAdd(const tools::Command& printers, Chosen& chosen) {
         .Required()
         .TypeName("PORT");
     command.AddOption("--driver", printer->driver, "Installed driver [the first one of the product]")
-        .TypeName("NAME");
+        .TypeName("NAME")
+        .Offers(OfferDrivers);
     command.AddFlag("--no-bidi", *noBidi,
                     "Without bidirectional communication (the library then refuses it)");
-    command.Footer("Example: kestrel printers add \"Office\" --port USB001");
+    command.Example("kestrel printers add \"Office\" --port USB001");
     command.OnUse([&chosen, printer, noBidi] {
         printer->bidirectional = !*noBidi;
         chosen = {"printers add", [printer](Context& context) { return Add(context, *printer); }};
@@ -80,8 +88,8 @@ void DeclareAdd(const tools::Command& printers, Chosen& chosen) {
 void DeclareRemove(const tools::Command& printers, Chosen& chosen) {
     const tools::Command command = printers.AddSubcommand("remove", "Remove an installed printer");
     const auto name = std::make_shared<std::string>();
-    command.AddOption("NAME", *name, "Name of the printer").Required();
-    command.Footer("Example: kestrel printers remove \"Office\"");
+    command.AddOption("NAME", *name, "Name of the printer").Required().Offers(OfferPrinters);
+    command.Example("kestrel printers remove \"Office\"");
     command.OnUse([&chosen, name] {
         chosen = {"printers remove", [name](Context&) { return Remove(*name); }};
     });
@@ -92,7 +100,8 @@ void DeclareRemove(const tools::Command& printers, Chosen& chosen) {
 void AddPrinters(const tools::Command& app, Chosen& chosen) {
     const tools::Command command = app.AddSubcommand("printers", "List, add and remove installed printers");
     command.AllowOneSubcommand();
-    command.Footer("Without a subcommand the installed printers are listed.\n\nExample: kestrel printers");
+    command.Note("Without a subcommand the installed printers are listed.");
+    command.Example("kestrel printers");
     DeclareAdd(command, chosen);
     DeclareRemove(command, chosen);
     command.OnUse([&chosen, command] {

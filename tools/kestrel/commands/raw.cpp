@@ -38,9 +38,8 @@ void AddRaw(const tools::Command& app, Chosen& chosen) {
     command.AddOption("TEXT", options->text, "Request with its terminator; \\xNN is a byte, \\\\ a backslash")
         .Required();
     command.AddFlag("--hex", options->hex, "Print the reply as a table of hexadecimal bytes");
-    command.Footer(
-        "The reply is printed in the same notation.\n\n"
-        "Example: kestrel raw 'DeviceSettings.Fax.Redials?'");
+    command.Note("The reply is printed in the same notation.");
+    command.Example("kestrel raw 'DeviceSettings.Fax.Redials?'");
     command.OnUse([&chosen, options] {
         chosen = {"raw", [options](Context& context) { return Raw(context, *options); }};
     });

@@ -74,9 +74,8 @@ void AddLock(const tools::Command& app, Chosen& chosen) {
     AddTimeOption(
         command, "--hold", [time](std::chrono::milliseconds written) { *time = written; },
         "How long: 30s, 2m [until Enter or Ctrl-C]");
-    command.Footer(
-        "The lock belongs to this process and ends with it.\n\n"
-        "Example: kestrel lock --hold 30s");
+    command.Note("The lock belongs to this process and ends with it.");
+    command.Example("kestrel lock --hold 30s");
     command.OnUse([&chosen, time] {
         chosen = {"lock", [time](Context& context) { return HoldLock(context, *time); }};
     });
@@ -84,16 +83,16 @@ void AddLock(const tools::Command& app, Chosen& chosen) {
 
 void AddUnlock(const tools::Command& app, Chosen& chosen) {
     const tools::Command command = app.AddSubcommand("unlock", "Give the printer back");
-    command.Footer(
-        "Asks once a second until the printer confirms it or the time is over.\n\n"
-        "Example: kestrel --timeout 10s unlock");
+    command.Note("Asks once a second until the printer confirms it or the time is over.");
+    command.Example("kestrel --timeout 10s unlock");
     command.OnUse([&chosen] { chosen = {"unlock", UnlockPrinter}; });
 }
 
 void AddCancel(const tools::Command& app, Chosen& chosen) {
     const tools::Command command =
         app.AddSubcommand("cancel", "Cancel what the language monitor is doing for the printer");
-    command.Footer("Five seconds are allowed.\n\nExample: kestrel cancel");
+    command.Note("Five seconds are allowed.");
+    command.Example("kestrel cancel");
     command.OnUse([&chosen] { chosen = {"cancel", CancelWork}; });
 }
 
@@ -102,7 +101,8 @@ void AddCache(const tools::Command& app, Chosen& chosen) {
         app.AddSubcommand("cache", "Allow the language monitor to answer from what it knows, or not");
     const auto word = std::make_shared<std::string>();
     command.AddOption("STATE", *word, "on or off").Required().OneOf({"on", "off"});
-    command.Footer("Five seconds are allowed.\n\nExample: kestrel cache off");
+    command.Note("Five seconds are allowed.");
+    command.Example("kestrel cache off");
     command.OnUse([&chosen, word] {
         chosen = {"cache", [word](Context& context) { return SwitchCache(context, *word == "on"); }};
     });

@@ -2,6 +2,7 @@
 #include <fmt/core.h>
 
 #include "kestrel/commands/commands.h"
+#include "kestrel/settings/offers.h"
 #include "kestrel/settings/settings.h"
 #include "kestrel/text/text.h"
 
@@ -45,13 +46,14 @@ Report Set(Context& context, const SetOptions& options) {
 void AddSet(const tools::Command& app, Chosen& chosen) {
     const tools::Command command = app.AddSubcommand("set", "Change a setting");
     const auto options = std::make_shared<SetOptions>();
-    command.AddOption("KEY", options->name, "Setting, such as fax.redials").Required();
+    command.AddOption("KEY", options->name, "Setting, such as fax.redials").Required().Offers(OfferWritable);
     command.AddOption("VALUE", options->written, "yes/no, a number, a word, a dotted address or a text")
-        .Required();
+        .Required()
+        .Offers(OfferValuesOfKey);
     command.AddFlag("--verify", options->verify, "Read the setting back and compare");
-    command.Footer(
-        "`kestrel list KEY` shows the allowed words. A text that begins with a dash follows after --.\n\n"
-        "Example: kestrel set fax.redials 3 --verify");
+    command.Note(
+        "`kestrel list KEY` shows the allowed words. A text that begins with a dash follows after --.");
+    command.Example("kestrel set fax.redials 3 --verify");
     command.OnUse([&chosen, options] {
         chosen = {"set", [options](Context& context) { return Set(context, *options); }};
     });

@@ -119,7 +119,8 @@ void AddSetup(const tools::Command& app, Chosen& chosen) {
     command.AddOption("--driver", *drivers, "Driver of the product; repeatable [PREFIX Series]")
         .TypeName("NAME")
         .OneEachTime();
-    command.Footer("Can be run again at any time.\n\nExample: kestrel setup --driver \"Workgroup Series\"");
+    command.Note("Can be run again at any time.");
+    command.Example("kestrel setup --driver \"Workgroup Series\"");
     command.OnUse([&chosen, drivers] {
         chosen = {"setup", [drivers](Context& context) { return Setup(context, *drivers); }};
     });

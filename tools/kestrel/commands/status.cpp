@@ -78,9 +78,10 @@ void AddStatus(const tools::Command& app, Chosen& chosen) {
         command, "--for", [options](milliseconds time) { options->end = time; },
         "With --watch: how long [until Ctrl-C]")
         .Needs(watch);
-    command.Footer(
-        "The status monitor is started if it does not run. A status that is not known yet is waited for, up\n"
-        "to 14 seconds.\n\nExample: kestrel status --watch --interval 1s");
+    command.Note(
+        "The status monitor is started if it does not run. A status that is not known yet is waited for, up "
+        "to 14 seconds.");
+    command.Example("kestrel status --watch --interval 1s");
     command.OnUse([&chosen, options] {
         chosen = {"status", [options](Context& context) {
                       return options->watch ? Watch(context, *options) : Once(context);

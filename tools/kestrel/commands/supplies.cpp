@@ -20,9 +20,10 @@ void AddSupplies(const tools::Command& app, Chosen& chosen) {
     const tools::Command command = app.AddSubcommand("supplies", "Order ink and other supplies");
     command.RequireSubcommand();
     const tools::Command order = command.AddSubcommand("order", "Start an order");
-    order.Footer(
+    order.Note(
         "The printer is asked for 4 s, and after it the status monitor for 8 s; --timeout does not count "
-        "here.\n\nExample: kestrel supplies order");
+        "here.");
+    order.Example("kestrel supplies order");
     order.OnUse([&chosen] { chosen = {"supplies order", Order}; });
 }
 

@@ -19,7 +19,7 @@ Report Version(Context& context) {
 void AddVersion(const tools::Command& app, Chosen& chosen) {
     const tools::Command command =
         app.AddSubcommand("version", "Print the versions of this program and the library");
-    command.Footer("Example: kestrel version");
+    command.Example("kestrel version");
     command.OnUse([&chosen] { chosen = {"version", Version}; });
 }
 

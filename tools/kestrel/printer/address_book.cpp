@@ -14,7 +14,6 @@
 namespace cli {
 namespace {
 
-constexpr std::array<std::string_view, 3> kTypes = {"none", "fax", "email"};
 constexpr std::string_view kNoText = "(null)";
 CsvRow Heading() {
     return {"number", "type", "name", "address"};
@@ -64,8 +63,9 @@ const AddressList& FindAddressList(std::string_view name) {
 }
 
 AddressEntry EntryFrom(const KestrelQuickDial& record) {
-    const std::string type = record.addressType < kTypes.size() ? std::string(kTypes[record.addressType])
-                                                                : std::to_string(record.addressType);
+    const std::string type = record.addressType < kAddressTypes.size()
+                                 ? std::string(kAddressTypes[record.addressType])
+                                 : std::to_string(record.addressType);
     return {type, Field(record.name), Field(record.address)};
 }
 
@@ -75,13 +75,13 @@ bool IsEmpty(const KestrelQuickDial& record) {
 }
 
 KestrelQuickDial RecordFrom(const AddressEntry& entry) {
-    const auto type = std::find(kTypes.begin(), kTypes.end(), LowerAscii(entry.type));
-    if (type == kTypes.end()) {
+    const auto type = std::find(kAddressTypes.begin(), kAddressTypes.end(), LowerAscii(entry.type));
+    if (type == kAddressTypes.end()) {
         throw ValueFailure(fmt::format("\"{}\" is no type of address", entry.type),
                            "choose none, fax or email");
     }
     KestrelQuickDial record{};
-    record.addressType = static_cast<uint32_t>(type - kTypes.begin());
+    record.addressType = static_cast<uint32_t>(type - kAddressTypes.begin());
     SetField(record.name, entry.name, "name");
     SetField(record.address, entry.address, "address");
     return record;

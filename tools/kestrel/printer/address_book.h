@@ -24,9 +24,12 @@ inline constexpr std::array<AddressList, 2> kAddressLists = {{
 }};
 [[nodiscard]] const AddressList& FindAddressList(std::string_view name);
 
+// By the numbers of KestrelAddressType.
+inline constexpr std::array<std::string_view, 3> kAddressTypes = {"none", "fax", "email"};
+
 // A record as people write it.
 struct AddressEntry final {
-    std::string type;  // none, fax, email
+    std::string type;  // one of kAddressTypes
     std::string name;
     std::string address;
 };

@@ -9,25 +9,6 @@
 namespace vprinter {
 namespace {
 
-constexpr const char* kExamples = R"(Examples:
-  kestrel-vprinter --port USB001
-      one printer on port USB001; each exchange is shown while you look at it
-  kestrel-vprinter --port USB001 --port USB002 --state printers.json
-      two printers whose settings outlive the program
-  kestrel-vprinter --port USB001 --control now.json
-      write {"USB001": {"ink.black": 5, "status.error": "Paper_Jam"}} to now.json while it runs
-  kestrel-vprinter --port USB001 --faults slow.json --trace json --trace-file trace.jsonl
-      a printer that misbehaves as slow.json says; every exchange becomes a line of trace.jsonl
-
-The line "ready: USB001" on the output says that all printers answer. SIGTERM and the interrupt key end
-the program.
-
-Exit codes:
-  0   ended as asked
-  2   the command line, a fault script, a state or a control file cannot be used
-  4   another virtual printer serves the port already
-  70  a fault of this program or of the system)";
-
 struct FormatName {
     const char* name;
     TraceFormat format;
@@ -85,6 +66,29 @@ void Declare(const tools::Command& program, Options& options) {
     program.AddFlag("--quiet", options.quiet, "print the ready line and errors only");
 }
 
+void Explain(const tools::Command& program) {
+    program.Example("kestrel-vprinter --port USB001",
+                    "one printer on port USB001; each exchange is shown while you look at it");
+    program.Example("kestrel-vprinter --port USB001 --port USB002 --state printers.json",
+                    "two printers whose settings outlive the program");
+    program.Example(
+        "kestrel-vprinter --port USB001 --control now.json",
+        R"(write {"USB001": {"ink.black": 5, "status.error": "Paper_Jam"}} to now.json while it runs)");
+    program.Example(
+        "kestrel-vprinter --port USB001 --faults slow.json --trace json --trace-file trace.jsonl",
+        "a printer that misbehaves as slow.json says; every exchange becomes a line of trace.jsonl");
+    program.Note(
+        "The line \"ready: USB001\" on the output says that all printers answer. SIGTERM and the interrupt "
+        "key "
+        "end the program.");
+    program.Note("The forms of its files, and all that it answers, are in the document vprinter.md.");
+    program.ExitCode(tools::kDone, "ended as asked");
+    program.ExitCode(tools::kWrongUsage,
+                     "the command line, a fault script, a state or a control file cannot be used");
+    program.ExitCode(tools::kRunsAlready, "another virtual printer serves the port already");
+    program.ExitCode(tools::kOwnFault, "a fault of this program or of the system");
+}
+
 void ChooseTraceFormat(const tools::Command& program, Options& options) {
     if (program.Has("--trace")) return;
     if (!options.traceFile.empty()) {
@@ -107,8 +111,8 @@ std::optional<tools::ExitCode> ReadCommandLine(int argc, const char* const* argv
     tools::CommandLine line(
         "Virtual printer: answers what the library asks of a language monitor and its device.",
         "kestrel-vprinter");
-    line.Root().Footer(kExamples);
     Declare(line.Root(), options);
+    Explain(line.Root());
     if (const auto end = line.ReadOrExplain(argc, argv)) return end;
     DropRepeatedPorts(options.ports);
     ChooseTraceFormat(line.Root(), options);
