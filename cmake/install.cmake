@@ -6,7 +6,7 @@ install(TARGETS kestrel_sdk kestrel kestrel-vprinter kestrel_statusmon
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/kestrel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES README.md DESTINATION .)
-install(DIRECTORY docs DESTINATION .)
+install(DIRECTORY docs DESTINATION . FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN manual EXCLUDE PATTERN reference EXCLUDE)
 if(WIN32)
   install(FILES $<TARGET_FILE:kestrel_sdk>.debug DESTINATION ${CMAKE_INSTALL_BINDIR})
   # Other linkers make an import library of their own from it.

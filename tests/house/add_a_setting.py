@@ -45,7 +45,8 @@ PLACES = {
     "include/kestrel/sdk_types.h": after(
         "} KestrelScanTo;",
         "\n/// Colours of a scan.\n"
-        "typedef enum KestrelScanColour {\n    KESTREL_SCAN_COLOUR_GREY = 0,\n    KESTREL_SCAN_COLOUR_FULL = 1\n"
+        "typedef enum KestrelScanColour {\n    KESTREL_SCAN_COLOUR_GREY = 0,  ///< shades of grey\n"
+        "    KESTREL_SCAN_COLOUR_FULL = 1   ///< all colours\n"
         "} KestrelScanColour;\n"),
     "src/catalogue/value_tables.h": after(
         "inline constexpr EnumEntry kNoWords[]",
