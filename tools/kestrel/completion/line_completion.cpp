@@ -114,7 +114,9 @@ class Place final {
             if (place == arguments_.size() || option.isRepeatable) return OfferValue(option, "", current);
             ++place;
         }
-        if (offer.words.empty() && !onlyArguments_ && current.empty()) AddOptions(Command(), current, offer);
+        const bool isUnderstood = arguments_.size() <= place;
+        if (isUnderstood && offer.words.empty() && !onlyArguments_ && current.empty())
+            AddOptions(Command(), current, offer);
         return offer;
     }
 
