@@ -13,7 +13,8 @@ WINDOWS = COMMON | {"bin/ZRIJ9900SDK.dll", "bin/ZRIJ9900SDK.dll.debug", "lib/lib
                     "lib/ZRIJ9900SDK.def", "bin/kestrel.exe", "bin/kestrel-vprinter.exe"}
 LINUX = COMMON | {"lib/libZRIJ9900SDK.so", "lib/libwinport.so", "bin/kestrel", "bin/kestrel-vprinter", "bin/rundll32"}
 # Folders with whatever belongs there.
-OPEN = ("include/kestrel/", "docs/", "share/kestrel-sdk/csharp/")
+OPEN = ("include/kestrel/", "docs/", "share/kestrel-sdk/csharp/", "share/man/", "share/bash-completion/", "share/zsh/",
+        "share/fish/", "share/doc/")
 
 
 def main():

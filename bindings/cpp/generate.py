@@ -32,7 +32,8 @@ def enumeration(found):
     if found.about:
         yield f"/// {found.about}"
     yield f"enum class {name} : std::uint32_t {{"
-    yield from (f"    {member} = {number}," for member, number, _ in members)
+    meanings = {number: found.meanings[constant] for constant, number in found.values.items()}
+    yield from (f"    {member} = {number},  ///< {meanings[number]}" for member, number, _ in members)
     yield "};"
     yield "template <>"
     yield f"struct detail::Words<{name}> {{"
@@ -100,6 +101,8 @@ def header():
     yield HEAD
     for found in interface.enumerations().values():
         yield from enumeration(found)
+    yield "/// The settings. Each has its `name`, what it is `about`, its `access`, whether it `is_secret`, of a number"
+    yield "/// the `lowest` and `highest` that the printer takes, and the C functions `getter` and `setter`."
     yield "namespace setting {"
     yield ""
     for row in rows:

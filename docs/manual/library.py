@@ -132,8 +132,12 @@ def errors_page(version):
         ("SYNOPSIS", literal(["#include <kestrel/sdk_errors.h>"])),
         ("DESCRIPTION", "After a call that failed, the calling thread's last-error value holds one of these codes, or "
                         "another one of the system with its usual meaning. "
-                        "*KESTREL\\_SDK\\_ERRORS* makes a table of them."),
+                        "*KESTREL\\_SDK\\_ERRORS* makes a table of them. Of *<kestrel/sdk\\_text.h>*, "
+                        "*KestrelFindError* and *KestrelFindResponse* find the words of a code and of a response number; "
+                        "of *<kestrel/sdk\\_last\\_error.h>*, *KestrelLastError* has the value."),
         ("CODES", rows),
+        ("RESPONSE NUMBERS", table_of((f"{row.first} to {row.last}" if row.last > row.first else str(row.first),
+                                       f"{row.text}: {row.advice}.") for row in interface.responses())),
         ("GROUPS", "By these names the functions tell what they can fail with:\n\n" + groups),
         ("SEE ALSO", f"{bold(OVERVIEW)}(3)"),
     ])

@@ -97,8 +97,36 @@ def declarations(lines):
         yield "\n".join(text)
 
 
+def without_what_explains_itself(lines):
+    """Neither macros that are gone at the end of their own file, nor what C++ makes by itself, nor what all settings have:
+    of that the comment of their namespace tells."""
+    undefined = {line.split()[1] for line in lines if line.startswith("#undef ")}
+    in_settings = False
+    for line in lines:
+        is_gone = line.startswith("#define ") and re.split(r"\W", line[8:])[0] in undefined
+        in_settings = line == "namespace setting {" or in_settings and not line.startswith("}  //")
+        if not is_gone and not line.endswith("= default;") and not (in_settings and line.startswith("    ")):
+            yield line
+
+
+def with_overloads(lines):
+    """An overload without a comment has that of the one above it."""
+    text, name, above = [], "", False
+    for line in lines:
+        declared = re.match(r" +(?:\[\[nodiscard\]\] )?[\w:<>&* ]+[ &*](operator\S+|\w+)\([^;]*\{", line)
+        if line.strip().startswith("///"):
+            text = [*text, line] if above else [line]
+        elif declared and declared[1] == name and not above:
+            yield from text
+        if declared:
+            name = declared[1]
+        above = line.strip().startswith("///")
+        yield line
+
+
 def filtered(lines):
     own, in_section, is_first = [], False, True
+    lines = list(with_overloads(without_what_explains_itself(lines)))
     for kind, block in blocks(lines):
         if kind == "plain" and is_first:
             yield comment(["@file", *(line[3:] for line in block)])

@@ -100,6 +100,7 @@ class [[nodiscard]] Printer {
     /// The time allowed for each exchange of the calls that have a time-out in C. Below 0 counts as 0, and
     /// no_limit and above waits without limit.
     [[nodiscard]] std::chrono::milliseconds timeout() const { return std::chrono::milliseconds(timeout_); }
+    /// From the next call on.
     void set_timeout(std::chrono::milliseconds timeout) { timeout_ = detail::to_ms(timeout); }
 
     // --- Settings ---
@@ -132,9 +133,12 @@ class [[nodiscard]] Printer {
         if (auto done = call(::Lock, timeout_); !done) return done.error();
         return PrinterLock(timeout_);
     }
+    /// As Cancel.
     Result<void> cancel() { return call(::Cancel); }
+    /// As EnableCache.
     Result<void> enable_cache(bool enable) { return call(::EnableCache, as_bool(enable)); }
 
+    /// As GetStatus.
     [[nodiscard]] Result<Status> status() const {
         DeviceStatusRecord record{};
         if (auto done = call(::GetStatus, &record, std::uint32_t{sizeof record}); !done) return done.error();
@@ -164,34 +168,44 @@ class [[nodiscard]] Printer {
 
     // --- Maintenance: each starts an action of the printer ---
 
+    /// As CalibrateHead.
     Result<void> calibrate_head() { return call(::CalibrateHead); }
+    /// As PrintTestPage.
     Result<void> print_test_page() { return call(::PrintTestPage); }
     /// `deep`: thoroughly, which takes more ink.
     Result<void> clean_head(bool deep = false) { return call(::CleanHead, as_bool(deep)); }
+    /// As CheckNozzle.
     Result<void> check_nozzle() { return call(::CheckNozzle); }
+    /// As AlignHead.
     Result<void> align_head() { return call(::AlignHead); }
+    /// As VTOE.
     Result<void> vtoe() { return call(::VTOE); }
 
     // --- Address book ---
 
+    /// As GetQuickDialNumbers.
     [[nodiscard]] Result<SpeedDialList> speed_dial_list() const {
         return read_list<SpeedDialList>(::GetQuickDialNumbers);
     }
+    /// As SetQuickDialNumbers.
     Result<void> set_speed_dial_list(std::span<const QuickDial, KESTREL_SPEED_DIAL_RECORDS> list) {
         return write_list(::SetQuickDialNumbers, list);
     }
+    /// As GetQuickDialButtons.
     [[nodiscard]] Result<OneTouchList> one_touch_list() const {
         return read_list<OneTouchList>(::GetQuickDialButtons);
     }
+    /// As SetQuickDialButtons.
     Result<void> set_one_touch_list(std::span<const QuickDial, KESTREL_ONE_TOUCH_RECORDS> list) {
         return write_list(::SetQuickDialButtons, list);
     }
-    /// `index`: from 0.
+    /// As GetQuickDialButton. `index`: from 0.
     [[nodiscard]] Result<QuickDial> one_touch(std::uint32_t index) const {
         KestrelQuickDial record{};
         if (auto done = call(::GetQuickDialButton, index, &record, timeout_); !done) return done.error();
         return detail::from_c(record);
     }
+    /// As SetQuickDialButton. `index`: from 0.
     Result<void> set_one_touch(std::uint32_t index, const QuickDial& entry) {
         KestrelQuickDial record{};
         if (!detail::to_c(entry, record)) return Error::of(SDK_ERROR_BAD_TEXT);
@@ -202,9 +216,11 @@ class [[nodiscard]] Printer {
 
     /// Starts a search and does not wait for its end.
     Result<void> start_search_for_access_points() { return call(::StartSearchForAccessPoints, timeout_); }
+    /// Those found so far. As GetNumAccessPoints.
     [[nodiscard]] Result<std::uint32_t> access_point_count() const {
         return read_one<std::uint32_t>(::GetNumAccessPoints);
     }
+    /// Those found. As GetAccessPoints.
     [[nodiscard]] Result<std::vector<AccessPoint>> access_points() const {
         std::array<KestrelAccessPoint, KESTREL_MAX_ACCESS_POINTS> records{};
         if (auto done = call(::GetAccessPoints, records.data(), timeout_); !done) return done.error();
@@ -214,9 +230,11 @@ class [[nodiscard]] Printer {
     Result<void> ping(Ipv4 address, std::uint8_t count, std::uint8_t wait) {
         return call(::SetPing, address.to_number(), count, wait, timeout_);
     }
+    /// Since the last ping(). As GetNumOfPingExecuted.
     [[nodiscard]] Result<std::uint32_t> pings_sent() const {
         return read_one<std::uint32_t>(::GetNumOfPingExecuted);
     }
+    /// Since the last ping(). As GetNumOfPingSuccess.
     [[nodiscard]] Result<std::uint32_t> pings_answered() const {
         return read_one<std::uint32_t>(::GetNumOfPingSuccess);
     }
@@ -239,6 +257,7 @@ class [[nodiscard]] Printer {
         if (!shown) return Error::of(SDK_ERROR_BAD_REPLY);
         return *shown;
     }
+    /// As SetDeviceTime; SDK_ERROR_BAD_NUMBER for a year before 0.
     Result<void> set_clock(ClockTime time) {
         using namespace std::chrono;
         const auto midnight = floor<days>(time);
@@ -259,6 +278,7 @@ class [[nodiscard]] Printer {
 
     // --- Firmware, capabilities, identity ---
 
+    /// As GetFWVersion.
     [[nodiscard]] Result<FirmwareVersions> firmware_versions() const {
         FirmwareVersions versions;
         std::array<kestrel_char, 64> printer{};
@@ -267,6 +287,7 @@ class [[nodiscard]] Printer {
         versions.printer = detail::to_utf8(printer.data(), printer.size());
         return versions;
     }
+    /// As GetCapFWUpgrade.
     [[nodiscard]] Result<bool> can_upgrade_firmware() const { return read_flag(::GetCapFWUpgrade); }
     /// Hands an upgrade file to the language monitor, which takes up to a minute. As UpgradeFW.
     Result<void> upgrade_firmware(std::string_view path) {
@@ -274,6 +295,7 @@ class [[nodiscard]] Printer {
         if (!detail::to_wide(path, wide)) return Error::of(SDK_ERROR_BAD_TEXT);
         return call(::UpgradeFW, wide.c_str());
     }
+    /// As RefreshFWCapabilities.
     Result<void> refresh_firmware_capabilities() { return call(::RefreshFWCapabilities, timeout_); }
 
     /// The first character of the RBN version, 0 for an empty one.
@@ -282,26 +304,34 @@ class [[nodiscard]] Printer {
         if (!version) return version.error();
         return static_cast<char>(*version);
     }
+    /// As GetCapTOFEdgeOverride.
     [[nodiscard]] Result<bool> can_override_tof_edge() const { return read_flag(::GetCapTOFEdgeOverride); }
     /// The beginning of the capability block, as GetCapabilities.
     Result<void> capabilities(std::span<std::byte> buffer) const {
         return call(::GetCapabilities, static_cast<void*>(buffer.data()), detail::clamp32(buffer.size()),
                     timeout_);
     }
+    /// As GetVendorProductIDs.
     [[nodiscard]] Result<UsbIds> usb_ids() const {
         UsbIds ids;
         if (auto done = call(::GetVendorProductIDs, &ids.vendor, &ids.product, timeout_); !done)
             return done.error();
         return ids;
     }
+    /// As GetGCPConfigured.
     [[nodiscard]] Result<bool> is_gcp_configured() const { return read_flag(::GetGCPConfigured); }
+    /// As GetPennantConfigured.
     [[nodiscard]] Result<bool> is_pennant_configured() const { return read_flag(::GetPennantConfigured); }
 
     // --- The status monitor and supplies ---
 
+    /// As ShowStatusMonitor.
     Result<void> show_status_monitor() { return call(::ShowStatusMonitor); }
+    /// As ShowMaintenance.
     Result<void> show_maintenance() { return call(::ShowMaintenance); }
+    /// As ShowAboutBox.
     Result<void> show_about_box() { return call(::ShowAboutBox); }
+    /// As OrderSupplies.
     Result<void> order_supplies() { return call(::OrderSupplies); }
 
   private:

@@ -191,9 +191,10 @@
         "check that it is switched on and that its cable or network connection works")
 // clang-format on
 
-// The response numbers, with which the printer and its language monitor open a reply: ROW(first, last, error,
-// name, text, advice) for the numbers from first to last, and the last-error value that they stand for, 0 for
-// the good ones. The first row that has a number counts; there is one for each.
+/// The response numbers, with which the printer and its language monitor open a reply. The first row that has
+/// a number counts; there is one for each.
+/// `ROW`: a macro of six arguments: first, last, error, name, text, advice. It is for the numbers from first
+/// to last, and error the last-error value that they stand for, 0 for the good ones.
 // clang-format off
 #define KESTREL_SDK_RESPONSES(ROW)                                                                           \
     ROW(0u, 0u, 0u, "RESPONSE_DONE",                                                                         \

@@ -34,6 +34,7 @@ template <typename... Text>
 [[nodiscard]] inline bool is_status_monitor_always_shown() {
     return ::GetStatusMonitorDisplayMode() != 0;
 }
+/// Stores it for the current user. As SetStatusMonitorDisplayMode.
 inline Result<void> show_status_monitor_always(bool always) {
     if (::SetStatusMonitorDisplayMode(always ? 1 : 0) == 0) return Error::of_last_call();
     return {};

@@ -19,58 +19,61 @@ namespace kestrel {
 
 /// The printer's status.
 struct Status {
-    std::uint32_t state = 0;
-    bool on_usb = false;  ///< on a USB port
-    std::string text;
+    std::uint32_t state = 0;      ///< the number of it
+    bool on_usb = false;          ///< on a USB port
+    std::string text;             ///< in words
     DeviceStatusRecord record{};  ///< the whole of it, as the language monitor sends it
 
+    /// False as long as the language monitor has no status to tell.
     [[nodiscard]] bool is_known() const { return state != 100000 || !text.empty(); }
 };
 
 /// A destination of the address book.
 struct QuickDial {
-    AddressType type = AddressType::None;
-    std::string name{};     ///< at most 40 UTF-16 units; the printer may take fewer
-    std::string address{};  ///< fax number or e-mail address, at most 50 UTF-16 units
+    AddressType type = AddressType::None;  ///< what the address is
+    std::string name{};                    ///< at most 40 UTF-16 units; the printer may take fewer
+    std::string address{};                 ///< fax number or e-mail address, at most 50 UTF-16 units
 
     bool operator==(const QuickDial&) const = default;
 };
+/// The whole speed-dial list.
 using SpeedDialList = std::array<QuickDial, KESTREL_SPEED_DIAL_RECORDS>;
+/// The whole one-touch list.
 using OneTouchList = std::array<QuickDial, KESTREL_ONE_TOUCH_RECORDS>;
 
 /// An access point as the printer sees it; the numbers as the printer reports them.
 struct AccessPoint {
-    std::string ssid;         ///< empty for a hidden one
-    std::string mac_address;  ///< 00:1B:2C:3D:4E:5F; empty when the printer does not tell it
-    std::uint16_t signal_strength = 0;
-    std::uint16_t beacon_interval = 0;
-    std::uint16_t capabilities = 0;
-    std::uint32_t channel = 0;
-    std::uint32_t encryption = 0;
+    std::string ssid;                   ///< empty for a hidden one
+    std::string mac_address;            ///< 00:1B:2C:3D:4E:5F; empty when the printer does not tell it
+    std::uint16_t signal_strength = 0;  ///< of the radio
+    std::uint16_t beacon_interval = 0;  ///< time between two signs of life
+    std::uint16_t capabilities = 0;     ///< bits, each with a meaning of its own
+    std::uint32_t channel = 0;          ///< of the radio
+    std::uint32_t encryption = 0;       ///< a number of the printer's own
 
     bool operator==(const AccessPoint&) const = default;
 };
 
 /// The versions of the firmware: compare them for equality.
 struct FirmwareVersions {
-    std::uint32_t lagoon = 0;
-    std::uint32_t customer = 0;
-    std::string printer;
+    std::uint32_t lagoon = 0;    ///< what the printer calls its Lagoon version
+    std::uint32_t customer = 0;  ///< its customer version
+    std::string printer;         ///< its printer version
 };
 
 /// The printer's identifiers on the USB.
 struct UsbIds {
-    std::uint32_t vendor = 0;
-    std::uint32_t product = 0;
+    std::uint32_t vendor = 0;   ///< its maker
+    std::uint32_t product = 0;  ///< its model
 };
 
 /// A printer to be made with a driver of a setup information file. No text may hold double quotes.
 struct DriverInstance {
-    std::string printer_name{};
-    std::string inf_path{};
-    std::string model{};  ///< one of that file
-    std::string port{};   ///< the name of an existing one
-    bool make_default = false;
+    std::string printer_name{};  ///< that it is to have
+    std::string inf_path{};      ///< the setup information file
+    std::string model{};         ///< one of that file
+    std::string port{};          ///< the name of an existing one
+    bool make_default = false;   ///< whether it becomes the default printer as well
 };
 
 /// The printer's clock, in its own time zone.

@@ -75,7 +75,9 @@ struct Error {
 /// What value() throws.
 class Exception : public std::runtime_error {
   public:
+    /// With the error's message as what().
     explicit Exception(Error error) : std::runtime_error(error.message()), error_(std::move(error)) {}
+    /// Why the call failed.
     [[nodiscard]] const Error& error() const noexcept { return error_; }
 
   private:
@@ -99,10 +101,14 @@ namespace detail {
 template <typename T>
 class [[nodiscard]] Result {
   public:
+    /// A call that succeeded.
     Result(T value) : state_(std::in_place_index<0>, std::move(value)) {}
+    /// A call that failed.
     Result(Error error) : state_(std::in_place_index<1>, std::move(error)) {}
 
+    /// Whether the call succeeded.
     [[nodiscard]] bool has_value() const noexcept { return state_.index() == 0; }
+    /// The same.
     explicit operator bool() const noexcept { return has_value(); }
 
     /// The value. Without one it throws kestrel::Exception; a program without exceptions prints the error's
@@ -119,12 +125,14 @@ class [[nodiscard]] Result {
         check();
         return std::move(**this);
     }
+    /// The value, or `other` where there is none.
     [[nodiscard]] T value_or(T other) const& { return has_value() ? **this : std::move(other); }
     [[nodiscard]] T value_or(T other) && { return has_value() ? std::move(**this) : std::move(other); }
 
     /// The value, which must be there.
     [[nodiscard]] const T& operator*() const noexcept { return *std::get_if<0>(&state_); }
     [[nodiscard]] T& operator*() noexcept { return *std::get_if<0>(&state_); }
+    /// Into the value, which must be there.
     [[nodiscard]] const T* operator->() const noexcept { return std::get_if<0>(&state_); }
     [[nodiscard]] T* operator->() noexcept { return std::get_if<0>(&state_); }
 
@@ -144,9 +152,12 @@ template <>
 class [[nodiscard]] Result<void> {
   public:
     Result() = default;
+    /// A call that failed.
     Result(Error error) : error_(std::move(error)) {}
 
+    /// Whether the call succeeded.
     [[nodiscard]] bool has_value() const noexcept { return !error_.has_value(); }
+    /// The same.
     explicit operator bool() const noexcept { return has_value(); }
 
     /// Nothing, or as Result<T>::value().

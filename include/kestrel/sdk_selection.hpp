@@ -12,8 +12,8 @@
 
 namespace kestrel {
 
-inline constexpr std::chrono::milliseconds default_timeout{5000};
-inline constexpr std::chrono::milliseconds no_limit{0xFFFFFFFF};  ///< a time-out that never comes
+inline constexpr std::chrono::milliseconds default_timeout{5000};  ///< of a Printer that is given none
+inline constexpr std::chrono::milliseconds no_limit{0xFFFFFFFF};   ///< a time-out that never comes
 
 namespace detail {
 
@@ -68,6 +68,7 @@ class Selection {
 class [[nodiscard]] PrinterLock {
   public:
     PrinterLock(PrinterLock&&) noexcept = default;
+    /// Gives back what it kept before.
     PrinterLock& operator=(PrinterLock&& other) noexcept {
         if (this != &other) {
             release();

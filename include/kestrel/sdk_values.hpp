@@ -20,10 +20,12 @@ namespace kestrel {
 
 /// An IPv4 address: a.b.c.d is Ipv4{a, b, c, d}.
 struct Ipv4 {
-    std::array<std::uint8_t, 4> bytes{};
+    std::array<std::uint8_t, 4> bytes{};  ///< a, b, c, d
 
     constexpr Ipv4() = default;
+    /// a.b.c.d
     constexpr Ipv4(std::uint8_t a, std::uint8_t b, std::uint8_t c, std::uint8_t d) : bytes{a, b, c, d} {}
+    /// The same of four bytes in that order.
     constexpr explicit Ipv4(const std::array<std::uint8_t, 4>& address) : bytes(address) {}
 
     /// Four decimal numbers with dots, and nothing else.
@@ -47,6 +49,7 @@ struct Ipv4 {
     bool operator==(const Ipv4&) const = default;
 };
 
+/// Four decimal numbers with dots.
 [[nodiscard]] inline std::string to_string(const Ipv4& address) {
     std::string text;
     for (const std::uint8_t byte : address.bytes)
@@ -183,9 +186,10 @@ struct Address {
 /// The settings in the catalogue's order: AllSettings of sdk_settings.hpp is one.
 template <typename... Setting>
 struct SettingList {
+    /// How many there are.
     static constexpr std::size_t size = sizeof...(Setting);
 
-    /// function.operator()<Setting>() for each of them.
+    /// `function.operator()<Setting>()` for each of them.
     template <typename Function>
     static constexpr void for_each(Function&& function) {
         (function.template operator()<Setting>(), ...);
