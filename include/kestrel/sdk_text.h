@@ -28,8 +28,8 @@ typedef struct KestrelResponseText {
     const char* advice;  ///< what to do about it
 } KestrelResponseText;
 
-/// Codes that no function of the library leaves, but that its callers meet: from loading the library, and from
-/// the spooler when they manage printers.
+/// Codes that no function of the library leaves, but that its callers meet: from loading the library, and
+/// from the spooler when they manage printers.
 /// `ROW`: as for KESTREL_SDK_ERRORS.
 #define KESTREL_CALLER_ERRORS(ROW)                                                              \
     ROW("ERROR_MOD_NOT_FOUND", 126u, "the library file, or one that it needs, is not there",    \
