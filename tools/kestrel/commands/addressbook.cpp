@@ -143,6 +143,7 @@ void DeclareShow(const tools::Command& book, Chosen& chosen) {
 
 std::vector<tools::Explained> AddressTypeWords() {
     std::vector<tools::Explained> words;
+    words.reserve(kAddressTypes.size());
     for (const std::string_view type : kAddressTypes)
         words.push_back({std::string(type), {}});
     return words;

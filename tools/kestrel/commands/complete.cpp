@@ -49,6 +49,7 @@ void AddCompletion(const tools::Command& app, Chosen& chosen) {
         app.AddSubcommand("completion", "Print the script of a shell's completion");
     const auto shell = std::make_shared<std::string>();
     std::vector<std::string> shells;
+    shells.reserve(kShellScripts.size());
     for (const ShellScript& script : kShellScripts)
         shells.emplace_back(script.shell);
     command.AddOption("SHELL", *shell, "bash, zsh or fish").Required().OneOf(shells);

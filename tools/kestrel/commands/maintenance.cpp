@@ -29,6 +29,7 @@ constexpr std::array<Action, 7> kActions = {{
 
 std::vector<tools::Explained> ActionWords() {
     std::vector<tools::Explained> words;
+    words.reserve(kActions.size());
     for (const Action& action : kActions)
         words.push_back({std::string(action.name), std::string(action.meaning)});
     return words;
