@@ -1,0 +1,67 @@
+"""A virtual printer in its own process, with a home of its own. BIN: the folder of the programs."""
+import json
+import os
+import pathlib
+import subprocess
+
+import pytest
+
+BIN = pathlib.Path(os.environ["BIN"])
+
+
+class VirtualPrinter:
+    """`fault(rule...)` begins it anew with a fault script; `happens(...)` is what befalls it while it runs."""
+
+    def __init__(self, folder):
+        self.control, self.faults, self.trace = folder / "now.json", folder / "faults.json", folder / "trace.txt"
+        self.process = None
+
+    def start(self, *rules):
+        self.stop()
+        self.faults.write_text(json.dumps(rules))
+        self.process = subprocess.Popen(
+            [BIN / "kestrel-vprinter", "--port", "USB001", "--control", self.control, "--faults", self.faults,
+             "--trace", "text", "--trace-file", self.trace], stdout=subprocess.PIPE)
+        assert self.process.stdout.readline() == b"ready: USB001\n"
+
+    def stop(self):
+        if self.process:
+            self.process.terminate()
+            self.process.wait(10)
+            self.process.stdout.close()
+            self.process = None
+
+    def happens(self, **what):
+        new = self.control.with_suffix(".new")
+        new.write_text(json.dumps({"*": {name.replace("__", "-").replace("_", ".", 1): value for name, value in what.items()}}))
+        new.rename(self.control)
+
+    def requests(self):
+        return self.trace.read_text()
+
+
+@pytest.fixture(scope="session")
+def home(tmp_path_factory):
+    folder = tmp_path_factory.mktemp("home")
+    folder.chmod(0o700)
+    os.environ["WINPORT_HOME"] = str(folder)
+    subprocess.run([BIN / "kestrel", "setup"], check=True, stdout=subprocess.DEVNULL)
+    subprocess.run([BIN / "kestrel", "printers", "add", "Office", "--port", "USB001"], check=True,
+                   stdout=subprocess.DEVNULL)
+    yield folder
+    subprocess.run([BIN / "ZRIJ9900MUI.exe", "--stop"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+
+@pytest.fixture
+def virtual(home, tmp_path):
+    printer = VirtualPrinter(tmp_path)
+    printer.start()
+    yield printer
+    printer.stop()
+
+
+@pytest.fixture
+def printer(virtual):
+    import kestrel_sdk
+    with kestrel_sdk.Printer("Office") as opened:
+        yield opened
