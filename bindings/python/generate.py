@@ -98,7 +98,9 @@ def codeless():
 
 
 def package():
-    yield HEAD.rstrip("\n")
+    yield HEAD
+    shown = ["SETTINGS", *(naming.enumeration_name(found.name) for found in interface.enumerations().values())]
+    yield "__all__ = [" + ", ".join(f'"{name}"' for name in shown) + "]"
     for found in interface.enumerations().values():
         yield from enumeration(found)
     for record in interface.records().values():
@@ -139,19 +141,19 @@ def stub():
     readable = [row for row in rows if naming.can_read(row)]
     writable = [row for row in rows if naming.can_write(row) and naming.access(row) != "Command"]
     yield STUB_HEAD
-    yield "ReadableSetting = Literal[" + ", ".join(f'"{row["name"]}"' for row in readable) + "]\n"
+    yield "_ReadableSetting = Literal[" + ", ".join(f'"{row["name"]}"' for row in readable) + "]\n"
     yield "class SettingAccess(abc.ABC):"
     yield "    @abc.abstractmethod\n    def read(self, name: str) -> Value: ..."
     yield "    @abc.abstractmethod\n    def write(self, name: str, value: Value) -> None: ..."
     for names, kind in by_type(readable):
         yield f"    @overload\n    def __getitem__(self, name: {names}) -> {kind}: ..."
-    yield "    @overload\n    def __getitem__(self, name: ReadableSetting) -> Value: ..."
+    yield "    @overload\n    def __getitem__(self, name: _ReadableSetting) -> Value: ..."
     for names, kind in by_type(writable):
         yield f"    @overload\n    def __setitem__(self, name: {names}, value: {settable(kind)}) -> None: ..."
-    yield "    def __iter__(self) -> Iterator[ReadableSetting]: ..."
+    yield "    def __iter__(self) -> Iterator[_ReadableSetting]: ..."
     yield "    def __len__(self) -> int: ..."
     yield "    def __contains__(self, name: object) -> bool: ..."
-    yield "    def keys(self) -> Tuple[ReadableSetting, ...]: ..."
+    yield "    def keys(self) -> Tuple[_ReadableSetting, ...]: ..."
     yield '    def settings(self, pattern: str = "*") -> SettingsView: ...'
     yield "    def describe(self, name: str) -> Setting: ..."
     yield "\nclass AsyncSettingAccess(abc.ABC):"
@@ -159,7 +161,7 @@ def stub():
     yield "    @abc.abstractmethod\n    async def write(self, name: str, value: Value) -> None: ..."
     for names, kind in by_type(readable):
         yield f"    @overload\n    async def get(self, name: {names}) -> {kind}: ..."
-    yield "    @overload\n    async def get(self, name: ReadableSetting) -> Value: ..."
+    yield "    @overload\n    async def get(self, name: _ReadableSetting) -> Value: ..."
     for names, kind in by_type(writable):
         yield f"    @overload\n    async def set(self, name: {names}, value: {settable(kind)}) -> None: ..."
 

@@ -17,7 +17,7 @@ def settings(printer: Printer, name: str) -> None:
     printer["fax.mode"] = "Fine_Color" if mode is FaxMode.FINE_BLACK else FaxMode("Fine_Black")
     printer["ip.static.address"] = "10.0.0.1" if address.is_private else address
     everything: Dict[str, Value] = {name: printer[name] for name in printer}
-    print(dict(printer), everything, key, printer.read(name), printer.describe(name).range)
+    print(dict(printer.settings()), everything, key, printer.read(name), printer.describe(name).range)
     text: str = printer["fax.redials"]  # wrong
     printer["fax.redials"] = "5"  # wrong
     printer["fax.mode"] = 5.0  # wrong
