@@ -16,6 +16,9 @@ LINUX = COMMON | {"lib/libZRIJ9900SDK.so", "lib/libwinport.so", "bin/kestrel", "
 OPEN = ("include/kestrel/", "docs/", "share/kestrel-sdk/csharp/", "share/man/", "share/bash-completion/", "share/zsh/",
         "share/fish/", "share/doc/")
 
+# Folders with whatever belongs there.
+OPEN = ("include/kestrel/", "docs/", "lib/python3/dist-packages/kestrel_sdk/", "python/kestrel_sdk/")
+
 
 def main():
     build = pathlib.Path(sys.argv[1])

@@ -10,7 +10,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent))
 import naming
 from naming import catalogue, interface
 
-NOTE = "Made from the catalogue of the settings and the C headers by bindings/python/generate.py: a change belongs there."
+NOTE = "Made from the catalogue and the C headers by bindings/python/generate.py: a change belongs there."
 HEAD = f'''"""Settings, enumerations, errors, records and functions. {NOTE}"""
 from __future__ import annotations
 

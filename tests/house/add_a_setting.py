@@ -13,7 +13,8 @@ import subprocess
 import sys
 import time
 
-TARGETS = ["kestrel_sdk", "kestrel", "kestrel-vprinter", "unit_tests", "every_export_as_c11", "error_recorder"]
+TARGETS = ["kestrel_sdk", "kestrel", "kestrel-vprinter", "unit_tests", "every_export_as_c11", "error_recorder",
+           "kestrel_python"]
 
 
 def after(line, added):
@@ -99,6 +100,14 @@ def ask(*arguments, exit_code=0):
     return json.loads(result.stdout)
 
 
+IN_PYTHON = """if True:
+    from kestrel_sdk import Printer, ScanColour
+    with Printer("Office") as printer:
+        assert printer["scan.colour"] is ScanColour.FULL
+        printer["scan.colour"] = "grey"
+        assert printer.describe("scan.colour").words == ("Grey", "Full") and printer["scan.colour"] == ScanColour.GREY"""
+
+
 def use_it(home):
     os.environ["WINPORT_HOME"] = str(home)
     home.mkdir(mode=0o700)
@@ -112,6 +121,7 @@ def use_it(home):
         ask("set", "scan.colour", "full", "--verify")
         assert ask("get", "scan.colour")["values"] == {"scan.colour": "Full"}
         ask("set", "scan.colour", "Sepia", exit_code=6)
+        run([sys.executable, "-B", "-c", IN_PYTHON])
     finally:
         printer.terminate()
         printer.wait()
@@ -131,6 +141,8 @@ def main():
     print(f"built in {time.monotonic() - begun:.0f} s", flush=True)
 
     os.environ["PATH"] = f"{build}/bin:{os.environ['PATH']}"
+    os.environ["PYTHONPATH"] = f"{build}/python"
+    os.environ["KESTREL_SDK_LIBRARY"] = str(next((build / "bin").glob("lib*SDK.so")))
     run([build / "bin/unit_tests", "--gtest_brief=1"])
     run(["ctest", "--test-dir", build, "--no-tests=error", "--output-on-failure", "--fixture-exclude-any", ".", "-R",
          r"^(api\.every_export_as_c11|api\.exports_are|house\.documents)"])

@@ -18,9 +18,10 @@ from ._records import AccessPoint, Capabilities, Firmware, Identity, PingCount, 
 from ._settings import Choice, Setting, SettingsView, Value
 
 __all__ = [
-    "AccessDeniedError", "AccessPoint", "Action", "AsyncPrinter", "BadReplyError", "Capabilities", "Choice", "ClosedError",
-    "Firmware", "Identity", "InstallationError", "InvalidValueError", "KestrelError", "LockedError", "MissingFileError",
-    "NoAnswerError", "NoPrinterError", "NotSupportedError", "OfflineError", "OutOfResourcesError", "PingCount", "Printer",
-    "QuickDial", "RefusedError", "Setting", "SettingAccessError", "SettingsView", "Status", "UnknownSettingError",
-    "Value", "ValueRefusedError", "add_driver", "add_network_port", "add_printer", "interface_version"]
+    "AccessDeniedError", "AccessPoint", "Action", "AsyncPrinter", "BadReplyError", "Capabilities", "Choice",
+    "ClosedError", "Firmware", "Identity", "InstallationError", "InvalidValueError", "KestrelError", "LockedError",
+    "MissingFileError", "NoAnswerError", "NoPrinterError", "NotSupportedError", "OfflineError",
+    "OutOfResourcesError", "PingCount", "Printer", "QuickDial", "RefusedError", "Setting", "SettingAccessError",
+    "SettingsView", "Status", "UnknownSettingError", "Value", "ValueRefusedError", "add_driver", "add_network_port",
+    "add_printer", "interface_version"]
 __all__ += _catalogue.__all__

@@ -1,4 +1,4 @@
-"""The calls of the library as methods. All of them run on the one thread that has selected the printer, and block it."""
+"""The calls of the library as methods. All run on the one thread that has selected the printer, and block it."""
 from __future__ import annotations
 
 import ctypes
@@ -215,8 +215,8 @@ class Device:
         return [AccessPoint.from_c(record) for record in records[:found]]
 
     def start_ping(self, address: Address, count: int = 4, wait: int = 2) -> None:
-        """Lets the printer ping an address `count` times and wait `wait` for each answer, in its own unit; does not wait
-        for the answers."""
+        """Lets the printer ping an address `count` times and wait `wait` for each answer, in its own unit; does not
+        wait for the answers."""
         if not (1 <= count <= 255 and 1 <= wait <= 255):
             raise InvalidValueError(f"count {count} and wait {wait} must be within 1 to 255")
         try:
@@ -270,8 +270,8 @@ class Device:
         return Firmware(text_of(text), customer.value, lagoon.value)
 
     def upgrade_firmware(self, path: Path) -> None:
-        """Hands an upgrade file to the language monitor, which takes up to a minute, in the worst case 142 s; the printer
-        goes on by itself."""
+        """Hands an upgrade file to the language monitor, which takes up to a minute, in the worst case 142 s; the
+        printer goes on by itself."""
         self.library.call(f"cannot upgrade the firmware with {os.fspath(path)}", "UpgradeFW",
                           utf16(os.path.abspath(path)))
 

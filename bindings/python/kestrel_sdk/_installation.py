@@ -37,8 +37,8 @@ def add_network_port(host: str, number: int = 9100, name: str = "", *, product: 
 
 def add_printer(name: str, inf: Path, model: str, port: str, *, make_default: bool = False, product: str = PRODUCT,
                 library: Optional[Path] = None) -> None:
-    """Makes a printer with a driver of a setup information file, through the system's own program, and returns when that
-    has ended. Whether the printer was made is not examined.
+    """Makes a printer with a driver of a setup information file, through the system's own program, and returns when
+    that has ended. Whether the printer was made is not examined.
 
     `name`, `model`, `port`: the new printer's name, a model of the file, an existing port.
     """

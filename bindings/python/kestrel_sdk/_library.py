@@ -64,8 +64,8 @@ class Library:
             except OSError as reason:
                 reasons.append(str(reason))
         raise InstallationError(
-            f"the library of the product {product} cannot be loaded: {'; '.join(reasons) or 'it is not there'}; install "
-            f"the Kestrel SDK, or name the library's file in {VARIABLE} (tried: {', '.join(candidates)})")
+            f"the library of the product {product} cannot be loaded: {'; '.join(reasons) or 'it is not there'}; "
+            f"install the Kestrel SDK, or name the library's file in {VARIABLE} (tried: {', '.join(candidates)})")
 
     def function(self, name: str) -> Any:
         """The C function with the types that the header gives it."""

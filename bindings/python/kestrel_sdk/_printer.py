@@ -50,7 +50,8 @@ def _waiting(method: Callable[Concatenate[Device, P], R]) -> Callable[Concatenat
     return call
 
 
-def _awaitable(method: Callable[Concatenate[Device, P], R]) -> Callable[Concatenate[AsyncPrinter, P], Coroutine[Any, Any, R]]:
+def _awaitable(
+        method: Callable[Concatenate[Device, P], R]) -> Callable[Concatenate[AsyncPrinter, P], Coroutine[Any, Any, R]]:
     """The method on the device's thread, for asyncio. Cancelling it before its turn keeps it from being run."""
     @functools.wraps(method)
     async def call(self: AsyncPrinter, /, *args: P.args, **kwargs: P.kwargs) -> R:

@@ -2,6 +2,7 @@
 import json
 import os
 import pathlib
+import signal
 import subprocess
 
 import pytest
@@ -33,11 +34,24 @@ class VirtualPrinter:
 
     def happens(self, **what):
         new = self.control.with_suffix(".new")
-        new.write_text(json.dumps({"*": {name.replace("__", "-").replace("_", ".", 1): value for name, value in what.items()}}))
+        named = {name.replace("__", "-").replace("_", ".", 1): value for name, value in what.items()}
+        new.write_text(json.dumps({"*": named}))
         new.rename(self.control)
 
     def requests(self):
         return self.trace.read_text()
+
+
+def give_up(*_):
+    raise AssertionError("a test has taken a minute")
+
+
+@pytest.fixture(autouse=True)
+def bounded():
+    signal.signal(signal.SIGALRM, give_up)
+    signal.alarm(60)
+    yield
+    signal.alarm(0)
 
 
 @pytest.fixture(scope="session")

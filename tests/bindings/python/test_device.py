@@ -136,6 +136,8 @@ def test_closed_forgotten_and_forked_ones_say_so_and_leave_no_thread(printer):
     assert len(living()) == 1
     child = os.fork()
     if child == 0:  # the parent's is of no use; a new one is
+        signal.signal(signal.SIGALRM, signal.SIG_DFL)
+        signal.alarm(10)
         try:
             printer["fax.redials"]
         except kestrel_sdk.ClosedError as error:
@@ -154,7 +156,7 @@ def test_closed_forgotten_and_forked_ones_say_so_and_leave_no_thread(printer):
 
 @pytest.mark.parametrize("how", ["closed", "left open", "asked meanwhile", "interrupted"])
 def test_the_interpreter_ends_without_hanging(virtual, how):
-    virtual.start(SLOW)
+    virtual.start({**SLOW, "delay": 8000})
     program = """if True:
         import sys, threading, time, kestrel_sdk
         printer = kestrel_sdk.Printer("Office", timeout=30)
@@ -174,4 +176,4 @@ def test_the_interpreter_ends_without_hanging(virtual, how):
     begun = time.monotonic()
     output = process.communicate(timeout=20)[1]
     assert process.returncode == (-signal.SIGINT if how == "interrupted" else 0), output
-    assert time.monotonic() - begun < 3 and ("KeyboardInterrupt" in output) == (how == "interrupted")
+    assert time.monotonic() - begun < 5 and ("KeyboardInterrupt" in output) == (how == "interrupted")
