@@ -33,7 +33,7 @@ def places(product: str) -> Iterator[str]:
         return
     names = [f"lib{product}SDK.so.1", f"lib{product}SDK.so"]
     # An installation in a prefix of its own has the package in PREFIX/lib/python3/dist-packages.
-    for folder in [package, *package.parents[1:3]]:
+    for folder in [package, *list(package.parents)[1:3]]:
         yield from (str(path) for name in names for path in (folder / name, *folder.glob("*-linux-gnu*/" + name)))
     yield from names
 
@@ -126,8 +126,8 @@ class Library:
                 advice = "install the product and a printer"
         reply = ctypes.create_string_buffer(2 * _LONGEST_REPLY)
         self.function("GetLastBadResponse")(reply, _LONGEST_REPLY)
-        shown = f"0x{code:08X}" if code >= 0xE0000000 else str(code)
-        error = family(f"{attempt}: {text} ({known.name}, {shown}); {advice}")
+        shown = f" ({known.name}, 0x{code:08X})" if code >= 0xE0000000 else f" ({known.name}, {code})" if code else ""
+        error = family(f"{attempt}: {text}{shown}; {advice}")
         error.code, error.name, error.text, error.advice = code, known.name, text, advice
         error.reply = text_of(reply)
         error.response_number = int(self.function("GetLastResponseNum")())

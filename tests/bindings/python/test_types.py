@@ -31,6 +31,5 @@ def test_the_stub_is_what_the_module_is(tmp_path):
 def test_a_callers_mistakes_are_found_and_nothing_else(tmp_path):
     found = check(PACKAGE, "--strict", "--cache-dir", tmp_path, "--no-error-summary", SAMPLE, "kestrel_sdk").stdout
     refused = set(re.findall(r"(\w+\.pyi?:\d+): error", found))
-    lines = SAMPLE.read_text().splitlines()
-    assert refused == {f"typing_sample.py:{number}" for number, line in enumerate(lines, 1) if line.endswith("# wrong")}, \
-        found
+    lines = enumerate(SAMPLE.read_text().splitlines(), 1)
+    assert refused == {f"typing_sample.py:{number}" for number, line in lines if line.endswith("# wrong")}, found
