@@ -4,6 +4,7 @@ import os
 import pathlib
 import signal
 import subprocess
+import time
 
 import pytest
 
@@ -38,8 +39,13 @@ class VirtualPrinter:
         new.write_text(json.dumps({"*": named}))
         new.rename(self.control)
 
-    def requests(self):
-        return self.trace.read_text()
+    def saw(self, request):
+        """How often; a line of the trace is written after its reply, so it is waited for."""
+        for _ in range(100):
+            if count := self.trace.read_text().count(request):
+                return count
+            time.sleep(0.1)
+        return 0
 
 
 def give_up(*_):

@@ -57,7 +57,7 @@ def test_status_maintenance_and_supplies(printer, virtual):
     assert status.state == 2 and status.on_usb and status.known and status.text
     for action in kestrel_sdk.Action:
         printer.maintain(action)
-    assert all(f"Maintenance=00{number}?" in virtual.requests() for number in range(1, 8))
+    assert all(virtual.saw(f"Maintenance=00{number}?") for number in range(1, 8))
     printer.order_supplies()
     printer.set_window_always_shown(False)
     assert not printer.window_always_shown()
@@ -79,7 +79,7 @@ def test_a_lock_keeps_other_programs_out_and_ends_with_the_printer(printer, virt
     assert run(other).wait(20) == 0
     printer.take_lock()
     printer.close()
-    assert run(other).wait(20) == 0 and "UnlockPrinter?" in virtual.requests()
+    assert run(other).wait(20) == 0 and virtual.saw("UnlockPrinter?")
 
 
 def test_a_withdrawn_query_is_repeated_once_and_a_change_never(virtual):
@@ -90,7 +90,8 @@ def test_a_withdrawn_query_is_repeated_once_and_a_change_never(virtual):
         with pytest.raises(TimeoutError) as lost:
             printer["fax.redials"] = 4
         assert lost.value.name == "SDK_ERROR_NO_REPLY"
-    assert virtual.requests().count("Fax.Redials=4;  ->") == 1
+        assert printer["fax.rings"] == 4
+    assert virtual.saw("DeviceSettings.Fax.Rings?  ->") and virtual.saw("DeviceSettings.Fax.Redials=4;  ->") == 1
 
 
 def test_any_thread_and_asyncio_may_use_it(virtual):
