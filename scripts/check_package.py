@@ -7,17 +7,19 @@ import sys
 import tempfile
 import zipfile
 
-COMMON = {"README.md", "include/kestrel/sdk.h", "docs/kestrel.md", "bin/ZRIJ9900MUI.exe"}
-COMMON |= {"include/kestrel/sdk_settings.hpp", "share/kestrel-sdk/csharp/Printer.cs", "share/kestrel-sdk/csharp/Native.cs"}
-WINDOWS = COMMON | {"bin/ZRIJ9900SDK.dll", "bin/ZRIJ9900SDK.dll.debug", "lib/libZRIJ9900SDK.dll.a",
-                    "lib/ZRIJ9900SDK.def", "bin/kestrel.exe", "bin/kestrel-vprinter.exe"}
-LINUX = COMMON | {"lib/libZRIJ9900SDK.so", "lib/libwinport.so", "bin/kestrel", "bin/kestrel-vprinter", "bin/rundll32"}
+COMMON = {"include/kestrel/sdk.h", "include/kestrel/sdk_settings.hpp", "share/kestrel-sdk/csharp/Printer.cs",
+          "share/kestrel-sdk/csharp/Native.cs"}
+WINDOWS = COMMON | {"README.md", "docs/kestrel.md", "bin/ZRIJ9900SDK.dll", "bin/ZRIJ9900SDK.dll.debug",
+                    "lib/libZRIJ9900SDK.dll.a", "lib/ZRIJ9900SDK.def", "bin/kestrel.exe", "bin/kestrel-vprinter.exe",
+                    "bin/ZRIJ9900MUI.exe"}
+LINUX = COMMON | {"bin/kestrel", "bin/kestrel-vprinter", "libexec/kestrel-sdk/ZRIJ9900MUI.exe", "libexec/kestrel-sdk/rundll32",
+                  "lib/pkgconfig/zrij9900sdk.pc", "share/doc/kestrel-sdk/README.md", "share/doc/kestrel-sdk/LICENSE",
+                  "share/doc/kestrel-sdk/kestrel.md"}
+LINUX |= {f"lib/lib{name}.so{version}" for name in ("ZRIJ9900SDK", "winport") for version in ("", ".1", ".1.0.0")}
 # Folders with whatever belongs there.
-OPEN = ("include/kestrel/", "docs/", "share/kestrel-sdk/csharp/", "share/man/", "share/bash-completion/", "share/zsh/",
-        "share/fish/", "share/doc/")
-
-# Folders with whatever belongs there.
-OPEN = ("include/kestrel/", "docs/", "lib/python3/dist-packages/kestrel_sdk/", "python/kestrel_sdk/")
+OPEN = ("include/kestrel/", "docs/", "share/doc/kestrel-sdk/", "lib/cmake/KestrelSDK/", "share/kestrel-sdk/csharp/",
+        "share/man/", "share/bash-completion/", "share/zsh/", "share/fish/", "lib/python3/dist-packages/kestrel_sdk/",
+        "python/kestrel_sdk/")
 
 
 def main():

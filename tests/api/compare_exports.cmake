@@ -1,6 +1,6 @@
 # Compares what the library exports with the list of names; both differences are shown.
 execute_process(COMMAND ${NM} -D --defined-only ${LIBRARY} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
-string(REGEX MATCHALL " [A-Za-z] [^\n]+" lines "${symbols}")
+string(REGEX MATCHALL " [B-Zb-z] [^\n]+" lines "${symbols}")  # A: the name of the symbols' version
 set(exported "")
 foreach(line IN LISTS lines)
   string(REGEX REPLACE "^ . ([^@]+).*$" "\\1" name "${line}")

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -26,6 +27,14 @@ enum class WaitEnd { Time, Enter, Interrupt };
 // Who else can read what the programs and the printers tell one another, in words and with what to do about
 // it; empty when nobody can.
 [[nodiscard]] std::string OpenHomeWarning();
+
+// The name by which the system finds the product's library when it is not beside this program; empty where a
+// program's libraries always are.
+[[nodiscard]] std::string InstalledLibrary(const std::string& product);
+
+// The library that answers the Windows calls of this program, by the name that programs find it by; empty where the
+// system itself answers them.
+[[nodiscard]] std::filesystem::path SystemLibrary();
 
 // Ends the program at once: no library is unloaded, nothing is cleaned up, only what has been flushed is
 // written.

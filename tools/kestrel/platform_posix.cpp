@@ -1,6 +1,7 @@
 // Signals, descriptors and the rights of folders.
 #include "kestrel/platform.h"
 
+#include <dlfcn.h>
 #include <fmt/core.h>
 #include <poll.h>
 #include <signal.h>
@@ -106,6 +107,17 @@ std::string OpenHomeWarning() {
         "has "
         "the mode {1:o}; close it with `chmod -R o-rwx {0}`, and give the accounts that share it a group",
         home, status.st_mode & 07777);
+}
+
+std::string InstalledLibrary(const std::string& product) {
+    return "lib" + product + "SDK.so." KESTREL_MAJOR;
+}
+
+std::filesystem::path SystemLibrary() {
+    Dl_info library{};
+    if (dladdr(dlsym(RTLD_DEFAULT, "GetModuleFileNameW"), &library) == 0) return {};
+    const std::filesystem::path path = library.dli_fname;
+    return std::filesystem::weakly_canonical(path.parent_path()) / path.filename();
 }
 
 void EndWithoutUnloading(int exitStatus) {

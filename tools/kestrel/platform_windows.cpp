@@ -97,6 +97,14 @@ std::string OpenHomeWarning() {
     return {};
 }
 
+std::string InstalledLibrary(const std::string&) {
+    return {};
+}
+
+std::filesystem::path SystemLibrary() {
+    return {};
+}
+
 void EndWithoutUnloading(int exitStatus) {
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(exitStatus));
     for (;;)

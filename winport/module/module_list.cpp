@@ -2,9 +2,11 @@
 // notice is delivered however it was loaded: by LoadLibraryW, by dlopen or because a program was linked to
 // it. Only LoadLibraryW can act on a refusal; elsewhere the library stays, refused, and gets no more notices.
 //
-// lib<stem>.so is shown as <stem>.dll in the same folder, in the letters of the file on disk.
+// lib<stem>.so, with or without version numbers behind it, is shown as <stem>.dll in the same folder, in the
+// letters by which the dynamic linker found it: a library found through a link has the link's name.
 #include "winport/module/module_folders.h"
 
+#include <dirent.h>
 #include <dlfcn.h>
 #include <limits.h>
 #include <unistd.h>
@@ -13,8 +15,10 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <charconv>
 #include <cstring>
 #include <list>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -50,11 +54,22 @@ std::list<WinportModule>& Modules() {
 // Threads that begin need not take the loader lock while nobody wants notices.
 std::atomic<bool> anyModule{false};
 
+std::string FolderOf(const std::string& path) {
+    const size_t end = path.rfind('/');
+    return end == std::string::npos ? std::string(".") : path.substr(0, end);
+}
+
+// The folder without links and dots; the file's own name as it stands.
+std::string InRealFolder(const std::string& path) {
+    std::array<char, PATH_MAX> resolved;
+    if (realpath(FolderOf(path).c_str(), resolved.data()) == nullptr) return path;
+    return std::string(resolved.data()) + "/" + path.substr(path.rfind('/') + 1);
+}
+
 std::string PathOfCode(const void* address) {
     Dl_info info = {};
     if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) return {};
-    std::array<char, PATH_MAX> resolved;
-    return realpath(info.dli_fname, resolved.data()) != nullptr ? resolved.data() : info.dli_fname;
+    return InRealFolder(info.dli_fname);
 }
 
 std::string ProgramPath() {
@@ -63,15 +78,19 @@ std::string ProgramPath() {
     return length > 0 ? std::string(path.data(), static_cast<size_t>(length)) : std::string();
 }
 
-std::string FolderOf(const std::string& path) {
-    const size_t end = path.rfind('/');
-    return end == std::string::npos ? std::string(".") : path.substr(0, end);
+// "libX.so" of "libX.so.1.0.0".
+std::string_view WithoutVersion(std::string_view file) {
+    for (;;) {
+        const size_t digits = file.find_last_not_of("0123456789") + 1;
+        if (digits < 2 || digits == file.size() || file[digits - 1] != '.') return file;
+        file = file.substr(0, digits - 1);
+    }
 }
 
-// "dir/libX.so" as "dir/X.dll"; anything else as it is.
+// "dir/libX.so" and "dir/libX.so.1" as "dir/X.dll"; anything else as it is.
 std::string WindowsName(const std::string& path) {
     const size_t start = path.rfind('/') + 1;
-    std::string_view file = std::string_view(path).substr(start);
+    std::string_view file = WithoutVersion(std::string_view(path).substr(start));
     if (!file.ends_with(".so")) return path;
     file.remove_suffix(3);
     if (file.starts_with("lib")) file.remove_prefix(3);
@@ -166,34 +185,55 @@ std::string ProgramFolder() {
     return FolderOf(ProgramPath());
 }
 
+// Whatever link led to it: what belongs to winport lies near the file itself.
 std::string WinportFolder() {
-    return FolderOf(OwnModule().path);
+    std::array<char, PATH_MAX> resolved;
+    const std::string& path = OwnModule().path;
+    return FolderOf(realpath(path.c_str(), resolved.data()) != nullptr ? resolved.data() : path);
 }
 
 namespace {
 
+struct ClosesFolder {
+    void operator()(DIR* folder) const { closedir(folder); }
+};
+
+// The file of that path; where there is none but versions of it ("libX.so.1"), the one of the highest number:
+// who runs a program need not have what it was linked with. Empty when there is none at all.
+std::string FindFile(const std::string& path) {
+    if (access(path.c_str(), F_OK) == 0) return path;
+    if (!path.ends_with(".so")) return {};
+    const std::unique_ptr<DIR, ClosesFolder> folder(opendir(FolderOf(path).c_str()));
+    const std::string start = path.substr(path.rfind('/') + 1) + ".";
+    int highest = -1;
+    while (const dirent* const entry = folder ? readdir(folder.get()) : nullptr) {
+        const std::string_view file = entry->d_name;
+        if (!file.starts_with(start)) continue;
+        int version = -1;
+        const char* const end = file.data() + file.size();
+        const auto [rest, error] = std::from_chars(file.data() + start.size(), end, version);
+        if (error == std::errc() && rest == end) highest = std::max(highest, version);
+    }
+    return highest < 0 ? std::string() : path + "." + std::to_string(highest);
+}
+
 // A name without a folder is looked for beside the program, then beside winport, then where the dynamic
 // linker looks.
 void* OpenLibrary(const std::string& name) {
-    if (name.find('/') != std::string::npos) return dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
-    for (const std::string& folder : {ProgramFolder(), WinportFolder()}) {
-        const std::string path = std::string(folder).append("/").append(name);
-        if (access(path.c_str(), F_OK) == 0) return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    }
-    return dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
+    const bool hasFolder = name.find('/') != std::string::npos;
+    std::string path = hasFolder ? FindFile(name) : FindFile(ProgramFolder() + "/" + name);
+    if (path.empty() && !hasFolder) path = FindFile(WinportFolder() + "/" + name);
+    return dlopen(path.empty() ? name.c_str() : path.c_str(), RTLD_NOW | RTLD_LOCAL);
 }
 
 std::string PathOfLibrary(void* library) {
-    std::array<char, PATH_MAX> folder;
-    if (dlinfo(library, RTLD_DI_ORIGIN, folder.data()) != 0) return {};
     struct LinkMap {  // the public head of the dynamic linker's struct link_map
         void* address;
         char* name;
     };
     LinkMap* map = nullptr;
     if (dlinfo(library, RTLD_DI_LINKMAP, &map) != 0 || map->name == nullptr) return {};
-    std::array<char, PATH_MAX> resolved;
-    return realpath(map->name, resolved.data()) != nullptr ? resolved.data() : map->name;
+    return InRealFolder(map->name);
 }
 
 HMODULE Load(const std::string& name) {
@@ -288,12 +328,12 @@ FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
 HMODULE GetModuleHandleW(LPCWSTR fileName) {
     if (fileName == nullptr) return &ProgramModule();
     if (IsOwnLibrary(fileName)) return &OwnModule();
-    const std::string wanted = LinuxName(ToHostPath(fileName));
+    const std::string wanted = WindowsName(LinuxName(ToHostPath(fileName)));
+    const bool hasFolder = wanted.find('/') != std::string::npos;
     const std::lock_guard guard(LoaderLock());
     for (WinportModule& module : Modules()) {
-        const bool matches = wanted.find('/') != std::string::npos
-                                 ? module.path == wanted
-                                 : module.path.substr(module.path.rfind('/') + 1) == wanted;
+        const std::string name = WindowsName(module.path);
+        const bool matches = hasFolder ? name == wanted : name.substr(name.rfind('/') + 1) == wanted;
         if (matches && module.attached) return &module;
     }
     SetLastError(ERROR_MOD_NOT_FOUND);

@@ -31,7 +31,8 @@ std::vector<std::string> FileNames(std::u16string_view name) {
 }
 
 std::vector<std::string> SearchedFolders() {
-    std::vector<std::string> folders = {ProgramFolder(), ".", WinportFolder()};
+    std::vector<std::string> folders = {ProgramFolder(), ".", WinportFolder(),
+                                        WinportFolder() + "/" + WINPORT_PROGRAMS};
     const char* path = std::getenv("PATH");
     for (std::string_view rest = path != nullptr ? path : ""; !rest.empty();) {
         const std::size_t end = std::min(rest.find(':'), rest.size());

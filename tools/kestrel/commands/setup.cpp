@@ -34,8 +34,6 @@ constexpr std::array<WrittenWords, 3> kWrittenWords = {{
 // The status monitor that is built with this client, and the ending of its name behind the product's prefix.
 constexpr const char* kStatusMonitor = KESTREL_PRODUCT "MUI.exe";
 constexpr const char* kStatusMonitorEnding = "MUI.exe";
-// Loaded from beside the program that needs it; there is none on Windows.
-constexpr const char* kSystemLibrary = "libwinport.so";
 
 fs::path OwnFolder() {
     WCHAR path[MAX_PATH];
@@ -43,44 +41,59 @@ fs::path OwnFolder() {
     return fs::path(std::basic_string_view<WCHAR>(path, length)).parent_path();
 }
 
-// A file in use is not written to but replaced; whoever runs it keeps the old one.
-void CopyProgram(const fs::path& from, const fs::path& to) {
+// `make` makes the new file. One in use is not written to but replaced; whoever runs it keeps the old one.
+template <typename Make>
+void Place(const fs::path& from, const fs::path& to, Make make) {
     std::error_code error;
     if (fs::equivalent(from, to, error)) return;
     fs::path fresh = to;
     fresh += ".new";
     // Overwriting takes any two files for the same one in the C++ library of the Windows build.
     fs::remove(fresh, error);
-    fs::copy_file(from, fresh, error);
+    make(from, fresh, error);
     if (!error) fs::rename(fresh, to, error);
     if (!error) return;
-    throw Failure{ExitCode::OwnFault,
-                  fmt::format("{} cannot be copied to {}: {}", from.string(), to.string(), error.message()),
-                  "run `kestrel setup` with an account that may write to the driver directory",
-                  {},
-                  {},
-                  {}};
+    throw Failure{
+        ExitCode::OwnFault,
+        fmt::format("{} cannot be installed as {}: {}", from.string(), to.string(), error.message()),
+        "run `kestrel setup` with an account that may write to the driver directory",
+        {},
+        {},
+        {}};
+}
+
+// Beside this client, or in the folder of the programs that are started by programs. Empty when there is
+// none.
+fs::path FindStatusMonitor() {
+    std::error_code error;
+    for (const fs::path& folder : {OwnFolder(), OwnFolder() / KESTREL_HELPERS}) {
+        if (fs::exists(folder / kStatusMonitor, error)) return folder / kStatusMonitor;
+    }
+    return {};
 }
 
 // The library starts the program from the folder of the product configuration, by the name in it. Empty when
-// there is none beside this client.
+// there is none to install.
 fs::path InstallStatusMonitor(const std::string& product) {
-    const fs::path source = OwnFolder();
-    std::error_code error;
-    if (!fs::exists(source / kStatusMonitor, error)) return {};
-    const fs::path target = ConfigurationPath(product).parent_path();
-    fs::path program = target / (product + kStatusMonitorEnding);
-    if (fs::exists(source / kSystemLibrary, error))
-        CopyProgram(source / kSystemLibrary, target / kSystemLibrary);
-    CopyProgram(source / kStatusMonitor, program);
+    const fs::path source = FindStatusMonitor();
+    if (source.empty()) return {};
+    const fs::path folder = ConfigurationPath(product).parent_path();
+    fs::path program = folder / (product + kStatusMonitorEnding);
+    // A link, so that the program has the same one as all others, also after an update.
+    const fs::path library = platform::SystemLibrary();
+    if (!library.empty())
+        Place(library, folder / library.filename(), [](auto&... all) { fs::create_symlink(all...); });
+    Place(source, program, [](auto&... all) { fs::copy_file(all...); });
     return program;
 }
 
 void ReportStatusMonitor(const fs::path& program, Report& report) {
     if (program.empty()) {
         report.data["statusMonitor"] = nullptr;
-        report.text += fmt::format("no status monitor is installed: there is no {} beside this program\n",
-                                   kStatusMonitor);
+        report.text += fmt::format(
+            "no status monitor is installed: there is no {} beside this program or in its folder of "
+            "helpers\n",
+            kStatusMonitor);
         return;
     }
     report.data["statusMonitor"] = program.string();

@@ -1,10 +1,11 @@
-// The library found beside this program, and the failures of its calls.
+// The library beside this program or installed, and the failures of its calls.
 #include "kestrel/printer/library.h"
 
 #include <fmt/core.h>
 
 #include <vector>
 
+#include "kestrel/platform.h"
 #include "kestrel/text/text.h"
 
 namespace cli {
@@ -14,14 +15,20 @@ constexpr DWORD kLongestPath = 32768;
 // The longest reply that the channel carries, and its terminator.
 constexpr size_t kReplyUnits = 65792;
 
-WideText ProgramFolder() {
+// Null: this program.
+WideText FileOf(HMODULE module) {
     WideText path(MAX_PATH, 0);
-    DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    DWORD length = GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
     while (length >= path.size() && path.size() < kLongestPath) {
         path.resize(path.size() * 2);
-        length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+        length = GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
     }
     path.resize(length);
+    return path;
+}
+
+WideText ProgramFolder() {
+    const WideText path = FileOf(nullptr);
     const size_t separator = path.find_last_of(TEXT("\\/"));
     return separator == WideText::npos ? WideText() : path.substr(0, separator + 1);
 }
@@ -29,15 +36,20 @@ WideText ProgramFolder() {
 }  // namespace
 
 Library::Library(const std::string& product) {
-    const WideText file = ProgramFolder() + WideArgument(product + "SDK.dll", "product");
-    path_ = Utf8FromWide(file);
-    module_.reset(LoadLibraryW(file.c_str()));
+    const WideText beside = ProgramFolder() + WideArgument(product + "SDK.dll", "product");
+    path_ = Utf8FromWide(beside);
+    module_.reset(LoadLibraryW(beside.c_str()));
+    const std::string installed = platform::InstalledLibrary(product);
+    if (!module_ && !installed.empty() && GetLastError() == ERROR_MOD_NOT_FOUND)
+        module_.reset(LoadLibraryW(WideArgument(installed, "product").c_str()));
+    if (module_) path_ = Utf8FromWide(FileOf(module_.get()));
     if (module_) return;
 
     Failure failure =
         FailureFromCode(GetLastError(), fmt::format("cannot load the library {}", path_), Exchange::Write);
     failure.exit = ExitCode::OwnFault;
-    failure.advice = "put the product's library beside this program, or name another product with --product";
+    failure.advice =
+        "install the product's library or put it beside this program, or name another product with --product";
     throw failure;
 }
 

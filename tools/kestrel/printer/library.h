@@ -13,7 +13,7 @@
 
 namespace cli {
 
-// The product's library, loaded from the folder of this program.
+// The product's library, loaded from the folder of this program or from where the system keeps libraries.
 class Library final {
   public:
     // Throws when there is no such library, or the system refuses to load it.

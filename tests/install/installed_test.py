@@ -1,0 +1,113 @@
+#!/usr/bin/env python3
+"""What a programmer has who installs the product: installed_test.py PREFIX [Case.test]. All is done outside the tree."""
+import pathlib
+import sys
+import tempfile
+import unittest
+
+sys.dont_write_bytecode = True  # the source folder stays as it is
+import readme_examples
+from installed import PRINTER, Installed, run
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+PREFIX = pathlib.Path(sys.argv[1])
+STRICT = "-Wall -Wextra -Wpedantic -Werror"
+TEN_LINES = """cmake_minimum_required(VERSION 3.25)
+project(Ten LANGUAGES C CXX)
+find_package(KestrelSDK 1.0 REQUIRED)
+foreach(language c cpp)
+  add_executable(${language} ten.${language})
+  target_link_libraries(${language} PRIVATE kestrel::sdk)
+endforeach()
+"""
+
+INF = """[Version]
+Signature = "$Windows NT$"
+Class = Printer
+[Manufacturer]
+"Kestrel" = Models, NTamd64, NTarm64
+[Models]
+"ZRIJ9900 Series" = Driver
+[Driver]
+DriverFile = ZRIJ9900DRV.DLL
+DataFile = ZRIJ9900.INI
+ConfigFile = ZRIJ9900UI.DLL
+"""
+
+
+class Libraries(unittest.TestCase):
+    def test_carry_their_versions(self):
+        folder = Installed(PREFIX).libraries
+        for name, node in (("ZRIJ9900SDK", "ZRIJ9900SDK_1"), ("winport", "WINPORT_1")):
+            file = folder / f"lib{name}.so"
+            self.assertEqual({f"lib{name}.so.1.0.0"}, {(folder / f"lib{name}.so{end}").resolve().name for end in ("", ".1")})
+            self.assertRegex(run("objdump", "-p", file), rf"SONAME +lib{name}\.so\.1\n")
+            exported = run("nm", "-D", "--defined-only", file).split("\n")[:-1]
+            self.assertGreater(len(exported), 100)
+            self.assertEqual([], [line for line in exported if not line.endswith((f"@@{node}", f" A {node}"))])
+
+
+class WithPrinter(unittest.TestCase):
+    """A printer that runs, and an empty folder."""
+
+    def setUp(self):
+        self.product = self.enterContext(Installed(PREFIX))
+        self.folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory(prefix="outside-")))
+
+    def build(self, source):
+        """By CMake, against the installed package; gives the folder of the programs."""
+        made = self.folder / "made"
+        self.product.run("cmake", "-S", source, "-B", made, f"-DCMAKE_C_FLAGS={STRICT}", f"-DCMAKE_CXX_FLAGS={STRICT}")
+        self.product.run("cmake", "--build", made)
+        return made
+
+
+class Client(WithPrinter):
+    def test_finds_the_library_the_status_monitor_and_the_installer(self):
+        self.assertIn(str(self.product.libraries), self.product.run("kestrel", "version"))
+        self.product.run("kestrel", "-p", PRINTER, "status")
+        self.product.run("kestrel", "monitor", "show")
+        inf = self.product.write("second.inf", INF)
+        self.product.run("kestrel", "install", "printer", "Second", inf, "ZRIJ9900 Series", "USB001")
+        self.assertIn("Second", self.product.run("kestrel", "printers"))
+
+
+class Programs(WithPrinter):
+    def test_of_ten_lines_are_built_by_pkg_config_and_by_cmake(self):
+        program = next(text for language, text in readme_examples.examples() if language == "c")
+        for name in ("ten.c", "ten.cpp"):
+            (self.folder / name).write_text(program)
+        for compiler, name in (("cc -std=c11", "ten.c"), ("c++ -std=c++17", "ten.cpp")):
+            self.product.run("/bin/sh", "-c", f"{compiler} {STRICT} {name} {readme_examples.PACKAGE} -o ten", cwd=self.folder)
+            self.assertRegex(self.product.run(self.folder / "ten"), r"\d")
+        (self.folder / "CMakeLists.txt").write_text(TEN_LINES)
+        made = self.build(self.folder)
+        for name in ("c", "cpp"):
+            self.assertRegex(self.product.run(made / name), r"\d")
+
+
+class Examples(WithPrinter):
+    def test_do_what_they_say(self):
+        made = self.build(ROOT / "examples")
+        client = lambda *words: self.product.run("kestrel", "-p", PRINTER, *words)
+        example = lambda name, *words: self.product.run(made / name, *words)
+
+        client("set", "device.name", "Zo\u00eb")
+        self.assertRegex(example("read_settings", PRINTER), r"(?s)fax redials: 3\n.*name: Zo\u00eb\n")
+        self.assertEqual("fax redials: 7\n", example("change_setting", "7"))
+        self.assertEqual("7", client("get", "--quiet", "fax.redials").strip()[-1])
+        with self.assertRaisesRegex(AssertionError, "the printer does not take this number: "):
+            example("change_setting", "200")
+        with self.assertRaisesRegex(AssertionError, "cannot be selected: there is no such printer"):
+            example("read_settings", "nobody")
+        self.assertRegex(example("address_book", "7", "Head office", "0301234567"), r" 7  fax    Head office: 0301234567\n")
+        self.assertIn("Head office", client("addressbook", "export"))
+        self.assertRegex(example("watch_status", "1"), r"^state \d+: .+\n$")
+
+        self.product.write("control.json", '{"*": {"upgrade.seconds": 1}}')
+        firmware = self.product.write("new.fw", "ZRFW 1 9900.2210.420\n")
+        self.assertRegex(example("upgrade_firmware", firmware), r"before: .*\nafter: .*9900\.2210\.420")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], *sys.argv[2:]])
