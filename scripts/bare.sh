@@ -36,7 +36,9 @@ in_bare_system() {
         mount -t tmpfs -o mode=1777 tmpfs "$1/dev/shm"
         mount -t devpts -o newinstance,ptmxmode=666,mode=620,gid=5 devpts "$1/dev/pts"
         mount --bind "$2" "$1/var/cache/apt/archives"
-        exec chroot "$1" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin TERM=dumb runuser -l "$3" -c "$4" </dev/null
+        code=0
+        chroot "$1" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin TERM=dumb runuser -l "$3" -c "$4" </dev/null || code=$?
+        exit $code  # not replaced by the command: the first process has to bury orphans
     ' sh "$bare_root" "$BARE/archives" "$1" "$2"
 }
 

@@ -3,12 +3,13 @@
 still being made is one behind the last release, with the day."""
 import email.utils
 import os
-import pathlib
 import re
+import sys
 import textwrap
 import time
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent
+sys.dont_write_bytecode = True
+from project import ROOT, VERSION
 
 
 def newest_changes():
@@ -26,9 +27,7 @@ def newest_changes():
 def main():
     released, entries = newest_changes()
     when = int(os.environ["SOURCE_DATE_EPOCH"])
-    version = re.search(r"project\(KestrelSDK VERSION ([\d.]+)", (ROOT / "CMakeLists.txt").read_text())[1]
-    if not released:
-        version += time.strftime("+git%Y%m%d", time.gmtime(when))
+    version = VERSION if released else VERSION + time.strftime("+git%Y%m%d", time.gmtime(when))
     maintainer = re.search(r"^Maintainer: (.*)$", (ROOT / "debian/control").read_text(), re.M)[1]
     print(f"kestrel-sdk ({version}) unstable; urgency=medium\n")
     for entry in entries:

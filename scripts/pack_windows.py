@@ -5,15 +5,13 @@ $SOURCE_DATE_EPOCH."""
 import hashlib
 import os
 import pathlib
-import re
 import sys
 import time
 import zipfile
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent
-CMAKE = (ROOT / "CMakeLists.txt").read_text()
-VERSION = re.search(r"project\(KestrelSDK VERSION ([\d.]+)", CMAKE)[1]
-PRODUCT = re.search(r'set\(KESTREL_PRODUCT "(\w+)"', CMAKE)[1]
+sys.dont_write_bytecode = True
+from project import PRODUCT, ROOT, VERSION
+
 # Zips know no time before 1980.
 WHEN = time.gmtime(max(int(os.environ["SOURCE_DATE_EPOCH"]), 315532800))[:6]
 
@@ -66,11 +64,14 @@ def content_types(names):
 
 
 def nuget_files(trees):
-    """Headers and import libraries for C and C++, the libraries where .NET looks for a system's own."""
-    files = {"README.md": trees["x64"]["README.md"], "LICENSE": trees["x64"]["LICENSE"]}
+    """Headers and import libraries for C and C++, the libraries where .NET looks for a system's own, and the C# sources."""
+    places = {"README.md": "README.md", "LICENSE": "LICENSE", "include/": "build/native/include/",
+              "share/kestrel-sdk/csharp/": "contentFiles/cs/any/KestrelSDK/"}
+    files = {}
     for name, content in trees["x64"].items():
-        if name.startswith("include/"):
-            files[f"build/native/{name}"] = content
+        for source, target in places.items():
+            if name.startswith(source):
+                files[target + name.removeprefix(source)] = content
     for word_size, tree in trees.items():
         files[f"build/native/lib/win-{word_size}/{PRODUCT}SDK.lib"] = tree[f"lib/{PRODUCT}SDK.lib"]
         for ending in ("", ".debug"):

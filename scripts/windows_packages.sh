@@ -47,15 +47,37 @@ try_zip() {
     wait $printer || :
 }
 
+# try_nuget PACKAGE: what its targets do in a build; what they tell the compiler and the linker, tests/package reads.
+try_nuget() {
+    local project="$strangers/nuget" platform
+    python3 -m zipfile -e "$1" "$project"
+    cat >"$project/some.proj" <<'END'
+<Project DefaultTargets="Build" ToolsVersion="4.0" xmlns="http://schemas.microsoft.com/developer/msbuild/2003">
+  <PropertyGroup><OutDir>out/$(Platform)/</OutDir></PropertyGroup>
+  <Import Project="build/native/KestrelSDK.targets" />
+  <Target Name="PrepareForBuild" />
+  <Target Name="Build" DependsOnTargets="PrepareForBuild" />
+</Project>
+END
+    for platform in x64 Win32; do xbuild /nologo /verbosity:quiet /p:Platform=$platform "$project/some.proj"; done
+    cmp "$project"/out/x64/*SDK.dll "$strangers"/win64/bin/*SDK.dll
+    cmp "$project"/out/Win32/*SDK.dll "$strangers"/win32/bin/*SDK.dll
+    if xbuild /nologo /p:Platform=ARM64 "$project/some.proj" >"$project/log"; then return 1; fi
+    grep -q 'no library for the platform ARM64' "$project/log"
+    echo "passed   NuGet: a project gets the library of its platform"
+}
+
 windows_packages() {
-    install_packages "${BUILD_PACKAGES[@]}" "${WINDOWS_BUILD_PACKAGES[@]}" llvm python3
+    install_packages "${BUILD_PACKAGES[@]}" "${WINDOWS_BUILD_PACKAGES[@]}" llvm mono-xbuild python3
     export SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null || stat -c %Y CHANGELOG.md)}
     local folder="$PACKAGES/windows" preset
     rm -rf "$folder"
     mkdir -p "$folder"
-    CMAKE_EXTRA=()
     for preset in win32 win64; do
-        build_preset "$preset" kestrel_sdk kestrel kestrel-vprinter kestrel_statusmon
+        # What was configured for the tests stays so.
+        CMAKE_EXTRA=()
+        [ -f "build/$preset/CMakeCache.txt" ] || CMAKE_EXTRA=(-DKESTREL_TESTS=OFF)
+        build_preset "$preset"
         stage "$preset" "$folder/$preset"
     done
     say "Packing"
@@ -69,4 +91,5 @@ windows_packages() {
     trap 'stop_wine; rm -rf "$strangers"' EXIT
     start_wine
     for preset in win32 win64; do try_zip "$preset" "$folder"/*-windows-"${WORD_SIZES[$preset]}".zip; done
+    try_nuget "$folder"/*.nupkg
 }
