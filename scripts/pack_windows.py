@@ -1,7 +1,7 @@
 #!/usr/bin/python3
-"""Packs what was installed of both Windows builds: pack_windows.py TARGET_FOLDER X86_FOLDER X64_FOLDER. Makes a zip for each word
-size with the checksums of its files, and a package for NuGet. The same input gives the same bytes; the time of all files is
-$SOURCE_DATE_EPOCH."""
+"""Packs what was installed of both Windows builds: pack_windows.py TARGET_FOLDER X86_FOLDER X64_FOLDER. Makes a zip for
+each word size with the checksums of its files, and a package for NuGet. The same input gives the same bytes; the time of
+all files is $SOURCE_DATE_EPOCH."""
 import hashlib
 import os
 import pathlib
@@ -59,12 +59,14 @@ def content_types(names):
     lines = [f'  <Default Extension="{ending}" ContentType="{CONTENT_TYPES.get(ending, octets)}" />'
              for ending in sorted(endings)]
     lines += [f'  <Override PartName="/{name}" ContentType="{octets}" />' for name in sorted(plain)]
-    return "\n".join(['<?xml version="1.0" encoding="utf-8"?>',
-                      '<Types xmlns="http://schemas.openxmlformats.org/package/2006/content-types">', *lines, "</Types>\n"])
+    head = """<?xml version="1.0" encoding="utf-8"?>
+<Types xmlns="http://schemas.openxmlformats.org/package/2006/content-types">
+"""
+    return head + "\n".join(lines) + "\n</Types>\n"
 
 
 def nuget_files(trees):
-    """Headers and import libraries for C and C++, the libraries where .NET looks for a system's own, and the C# sources."""
+    """Headers and import libraries for C and C++, libraries where .NET looks for a system's own, and the C# sources."""
     places = {"README.md": "README.md", "LICENSE": "LICENSE", "include/": "build/native/include/",
               "share/kestrel-sdk/csharp/": "contentFiles/cs/any/KestrelSDK/"}
     files = {}
@@ -77,8 +79,8 @@ def nuget_files(trees):
         for ending in ("", ".debug"):
             library = f"{PRODUCT}SDK.dll{ending}"
             files[f"runtimes/win-{word_size}/native/{library}"] = tree[f"bin/{library}"]
-    for template, name in (("KestrelSDK.nuspec", "KestrelSDK.nuspec"), ("KestrelSDK.targets", "build/native/KestrelSDK.targets")):
-        text = (ROOT / "packaging/nuget" / template).read_text()
+    for name in ("KestrelSDK.nuspec", "build/native/KestrelSDK.targets"):
+        text = (ROOT / "packaging/nuget" / pathlib.Path(name).name).read_text()
         files[name] = text.replace("@VERSION@", VERSION).replace("@PRODUCT@", PRODUCT)
     files["_rels/.rels"] = RELATIONSHIPS
     files["package/services/metadata/core-properties/kestrel.psmdcp"] = PROPERTIES

@@ -1,5 +1,5 @@
-# Sourced by package: zips of both Windows builds and a package for NuGet, made and used by a stranger's program. Expects
-# to be sourced from the repository's root.
+# Sourced by package: zips of both Windows builds and a package for NuGet, made, and used by a stranger's program.
+# Expects to be sourced from the repository's root.
 source scripts/windows.sh
 
 declare -A TRIPLES=([win32]=i686-w64-mingw32 [win64]=x86_64-w64-mingw32)

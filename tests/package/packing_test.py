@@ -15,7 +15,8 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
 from project import PRODUCT, ROOT, VERSION
 
 INSTALLED = ("README.md", "LICENSE", "include/kestrel/sdk.h", "bin/kestrel.exe", f"bin/{PRODUCT}SDK.dll",
-             f"bin/{PRODUCT}SDK.dll.debug", f"lib/lib{PRODUCT}SDK.dll.a", f"lib/{PRODUCT}SDK.lib", f"lib/{PRODUCT}SDK.def")
+             f"bin/{PRODUCT}SDK.dll.debug", f"lib/lib{PRODUCT}SDK.dll.a", f"lib/{PRODUCT}SDK.lib",
+             f"lib/{PRODUCT}SDK.def")
 
 
 def run(*command, **options):
