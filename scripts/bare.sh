@@ -32,6 +32,7 @@ close_bare_system() { as_root rm -rf --one-file-system "$bare_root"; }
 # their own, which end with it, however it ends.
 in_bare_system() {
     as_root unshare --mount --pid --ipc --fork --kill-child sh -euc '
+        mount --bind "$1" "$1"  # a root folder is a mount point everywhere
         mount -t proc proc "$1/proc"
         mount -t tmpfs -o mode=1777 tmpfs "$1/dev/shm"
         mount -t devpts -o newinstance,ptmxmode=666,mode=620,gid=5 devpts "$1/dev/pts"
@@ -77,6 +78,7 @@ END
         echo $$ >"$group/cgroup.procs"
         code=0
         unshare --mount --pid --ipc --uts --cgroup --fork --kill-child sh -euc "
+            mount --bind \"\$1\" \"\$1\"
             mount -t proc proc \"\$1/proc\"
             mount -t sysfs sysfs \"\$1/sys\"
             mount -t cgroup2 cgroup2 \"\$1/sys/fs/cgroup\"
