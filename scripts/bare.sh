@@ -84,6 +84,7 @@ END
             mount -t cgroup2 cgroup2 \"\$1/sys/fs/cgroup\"
             mount -t tmpfs -o mode=1777 tmpfs \"\$1/dev/shm\"
             mount -t tmpfs tmpfs \"\$1/run\"
+            mount -t tmpfs -o mode=1777 tmpfs \"\$1/tmp\"
             exec chroot \"\$1\" env -i container=other PATH=/usr/sbin:/usr/bin:/sbin:/bin \
                 /lib/systemd/systemd --system --unit=trial.service
         " sh "$1" </dev/null || code=$?

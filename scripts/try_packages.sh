@@ -19,7 +19,7 @@ check() {
     fi
 }
 
-# Of the whole system, but for what dpkg and apt write about their own work, and the cache of the linker.
+# Of the whole system, but for what dpkg and apt write about their own work, caches, and our own.
 list_files() {
     as_root find "$bare_root" -mindepth 1 -printf '/%P %y %m %u:%g\n' | sort |
         grep -vE '^/(var/(log|cache|lib/(dpkg|apt))|trial|proc|etc/ld.so.cache|etc/systemd/system/trial.service)\b'
@@ -52,6 +52,7 @@ try_packages() {
     in_bare_system root "apt-get update -qq && apt-get install -qq --no-install-recommends ${TRIAL_PACKAGES[*]} \
         >/dev/null && useradd --create-home --shell /bin/bash $ACCOUNT"
 
+    boot_bare_system /bin/true  # init leaves files at its first start
     list_files >"$BARE/before"
     check "they are installed" in_bare_system root "apt-get install -qq /trial/*.deb >/dev/null"
     check "command line" test_in_session command-line
