@@ -1,7 +1,7 @@
 # Sourced by package: its packages as strangers meet them. Expects to be sourced from the repository's root.
 
-# What the tests need besides, and an account's own part.
-TRIAL_PACKAGES=(gcc libc6-dev pkg-config man-db bash-completion systemd)
+# What the tests need besides, and what apt would keep since others suggest it; and the account that runs them.
+TRIAL_PACKAGES=(gcc libc6-dev pkg-config man-db bash-completion systemd python3)
 ACCOUNT=somebody
 passed=0 failed=0
 
