@@ -4,11 +4,18 @@
 BARE="$PWD/build/bare"
 BARE_SYSTEM="$BARE/debian-12.tar"
 
-# Made once. What is installed in it comes from the network once as well: the packages are kept.
+# Made once, also by two scripts that run side by side.
 make_bare_system() {
     install_packages mmdebstrap
-    mkdir -p "$BARE/archives/partial"
-    [ ! -e "$BARE_SYSTEM" ] || return 0
+    mkdir -p "$BARE"
+    local lock
+    exec {lock}>"$BARE/lock"
+    flock $lock
+    [ -e "$BARE_SYSTEM" ] || download_bare_system
+    exec {lock}>&-
+}
+
+download_bare_system() {
     say "Making a bare Debian 12 (two to three minutes)"
     local debian=http://deb.debian.org/debian
     as_root mmdebstrap --quiet --variant=minbase bookworm "$BARE_SYSTEM.new" "deb $debian bookworm main" \
@@ -16,11 +23,12 @@ make_bare_system() {
     as_root mv "$BARE_SYSTEM.new" "$BARE_SYSTEM"
 }
 
-# open_bare_system NAME: sets bare_root to the folder of a fresh one. There is one at a time.
+# open_bare_system NAME: sets bare_root to the folder of a fresh one. What is installed in it comes from the network
+# once: the packages are kept for the next of that name.
 open_bare_system() {
     bare_root="$BARE/$1"
     close_bare_system
-    mkdir "$bare_root"
+    mkdir -p "$bare_root" "$bare_root.archives/partial"
     as_root tar -xpf "$BARE_SYSTEM" --numeric-owner -C "$bare_root"
     as_root cp /etc/resolv.conf "$bare_root/etc/"
 }
@@ -40,7 +48,7 @@ in_bare_system() {
         code=0
         chroot "$1" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin TERM=dumb runuser -l "$3" -c "$4" </dev/null || code=$?
         exit $code  # not replaced by the command: the first process has to bury orphans
-    ' sh "$bare_root" "$BARE/archives" "$1" "$2"
+    ' sh "$bare_root" "$bare_root.archives" "$1" "$2"
 }
 
 # copy_checkout FOLDER: what belongs to the source, and no build.

@@ -37,7 +37,7 @@ test_after_boot() {
 purge_leaves_nothing() {
     in_bare_system root "apt-get purge -qq --autoremove $(cd "$PACKAGES/debian" && echo ./*.deb |
         sed 's#\./\([^_ ]*\)_[^ ]*#\1#g') >/dev/null"
-    list_files | diff "$BARE/before" -
+    list_files | diff "$bare_root.before" -
 }
 
 try_packages() {
@@ -53,7 +53,7 @@ try_packages() {
         >/dev/null && useradd --create-home --shell /bin/bash $ACCOUNT"
 
     boot_bare_system /bin/true  # init leaves files at its first start
-    list_files >"$BARE/before"
+    list_files >"$bare_root.before"
     check "they are installed" in_bare_system root "apt-get install -qq /trial/*.deb >/dev/null"
     check "command line" test_in_session command-line
     check "C program" test_in_session c-program
