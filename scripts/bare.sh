@@ -18,7 +18,7 @@ make_bare_system() {
 download_bare_system() {
     say "Making a bare Debian 12 (two to three minutes)"
     local debian=http://deb.debian.org/debian
-    as_root mmdebstrap --quiet --variant=minbase bookworm "$BARE_SYSTEM.new" "deb $debian bookworm main" \
+    as_root mmdebstrap --quiet --format=tar --variant=minbase bookworm "$BARE_SYSTEM.new" "deb $debian bookworm main" \
         "deb $debian bookworm-updates main" "deb $debian-security bookworm-security main"
     as_root mv "$BARE_SYSTEM.new" "$BARE_SYSTEM"
 }
