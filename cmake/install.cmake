@@ -5,6 +5,8 @@ include(CMakePackageConfigHelpers)
 kestrel_installed_in("${CMAKE_INSTALL_BINDIR}" kestrel kestrel-vprinter)
 install(TARGETS kestrel kestrel-vprinter RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 kestrel_installed_in("${KESTREL_HELPERDIR}" kestrel_statusmon)
+# A copy of it lies beside the product configuration, with a link to its library.
+set_property(TARGET kestrel_statusmon APPEND PROPERTY INSTALL_RPATH "$ORIGIN")
 install(TARGETS kestrel_statusmon RUNTIME DESTINATION "${KESTREL_HELPERDIR}")
 kestrel_installed_in("${CMAKE_INSTALL_LIBDIR}" kestrel_sdk)
 install(TARGETS kestrel_sdk EXPORT KestrelSDK

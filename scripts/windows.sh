@@ -54,8 +54,8 @@ find_runnable() {
     fi
 }
 
-# By preset: what ctest is told besides. The emulator itself fails where many threads meet, and now and then elsewhere.
-declare -A RUN_OPTIONS=()
+# By preset: what ctest is told besides, and what that leaves out, in words.
+declare -A RUN_OPTIONS=() NOT_RUN=()
 
 can_run() { [[ " ${RUNNABLE[*]} " == *" $1 "* ]]; }
 
@@ -76,8 +76,14 @@ emulate_32_bit() {
     gcc -m32 -O2 -fPIC -fno-stack-protector -nostdlib -shared -o "$low/wine_in_qemu.so" \
         scripts/emulation/wine_in_qemu.c || return 1
     gcc -nostdlib -shared -x c -o "$high/wine_in_qemu.so" /dev/null || return 1
+    # A process in which two threads are at work beside the first crashes in the emulator, nearly every time; now and
+    # then it fails elsewhere too.
     local process='Settings|Exchange\.A_raw'
-    RUN_OPTIONS[win32]="--repeat until-pass:3 -E __not_on_Wine -R ^(unit|contract|process\.($process)|api\.(header|package|library))"
+    local threads='Each_set_of_an_auto_reset|One_thread_at_a_time|Keep_threads_apart|Threads_write_side_by_side'
+    RUN_OPTIONS[win32]="--repeat until-pass:3 -E __not_on_Wine|$threads
+        -R ^(unit|contract|process\.($process)|api\.(header|package|library))"
+    NOT_RUN[win32]="most of the process suite, and the contract's cases of several threads at once (${threads//|/, }): \
+QEMU cannot run them; a machine that starts 32-bit programs itself can"
     export WINE32_LAUNCHER="taskset -c 0"
     export QEMU_CPU=max QEMU_SET_ENV="LD_PRELOAD=$EMULATION/\$LIB/wine_in_qemu.so"
 }

@@ -30,6 +30,8 @@ try_zip() {
         return
     fi
 
+    export WINEPREFIX
+    WINEPREFIX=$(wine_prefix "$preset")
     scripts/wine.sh "$bin/kestrel-vprinter.exe" --port USB001 >"$strangers/printer" 2>&1 &
     printer=$!
     for _ in $(seq 300); do

@@ -25,7 +25,7 @@ class Installed:
         self.libraries = next(self.prefix.glob("lib*/**/libwinport.so")).parent
         # Nothing of the build: what is installed must find its parts by itself. Programs made outside need the path,
         # as for any library in a prefix of its own.
-        self.environment = {"PATH": f"{self.prefix}/bin:/usr/bin:/bin", "LANG": "C.UTF-8",
+        self.environment = {"PREFIX": str(self.prefix), "PATH": f"{self.prefix}/bin:/usr/bin:/bin", "LANG": "C.UTF-8",
                             "PKG_CONFIG_PATH": f"{self.libraries}/pkgconfig", "CMAKE_PREFIX_PATH": str(self.prefix)}
 
     def __enter__(self):

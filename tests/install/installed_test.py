@@ -95,7 +95,7 @@ class Examples(WithPrinter):
         client("set", "device.name", "Zo\u00eb")
         self.assertRegex(example("read_settings", PRINTER), r"(?s)fax redials: 3\n.*name: Zo\u00eb\n")
         self.assertEqual("fax redials: 7\n", example("change_setting", "7"))
-        self.assertEqual("7", client("get", "--quiet", "fax.redials").strip()[-1])
+        self.assertEqual("7", client("get", "fax.redials").strip()[-1])
         with self.assertRaisesRegex(AssertionError, "the printer does not take this number: "):
             example("change_setting", "200")
         with self.assertRaisesRegex(AssertionError, "cannot be selected: there is no such printer"):

@@ -11,12 +11,12 @@ class NothingLeftOpen final : public testing::EmptyTestEventListener {
   public:
     void OnTestStart(const testing::TestInfo&) override { before_ = OpenFiles(); }
     void OnTestEnd(const testing::TestInfo&) override {
-        for (const std::string& file : OpenFiles())
-            EXPECT_TRUE(before_.count(file) == 1) << "left open: " << file;
+        for (const auto& [identity, file] : OpenFiles())
+            EXPECT_TRUE(before_.contains(identity)) << "left open: " << file;
     }
 
   private:
-    std::set<std::string> before_;
+    std::map<std::string, std::string> before_;
 };
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include <stdlib.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 
@@ -16,15 +17,19 @@ void SetVariable(const char* name, const std::string& value) {
     setenv(name, value.c_str(), 1);
 }
 
-std::set<std::string> OpenFiles() {
-    std::set<std::string> files;
+std::map<std::string, std::string> OpenFiles() {
+    std::map<std::string, std::string> files;
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
         std::error_code gone;  // as the one of this very look
         const std::string file = std::filesystem::read_symlink(entry.path(), gone).string();
         const bool isKept =
             file.ends_with("/kernel/lock") || file.find("/state/registry.db") != std::string::npos;
-        if (!gone && !isKept && !file.ends_with("/fd"))
-            files.insert(entry.path().filename().string() + " is " + file);
+        struct stat status {};
+        const std::string number = entry.path().filename().string();
+        if (gone || isKept || file.ends_with("/fd") || fstat(std::stoi(number), &status) != 0) continue;
+        // Paths change with a test that mounts.
+        files[number + ' ' + std::to_string(status.st_dev) + ' ' + std::to_string(status.st_ino)] =
+            number + " is " + file;
     }
     return files;
 }

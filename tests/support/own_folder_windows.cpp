@@ -13,6 +13,6 @@ void SetVariable(const char* name, const std::string& value) {
     _putenv_s(name, value.c_str());
 }
 
-std::set<std::string> OpenFiles() {
+std::map<std::string, std::string> OpenFiles() {
     return {};
 }
