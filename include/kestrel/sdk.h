@@ -5,8 +5,8 @@
 //
 // Errors. Most functions return 1 for success and 0 for failure. After a failure the calling thread's
 // last-error value holds a code of sdk_errors.h, or another one of the system that is passed on unchanged; 0
-// where that is said. After a success it is 0 unless the function says otherwise. Programs without <windows.h>
-// read it by KestrelLastError of sdk_last_error.h, which is included on its own.
+// where that is said. After a success it is 0 unless the function says otherwise. Programs without
+// <windows.h> read it by KestrelLastError of sdk_last_error.h, which is included on its own.
 // GetLastBadResponse and GetLastResponseNum leave the last-error value alone, so they can be called before
 // it is read. What stands under "Errors" of a function are codes, and names of the groups of codes that
 // sdk_errors.h explains.

@@ -10,8 +10,8 @@
 // Sets a variable of this process's environment, for its run-time and the programs that it starts.
 void SetVariable(const char* name, const std::string& value);
 
-// What this process has open, by its identity, but for what it keeps from the first use to its end. On Windows
-// nothing: the system's own libraries open and close handles as they like.
+// What this process has open, by its identity, but for what it keeps from the first use to its end. On
+// Windows nothing: the system's own libraries open and close handles as they like.
 std::map<std::string, std::string> OpenFiles();
 
 // Made before the first Windows call. Where objects, registry and printers are the system's, suites run one

@@ -32,8 +32,8 @@ enum class WaitEnd { Time, Enter, Interrupt };
 // program's libraries always are.
 [[nodiscard]] std::string InstalledLibrary(const std::string& product);
 
-// The library that answers the Windows calls of this program, by the name that programs find it by; empty where the
-// system itself answers them.
+// The library that answers the Windows calls of this program, by the name that programs find it by; empty
+// where the system itself answers them.
 [[nodiscard]] std::filesystem::path SystemLibrary();
 
 // Ends the program at once: no library is unloaded, nothing is cleaned up, only what has been flushed is
