@@ -146,7 +146,7 @@ void ObjectFiles(std::string_view bytes) {
     UseAs(kind);
 }
 
-constexpr Target kTargets[] = {
+constexpr Target kFileTargets[] = {
     {"initialisation_file", InitialisationFile},
     {"product_configuration", ProductConfiguration},
     {"inf", SetupInformation},
@@ -157,7 +157,7 @@ constexpr Target kTargets[] = {
 }  // namespace
 
 std::span<const Target> FileTargets() {
-    return kTargets;
+    return kFileTargets;
 }
 
 }  // namespace fuzz

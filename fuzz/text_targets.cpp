@@ -142,7 +142,7 @@ void Requests(std::string_view bytes) {
     Require(total <= bytes.size(), "commands are parts of the request");
 }
 
-constexpr Target kTargets[] = {
+constexpr Target kTextTargets[] = {
     {"framer", Framer},        {"extraction", Extraction}, {"response_number", ResponseNumber},
     {"round_trip", RoundTrip}, {"requests", Requests},
 };
@@ -150,7 +150,7 @@ constexpr Target kTargets[] = {
 }  // namespace
 
 std::span<const Target> TextTargets() {
-    return kTargets;
+    return kTextTargets;
 }
 
 }  // namespace fuzz

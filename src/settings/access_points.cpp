@@ -46,13 +46,13 @@ void ReadSsid(const std::string& item, KestrelAccessPoint& record) {
     kwt::AsciiToWideBuffer(record.ssid, text.c_str(), sizeof(record.ssid));
 }
 
-struct Field {
+struct AccessPointField {
     std::string_view marker;
     void (*read)(const std::string& item, KestrelAccessPoint& record);
 };
 
 // A value cannot imitate a marker: its dots come escaped.
-constexpr Field kFields[] = {
+constexpr AccessPointField kAccessPointFields[] = {
     {"].MacAddr", ReadMac},
     {"].SignalStrength",
      [](const std::string& item, KestrelAccessPoint& record) {
@@ -76,7 +76,7 @@ constexpr Field kFields[] = {
 bool ReadItem(const std::string& item, KestrelAccessPoint* records) {
     uint32_t index = 0;
     if (!ReadItemIndex(item, KESTREL_MAX_ACCESS_POINTS, index)) return false;
-    for (const Field& field : kFields) {
+    for (const AccessPointField& field : kAccessPointFields) {
         if (item.find(field.marker) == std::string::npos) continue;
         field.read(item, records[index]);
         return true;

@@ -16,8 +16,8 @@ namespace {
 static_assert(sizeof(KestrelQuickDial) == 184 && offsetof(KestrelQuickDial, name) == 4 &&
               offsetof(KestrelQuickDial, address) == 84);
 
-constexpr opl::RecordField kFields[] = {opl::RecordField::AddressType, opl::RecordField::Name,
-                                        opl::RecordField::Address};
+constexpr opl::RecordField kDialFields[] = {opl::RecordField::AddressType, opl::RecordField::Name,
+                                            opl::RecordField::Address};
 
 // Unlike a setting's text, the device's word for "no text" is copied as it comes.
 bool TakePlainText(session::KestrelSDK& sdk, WCHAR* text, size_t sizeBytes, std::string_view reply) {
@@ -64,7 +64,7 @@ bool GetQuickDialNumbers(session::KestrelSDK& sdk, KestrelQuickDial* records, ui
     const session::RemainingTime time(timeoutMs);
     std::fill_n(records, KESTREL_SPEED_DIAL_RECORDS, KestrelQuickDial{});
     for (uint32_t index = 0; index < KESTREL_SPEED_DIAL_RECORDS; ++index) {
-        for (const opl::RecordField field : kFields) {
+        for (const opl::RecordField field : kDialFields) {
             if (!ReadField(sdk, opl::RecordList::SpeedDial, index, field, records[index],
                            time.Milliseconds()))
                 return false;
@@ -87,7 +87,7 @@ bool GetQuickDialButtons(session::KestrelSDK& sdk, KestrelQuickDial* records, ui
 bool GetQuickDialButton(session::KestrelSDK& sdk, uint32_t index, KestrelQuickDial* record,
                         uint32_t timeoutMs) {
     *record = {};
-    return std::ranges::all_of(kFields, [&](opl::RecordField field) {
+    return std::ranges::all_of(kDialFields, [&](opl::RecordField field) {
         return ReadField(sdk, opl::RecordList::OneTouch, index, field, *record, timeoutMs);
     });
 }

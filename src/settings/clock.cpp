@@ -17,14 +17,14 @@ struct ClockField {
 };
 
 // The order in which they are looked for in an item, and set.
-constexpr ClockField kFields[] = {
+constexpr ClockField kClockFields[] = {
     {opl::Key::DeviceTimeYear, &DeviceTime::year},     {opl::Key::DeviceTimeMonth, &DeviceTime::month},
     {opl::Key::DeviceTimeDay, &DeviceTime::day},       {opl::Key::DeviceTimeHour, &DeviceTime::hour},
     {opl::Key::DeviceTimeMinute, &DeviceTime::minute},
 };
 
 bool ReadItem(const std::string& item, DeviceTime& time) {
-    for (const ClockField& field : kFields) {
+    for (const ClockField& field : kClockFields) {
         if (item.find(opl::KeyText(field.key)) == std::string::npos) continue;
         int32_t number = 0;
         const bool read = opl::OPLParser::GetIntValue(item, number);
@@ -41,7 +41,7 @@ bool GetDeviceTime(session::KestrelSDK& sdk, DeviceTime& time, uint32_t timeoutM
     std::string_view reply;
     if (!sdk.Query(opl::Key::DeviceTime, reply, timeoutMs)) return false;
     std::vector<std::string> items;
-    if (!sdk.parser.SplitList(reply, items) || items.size() != std::size(kFields)) return false;
+    if (!sdk.parser.SplitList(reply, items) || items.size() != std::size(kClockFields)) return false;
     for (const std::string& item : items) {
         if (!ReadItem(item, time)) return false;
     }
@@ -51,7 +51,7 @@ bool GetDeviceTime(session::KestrelSDK& sdk, DeviceTime& time, uint32_t timeoutM
 bool SetDeviceTime(session::KestrelSDK& sdk, const DeviceTime& time, uint32_t timeoutMs) {
     const session::RemainingTime remaining(timeoutMs);
     std::string& request = sdk.NewRequest();
-    for (const ClockField& field : kFields)
+    for (const ClockField& field : kClockFields)
         sdk.builder.AppendSetInt(request, field.key, static_cast<int32_t>(time.*field.value));
     if (!SetValue(sdk, request, timeoutMs)) return false;
     uint32_t left = 0;

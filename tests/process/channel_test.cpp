@@ -17,8 +17,8 @@ using Clock = std::chrono::steady_clock;
 using ipc::ChannelRole;
 using std::chrono::milliseconds;
 
-constexpr uint32_t kShort = 100;
-constexpr uint32_t kLong = 5000;
+constexpr uint32_t kBrief = 100;
+constexpr uint32_t kPatience = 5000;
 
 struct Received {
     std::string text;
@@ -40,14 +40,14 @@ class Channel : public testing::Test {
         ASSERT_TRUE(Open(client_, capacity));
     }
 
-    uint32_t Send(const std::string& text, uint32_t timeout = kLong) {
+    uint32_t Send(const std::string& text, uint32_t timeout = kPatience) {
         return client_.Send(text.data(), static_cast<uint32_t>(text.size()), timeout);
     }
-    uint32_t ErrorOfSend(const std::string& text, uint32_t timeout = kLong) {
+    uint32_t ErrorOfSend(const std::string& text, uint32_t timeout = kPatience) {
         EXPECT_EQ(0u, Send(text, timeout));
         return GetLastError();
     }
-    Received Receive(uint32_t timeout = kLong, uint32_t size = 300) {
+    Received Receive(uint32_t timeout = kPatience, uint32_t size = 300) {
         std::string buffer(size, '\0');
         const uint32_t bytes = client_.Receive(buffer.data(), size, timeout);
         return {buffer.substr(0, bytes), GetLastError()};
@@ -58,7 +58,7 @@ class Channel : public testing::Test {
         server_.Begin("receive 5000");
         const HANDLE idle = CreateEventW(
             nullptr, TRUE, FALSE, (TEXT("Global\\") + client_.GetName() + TEXT("ServerIdleEvent")).c_str());
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(idle, kLong));
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(idle, kPatience));
         CloseHandle(idle);
         server_.Process().Stop();
         EXPECT_EQ(request.size(), Send(request));
@@ -98,15 +98,15 @@ TEST_F(OpenChannel, A_request_of_the_capacity_goes_whole_and_a_longer_one_is_cut
 TEST_F(Channel, Nobody_serves_gives_1460_after_the_time_out_and_frees_the_transaction) {
     ASSERT_TRUE(Open(client_, 200));
     const auto start = Clock::now();
-    EXPECT_EQ(1460u, ErrorOfSend("x", kShort));
-    EXPECT_GE(Clock::now() - start, milliseconds(kShort));
+    EXPECT_EQ(1460u, ErrorOfSend("x", kBrief));
+    EXPECT_GE(Clock::now() - start, milliseconds(kBrief));
     OpenBoth();
     ExpectExchange("now", "served");
 }
 
 TEST_F(Channel, A_closed_channel_gives_110) {
-    EXPECT_EQ(110u, ErrorOfSend("x", kShort));
-    EXPECT_EQ(110u, Receive(kShort).error);
+    EXPECT_EQ(110u, ErrorOfSend("x", kBrief));
+    EXPECT_EQ(110u, Receive(kBrief).error);
     client_.Cancel();
     EXPECT_EQ(110u, GetLastError());
 }
@@ -189,11 +189,11 @@ TEST_F(OpenChannel, Cancel_withdraws_an_unread_request_of_whoever_posted_it) {
 TEST_F(OpenChannel, A_late_reply_is_taken_for_an_answer_once_the_next_request_is_out) {
     // The protocol has no sequence numbers; this is why a counterpart drops what was given up.
     Ask("given-up");
-    EXPECT_EQ(1460u, Receive(kShort).error);
+    EXPECT_EQ(1460u, Receive(kBrief).error);
     server_.Do("send early 1000");
     ExpectExchange("next", "right");
     Ask("given-up");
-    EXPECT_EQ(1460u, Receive(kShort).error);
+    EXPECT_EQ(1460u, Receive(kBrief).error);
     Ask("next");
     server_.Do("send late 1000");
     EXPECT_EQ("late", Receive().text);
@@ -207,7 +207,7 @@ TEST_F(OpenChannel, The_dispatch_thread_serves_and_others_are_refused_with_32) {
     }
     EXPECT_EQ(32u, server_.Do("receive 100").error);
     server_.Do("close");
-    EXPECT_EQ(1460u, ErrorOfSend("gone", kShort));
+    EXPECT_EQ(1460u, ErrorOfSend("gone", kBrief));
 }
 
 // What both sides share, against numbers: a change here breaks every other module of the product.

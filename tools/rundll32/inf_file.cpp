@@ -15,13 +15,13 @@ namespace printui {
 
 namespace {
 
-constexpr const char* kAdvice = "Give the path of the driver's .INF file with /f.";
+constexpr const char* kPathAdvice = "Give the path of the driver's .INF file with /f.";
 constexpr uintmax_t kLargestFile = uintmax_t{16} << 20;  // bytes
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 
 [[noreturn]] void Refuse(const std::string& path, const char* reason) {
-    throw Refusal{fmt::format("cannot read \"{}\": {}.", path, reason), kAdvice};
+    throw Refusal{fmt::format("cannot read \"{}\": {}.", path, reason), kPathAdvice};
 }
 
 std::string ReadBytes(const std::string& path) {

@@ -18,7 +18,7 @@ class FileObject final : public KernelObject {
     Descriptor file_;
 };
 
-HANDLE Fail(DWORD error) {
+HANDLE NoFile(DWORD error) {
     SetLastError(error);
     return INVALID_HANDLE_VALUE;
 }
@@ -32,13 +32,13 @@ using namespace winport;
 // The share mode is taken and not enforced: other programs of the system would not heed it.
 HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD, LPSECURITY_ATTRIBUTES, DWORD disposition, DWORD flags,
                    HANDLE templateFile) {
-    if (path == nullptr) return Fail(ERROR_PATH_NOT_FOUND);
-    if (disposition != OPEN_EXISTING || templateFile != nullptr) return Fail(ERROR_INVALID_PARAMETER);
-    if (flags != 0 && flags != FILE_ATTRIBUTE_NORMAL) return Fail(ERROR_INVALID_PARAMETER);
-    if (access != GENERIC_READ) return Fail(ERROR_ACCESS_DENIED);
+    if (path == nullptr) return NoFile(ERROR_PATH_NOT_FOUND);
+    if (disposition != OPEN_EXISTING || templateFile != nullptr) return NoFile(ERROR_INVALID_PARAMETER);
+    if (flags != 0 && flags != FILE_ATTRIBUTE_NORMAL) return NoFile(ERROR_INVALID_PARAMETER);
+    if (access != GENERIC_READ) return NoFile(ERROR_ACCESS_DENIED);
     DWORD error = ERROR_SUCCESS;
     Descriptor file = OpenForReading(path, error);
-    if (!file) return Fail(error);
+    if (!file) return NoFile(error);
     // The reference keeps the object for the case that there is no room for a handle.
     const ObjectReference object(std::make_unique<FileObject>(std::move(file)).release());
     const HANDLE handle = OpenHandle(object.Get());

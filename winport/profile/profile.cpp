@@ -23,7 +23,7 @@ bool HasFolder(std::u16string_view path) {
     return path.find_first_of(u"\\/") != std::u16string_view::npos;
 }
 
-std::optional<std::u16string> Fail(DWORD error) {
+std::optional<std::u16string> NoText(DWORD error) {
     SetLastError(error);
     return std::nullopt;
 }
@@ -31,13 +31,13 @@ std::optional<std::u16string> Fail(DWORD error) {
 // The whole text; nothing with the last-error value set when it cannot be read. Success sets 0, as an open
 // does.
 std::optional<std::u16string> ReadProfile(LPCWSTR path) {
-    if (path == nullptr || !HasFolder(path)) return Fail(ERROR_FILE_NOT_FOUND);
+    if (path == nullptr || !HasFolder(path)) return NoText(ERROR_FILE_NOT_FOUND);
     DWORD error = ERROR_SUCCESS;
     const Descriptor file = OpenForReading(path, error);
-    if (!file) return Fail(error);
+    if (!file) return NoText(error);
     const auto bytes = ReadUpTo(file, kMaxFileBytes + 1);
-    if (!bytes) return Fail(ErrorFromErrno(errno));
-    if (bytes->size() > kMaxFileBytes) return Fail(ERROR_NOT_ENOUGH_MEMORY);
+    if (!bytes) return NoText(ErrorFromErrno(errno));
+    if (bytes->size() > kMaxFileBytes) return NoText(ERROR_NOT_ENOUGH_MEMORY);
     SetLastError(ERROR_SUCCESS);
     return DecodeProfile(*bytes);
 }

@@ -64,7 +64,7 @@ std::u16string_view OrEmpty(LPCWSTR text) {
     return text != nullptr ? text : std::u16string_view();
 }
 
-bool IsEmpty(LPCWSTR text) {
+bool HasNoText(LPCWSTR text) {
     return OrEmpty(text).empty();
 }
 
@@ -141,7 +141,7 @@ using namespace winport;
 LSTATUS RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR className, DWORD options,
                         REGSAM access, const SECURITY_ATTRIBUTES*, PHKEY result, LPDWORD disposition) {
     if (subKey == nullptr || result == nullptr || reserved != 0) return ERROR_INVALID_PARAMETER;
-    if (!IsEmpty(className) || options != REG_OPTION_NON_VOLATILE) return ERROR_INVALID_PARAMETER;
+    if (!HasNoText(className) || options != REG_OPTION_NON_VOLATILE) return ERROR_INVALID_PARAMETER;
     if (!IsKnownAccess(access)) return ERROR_INVALID_PARAMETER;
     bool created = false;
     const LSTATUS outcome = Create(key, subKey, access, result, created);
@@ -165,7 +165,7 @@ LSTATUS RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, PH
 
 LSTATUS RegOpenKeyW(HKEY key, LPCWSTR subKey, PHKEY result) {
     if (result == nullptr) return ERROR_INVALID_PARAMETER;
-    if (IsEmpty(subKey)) {
+    if (HasNoText(subKey)) {
         if (!Resolve(key)) return ERROR_INVALID_HANDLE;
         *result = key;
         return ERROR_SUCCESS;

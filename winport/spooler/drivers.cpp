@@ -23,13 +23,13 @@ using Purpose = RegistrySession::Purpose;
 
 constexpr DWORD kDriverVersion = 3;
 
-struct TextField {
+struct DriverText {
     const char16_t* value;
     LPWSTR DRIVER_INFO_3W::*member;
     bool required;
 };
 
-constexpr TextField kTextFields[] = {
+constexpr DriverText kDriverTexts[] = {
     {u"Driver", &DRIVER_INFO_3W::pDriverPath, true},
     {u"Data File", &DRIVER_INFO_3W::pDataFile, true},
     {u"Configuration File", &DRIVER_INFO_3W::pConfigFile, true},
@@ -42,7 +42,7 @@ DWORD CheckDriver(const DRIVER_INFO_3W& info) {
     if (info.cVersion != kDriverVersion || IsEmpty(info.pName) || !IsKeyName(info.pName)) {
         return ERROR_INVALID_PARAMETER;
     }
-    for (const TextField& field : kTextFields) {
+    for (const DriverText& field : kDriverTexts) {
         if (field.required && IsEmpty(info.*field.member)) return ERROR_INVALID_PARAMETER;
     }
     return FindEnvironment(info.pEnvironment) != nullptr ? ERROR_SUCCESS : ERROR_INVALID_ENVIRONMENT;
@@ -64,7 +64,7 @@ DWORD RecordDriver(const DRIVER_INFO_3W& info) {
     // A second installation replaces the first whole.
     session.Registry().Clear(driver);
     WriteNumber(session.Registry(), driver, u"Version", info.cVersion);
-    for (const TextField& field : kTextFields) {
+    for (const DriverText& field : kDriverTexts) {
         if (!IsEmpty(info.*field.member))
             WriteText(session.Registry(), driver, field.value, info.*field.member);
     }

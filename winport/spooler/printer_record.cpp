@@ -6,12 +6,12 @@ namespace winport {
 
 namespace {
 
-struct TextField {
+struct PrinterText {
     const char16_t* value;
     LPWSTR PRINTER_INFO_2W::*member;
 };
 
-constexpr TextField kTextFields[] = {
+constexpr PrinterText kPrinterTexts[] = {
     {u"Name", &PRINTER_INFO_2W::pPrinterName},       {u"Share Name", &PRINTER_INFO_2W::pShareName},
     {u"Port", &PRINTER_INFO_2W::pPortName},          {u"Printer Driver", &PRINTER_INFO_2W::pDriverName},
     {u"Description", &PRINTER_INFO_2W::pComment},    {u"Location", &PRINTER_INFO_2W::pLocation},
@@ -42,7 +42,7 @@ std::u16string PrinterName(RegistrySession& session, KeyId printer) {
 
 PackedRecord<PRINTER_INFO_2W> LoadPrinter(RegistrySession& session, KeyId printer) {
     PackedRecord<PRINTER_INFO_2W> record;
-    for (const TextField& field : kTextFields) {
+    for (const PrinterText& field : kPrinterTexts) {
         const bool isName = field.member == &PRINTER_INFO_2W::pPrinterName;
         record.texts.push_back(
             {field.member, isName ? PrinterName(session, printer) : ReadText(session, printer, field.value)});
@@ -68,7 +68,7 @@ PackedRecord<PRINTER_INFO_1W> LoadPrinterSummary(RegistrySession& session, KeyId
 }
 
 void SavePrinter(RegistrySession& session, KeyId printer, const PRINTER_INFO_2W& info) {
-    for (const TextField& field : kTextFields) {
+    for (const PrinterText& field : kPrinterTexts) {
         const LPWSTR text = info.*field.member;
         if (text != nullptr) WriteText(session, printer, field.value, text);
     }

@@ -38,7 +38,7 @@ char To1252(char16_t unit, char fallback, bool& usedFallback) {
     return fallback;
 }
 
-int Fail(DWORD error) {
+int NoLength(DWORD error) {
     SetLastError(error);
     return 0;
 }
@@ -63,9 +63,9 @@ std::basic_string_view<Char> Input(const Char* text, int length) {
 // `fill` is called only when the result fits.
 template <typename Fill>
 int Deliver(std::size_t count, int capacity, Fill fill) {
-    if (count > INT_MAX) return Fail(ERROR_INVALID_PARAMETER);
+    if (count > INT_MAX) return NoLength(ERROR_INVALID_PARAMETER);
     if (capacity == 0) return static_cast<int>(count);
-    if (count > static_cast<std::size_t>(capacity)) return Fail(ERROR_INSUFFICIENT_BUFFER);
+    if (count > static_cast<std::size_t>(capacity)) return NoLength(ERROR_INSUFFICIENT_BUFFER);
     fill();
     return static_cast<int>(count);
 }
@@ -82,7 +82,7 @@ UINT GetACP() {
 
 int MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH text, int length, LPWSTR buffer, int capacity) {
     const DWORD refused = CheckArguments(codePage, flags, text, length, buffer, capacity);
-    if (refused != ERROR_SUCCESS) return Fail(refused);
+    if (refused != ERROR_SUCCESS) return NoLength(refused);
     const std::string_view input = Input(text, length);
     if (AnsiCodePage() == kWindows1252) {
         return Deliver(input.size(), capacity,
@@ -95,10 +95,10 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH text, int length, LPWS
 int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWCH text, int length, LPSTR buffer, int capacity,
                         LPCCH defaultChar, LPBOOL usedDefaultChar) {
     const DWORD refused = CheckArguments(codePage, flags, text, length, buffer, capacity);
-    if (refused != ERROR_SUCCESS) return Fail(refused);
+    if (refused != ERROR_SUCCESS) return NoLength(refused);
     const UINT page = AnsiCodePage();
     if (page == kUtf8 && (defaultChar != nullptr || usedDefaultChar != nullptr))
-        return Fail(ERROR_INVALID_PARAMETER);
+        return NoLength(ERROR_INVALID_PARAMETER);
     const std::u16string_view input = Input(text, length);
     const char fallback = defaultChar != nullptr ? *defaultChar : '?';
     bool usedFallback = false;

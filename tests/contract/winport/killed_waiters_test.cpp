@@ -28,7 +28,7 @@ namespace {
 
 using winport::ObjectPage;
 
-constexpr DWORD kLong = 5000;
+constexpr DWORD kPatience = 5000;
 constexpr uint32_t kDead = winport::kLastToken;  // no thread had it
 constexpr uint32_t kDeadToo = kDead - 1;
 
@@ -73,9 +73,9 @@ TEST(Killed_waiters, Are_in_nobodys_way_to_a_free_mutex) {
         [](HANDLE mutex) { return WaitForSingleObject(mutex, 0); },
         [](HANDLE mutex) { return WaitForSingleObject(mutex, 10); },
         [&](HANDLE mutex) { return several(mutex, never.Get(), false, 0); },
-        [&](HANDLE mutex) { return several(mutex, never.Get(), false, kLong); },
+        [&](HANDLE mutex) { return several(mutex, never.Get(), false, kPatience); },
         [&](HANDLE mutex) { return several(mutex, always.Get(), true, 0); },
-        [&](HANDLE mutex) { return several(mutex, always.Get(), true, kLong); },
+        [&](HANDLE mutex) { return several(mutex, always.Get(), true, kPatience); },
     };
     for (const auto& killed : left)
         for (size_t i = 0; i < std::size(waits); ++i) {
@@ -101,7 +101,7 @@ TEST(Killed_waiters, Who_set_an_event_and_woke_nobody_are_found_out) {
         page->word = winport::kEventSignaled;
     });
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event.Get(), kLong));
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event.Get(), kPatience));
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
 }
 

@@ -14,7 +14,7 @@ namespace cli {
 namespace {
 
 constexpr std::chrono::milliseconds kTick(250);
-constexpr const char* kEraseLine = "\r\x1b[K";
+constexpr const char* kBackToLineStart = "\r\x1b[K";
 
 }  // namespace
 
@@ -33,11 +33,11 @@ void Waiting::Show(const std::stop_token& stop) const {
     while (!stop.stop_requested()) {
         const auto passed =
             std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start);
-        fmt::print(stderr, "{}{} ... {} s", kEraseLine, what_, passed.count());
+        fmt::print(stderr, "{}{} ... {} s", kBackToLineStart, what_, passed.count());
         std::fflush(stderr);
         ended.wait_for(lock, stop, kTick, [] { return false; });
     }
-    fmt::print(stderr, "{}", kEraseLine);
+    fmt::print(stderr, "{}", kBackToLineStart);
 }
 
 }  // namespace cli

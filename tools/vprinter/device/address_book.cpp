@@ -17,13 +17,13 @@ struct List {
 };
 constexpr List kLists[] = {{opl::RecordList::SpeedDial, 60}, {opl::RecordList::OneTouch, 5}};
 
-struct Field {
+struct EntryField {
     opl::RecordField field;
     ValueKind kind;
     std::string_view initial;
     uint32_t maxLength;
 };
-constexpr Field kFields[] = {
+constexpr EntryField kEntryFields[] = {
     {opl::RecordField::AddressType, ValueKind::Word, "(null)", 0},
     {opl::RecordField::Name, ValueKind::Text, "", 39},
     {opl::RecordField::Address, ValueKind::Text, "", 49},
@@ -33,7 +33,7 @@ std::vector<SettingSpec> MakeRecords(std::deque<std::string>& keys) {
     std::vector<SettingSpec> specs;
     for (const List& list : kLists) {
         for (int index = 0; index < list.records; ++index) {
-            for (const Field& field : kFields) {
+            for (const EntryField& field : kEntryFields) {
                 SettingSpec spec;
                 spec.key = keys.emplace_back(fmt::format("{}[{}]{}", opl::RecordListText(list.list), index,
                                                          opl::RecordFieldText(field.field)));

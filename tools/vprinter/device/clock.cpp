@@ -28,11 +28,11 @@ struct Calendar {
     int64_t second = 0;
 };
 
-struct Field {
+struct TimePart {
     opl::Key key;
     int64_t Calendar::*member;
 };
-constexpr Field kFields[] = {
+constexpr TimePart kTimeParts[] = {
     {opl::Key::DeviceTimeYear, &Calendar::year},     {opl::Key::DeviceTimeMonth, &Calendar::month},
     {opl::Key::DeviceTimeDay, &Calendar::day},       {opl::Key::DeviceTimeHour, &Calendar::hour},
     {opl::Key::DeviceTimeMinute, &Calendar::minute},
@@ -81,7 +81,7 @@ void DeviceClock::SetNow(int64_t now) {
 std::string DeviceClock::TimeItems() const {
     const Calendar now = ToCalendar(Now());
     ReplyItems items;
-    for (const Field& field : kFields)
+    for (const TimePart& field : kTimeParts)
         items.Number(opl::KeyText(field.key), now.*field.member);
     return items.Take();
 }
@@ -92,7 +92,7 @@ std::string DeviceClock::YearItem() const {
 
 std::string DeviceClock::SetField(opl::Key key, int64_t value) {
     Calendar time = ToCalendar(Now());
-    time.*std::ranges::find(kFields, key, &Field::key)->member = value;
+    time.*std::ranges::find(kTimeParts, key, &TimePart::key)->member = value;
     const int64_t lastDay = DaysInMonth(time);
     if (key == opl::Key::DeviceTimeDay && value > lastDay) {
         return fmt::format("Expected a day from 1 to {}", lastDay);
