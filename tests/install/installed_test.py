@@ -102,6 +102,8 @@ class Examples(WithPrinter):
             example("read_settings", "nobody")
         self.assertRegex(example("address_book", "7", "Head office", "0301234567"), r" 7  fax    Head office: 0301234567\n")
         self.assertIn("Head office", client("addressbook", "export"))
+        with self.assertRaisesRegex(AssertionError, r"(?s)redials: 7, fax mode: .*the printer found an error in the data"):
+            example("cpp", PRINTER)  # ends with the refusal that it shows
         self.assertRegex(example("watch_status", "1"), r"^state \d+: .+\n$")
 
         self.product.write("control.json", '{"*": {"upgrade.seconds": 1}}')
