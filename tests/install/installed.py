@@ -26,6 +26,7 @@ class Installed:
         # Nothing of the build: what is installed must find its parts by itself. Programs made outside need the path,
         # as for any library in a prefix of its own.
         self.environment = {"PREFIX": str(self.prefix), "PATH": f"{self.prefix}/bin:/usr/bin:/bin", "LANG": "C.UTF-8",
+                            "PYTHONPATH": f"{self.prefix}/lib/python3/dist-packages", "PYTHONDONTWRITEBYTECODE": "1",
                             "PKG_CONFIG_PATH": f"{self.libraries}/pkgconfig", "CMAKE_PREFIX_PATH": str(self.prefix)}
 
     def __enter__(self):

@@ -104,6 +104,8 @@ class Examples(WithPrinter):
         self.assertIn("Head office", client("addressbook", "export"))
         with self.assertRaisesRegex(AssertionError, r"(?s)redials: 7, fax mode: .*the printer found an error in the data"):
             example("cpp", PRINTER)  # ends with the refusal that it shows
+        self.assertRegex(self.product.run("/usr/bin/python3", ROOT / "examples/python.py", PRINTER),
+                         r"(?s)fax\.redials +5 .*\n[^\n]*\w\n$")
         self.assertRegex(example("watch_status", "1"), r"^state \d+: .+\n$")
 
         self.product.write("control.json", '{"*": {"upgrade.seconds": 1}}')

@@ -20,7 +20,7 @@ PACKAGE = "$(pkg-config --cflags --libs zrij9900sdk)"
 LANGUAGES = {
     "c": ("example.c", f"cc -std=c11 -Wall -Wextra -Werror example.c {PACKAGE} -o example && ./example"),
     "cpp": ("example.cpp", f"c++ -std=c++20 -Wall -Wextra -Werror example.cpp {PACKAGE} -o example && ./example"),
-    "python": ("example.py", 'PYTHONPATH="$PREFIX/lib/python3/dist-packages" /usr/bin/python3 example.py'),
+    "python": ("example.py", "/usr/bin/python3 example.py"),
     "csharp": ("example.cs", 'mcs example.cs "$PREFIX"/share/kestrel-sdk/csharp/*.cs && mono example.exe'),
 }
 
