@@ -27,6 +27,7 @@ class Installed:
         # as for any library in a prefix of its own.
         self.environment = {"PREFIX": str(self.prefix), "PATH": f"{self.prefix}/bin:/usr/bin:/bin", "LANG": "C.UTF-8",
                             "PYTHONPATH": f"{self.prefix}/lib/python3/dist-packages", "PYTHONDONTWRITEBYTECODE": "1",
+                            "CMAKE_GENERATOR": "Ninja",  # there may be no make
                             "PKG_CONFIG_PATH": f"{self.libraries}/pkgconfig", "CMAKE_PREFIX_PATH": str(self.prefix)}
 
     def __enter__(self):
