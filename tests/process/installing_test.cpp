@@ -126,7 +126,7 @@ TEST_F(Installing, Refusals_say_what_happened_and_change_nothing) {
     } rows[] = {
         {{"/ia", "/f", folder + "/none.inf", "/m", "Model 32"}, 1, "no such file"},
         {{"/ia", "/f", folder, "/m", "Model 32"}, 1, "folder"},
-        {{"/ia", "/f", INSTALL_TOOL, "/m", "Model 32"}, 1, "not a text"},
+        {{"/ia", "/f", Write("p.inf", std::string("MZ\0\1", 4)), "/m", "Model 32"}, 1, "not a text"},
         {{"/ia", "/f", Write("s.inf", "[S]\na=b\n"), "/m", "Model 32"}, 1, "no set-up information file"},
         {{"/ia", "/f", other, "/m", "Model 32"}, 1, "not about printers"},
         {{"/ia", "/f", inf, "/m", "Model 33"}, 1, "\"Model 32\""},
