@@ -80,7 +80,7 @@ emulate_32_bit() {
     # then it fails elsewhere too.
     local process='Settings|Exchange\.A_raw'
     local threads='wakes_all_who_wait|Each_set_of_an_auto_reset|One_thread_at_a_time|Keep_threads_apart|Threads_write_side_by_side'
-    RUN_OPTIONS[win32]="--repeat until-pass:3 -E __not_on_Wine|$threads
+    RUN_OPTIONS[win32]="--repeat until-pass:3 -E $threads
         -R ^(unit|contract|process\.($process)|api\.(header|package|library))"
     NOT_RUN[win32]="most of the process suite, and the contract's cases of several threads at once (${threads//|/, }): \
 QEMU cannot run them; a machine that starts 32-bit programs itself can"

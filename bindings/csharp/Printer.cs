@@ -66,9 +66,7 @@ namespace Kestrel
         public static Printer Select(string name = "")
         {
             Checked(name, int.MaxValue);
-            // It leaves 0, whereas SelectPrinter without configuration leaves what there was.
-            uint unused;
-            Native.GetPhotoTrayState(out unused, 0);
+            LastCall.Forget(); // without configuration SelectPrinter leaves what there was
             currentSelection = 0;
             if (!Native.SelectPrinter(name)) throw LastCall.Failure(ErrorCode.NoProductPrinter);
             currentSelection = Interlocked.Increment(ref selections);
@@ -255,13 +253,27 @@ namespace Kestrel
         // Linux it is winport's, which nobody else calls.
         [DllImport("winport", EntryPoint = "GetLastError", CallingConvention = CallingConvention.Cdecl)]
         private static extern uint GetLastErrorOfWinport();
+        [DllImport("winport", EntryPoint = "SetLastError", CallingConvention = CallingConvention.Cdecl)]
+        private static extern void SetLastErrorOfWinport(uint code);
+        [DllImport("kernel32", EntryPoint = "SetLastError")]
+        private static extern void SetLastErrorOfWindows(uint code);
+
+        private static bool IsWindows
+        {
+            get { return Environment.OSVersion.Platform == PlatformID.Win32NT; }
+        }
+
+        internal static void Forget()
+        {
+            if (IsWindows) SetLastErrorOfWindows(0);
+            else SetLastErrorOfWinport(0);
+        }
 
         /// `instead`: the code where the function has left 0.
         internal static KestrelException Failure(uint instead = ErrorCode.Declined)
         {
             const uint noReply = 100000, noObject = 100001;
-            bool isWindows = Environment.OSVersion.Platform == PlatformID.Win32NT;
-            uint code = isWindows ? (uint)Marshal.GetLastWin32Error() : GetLastErrorOfWinport();
+            uint code = IsWindows ? (uint)Marshal.GetLastWin32Error() : GetLastErrorOfWinport();
             char[] reply = new char[1024];
             Native.GetLastBadResponse(reply, (uint)reply.Length);
             uint response = Native.GetLastResponseNum();

@@ -136,6 +136,15 @@ def settable(kind):
     return f"Union[{kind}, str]" if "." in kind else kind
 
 
+def overloads(reader, readable, writer, writable):
+    """What is read and what is set, for each type of setting."""
+    for names, kind in by_type(readable):
+        yield f"    @overload\n    {reader}(self, name: {names}) -> {kind}: ..."
+    yield f"    @overload\n    {reader}(self, name: _ReadableSetting) -> Value: ..."
+    for names, kind in by_type(writable):
+        yield f"    @overload\n    {writer}(self, name: {names}, value: {settable(kind)}) -> None: ..."
+
+
 def stub():
     rows = list(catalogue.rows())
     readable = [row for row in rows if naming.can_read(row)]
@@ -145,11 +154,7 @@ def stub():
     yield "class SettingAccess(abc.ABC):"
     yield "    @abc.abstractmethod\n    def read(self, name: str) -> Value: ..."
     yield "    @abc.abstractmethod\n    def write(self, name: str, value: Value) -> None: ..."
-    for names, kind in by_type(readable):
-        yield f"    @overload\n    def __getitem__(self, name: {names}) -> {kind}: ..."
-    yield "    @overload\n    def __getitem__(self, name: _ReadableSetting) -> Value: ..."
-    for names, kind in by_type(writable):
-        yield f"    @overload\n    def __setitem__(self, name: {names}, value: {settable(kind)}) -> None: ..."
+    yield from overloads("def __getitem__", readable, "def __setitem__", writable)
     yield "    def __iter__(self) -> Iterator[_ReadableSetting]: ..."
     yield "    def __len__(self) -> int: ..."
     yield "    def __contains__(self, name: object) -> bool: ..."
@@ -159,11 +164,7 @@ def stub():
     yield "\nclass AsyncSettingAccess(abc.ABC):"
     yield "    @abc.abstractmethod\n    async def read(self, name: str) -> Value: ..."
     yield "    @abc.abstractmethod\n    async def write(self, name: str, value: Value) -> None: ..."
-    for names, kind in by_type(readable):
-        yield f"    @overload\n    async def get(self, name: {names}) -> {kind}: ..."
-    yield "    @overload\n    async def get(self, name: _ReadableSetting) -> Value: ..."
-    for names, kind in by_type(writable):
-        yield f"    @overload\n    async def set(self, name: {names}, value: {settable(kind)}) -> None: ..."
+    yield from overloads("async def get", readable, "async def set", writable)
 
 
 def main():

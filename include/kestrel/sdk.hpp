@@ -86,9 +86,7 @@ class [[nodiscard]] Printer {
                                                 std::chrono::milliseconds timeout = default_timeout) {
         detail::Wide wide;
         if (!detail::to_wide(name, wide)) return Error::of(SDK_ERROR_BAD_TEXT);
-        // It leaves 0, whereas SelectPrinter without configuration leaves what there was.
-        std::uint32_t unused = 0;
-        ::GetPhotoTrayState(&unused, 0);
+        KestrelForgetError();  // without configuration SelectPrinter leaves what there was
         if (::SelectPrinter(wide.c_str()) == 0) {
             detail::current_selection = 0;
             return Error::of_last_call(SDK_ERROR_NO_PRODUCT_PRINTER);

@@ -9,7 +9,6 @@
 
 #include "child.h"
 #include "handle_support.h"
-#include "on_wine.h"
 
 namespace {
 
@@ -226,14 +225,6 @@ TEST(Waits, What_is_given_back_was_not_taken) {
         ReleaseMutex(mutex.Get());
         abandon();
     }
-}
-
-TEST(Waits, For_all_of_one_object_twice_is_refused_with_87__not_on_Wine) {
-    if (OnWine()) GTEST_SKIP() << "Wine 8 does not look whether a handle stands twice";
-    const Handle event = AutoEvent(FreshName());
-    const HANDLE twice[] = {event.Get(), event.Get()};
-    EXPECT_EQ(WAIT_FAILED, WaitForMultipleObjects(2, twice, TRUE, 0));
-    EXPECT_EQ(87u, GetLastError());
 }
 
 TEST(Waits, Odd_arguments_are_refused_with_87) {

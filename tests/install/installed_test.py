@@ -21,19 +21,6 @@ foreach(language c cpp)
 endforeach()
 """
 
-INF = """[Version]
-Signature = "$Windows NT$"
-Class = Printer
-[Manufacturer]
-"Kestrel" = Models, NTamd64, NTarm64
-[Models]
-"ZRIJ9900 Series" = Driver
-[Driver]
-DriverFile = ZRIJ9900DRV.DLL
-DataFile = ZRIJ9900.INI
-ConfigFile = ZRIJ9900UI.DLL
-"""
-
 
 class Libraries(unittest.TestCase):
     def test_carry_their_versions(self):
@@ -67,8 +54,8 @@ class Client(WithPrinter):
         self.assertIn(str(self.product.libraries), self.product.run("kestrel", "version"))
         self.product.run("kestrel", "-p", PRINTER, "status")
         self.product.run("kestrel", "monitor", "show")
-        inf = self.product.write("second.inf", INF)
-        self.product.run("kestrel", "install", "printer", "Second", inf, "ZRIJ9900 Series", "USB001")
+        inf = ROOT / "tests/process/two_kinds.inf"
+        self.product.run("kestrel", "install", "printer", "Second", inf, "Model 32", "USB001")
         self.assertIn("Second", self.product.run("kestrel", "printers"))
 
 

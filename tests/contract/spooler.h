@@ -1,0 +1,101 @@
+// A driver and printers for a test, which are gone after it.
+#pragma once
+
+#include <windows.h>
+#include <winspool.h>
+
+#include <utility>
+#include <vector>
+
+#include "support.h"
+
+inline constexpr WCHAR kDriver[] = TEXT("Kestrel Contract Driver");
+
+// The driver is installed and printers that a test adds are removed after it.
+class Spooler : public testing::Test {
+  protected:
+    Spooler() {
+        RemoveLeftovers();
+        DRIVER_INFO_3W driver = {};
+        driver.cVersion = 3;
+        driver.pName = Writable(kDriver);
+        driver.pDriverPath = Writable(TEXT("wineps.drv"));
+        driver.pDataFile = Writable(TEXT("x"));
+        driver.pConfigFile = Writable(TEXT("wineps.drv"));
+        EXPECT_TRUE(AddPrinterDriverExW(nullptr, 3, reinterpret_cast<LPBYTE>(&driver),
+                                        APD_COPY_NEW_FILES | APD_COPY_FROM_DIRECTORY));
+    }
+    ~Spooler() override {
+        for (const HANDLE printer : added_) {
+            DeletePrinter(printer);
+            ClosePrinter(printer);
+        }
+    }
+
+    // Of a run that ended in the middle: the registry of a Wine prefix outlives it.
+    static void RemoveLeftovers() {
+        for (const WideText& name : Names()) {
+            const HANDLE printer = Open(name.c_str());
+            DeletePrinter(printer);
+            ClosePrinter(printer);
+        }
+    }
+
+    static PRINTER_INFO_2W Info(const WCHAR* name, const WCHAR* port) {
+        PRINTER_INFO_2W info = {};
+        info.pPrinterName = Writable(name);
+        info.pPortName = Writable(port);
+        info.pDriverName = Writable(kDriver);
+        info.pPrintProcessor = Writable(TEXT("WinPrint"));
+        info.pDatatype = Writable(TEXT("RAW"));
+        info.Attributes = PRINTER_ATTRIBUTE_LOCAL | PRINTER_ATTRIBUTE_ENABLE_BIDI;
+        return info;
+    }
+    static HANDLE Add(PRINTER_INFO_2W info) {
+        return AddPrinterW(nullptr, 2, reinterpret_cast<LPBYTE>(&info));
+    }
+    HANDLE AddForTest(const WCHAR* name, const WCHAR* port) {
+        const HANDLE printer = Add(Info(name, port));
+        EXPECT_NE(printer, nullptr) << "last error " << GetLastError();
+        if (printer != nullptr) added_.push_back(printer);
+        return printer;
+    }
+
+    static HANDLE Open(const WCHAR* name) {
+        HANDLE printer = nullptr;
+        PRINTER_DEFAULTSW defaults = {nullptr, nullptr, PRINTER_ALL_ACCESS};
+        return OpenPrinterW(Writable(name), &printer, &defaults) ? printer : nullptr;
+    }
+
+    // Level-2 records of all local printers: names in order.
+    static std::vector<WideText> Names() {
+        DWORD needed = 0;
+        DWORD count = 0;
+        EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, nullptr, 0, &needed, &count);
+        std::vector<BYTE> buffer(needed + 1);
+        EXPECT_TRUE(EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, buffer.data(), needed, &needed, &count));
+        std::vector<WideText> names;
+        const auto* info = reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data());
+        for (DWORD i = 0; i < count; ++i)
+            names.emplace_back(info[i].pPrinterName);
+        return names;
+    }
+
+    struct Record {
+        std::vector<BYTE> buffer;
+        const PRINTER_INFO_2W& operator*() const {
+            return *reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data());
+        }
+    };
+    static Record Read(HANDLE printer) {
+        DWORD needed = 0;
+        EXPECT_EQ(ErrorOf([&] { return GetPrinterW(printer, 2, nullptr, 0, &needed); }),
+                  ERROR_INSUFFICIENT_BUFFER);
+        EXPECT_GE(needed, sizeof(PRINTER_INFO_2W));
+        Record record{std::vector<BYTE>(needed)};
+        EXPECT_TRUE(GetPrinterW(printer, 2, record.buffer.data(), needed, &needed));
+        return record;
+    }
+
+    std::vector<HANDLE> added_;
+};

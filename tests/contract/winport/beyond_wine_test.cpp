@@ -1,0 +1,31 @@
+// What Windows promises and winport keeps, but Wine 8 does not: it does not look whether a handle stands
+// twice, lets a second printer of one name pass, and ends the process at a call of DeletePrinterDataW.
+#include "handle_support.h"
+#include "spooler.h"
+
+namespace {
+
+TEST(Waits, For_all_of_one_object_twice_is_refused_with_87) {
+    const Handle event = AutoEvent(FreshName());
+    const HANDLE twice[] = {event.Get(), event.Get()};
+    EXPECT_EQ(WAIT_FAILED, WaitForMultipleObjects(2, twice, TRUE, 0));
+    EXPECT_EQ(87u, GetLastError());
+}
+
+TEST_F(Spooler, Deleting_printer_data_says_whether_there_was_any) {
+    const HANDLE printer = AddForTest(TEXT("ZR Delete"), TEXT("USB001"));
+    const LPWSTR name = Writable(TEXT("WakeUpLangMon"));
+    BYTE byte = 1;
+    EXPECT_EQ(DeletePrinterDataW(printer, name), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(SetPrinterDataW(printer, name, REG_BINARY, &byte, 1), 0u);
+    EXPECT_EQ(DeletePrinterDataW(printer, name), 0u);
+    EXPECT_EQ(DeletePrinterDataW(printer, name), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+}
+
+TEST_F(Spooler, A_second_printer_of_one_name_is_refused) {
+    AddForTest(TEXT("ZR Twice"), TEXT("USB001"));
+    EXPECT_EQ(ErrorOf([&] { return Add(Info(TEXT("zr twice"), TEXT("USB002"))); }),
+              ERROR_PRINTER_ALREADY_EXISTS);
+}
+
+}  // namespace
