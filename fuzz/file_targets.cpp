@@ -14,6 +14,7 @@
 #include "shared/user_error.h"
 #include "targets.h"
 #include "vprinter/faults/fault_script.h"
+#include "vprinter/faults/faulty_reply.h"
 
 namespace fuzz {
 
@@ -88,13 +89,15 @@ void SetupInformation(std::string_view bytes) {
 
 void FaultScripts(std::string_view bytes) {
     try {
-        auto script = vprinter::FaultScript::Parse(bytes, "faults.json");
+        const auto rules = vprinter::ParseFaults(bytes, "faults.json");
+        static_cast<void>(vprinter::PrintersNamed(rules));
+        vprinter::FaultScript script(vprinter::FaultsFor("USB001", rules), 0);
         std::string scratch;
         for (const std::string_view request : {"DeviceSettings.Fax.Redials?", "ZRPing?", ""})
-            for (int turn = 0; turn < 3; ++turn)
-                if (const vprinter::Fault* fault = script.Next(request))
-                    static_cast<void>(vprinter::FaultyReply(*fault, "0000,Key=value;", scratch));
-        static_cast<void>(script.For("USB001").PrintersNamed());
+            for (uint64_t second = 0; second < 3; ++second)
+                if (const auto fault = script.Next(request, second * 1000))
+                    for (const std::string_view reply : {"0000,Key=value;", "0,A#9=;&B=2;", ""})
+                        static_cast<void>(vprinter::FaultyReply(*fault, reply, "", scratch));
     } catch (const tools::UserError& error) {
         Require(std::string_view(error.what()).starts_with("faults.json:"), "an error says where");
     }

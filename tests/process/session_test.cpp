@@ -1,4 +1,6 @@
 // Selection and raw exchanges, with printers that do not do what they should.
+#include <tuple>
+
 #include "installed_printer.h"
 
 namespace {
@@ -112,6 +114,19 @@ TEST_F(Exchange, A_printer_that_misbehaves_gives_its_own_error_and_the_next_call
         {R"("reply": "0000,X=a;")", kBadReply},
         {R"("pad": 65791)", kBadReply},
         {R"("reply": "0000,X#70000=;")", kUnexpectedReply},
+        {R"("lost": true)", kNoReply},
+        {R"("jitter": 100)", kDone},
+        {R"("delay": 900, "late": true)", kNoReply},
+        {R"("previousReply": true)", kBadReply},
+        {R"("duplicate": true)", kDone},
+        {R"("split": 9)", kUnexpectedReply},
+        {R"("repeat": 2)", kDone},
+        {R"("noTerminator": true)", kUnexpectedReply},
+        {R"("noNumber": true)", kDone},
+        {R"("wrongKey": "DeviceSettings.Fax.Rings")", kDone},
+        {R"("value": "300")", kDone},
+        {R"("highBit": true)", kBadReply},
+        {R"("items": 1)", kDone},
     };
     std::string rules;
     for (const auto& [fault, error] : rows)
@@ -129,6 +144,63 @@ TEST_F(Exchange, A_printer_that_misbehaves_gives_its_own_error_and_the_next_call
             EXPECT_EQ(kDone, Ended(GetFriendlyName(name, kLong)));
         }
         EXPECT_EQ(kDone, EndedGet(kLong));
+    });
+}
+
+TEST_F(Exchange, A_printer_that_is_out_of_order_for_a_while_comes_back) {
+    const std::tuple<std::string, uint32_t, uint32_t> rows[] = {
+        {R"("busy": 700)", 170, 170},
+        {R"("offline": 700)", 4319, 4319},
+        {R"("hang": 700)", kNoReply, kSendIncomplete},
+        {R"("restart": 700)", kNoReply, kSendIncomplete},
+    };
+    for (const auto& [fault, error, nextError] : rows) {
+        SCOPED_TRACE(fault);
+        StartPrinter(R"([{"match":"DeviceSettings.Fax.Redials=6;",)" + fault + "}]");
+        WithPrinter([&, error = error, nextError = nextError] {
+            const bool isRestart = fault.find("restart") != std::string::npos;
+            uint8_t value = 0;
+            EXPECT_EQ(kDone, Ended(SetFaxRedials(5, kShort)));
+            EXPECT_EQ(error, Ended(SetFaxRedials(6, kShort)));
+            EXPECT_EQ(nextError, Ended(GetFaxRedials(&value, kShort / 3)));
+            Sleep(700);
+            EXPECT_EQ(kDone, Ended(GetFaxRedials(&value, kLong)));
+            EXPECT_EQ(isRestart ? 3 : 5, value) << "what was refused or lost has not been carried out";
+        });
+    }
+}
+
+TEST_F(Exchange, A_printer_forgets_a_value_or_a_lock_and_says_nothing_of_it) {
+    StartPrinter(R"([{"match":"*Redials=6;","notKept":true},{"match":"*Redials=7;","lockLost":true}])");
+    WithPrinter([] {
+        uint8_t value = 0;
+        EXPECT_EQ(kDone, Ended(SetFaxRedials(6, kLong)));
+        EXPECT_EQ(kDone, Ended(GetFaxRedials(&value, kLong)));
+        EXPECT_EQ(3, value);
+        EXPECT_EQ(kDone, Ended(Lock(kLong)));
+        EXPECT_EQ(5, RunClient({"-p", "P", "set", "fax.redials", "4"}).code);
+        EXPECT_EQ(kDone, Ended(SetFaxRedials(7, kLong)));
+        EXPECT_EQ(0, RunClient({"-p", "P", "set", "fax.redials", "4"}).code);
+        EXPECT_EQ(kDone, Ended(Unlock(kLong)));
+    });
+}
+
+TEST_F(Exchange, A_control_file_switches_faults_on_and_off) {
+    const std::filesystem::path control = home_ / "control.json";
+    StartPrinter("[]", {"--control", control.string()});
+    const auto write = [&](const std::string& rules) {
+        std::ofstream(home_ / "new.json") << R"({"USB001":{"faults":)" << rules << "}}";
+        std::filesystem::rename(home_ / "new.json", control);
+    };
+    WithPrinter([&] {
+        write(R"([{"match":"*Redials?","responseNumber":1999}])");
+        EXPECT_EQ(170u, EndedGet(kLong));
+        write(R"([{"match":"*","hung":1}])");
+        EXPECT_EQ(170u, EndedGet(kLong)) << "a file that is refused changes nothing";
+        EXPECT_NE(std::string::npos, FileText(home_ / "control.json.refused").find("\"hung\""));
+        write("[]");
+        EXPECT_EQ(kDone, EndedGet(kLong));
+        EXPECT_FALSE(std::filesystem::exists(home_ / "control.json.refused"));
     });
 }
 

@@ -31,20 +31,20 @@ struct Refusal {
     std::string text;
 };
 
-FaultScript LoadFaults(const Options& options) {
+std::vector<FaultRule> LoadFaults(const Options& options) {
     if (options.faultsFile.empty()) return {};
     const std::optional<std::string> text = tools::ReadFile(options.faultsFile);
     if (!text)
         throw tools::UserError(options.faultsFile + " cannot be read; check the name and its permissions");
-    FaultScript script = FaultScript::Parse(*text, options.faultsFile);
-    for (const std::string& port : script.PrintersNamed()) {
+    std::vector<FaultRule> rules = ParseFaults(*text, options.faultsFile);
+    for (const std::string& port : PrintersNamed(rules)) {
         if (std::find(options.ports.begin(), options.ports.end(), port) == options.ports.end()) {
             throw tools::UserError(fmt::format(
                 "{} has a rule for printer {}, which is not served; add --port {} or correct the rule",
                 options.faultsFile, port, port));
         }
     }
-    return script;
+    return rules;
 }
 
 DeviceModel MakeModel(const Options& options, const std::string& port, const StateFile* state) {
@@ -55,7 +55,8 @@ DeviceModel MakeModel(const Options& options, const std::string& port, const Sta
     }
     if (!port.starts_with(kUsbPort)) static_cast<void>(model.SetInitial(condition::kConnection, "Network"));
     if (state != nullptr) state->Restore(port, model);
-    const std::string problem = ControlFile(options.controlFile, port).Apply(model);
+    FaultScript ignored;  // the server reads the file again, with its first request
+    const std::string problem = ControlFile(options.controlFile, port).Apply(model, ignored, 0);
     if (!problem.empty()) throw tools::UserError(problem);
     return model;
 }
@@ -69,7 +70,7 @@ class Printers final {
             throw tools::UserError(options.traceFile + " cannot be opened; check --trace-file");
         }
         if (!options.stateFile.empty()) state_.emplace(options.stateFile).Load();
-        const FaultScript faults = LoadFaults(options);
+        const std::vector<FaultRule> faults = LoadFaults(options);
         for (const std::string& port : options.ports)
             Add(port, faults);
     }
@@ -95,7 +96,7 @@ class Printers final {
     }
 
   private:
-    void Add(const std::string& port, const FaultScript& faults) {
+    void Add(const std::string& port, const std::vector<FaultRule>& faults) {
         const WideText channelName = ChannelName(options_.product, port);
         if (channelName.empty()) {
             throw tools::UserError("--product " + options_.product +
@@ -110,7 +111,7 @@ class Printers final {
         }
         StateFile* const state = state_ ? &*state_ : nullptr;
         servers_.emplace_back(
-            port, channelName, MakeModel(options_, port, state), faults.For(port),
+            port, channelName, MakeModel(options_, port, state), FaultsFor(port, faults),
             PrinterServer::Shared{trace_, state, options_.controlFile, [this] { end_.Raise(); }});
     }
 

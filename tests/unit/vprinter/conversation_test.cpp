@@ -40,10 +40,11 @@ class VprinterConversation : public AskedPrinter, public testing::WithParamInter
     static std::string Bytes(const std::string& text) { return FromReadable(text).value(); }
     std::string Control(const std::string& text) {
         Write(text);
-        return control_.Apply(model_);
+        return control_.Apply(model_, faults_, 0);
     }
 
     ControlFile control_{path_, "USB001"};
+    FaultScript faults_;
     uint32_t client_ = kClient;
     std::string reply_;
 };

@@ -28,10 +28,11 @@ class VprinterLiveDevice : public AskedPrinter {
 
     std::string Control(std::string_view text) {
         Write(text);
-        return control_.Apply(model_);
+        return control_.Apply(model_, faults_, 0);
     }
 
     ControlFile control_{path_, "USB001"};
+    FaultScript faults_;
 };
 
 TEST_F(VprinterLiveDevice, A_control_file_of_the_same_time_and_size_is_known_by_its_text) {
@@ -39,7 +40,7 @@ TEST_F(VprinterLiveDevice, A_control_file_of_the_same_time_and_size_is_known_by_
     const auto time = std::filesystem::last_write_time(path_);
     Write(R"({"*": {"ink.black": 20}})");
     std::filesystem::last_write_time(path_, time);
-    EXPECT_EQ(control_.Apply(model_), "");
+    EXPECT_EQ(control_.Apply(model_, faults_, 0), "");
     EXPECT_EQ(model_.Value("ink.black"), "20");
 }
 

@@ -177,6 +177,18 @@ void DeviceModel::RestoreDefaults(std::string_view keyPrefix) {
     }
 }
 
+std::vector<std::string> DeviceModel::Values() const {
+    std::vector<std::string> values;
+    for (const Setting& setting : settings_)
+        values.push_back(setting.value);
+    return values;
+}
+
+void DeviceModel::PutBack(std::vector<std::string> values) {
+    for (size_t i = 0; i < settings_.size(); ++i)
+        Store(settings_[i], std::move(values[i]));
+}
+
 ValueMap DeviceModel::ChangedValues() const {
     ValueMap values;
     for (size_t i = 0; i < settings_.size(); ++i) {

@@ -56,6 +56,10 @@ class DeviceModel final {
     /// Of the settings that can be set.
     void RestoreDefaults(std::string_view keyPrefix);
 
+    /// All values as they are now, for PutBack.
+    [[nodiscard]] std::vector<std::string> Values() const;
+    void PutBack(std::vector<std::string> values);
+
     /// The values that differ from the first ones; what is live leaves none, nor what can only be set.
     [[nodiscard]] ValueMap ChangedValues() const;
     /// Counts the values taken so far; a change of it is the time to save.

@@ -1,304 +1,103 @@
-// Rules read field by field, each complaint with its line; and the replies that the faults make of good ones.
+// The first rule that matches and is in force decides.
 #include "vprinter/faults/fault_script.h"
-
-#include <fmt/core.h>
-
-#include <algorithm>
-#include <array>
-
-#include "shared/json.h"
-#include "shared/text.h"
-#include "shared/user_error.h"
-#include "vprinter/trace/readable_text.h"
 
 namespace vprinter {
 namespace {
 
-constexpr uint64_t kMaxDelayMs = 600'000;
-constexpr uint64_t kMaxCount = 1'000'000'000;
-constexpr uint64_t kMaxReplyBytes = 1 << 20;
+constexpr uint64_t kPercent = 100;
 
-enum class Argument : uint8_t { Yes, Number, Text, TextOrHex, YesOrNumber };
-
-struct ActionRow {
-    std::string_view field;
-    FaultAction action;
-    Argument argument;
-    uint64_t lowest = 0;
-    uint64_t highest = 0;
-};
-
-constexpr std::array kActions{
-    ActionRow{"noReply", FaultAction::NoReply, Argument::Yes},
-    ActionRow{"otherProcess", FaultAction::OtherProcess, Argument::YesOrNumber, 1, UINT32_MAX},
-    ActionRow{"aborted", FaultAction::Aborted, Argument::Yes},
-    ActionRow{"cut", FaultAction::Cut, Argument::Number, 0, kMaxReplyBytes},
-    ActionRow{"garbage", FaultAction::Garbage, Argument::TextOrHex},
-    ActionRow{"reply", FaultAction::Reply, Argument::Text},
-    ActionRow{"responseNumber", FaultAction::ResponseNumber, Argument::Number, 0, UINT64_MAX},
-    ActionRow{"repeat", FaultAction::Repeat, Argument::Number, 2, 100'000},
-    ActionRow{"pad", FaultAction::Pad, Argument::Number, 1, kMaxReplyBytes},
-    ActionRow{"crashBefore", FaultAction::CrashBefore, Argument::Yes},
-    ActionRow{"crashAfter", FaultAction::CrashAfter, Argument::Yes},
-};
-
-constexpr std::string_view kOtherFields[] = {"match", "printer", "skip", "times", "delay", "late", "comment"};
-
-const ActionRow* FindAction(std::string_view field) {
-    const auto row = std::find_if(kActions.begin(), kActions.end(),
-                                  [&](const ActionRow& candidate) { return candidate.field == field; });
-    return row == kActions.end() ? nullptr : &*row;
+/// The next number of a sequence that is the same on every machine.
+uint64_t NextRandom(uint64_t& state) {
+    state += 0x9E3779B97F4A7C15;
+    uint64_t mixed = state;
+    mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9;
+    mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EB;
+    return mixed ^ (mixed >> 31);
 }
 
-std::string AllFields() {
-    std::string list = tools::Joined(kOtherFields, ", ");
-    for (const ActionRow& row : kActions)
-        list += fmt::format(", {}", row.field);
-    return list;
-}
-
-size_t LineOfByte(std::string_view text, size_t offset) {
-    return 1 +
-           static_cast<size_t>(std::count(text.begin(), text.begin() + std::min(offset, text.size()), '\n'));
-}
-
-/// The lines on which the objects of a valid JSON list begin.
-std::vector<size_t> LinesOfItems(std::string_view text) {
-    std::vector<size_t> lines;
-    size_t line = 1;
-    int depth = 0;
-    bool quoted = false;
-    for (size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c == '\n') ++line;
-        if (quoted) {
-            if (c == '\\') ++i;
-            if (c == '"') quoted = false;
-            continue;
-        }
-        if (c == '"') quoted = true;
-        if ((c == '{' || c == '[') && ++depth == 2) lines.push_back(line);
-        if (c == '}' || c == ']') --depth;
-    }
-    return lines;
-}
-
-/// Reads the fields of one rule and knows where it stands, for its complaints.
-class RuleReader final {
-  public:
-    RuleReader(const tools::Json& rule, std::string place) : rule_(rule), place_(std::move(place)) {}
-
-    [[nodiscard]] FaultRule Read() const {
-        if (!rule_.IsObject())
-            throw tools::UserError(place_ + ": expected an object such as {\"match\": \"*\", ...}");
-        CheckFields();
-        FaultRule rule;
-        ReadMatch(rule);
-        if (Has("printer")) rule.printer = Text("printer");
-        if (Has("skip")) rule.skip = Number("skip", 0, kMaxCount);
-        if (Has("times")) rule.times = Number("times", 1, kMaxCount);
-        if (Has("delay")) rule.fault.delayMs = static_cast<uint32_t>(Number("delay", 1, kMaxDelayMs));
-        if (Has("late")) rule.fault.late = Yes("late");
-        ReadAction(rule.fault);
-        return rule;
-    }
-
-  private:
-    [[nodiscard]] bool Has(std::string_view field) const { return rule_.Find(field) != nullptr; }
-
-    [[noreturn]] void Complain(std::string_view field, const std::string& expected) const {
-        throw tools::UserError(fmt::format("{}, \"{}\": expected {}, found {}", place_, field, expected,
-                                           Has(field) ? rule_.At(field).Dump() : "nothing"));
-    }
-
-    void CheckFields() const {
-        for (const auto& [field, value] : rule_.Members()) {
-            const bool known =
-                FindAction(field) != nullptr ||
-                std::ranges::find(kOtherFields, std::string_view(field)) != std::end(kOtherFields);
-            if (!known) {
-                throw tools::UserError(fmt::format("{}, \"{}\": there is no such field; the fields are {}",
-                                                   place_, field, AllFields()));
-            }
-        }
-    }
-
-    [[nodiscard]] std::string Text(std::string_view field) const {
-        if (!Has(field) || !rule_.At(field).IsText()) Complain(field, "a text");
-        return rule_.At(field).Text();
-    }
-
-    [[nodiscard]] std::string Bytes(std::string_view field) const {
-        const std::optional<std::string> bytes = FromReadable(Text(field));
-        if (!bytes)
-            Complain(field, R"(only \xNN, \\ and a backslash before one of # & , . ; = ? as escapes)");
-        return *bytes;
-    }
-
-    [[nodiscard]] bool Yes(std::string_view field) const {
-        if (rule_.At(field) != true) Complain(field, "true, or no such field");
-        return true;
-    }
-
-    [[nodiscard]] uint64_t Number(std::string_view field, uint64_t lowest, uint64_t highest) const {
-        const tools::Json& value = rule_.At(field);
-        const bool fits = value.IsUnsigned() && value.Unsigned() >= lowest && value.Unsigned() <= highest;
-        if (!fits) Complain(field, fmt::format("a whole number from {} to {}", lowest, highest));
-        return value.Unsigned();
-    }
-
-    void ReadMatch(FaultRule& rule) const {
-        std::string text = Text("match");
-        rule.prefix = !text.empty() && text.back() == '*';
-        rule.match = Bytes("match");
-        if (rule.prefix) rule.match.pop_back();
-        if (rule.match.empty() && !rule.prefix) Complain("match", "a request, or its beginning and a *");
-    }
-
-    void ReadAction(Fault& fault) const {
-        const ActionRow* found = nullptr;
-        for (const ActionRow& row : kActions) {
-            if (!Has(row.field)) continue;
-            if (found != nullptr) {
-                throw tools::UserError(
-                    fmt::format("{}: \"{}\" and \"{}\" do not go together; write two rules", place_,
-                                found->field, row.field));
-            }
-            found = &row;
-        }
-        if (found != nullptr) return ReadArgument(*found, fault);
-        if (fault.delayMs == 0 && !fault.late) {
-            throw tools::UserError(place_ + ": does nothing; expected one of the actions, delay or late");
-        }
-    }
-
-    void ReadArgument(const ActionRow& row, Fault& fault) const {
-        fault.action = row.action;
-        switch (row.argument) {
-            case Argument::Yes:
-                static_cast<void>(Yes(row.field));
-                break;
-            case Argument::YesOrNumber:
-                if (rule_.At(row.field) == true) break;
-                [[fallthrough]];
-            case Argument::Number:
-                fault.number = Number(row.field, row.lowest, row.highest);
-                break;
-            case Argument::Text:
-                fault.bytes = Bytes(row.field);
-                break;
-            case Argument::TextOrHex:
-                fault.bytes = HexOrText(row.field);
-                break;
-        }
-    }
-
-    [[nodiscard]] std::string HexOrText(std::string_view field) const {
-        constexpr std::string_view kHex = "hex:";
-        std::string text = Text(field);
-        if (!text.starts_with(kHex)) return text;
-        const std::optional<std::string> bytes = FromHex(std::string_view(text).substr(kHex.size()));
-        if (!bytes) Complain(field, "two hexadecimal digits for each byte after \"hex:\"");
-        return *bytes;
-    }
-
-    const tools::Json& rule_;
-    std::string place_;
-};
-
-tools::Json ParseJson(std::string_view text, const std::string& fileName) {
-    try {
-        return tools::Json::Parse(text);
-    } catch (const tools::JsonError& error) {
-        if (error.Byte() == 0) throw tools::UserError(fmt::format("{}: {}", fileName, error.what()));
-        throw tools::UserError(fmt::format("{}:{}: this is not JSON: {}", fileName,
-                                           LineOfByte(text, error.Byte()), error.what()));
-    }
-}
-
-std::string_view WithResponseNumber(uint64_t number, std::string_view reply, std::string& scratch) {
-    const size_t digits = std::min(reply.find_first_not_of("0123456789"), reply.size());
-    const bool numbered = digits < reply.size() && reply[digits] == ',';
-    scratch = fmt::format("{:04},{}", number, numbered ? reply.substr(digits + 1) : reply);
-    return scratch;
-}
-
-std::string_view Padded(uint64_t size, std::string_view reply, std::string& scratch) {
-    if (size <= reply.size() || reply.empty()) return reply;
-    scratch.assign(reply.substr(0, reply.size() - 1));
-    scratch.append(size - reply.size(), 'x');
-    scratch.push_back(reply.back());
-    return scratch;
-}
-
-std::string_view Repeated(uint64_t times, std::string_view reply, std::string& scratch) {
-    scratch.clear();
-    for (uint64_t i = 0; i < times && scratch.size() + reply.size() <= kMaxReplyBytes; ++i)
-        scratch += reply;
-    return scratch;
+bool Lasts(FaultAction action) {
+    return action == FaultAction::Busy || action == FaultAction::Offline;
 }
 
 }  // namespace
 
-FaultScript FaultScript::Parse(std::string_view text, const std::string& fileName) {
-    const tools::Json document = ParseJson(text, fileName);
-    if (!document.IsArray())
-        throw tools::UserError(fileName + ":1: expected a list of rules: [{...}, {...}]");
-    const std::vector<size_t> lines = LinesOfItems(text);
-    std::vector<FaultRule> rules;
-    for (const tools::Json& item : document.Items()) {
-        const size_t index = rules.size();
-        const size_t line = index < lines.size() ? lines[index] : 1;
-        rules.push_back(RuleReader(item, fmt::format("{}:{}: rule {}", fileName, line, index + 1)).Read());
+std::optional<Fault> FaultScript::Next(std::string_view request, uint64_t nowMs) {
+    if (!HasRules()) return {};
+    const std::lock_guard guard(lock_);
+    for (Entry& entry : entries_) {
+        if (!IsMet(entry, request, nowMs)) continue;
+        Fault fault = entry.rule.fault;
+        if (fault.jitterMs > 0)
+            fault.delayMs += static_cast<uint32_t>(NextRandom(entry.random) % (uint64_t{fault.jitterMs} + 1));
+        return fault;
     }
-    return FaultScript(std::move(rules));
+    return {};
 }
 
-FaultScript FaultScript::For(std::string_view port) const {
-    std::vector<FaultRule> rules;
-    std::ranges::copy_if(rules_, std::back_inserter(rules),
-                         [&](const FaultRule& rule) { return rule.printer.empty() || rule.printer == port; });
-    return FaultScript(std::move(rules));
+bool FaultScript::IsMet(Entry& entry, std::string_view request, uint64_t nowMs) {
+    if (nowMs < entry.lastsUntilMs) return true;
+    const FaultRule& rule = entry.rule;
+    const uint64_t age = nowMs - entry.sinceMs;
+    if (entry.met >= rule.times || age < rule.fromMs || age >= rule.untilMs) return false;
+    if (nowMs < entry.restUntilMs || !Matches(rule, request)) return false;
+    if (++entry.matched <= rule.skip) return false;
+    if (rule.chance < kPercent && NextRandom(entry.random) % kPercent >= rule.chance) return false;
+    ++entry.met;
+    if (rule.everyMs > 0) entry.restUntilMs = nowMs + rule.everyMs;
+    if (Lasts(rule.fault.action)) entry.lastsUntilMs = nowMs + rule.fault.number;
+    return true;
 }
 
-std::vector<std::string> FaultScript::PrintersNamed() const {
-    std::vector<std::string> ports;
-    for (const FaultRule& rule : rules_) {
-        if (!rule.printer.empty()) ports.push_back(rule.printer);
+// Each piece at the first place where it fits: if any choice of places does, this one does.
+bool FaultScript::Matches(const FaultRule& rule, std::string_view request) {
+    const std::vector<std::string>& pieces = rule.match;
+    if (pieces.size() == 1) return request == pieces.front();
+    if (!request.starts_with(pieces.front())) return false;
+    request.remove_prefix(pieces.front().size());
+    for (size_t i = 1; i + 1 < pieces.size(); ++i) {
+        const size_t found = request.find(pieces[i]);
+        if (found == std::string_view::npos) return false;
+        request.remove_prefix(found + pieces[i].size());
     }
-    return ports;
+    return request.ends_with(pieces.back());
 }
 
-const Fault* FaultScript::Next(std::string_view request) {
-    for (FaultRule& rule : rules_) {
-        const bool matches = rule.prefix ? request.starts_with(rule.match) : request == rule.match;
-        if (!matches || rule.times == 0) continue;
-        if (rule.skip > 0) {
-            --rule.skip;
-            continue;
-        }
-        --rule.times;
-        return &rule.fault;
-    }
-    return nullptr;
+void FaultScript::Add(FaultRule rule, uint64_t nowMs) {
+    const std::lock_guard guard(lock_);
+    if (!rule.name.empty())
+        std::erase_if(entries_, [&](const Entry& entry) { return entry.rule.name == rule.name; });
+    InsertFirst(FaultSource::Hand, {std::move(rule)}, nowMs);
 }
 
-std::string_view FaultyReply(const Fault& fault, std::string_view reply, std::string& scratch) {
-    switch (fault.action) {
-        case FaultAction::Cut:
-            return reply.substr(0, fault.number);
-        case FaultAction::Garbage:
-        case FaultAction::Reply:
-            return fault.bytes;
-        case FaultAction::ResponseNumber:
-            return WithResponseNumber(fault.number, reply, scratch);
-        case FaultAction::Repeat:
-            return Repeated(fault.number, reply, scratch);
-        case FaultAction::Pad:
-            return Padded(fault.number, reply, scratch);
-        default:
-            return reply;
-    }
+bool FaultScript::Remove(std::string_view name) {
+    const std::lock_guard guard(lock_);
+    const size_t removed =
+        std::erase_if(entries_, [&](const Entry& entry) { return entry.rule.name == name; });
+    hasRules_ = !entries_.empty();
+    return removed > 0;
+}
+
+void FaultScript::Replace(FaultSource source, std::vector<FaultRule> rules, uint64_t nowMs) {
+    const std::lock_guard guard(lock_);
+    std::erase_if(entries_, [&](const Entry& entry) { return entry.source == source; });
+    InsertFirst(source, std::move(rules), nowMs);
+}
+
+void FaultScript::InsertFirst(FaultSource source, std::vector<FaultRule> rules, uint64_t nowMs) {
+    std::vector<Entry> entries;
+    for (FaultRule& rule : rules)
+        entries.push_back({std::move(rule), source, nowMs});
+    std::move(entries_.begin(), entries_.end(), std::back_inserter(entries));
+    entries_ = std::move(entries);
+    hasRules_ = !entries_.empty();
+}
+
+std::vector<FaultScript::State> FaultScript::Rules() const {
+    const std::lock_guard guard(lock_);
+    std::vector<State> states;
+    for (const Entry& entry : entries_)
+        states.push_back({entry.rule, entry.source, entry.met});
+    return states;
 }
 
 }  // namespace vprinter

@@ -1,68 +1,71 @@
-// What a printer is told to do wrong: rules read from a JSON file, so that nobody writes code for a fault.
+// The rules that are in force on one printer, and which of them meets a request.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "vprinter/faults/fault_rule.h"
+
 namespace vprinter {
 
-enum class FaultAction : uint8_t {
-    None,
-    NoReply,         // the request is carried out, nothing is answered
-    OtherProcess,    // the reply is addressed to the process id `number`, 0 standing for the printer's own
-    Aborted,         // the reply is marked as that of an aborted operation
-    Cut,             // only the first `number` bytes of the reply are sent
-    Garbage,         // `bytes` instead of the reply
-    Reply,           // `bytes` instead of the reply
-    ResponseNumber,  // the reply opens with `number`
-    Repeat,          // the reply `number` times in one message
-    Pad,             // the reply lengthened to `number` bytes before its terminator
-    CrashBefore,     // the process ends without a word when the request has arrived
-    CrashAfter,      // ... when the reply has been sent
-};
+/// From where a rule came.
+enum class FaultSource : uint8_t { Script, Control, Hand };
 
-struct Fault {
-    uint32_t delayMs = 0;
-    bool late = false;  // answer although the client must have given up
-    FaultAction action = FaultAction::None;
-    uint64_t number = 0;
-    std::string bytes;
-};
-
-struct FaultRule {
-    std::string match;    // the whole request, or its beginning
-    bool prefix = false;  // whether `match` is a beginning
-    std::string printer;  // port name; empty for every printer
-    uint64_t skip = 0;    // matching requests still to be let through
-    uint64_t times = UINT64_MAX;
-    Fault fault;
-};
-
-/// The rules for one printer, with its own counts. Belongs to the printer's serving thread.
+/// Rules may come and go on any thread while the printer runs; one that comes later is asked before those
+/// that are there. Times are milliseconds of a clock that only grows, the same one in every call.
 class FaultScript final {
   public:
     FaultScript() = default;
-    explicit FaultScript(std::vector<FaultRule> rules) : rules_(std::move(rules)) {}
+    FaultScript(std::vector<FaultRule> rules, uint64_t nowMs) {
+        Replace(FaultSource::Script, std::move(rules), nowMs);
+    }
 
-    /// Reads rules from JSON text; throws UserError, whose text begins with `fileName` and a line.
-    [[nodiscard]] static FaultScript Parse(std::string_view text, const std::string& fileName);
+    /// The fault for this request, from the first rule that is in force for it; none when all is to go well.
+    /// Its delay has the jitter in it. The serving thread's alone; takes no lock while there is no rule.
+    [[nodiscard]] std::optional<Fault> Next(std::string_view request, uint64_t nowMs);
 
-    /// The rules that concern one printer.
-    [[nodiscard]] FaultScript For(std::string_view port) const;
-    /// The port names that rules are limited to.
-    [[nodiscard]] std::vector<std::string> PrintersNamed() const;
+    /// Whether a rule is there at all.
+    [[nodiscard]] bool HasRules() const { return hasRules_.load(std::memory_order_relaxed); }
 
-    /// The fault for this request, from the first rule that matches and is neither still skipping nor used
-    /// up; null for none.
-    [[nodiscard]] const Fault* Next(std::string_view request);
+    /// One more rule. It takes the place of those that have its name, if it has one.
+    void Add(FaultRule rule, uint64_t nowMs);
+    /// False when no rule has this name.
+    bool Remove(std::string_view name);
+    /// All rules of one source, whose earlier ones go; their counts begin anew.
+    void Replace(FaultSource source, std::vector<FaultRule> rules, uint64_t nowMs);
+
+    struct State {
+        FaultRule rule;
+        FaultSource source;
+        uint64_t met;  // requests so far
+    };
+    /// As they are asked.
+    [[nodiscard]] std::vector<State> Rules() const;
 
   private:
-    std::vector<FaultRule> rules_;
-};
+    struct Entry {
+        FaultRule rule;
+        FaultSource source;
+        uint64_t sinceMs;
+        uint64_t random = rule.seed;
+        uint64_t matched = 0;
+        uint64_t met = 0;
+        uint64_t restUntilMs = 0;   // of a rule that applies only so often
+        uint64_t lastsUntilMs = 0;  // of a fault that meets all requests for a while
+    };
 
-/// The message that goes out in place of `reply`; `scratch` holds it when it differs.
-[[nodiscard]] std::string_view FaultyReply(const Fault& fault, std::string_view reply, std::string& scratch);
+    [[nodiscard]] static bool IsMet(Entry& entry, std::string_view request, uint64_t nowMs);
+    [[nodiscard]] static bool Matches(const FaultRule& rule, std::string_view request);
+    void InsertFirst(FaultSource source, std::vector<FaultRule> rules, uint64_t nowMs);
+
+    mutable std::mutex lock_;
+    std::vector<Entry> entries_;
+    std::atomic<bool> hasRules_ = false;
+};
 
 }  // namespace vprinter

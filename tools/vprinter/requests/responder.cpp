@@ -75,9 +75,16 @@ Responder::Responder(DeviceModel& model, Surroundings surroundings)
       surroundings_(std::move(surroundings)),
       live_(model, surroundings_) {}
 
-std::string_view Responder::Answer(std::string_view request, uint32_t clientProcessId) {
+void Responder::Restart() {
+    model_.RestoreDefaults({});
+    sessions_ = {};
+    ForgetLock();
+}
+
+std::string_view Responder::Answer(std::string_view request, uint32_t clientProcessId, Reach reach) {
     if (live_.Upgrade().IsUnderWay()) live_.Upgrade().Advance();
-    if (request.ends_with('?') && IsOnline()) {
+    reach_ = reach;
+    if (request.ends_with('?') && reach_ == Reach::Reached && IsOnline()) {
         const Setting* const setting = model_.Find(request.substr(0, request.size() - 1));
         if (setting != nullptr && setting->spec.readable && !setting->spec.live) return setting->reply;
     }
@@ -107,8 +114,9 @@ bool Responder::CarryOut(const Command& command) {
     const std::string_view text = command.kind == CommandKind::Set ? command.key : command.text;
     const auto word = std::ranges::find(kWords, text, &WordRow::text);
     if (!reachable && word == std::end(kWords)) return Refuse(kBadCommand, "Unknown", command.text);
-    if ((reachable || word->needsDevice) && !IsOnline()) {
-        return Refuse(kNotReached, "The device does not answer", command.key);
+    if (reachable || word->needsDevice) {
+        if (!IsOnline()) return Refuse(kNotReached, "The device does not answer", command.key);
+        if (reach_ == Reach::Busy) return Refuse(kBusy, "The device is busy", command.key);
     }
     const bool isAction = reachable ? command.kind != CommandKind::Query : word->needsDevice;
     if (isAction && IsLockedByAnother()) return RefuseAsLocked();

@@ -24,13 +24,22 @@
 
 namespace vprinter {
 
+/// How the language monitor fares with the device, beside what `device.online` says.
+enum class Reach : uint8_t { Reached, Busy, NotReached };
+
 /// Belongs to the printer's serving thread.
 class Responder final {
   public:
     explicit Responder(DeviceModel& model, Surroundings surroundings = RealSurroundings());
 
     /// The reply, valid until the next call. A query of one setting allocates nothing.
-    [[nodiscard]] std::string_view Answer(std::string_view request, uint32_t clientProcessId);
+    [[nodiscard]] std::string_view Answer(std::string_view request, uint32_t clientProcessId,
+                                          Reach reach = Reach::Reached);
+
+    /// Nobody holds the lock any more.
+    void ForgetLock() { lockHolder_ = 0; }
+    /// The printer is as at its first start: first values, no lock, no announced time-outs.
+    void Restart();
 
     /// Whether the client has stopped waiting for the reply to a request that arrived `elapsedMs` ago.
     [[nodiscard]] bool HasGivenUp(uint32_t clientProcessId, uint64_t elapsedMs) const {
@@ -46,7 +55,7 @@ class Responder final {
     [[nodiscard]] bool CarryOut(const Command& command);
     [[nodiscard]] bool CarryOutOnSetting(Setting& setting, const Command& command);
     [[nodiscard]] bool ReadSetting(const Setting& setting, const Command& command);
-    [[nodiscard]] bool IsOnline() const { return online_.value == "YES"; }
+    [[nodiscard]] bool IsOnline() const { return reach_ != Reach::NotReached && online_.value == "YES"; }
     [[nodiscard]] bool Done(uint32_t number, std::string_view item);
     [[nodiscard]] bool Refuse(uint32_t number, std::string_view text, std::string_view subject);
 
@@ -71,6 +80,7 @@ class Responder final {
 
     // Of the request that is being answered.
     uint32_t client_ = 0;
+    Reach reach_ = Reach::Reached;
     uint32_t number_ = 0;
     std::string items_;
     std::string reply_;

@@ -1,10 +1,13 @@
 // The options, and the complaints about them.
 #include "vprinter/service/options.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "shared/command_line.h"
 #include "shared/process.h"
+#include "vprinter/faults/fault_kinds.h"
 
 namespace vprinter {
 namespace {
@@ -33,8 +36,9 @@ std::string TakeTraceFormat(const std::string& name, Options& options) {
 }
 
 void Declare(const tools::Command& program, Options& options) {
-    program.AddOption("--port", options.ports, "port name of a printer; repeat it for several printers")
-        .Required()
+    program
+        .AddOption("--port", options.ports,
+                   "port name of a printer, at least one; repeat it for several printers")
         .OneEachTime()
         .TypeName("NAME")
         .Check(CheckPort);
@@ -47,6 +51,8 @@ void Declare(const tools::Command& program, Options& options) {
         .AddOption("--faults", options.faultsFile,
                    "JSON file of rules: what the printer does wrong, and when")
         .TypeName("FILE");
+    program.AddFlag("--list-faults", options.listFaults, "print what a rule of --faults may hold, and end");
+    program.AddFlag("--json", options.json, "with --list-faults: as JSON");
     program.AddOption("--state", options.stateFile, "JSON file that keeps the settings between runs")
         .TypeName("FILE");
     program
@@ -114,6 +120,16 @@ std::optional<tools::ExitCode> ReadCommandLine(int argc, const char* const* argv
     Declare(line.Root(), options);
     Explain(line.Root());
     if (const auto end = line.ReadOrExplain(argc, argv)) return end;
+    if (options.listFaults) {
+        fmt::print("{}", options.json ? FaultFieldsJson().Dump(2) + '\n' : FaultFieldsText());
+        return tools::kDone;
+    }
+    if (options.ports.empty()) {
+        fmt::print(stderr,
+                   "--port is required: the port name of a printer, such as USB001\n"
+                   "Run with --help for more information.\n");
+        return tools::kWrongUsage;
+    }
     DropRepeatedPorts(options.ports);
     ChooseTraceFormat(line.Root(), options);
     return {};

@@ -21,6 +21,8 @@ struct Options {
     std::string traceFile;
     bool showSecrets = false;
     bool quiet = false;
+    bool listFaults = false;
+    bool json = false;
 };
 
 /// Nothing when there is something to do; otherwise what the process ends with, and what the user has to know

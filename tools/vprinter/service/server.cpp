@@ -13,6 +13,7 @@
 #include "ipc/late_reply.h"
 #include "kwt/object_names.h"
 #include "shared/process.h"
+#include "vprinter/faults/faulty_reply.h"
 
 namespace vprinter {
 namespace {
@@ -22,6 +23,9 @@ constexpr uint32_t kNoLimit = 0xFFFFFFFF;
 constexpr uint32_t kSendTimeoutMs = 1000;
 constexpr int kMaxFailures = 20;
 constexpr uint32_t kPauseAfterFailureMs = 50;
+// Between two messages for one client: time to take the first. It asks nothing while this printer is not
+// idle.
+constexpr uint32_t kBetweenPartsMs = 50;
 
 WideText ToWide(const std::string& text) {
     const std::u16string wide = std::filesystem::path(text).u16string();
@@ -29,6 +33,16 @@ WideText ToWide(const std::string& text) {
 }
 
 using Clock = std::chrono::steady_clock;
+
+bool IsSilent(FaultAction action) {
+    return action == FaultAction::NoReply || action == FaultAction::Lost || action == FaultAction::Hang ||
+           action == FaultAction::Restart;
+}
+
+Reach ReachUnder(FaultAction action) {
+    if (action == FaultAction::Busy) return Reach::Busy;
+    return action == FaultAction::Offline ? Reach::NotReached : Reach::Reached;
+}
 
 }  // namespace
 
@@ -58,18 +72,19 @@ struct PrinterServer::Turn {
     ULONGLONG receivedTick = 0;                  // of the coarse clock, which costs no system call
     std::chrono::system_clock::time_point time;  // these two are taken for a trace only
     Clock::time_point received;
-    const Fault* fault = nullptr;
+    std::optional<Fault> fault;
     std::string_view reply;
+    std::string_view secondPart;  // a message of its own behind the reply
     const char* remark = "";
 };
 
-PrinterServer::PrinterServer(std::string port, WideText channelName, DeviceModel model, FaultScript faults,
-                             Shared shared)
+PrinterServer::PrinterServer(std::string port, WideText channelName, DeviceModel model,
+                             std::vector<FaultRule> faults, Shared shared)
     : port_(std::move(port)),
       channelName_(std::move(channelName)),
       model_(std::move(model)),
       responder_(model_),
-      faults_(std::move(faults)),
+      faults_(std::move(faults), GetTickCount64()),
       shared_(std::move(shared)),
       control_(shared_.controlFile, port_),
       savedRevision_(model_.Revision()) {}
@@ -137,34 +152,63 @@ void PrinterServer::AnswerRequest(std::string_view request) {
         turn.time = std::chrono::system_clock::now();
         turn.received = Clock::now();
     }
-    ApplyControl();
-    turn.fault = faults_.Next(request);
+    ApplyControl(turn.receivedTick);
+    turn.fault = faults_.Next(request, turn.receivedTick);
     CarryOut(turn);
     if (stopping_) return;
     SendReply(turn);
     if (shared_.trace.IsOn()) WriteTrace(turn);
     KeepState();
-    if (turn.fault != nullptr && turn.fault->action == FaultAction::CrashAfter) tools::EndAbruptly();
+    if (turn.fault && turn.fault->action == FaultAction::CrashAfter) tools::EndAbruptly();
+    if (faults_.HasRules()) previousReply_ = turn.reply;
 }
 
 void PrinterServer::CarryOut(Turn& turn) {
-    if (turn.fault == nullptr) {
+    if (turn.fault)
+        CarryOutBadly(turn, *turn.fault);
+    else
         turn.reply = responder_.Answer(turn.request, turn.client);
-        return;
-    }
+}
+
+void PrinterServer::CarryOutBadly(Turn& turn, const Fault& fault) {
     turn.remark = "as scripted";
-    if (turn.fault->delayMs > 0 && !WaitUnlessStopped(turn.fault->delayMs)) return;
-    if (turn.fault->action == FaultAction::CrashBefore) tools::EndAbruptly();
-    turn.reply = FaultyReply(*turn.fault, responder_.Answer(turn.request, turn.client), faultyReply_);
+    if (fault.delayMs > 0 && !WaitUnlessStopped(fault.delayMs)) return;
+    switch (fault.action) {
+        case FaultAction::CrashBefore:
+            tools::EndAbruptly();
+        case FaultAction::Lost:
+            return;
+        case FaultAction::Hang:
+            static_cast<void>(WaitUnlessStopped(static_cast<uint32_t>(fault.number)));
+            return;
+        case FaultAction::Restart:
+            static_cast<void>(WaitUnlessStopped(static_cast<uint32_t>(fault.number)));
+            return responder_.Restart();
+        case FaultAction::LockLost:
+            responder_.ForgetLock();
+            break;
+        default:
+            break;
+    }
+    std::vector<std::string> before;
+    if (fault.action == FaultAction::NotKept) before = model_.Values();
+    const std::string_view good = responder_.Answer(turn.request, turn.client, ReachUnder(fault.action));
+    turn.reply = FaultyReply(fault, good, previousReply_, faultyReply_);
+    if (fault.action == FaultAction::NotKept) model_.PutBack(std::move(before));
+    if (fault.action == FaultAction::Duplicate) turn.secondPart = turn.reply;
+    if (fault.action == FaultAction::Split && fault.number < turn.reply.size()) {
+        turn.secondPart = turn.reply.substr(fault.number);
+        turn.reply = turn.reply.substr(0, fault.number);
+    }
 }
 
 void PrinterServer::SendReply(Turn& turn) {
-    if (turn.fault != nullptr && turn.fault->action == FaultAction::NoReply) {
+    if (turn.fault && IsSilent(turn.fault->action)) {
         turn.reply = {};
         return;
     }
     const bool late = responder_.HasGivenUp(turn.client, GetTickCount64() - turn.receivedTick);
-    if (late && (turn.fault == nullptr || !turn.fault->late)) {
+    if (late && !(turn.fault && turn.fault->late)) {
         turn.remark = "not sent: the client has given up";
         return;
     }
@@ -174,11 +218,18 @@ void PrinterServer::SendReply(Turn& turn) {
     if (sent == ipc::ReplySent::PastLateReply)
         turn.remark = "sent after the unread reply to another client was taken back";
     if (sent == ipc::ReplySent::Never) turn.remark = "the reply could not be sent";
+    if (!turn.secondPart.empty()) SendSecondPart(turn);
+}
+
+void PrinterServer::SendSecondPart(const Turn& turn) {
+    if (!WaitUnlessStopped(kBetweenPartsMs)) return;
+    static_cast<void>(
+        channel_.Send(turn.secondPart.data(), static_cast<uint32_t>(turn.secondPart.size()), kSendTimeoutMs));
 }
 
 uint32_t PrinterServer::Post(const Turn& turn) {
     const auto length = static_cast<uint32_t>(turn.reply.size());
-    const FaultAction action = turn.fault != nullptr ? turn.fault->action : FaultAction::None;
+    const FaultAction action = turn.fault ? turn.fault->action : FaultAction::None;
     if (action == FaultAction::OtherProcess) {
         const auto target = static_cast<uint32_t>(turn.fault->number);
         return channel_.SendTo(target != 0 ? target : GetCurrentProcessId(), false, turn.reply.data(), length,
@@ -208,8 +259,8 @@ void PrinterServer::WriteTrace(const Turn& turn) {
     shared_.trace.Write(exchange);
 }
 
-void PrinterServer::ApplyControl() {
-    const std::string problem = control_.Apply(model_);
+void PrinterServer::ApplyControl(uint64_t nowMs) {
+    const std::string problem = control_.Apply(model_, faults_, nowMs);
     if (!problem.empty()) fmt::print(stderr, "kestrel-vprinter: {}\n", problem);
 }
 

@@ -6,6 +6,7 @@
 #include <functional>
 #include <future>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -46,7 +47,7 @@ class PrinterServer final {
         std::function<void()> onFailure;  // a printer cannot go on; called on its thread
     };
 
-    PrinterServer(std::string port, WideText channelName, DeviceModel model, FaultScript faults,
+    PrinterServer(std::string port, WideText channelName, DeviceModel model, std::vector<FaultRule> faults,
                   Shared shared);
     PrinterServer(const PrinterServer&) = delete;
     PrinterServer& operator=(const PrinterServer&) = delete;
@@ -62,6 +63,9 @@ class PrinterServer final {
 
     [[nodiscard]] bool HasFailed() const { return failed_; }
 
+    /// What the printer does wrong; may be changed while it serves.
+    [[nodiscard]] FaultScript& Faults() { return faults_; }
+
   private:
     struct Turn;
 
@@ -69,11 +73,13 @@ class PrinterServer final {
     void ServeRequests();
     void AnswerRequest(std::string_view request);
     void CarryOut(Turn& turn);
+    void CarryOutBadly(Turn& turn, const Fault& fault);
     void SendReply(Turn& turn);
+    void SendSecondPart(const Turn& turn);
     [[nodiscard]] uint32_t Post(const Turn& turn);
     [[nodiscard]] bool WaitUnlessStopped(uint32_t milliseconds);
     void WriteTrace(const Turn& turn);
-    void ApplyControl();
+    void ApplyControl(uint64_t nowMs);
     void KeepState();
     void Fail(const std::string& what);
 
@@ -88,6 +94,7 @@ class PrinterServer final {
 
     ipc::OPLChannel channel_;
     std::string faultyReply_;
+    std::string previousReply_;  // kept while there are rules
     std::thread thread_;
     std::atomic<bool> failed_ = false;
     std::atomic<bool> stopping_ = false;
