@@ -15,6 +15,7 @@ enum class ExitCode : int {
     Locked = 5,         // somebody else holds the printer
     ValueRefused = 6,   // the value cannot be taken, or was not kept
     BadReply = 7,       // a reply came and was not understood
+    CaseFailed = 8,     // a case of a test file did not end as expected
     OwnFault = 70,      // the installation is incomplete: library, configuration, spooler
     Interrupted = 130,  // ended by the user
 };
@@ -23,7 +24,7 @@ struct ExitCodeText final {
     ExitCode code;
     const char* meaning;
 };
-inline constexpr std::array<ExitCodeText, 10> kExitCodes = {{
+inline constexpr std::array<ExitCodeText, 11> kExitCodes = {{
     {ExitCode::Done, "done"},
     {ExitCode::DeviceRefused, "the device said no"},
     {ExitCode::Usage, "wrong usage: unknown command, option or key; nothing was sent"},
@@ -32,6 +33,7 @@ inline constexpr std::array<ExitCodeText, 10> kExitCodes = {{
     {ExitCode::Locked, "locked by another"},
     {ExitCode::ValueRefused, "value refused before it was sent, or not kept by the printer"},
     {ExitCode::BadReply, "reply not understood"},
+    {ExitCode::CaseFailed, "a test case failed"},
     {ExitCode::OwnFault, "the installation is incomplete: library, product configuration, spooler"},
     {ExitCode::Interrupted, "interrupted"},
 }};

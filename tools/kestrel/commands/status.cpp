@@ -21,12 +21,9 @@ struct StatusOptions {
 };
 
 DeviceStatus Ask(Context& context) {
-    DeviceStatusRecord record{};
     const Library& library = context.GetPrinter().GetLibrary();
     const Waiting waiting("asking for the status", !context.Options().json);
-    Demand<decltype(GetStatus)>(library, "GetStatus", {"cannot read the status", Exchange::Read}, &record,
-                                static_cast<uint32_t>(sizeof(record)));
-    return ReadStatus(record);
+    return AskForStatus(library);
 }
 
 Report Once(Context& context) {

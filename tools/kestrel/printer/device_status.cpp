@@ -106,6 +106,13 @@ DeviceStatus ReadStatus(const DeviceStatusRecord& record) {
     return status;
 }
 
+DeviceStatus AskForStatus(const Library& library) {
+    DeviceStatusRecord record{};
+    Demand<decltype(GetStatus)>(library, "GetStatus", {"cannot read the status", Exchange::Read}, &record,
+                                static_cast<uint32_t>(sizeof(record)));
+    return ReadStatus(record);
+}
+
 std::string StatusText(const DeviceStatus& status) {
     std::string text = fmt::format("state       {} ({})\n", status.word, status.state);
     if (!status.text.empty()) text += fmt::format("text        {}\n", ForTerminal(status.text));

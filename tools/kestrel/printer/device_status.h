@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kestrel/printer/library.h"
 #include "shared/json.h"
 
 namespace cli {
@@ -38,6 +39,10 @@ struct DeviceStatus final {
 
 // Trusts nothing but the record's size.
 [[nodiscard]] DeviceStatus ReadStatus(const DeviceStatusRecord& record);
+
+// Of the printer that is selected; starts the status monitor, and waits for a status that is not known yet,
+// up to 14 seconds. Throws the failure of the library's call.
+[[nodiscard]] DeviceStatus AskForStatus(const Library& library);
 
 [[nodiscard]] std::string StatusText(const DeviceStatus& status);
 [[nodiscard]] tools::Json StatusJson(const DeviceStatus& status);

@@ -24,6 +24,9 @@ class Printer final {
     // An empty name lets the library choose the installed printer of the product.
     Printer(const Library& library, const std::string& product, const std::string& name, uint32_t timeoutMs);
 
+    // Milliseconds for each exchange from now on.
+    void SetTimeout(uint32_t timeoutMs) { timeoutMs_ = timeoutMs; }
+
     [[nodiscard]] Value Get(const catalogue::Row& row) const;
     void Set(const catalogue::Row& row, const Value& value) const;
 

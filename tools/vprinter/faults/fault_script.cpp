@@ -1,6 +1,9 @@
 // The first rule that matches and is in force decides.
 #include "vprinter/faults/fault_script.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace vprinter {
 namespace {
 
@@ -85,6 +88,7 @@ void FaultScript::Replace(FaultSource source, std::vector<FaultRule> rules, uint
 
 void FaultScript::InsertFirst(FaultSource source, std::vector<FaultRule> rules, uint64_t nowMs) {
     std::vector<Entry> entries;
+    entries.reserve(rules.size() + entries_.size());
     for (FaultRule& rule : rules)
         entries.push_back({std::move(rule), source, nowMs});
     std::move(entries_.begin(), entries_.end(), std::back_inserter(entries));

@@ -1,0 +1,61 @@
+// A new file is put in the place of the old one, so that the printer never reads half of it.
+#include "kestrel/testing/fault_switch.h"
+
+#include <fmt/core.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "kestrel/failure.h"
+#include "shared/file.h"
+
+namespace cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Where a file that is open cannot be replaced: how often and how long the printer's reading is waited for.
+constexpr int kTries = 50;
+constexpr std::chrono::milliseconds kPause{10};
+
+fs::path PathWith(const std::string& utf8, std::string_view ending = {}) {
+    std::u8string text(utf8.begin(), utf8.end());
+    text.append(ending.begin(), ending.end());
+    return text;
+}
+
+bool Write(const std::string& path, const tools::Json& rules) {
+    const std::string text = tools::Json{{"*", {{"faults", rules}}}}.Dump() + '\n';
+    const fs::path temporary = PathWith(path, ".new");
+    if (!(std::ofstream(temporary, std::ios::binary) << text).flush()) return false;
+    std::error_code error;
+    for (int i = 0; i < kTries; ++i) {
+        fs::rename(temporary, PathWith(path), error);
+        if (!error) return true;
+        std::this_thread::sleep_for(kPause);
+    }
+    return false;
+}
+
+}  // namespace
+
+FaultSwitch::FaultSwitch(std::string controlFile, const tools::Json& rules) : path_(std::move(controlFile)) {
+    std::error_code ignored;
+    fs::remove(PathWith(path_, ".refused"), ignored);
+    if (!Write(path_, rules))
+        throw ValueFailure(
+            fmt::format("the control file {} cannot be written", path_),
+            "check its folder and permissions, and that it is the one of kestrel-vprinter --control");
+}
+
+FaultSwitch::~FaultSwitch() {
+    static_cast<void>(Write(path_, tools::Json::EmptyArray()));
+}
+
+std::string FaultSwitch::Refusal() const {
+    return tools::ReadFile(PathWith(path_, ".refused")).value_or("");
+}
+
+}  // namespace cli
