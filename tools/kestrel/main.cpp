@@ -77,7 +77,7 @@ int Run(int argc, char** argv) {
     const int exitStatus = Print(chosen.name, report, options.json, options.noColour);
     // Unloading the library closes its channel, and a client's close withdraws whatever request stands there
     // unread, also that of another program. That is wanted only for a request of our own that was given up.
-    const bool gaveUp = report.failure && report.failure->exit == ExitCode::NoAnswer;
+    const bool gaveUp = report.gaveUp || (report.failure && report.failure->exit == ExitCode::NoAnswer);
     if (!gaveUp) platform::EndWithoutUnloading(exitStatus);
     return exitStatus;
 }

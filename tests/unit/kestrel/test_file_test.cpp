@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "cli_refusal.h"
+#include "kestrel/testing/pattern.h"
 
 namespace cli {
 namespace {
@@ -59,6 +60,13 @@ TEST(CliTestFile, A_fault_is_told_with_its_place_and_what_was_expected) {
                   R"({"variables": {"a": 1}, "cases": [{"raw": "x", "capture": "b", "error": "0xE0000003"},
         {"get": "${a}", "value": "${b}${given}$${c}", "pattern": "(${b}"}]})"),
               "no complaint");
+}
+
+TEST(CliTestFile, A_pattern_is_held_against_long_answers_without_much_stack) {
+    const std::string text(kLongestForPattern, 'x');
+    EXPECT_TRUE(PatternFits("^(a|x|b)*$", text));
+    EXPECT_FALSE(PatternFits("^x*y", text));
+    EXPECT_NE("", ProblemWithPattern("(a)\\1"));
 }
 
 TEST(CliTestFile, Variables_are_replaced_once) {

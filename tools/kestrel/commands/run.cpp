@@ -85,14 +85,15 @@ Report Run(Context& context, const RunOptions& options) {
     Printer printer(context.GetLibrary(), global.product, global.printer, global.timeoutMs);
     const Teller teller(context, options.tap, cases);
     std::vector<CaseResult> results;
+    bool gaveUp = false;
     for (const TestFile& file : files) {
-        RunCases(printer, file, global.timeoutMs, [&](const CaseResult& result) {
+        gaveUp = RunCases(printer, file, global.timeoutMs, [&](const CaseResult& result) {
             results.push_back(result);
             teller.Tell(results.size(), result);
         });
     }
     const size_t failed = CountFailed(results);
-    Report report{teller.Summary(cases, failed), CasesJson(results), {}};
+    Report report{teller.Summary(cases, failed), CasesJson(results), {}, gaveUp};
     if (failed > 0)
         report.failure = Failure{ExitCode::CaseFailed,
                                  fmt::format("{} of {} test cases failed", failed, cases),

@@ -16,6 +16,7 @@ struct Report final {
     std::string text;                               // for people, with its line ends
     tools::Json data = tools::Json::EmptyObject();  // fields of the JSON document
     std::optional<Failure> failure;
+    bool gaveUp = false;  // a request of its own may lie unread in the channel
 };
 
 enum class Colour { Bold, Dim, Red };

@@ -5,13 +5,13 @@
 #include <kestrel/sdk_text.h>
 
 #include <memory>
-#include <regex>
 #include <thread>
 
 #include "kestrel/printer/device_status.h"
 #include "kestrel/settings/settings.h"
 #include "kestrel/settings/values.h"
 #include "kestrel/testing/fault_switch.h"
+#include "kestrel/testing/pattern.h"
 #include "kestrel/text/text.h"
 
 namespace cli {
@@ -114,6 +114,17 @@ std::string ProblemWithSuccess(const TestStep& step, const Answer& answer) {
     return {};
 }
 
+std::string ProblemWithFit(const std::string& pattern, const Answer& answer) {
+    const std::string problem = ProblemWithPattern(pattern);
+    if (!problem.empty())
+        return fmt::format("\"{}\" is no ECMAScript regular expression ({})", pattern, problem);
+    if (answer.text.size() > kLongestForPattern)
+        return fmt::format("expected at most {} bytes to hold the pattern against, found {}",
+                           kLongestForPattern, answer.text.size());
+    if (PatternFits(pattern, answer.text)) return {};
+    return fmt::format("expected something that the pattern \"{}\" fits, found {}", pattern, Found(answer));
+}
+
 std::string Problem(const TestStep& step, const Answer& answer) {
     std::string problem = ProblemWithSuccess(step, answer);
     if (!problem.empty()) return problem;
@@ -121,22 +132,38 @@ std::string Problem(const TestStep& step, const Answer& answer) {
         return fmt::format("expected the reply \"{}\", found {}", *step.reply, Found(answer));
     if (step.value && Normal(step, *step.value) != answer.text)
         return fmt::format("expected the value \"{}\", found {}", *step.value, Found(answer));
-    if (step.pattern && !std::regex_search(answer.text, std::regex(*step.pattern)))
-        return fmt::format("expected something that the pattern \"{}\" fits, found {}", *step.pattern,
-                           Found(answer));
+    if (step.pattern) problem = ProblemWithFit(*step.pattern, answer);
+    if (!problem.empty()) return problem;
     if (step.withinMs && answer.took > milliseconds(*step.withinMs))
         return fmt::format("expected an answer within {} ms, found {} after {} ms", *step.withinMs,
                            Found(answer), answer.took.count());
     return {};
 }
 
-// One run of all steps; ends at the first problem.
-class CaseRun final {
+// The cases of one file; their variables go from one to the next.
+class FileRun final {
   public:
-    CaseRun(Printer& printer, const TestFile& file, uint32_t timeoutMs, Variables& variables)
-        : printer_(printer), file_(file), timeoutMs_(timeoutMs), variables_(variables) {}
+    FileRun(Printer& printer, const TestFile& file, uint32_t timeoutMs)
+        : printer_(printer), file_(file), timeoutMs_(timeoutMs), variables_(file.variables) {}
 
     [[nodiscard]] std::string Run(const TestCase& test) {
+        try {
+            for (uint32_t i = 1; i <= test.repeat; ++i) {
+                const std::string problem = RunOnce(test);
+                if (problem.empty()) continue;
+                return test.repeat == 1 ? problem : fmt::format("time {} of {}: {}", i, test.repeat, problem);
+            }
+        } catch (const Failure& failure) {
+            return failure.text + (failure.advice.empty() ? "" : "; " + failure.advice);
+        }
+        return {};
+    }
+
+    [[nodiscard]] bool GaveUp() const { return gaveUp_; }
+
+  private:
+    // Ends at the first problem.
+    [[nodiscard]] std::string RunOnce(const TestCase& test) {
         std::unique_ptr<FaultSwitch> faults;
         if (test.faults)
             faults = std::make_unique<FaultSwitch>(file_.control, AllSubstituted(*test.faults, variables_));
@@ -155,12 +182,12 @@ class CaseRun final {
         return {};
     }
 
-  private:
     [[nodiscard]] std::string RunStep(const TestStep& step) {
         printer_.SetTimeout(step.timeoutMs.value_or(timeoutMs_));
         const Clock::time_point end = Clock::now() + milliseconds(step.retryMs.value_or(0));
         while (true) {
             const Answer answer = Asked(printer_, step);
+            gaveUp_ = answer.failure && answer.failure->exit == ExitCode::NoAnswer;
             if (!step.capture.empty()) variables_[step.capture] = answer.text;
             std::string problem = Problem(step, answer);
             if (problem.empty() || Clock::now() >= end) return problem;
@@ -171,36 +198,23 @@ class CaseRun final {
     Printer& printer_;
     const TestFile& file_;
     uint32_t timeoutMs_;
-    Variables& variables_;
+    Variables variables_;
+    bool gaveUp_ = false;
 };
-
-std::string Repeated(CaseRun run, const TestCase& test) {
-    try {
-        for (uint32_t i = 1; i <= test.repeat; ++i) {
-            const std::string problem = run.Run(test);
-            if (problem.empty()) continue;
-            return test.repeat == 1 ? problem : fmt::format("time {} of {}: {}", i, test.repeat, problem);
-        }
-    } catch (const Failure& failure) {
-        return failure.text + (failure.advice.empty() ? "" : "; " + failure.advice);
-    } catch (const std::regex_error& problem) {
-        return fmt::format("the pattern is no ECMAScript regular expression ({})", problem.what());
-    }
-    return {};
-}
 
 }  // namespace
 
-void RunCases(Printer& printer, const TestFile& file, uint32_t timeoutMs,
+bool RunCases(Printer& printer, const TestFile& file, uint32_t timeoutMs,
               const std::function<void(const CaseResult&)>& onEnd) {
-    Variables variables = file.variables;
+    FileRun run(printer, file, timeoutMs);
     for (const TestCase& test : file.cases) {
         const Clock::time_point start = Clock::now();
         CaseResult result{file.path, test.name, test.place, {}, {}};
-        result.problem = Repeated(CaseRun(printer, file, timeoutMs, variables), test);
+        result.problem = run.Run(test);
         result.took = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
         onEnd(result);
     }
+    return run.GaveUp();
 }
 
 }  // namespace cli

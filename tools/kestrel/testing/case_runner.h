@@ -21,7 +21,8 @@ struct CaseResult final {
 };
 
 // In the order of the file; `onEnd` is told of each. A step without a time-out of its own has `timeoutMs`.
-void RunCases(Printer& printer, const TestFile& file, uint32_t timeoutMs,
+// Returns whether the last step gave up its request, as it may have been meant to.
+bool RunCases(Printer& printer, const TestFile& file, uint32_t timeoutMs,
               const std::function<void(const CaseResult&)>& onEnd);
 
 }  // namespace cli

@@ -7,10 +7,10 @@
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
-#include <regex>
 
 #include "kestrel/failure.h"
 #include "kestrel/settings/settings.h"
+#include "kestrel/testing/pattern.h"
 #include "kestrel/text/text.h"
 #include "shared/file.h"
 #include "shared/json_lines.h"
@@ -153,11 +153,8 @@ void CheckExpectations(const ObjectReader& reader, const TestStep& step) {
     if (step.error && !HasVariables(*step.error) && !ErrorNamed(*step.error))
         reader.Complain("error", "a number such as 170 or \"0xE0000003\", or a name of sdk_errors.h");
     if (!step.pattern || HasVariables(*step.pattern)) return;
-    try {
-        static_cast<void>(std::regex(*step.pattern));
-    } catch (const std::regex_error& problem) {
-        reader.Complain("pattern", fmt::format("an ECMAScript regular expression ({})", problem.what()));
-    }
+    const std::string problem = ProblemWithPattern(*step.pattern);
+    if (!problem.empty()) reader.Complain("pattern", "an ECMAScript regular expression (" + problem + ")");
 }
 
 TestStep ReadStep(const ObjectReader& reader) {
@@ -171,6 +168,7 @@ TestStep ReadStep(const ObjectReader& reader) {
     }
     if (kind == nullptr) reader.Complain("expected one of raw, get, set and status");
     step.kind = kind->kind;
+    if (step.kind == StepKind::Status && reader.At(kind->field) != true) reader.Complain("status", "true");
     step.subject = reader.Text(kind->field);
     if (kind->isSetting) CheckSetting(reader, step);
     if (reader.Has("to") != (step.kind == StepKind::Set))
