@@ -16,7 +16,7 @@ int main(int argc, char** argv) {
     if (argc != 2) return 2;
     int fed = 0;
     auto home = std::make_unique<OwnFolder>();
-    for (const auto& targets : {fuzz::TextTargets(), fuzz::FileTargets()}) {
+    for (const auto& targets : {fuzz::TextTargets(), fuzz::FileTargets(), fuzz::PanelTargets()}) {
         for (const fuzz::Target& target : targets) {
             const fs::path folder = fs::path(argv[1]) / target.name;
             fuzz::Require(fs::is_directory(folder), "every target has a corpus");

@@ -15,10 +15,11 @@ struct Target {
 
 [[nodiscard]] std::span<const Target> TextTargets();
 [[nodiscard]] std::span<const Target> FileTargets();
+[[nodiscard]] std::span<const Target> PanelTargets();
 
 /// Null for an unknown name.
 [[nodiscard]] inline const Target* FindTarget(std::string_view name) {
-    for (const auto& targets : {TextTargets(), FileTargets()})
+    for (const auto& targets : {TextTargets(), FileTargets(), PanelTargets()})
         for (const Target& target : targets)
             if (target.name == name) return &target;
     return nullptr;

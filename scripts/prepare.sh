@@ -26,9 +26,10 @@ install_packages() {
     as_root env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=300 install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-BUILD_PACKAGES=(g++ cmake ninja-build python3 libsqlite3-dev libcli11-dev nlohmann-json3-dev libfmt-dev)
+BUILD_PACKAGES=(g++ cmake ninja-build python3 libsqlite3-dev libcli11-dev nlohmann-json3-dev libfmt-dev
+    libcpp-httplib-dev)
 TEST_PACKAGES=(libgtest-dev clang mono-mcs mono-runtime mypy python3-pytest python3-pip python3-setuptools python3-wheel
-    scdoc doxygen man-db zsh fish abigail-tools pkg-config)
+    scdoc doxygen man-db zsh fish abigail-tools pkg-config python3-jsonschema)
 
 # build_preset PRESET [TARGET...]
 build_preset() {

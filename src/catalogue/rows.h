@@ -19,6 +19,13 @@ namespace catalogue {
 /// An S32 getter is declared with uint32_t*: the bits are those of an int32_t.
 enum class Type : uint8_t { Bool, U8, S8, U16, U32, S32, Enum, Text, Address, Percent = U8 };
 
+/// As people are told it.
+[[nodiscard]] constexpr std::string_view TypeText(Type type) {
+    constexpr std::string_view kTexts[] = {"bool", "u8",   "s8",   "u16",    "u32",
+                                           "s32",  "enum", "text", "address"};
+    return kTexts[static_cast<size_t>(type)];
+}
+
 /// A command can only be set, and the printer acts at once.
 enum class Access : uint8_t { ReadWrite, ReadOnly, WriteOnly, Command };
 

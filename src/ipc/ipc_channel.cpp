@@ -306,6 +306,10 @@ void IPCChannel::Cancel() {
         CancelAsServer();
 }
 
+void IPCChannel::EndReceive() {
+    if (open_) (IsClient() ? responseSection_ : commandSection_).Cancel();
+}
+
 void IPCChannel::CancelAsClient() {
     if (transactionMutex_.IsLocked() && transactionMutex_.GetOwnerProcessId() == GetCurrentProcessId())
         responseSection_.Cancel();

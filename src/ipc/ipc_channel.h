@@ -32,7 +32,7 @@ class ServerThread;
 ///   32    the section holds an unread message of another living process
 ///   995   cancelled, or the message was marked as aborted (its payload is delivered)
 ///
-/// A channel object belongs to one thread, except `Cancel`, which any thread may call.
+/// A channel object belongs to one thread, except `Cancel` and `EndReceive`, which any thread may call.
 class IPCChannel {
   public:
     IPCChannel();
@@ -59,6 +59,9 @@ class IPCChannel {
     /// A client withdraws an unread request and gives up its transaction; a server takes back its reply and
     /// its announcement. Either ends a `Receive` of its role that waits, or the next one if none does.
     void Cancel();
+    /// Ends a `Receive` of this role that waits, or the next one, with 995; nothing is withdrawn, and a
+    /// message that lies there is received first.
+    void EndReceive();
 
     /// Server only: as `Send`, but to a client of the caller's choice, and marked as aborted if asked.
     uint32_t SendTo(uint32_t clientProcessId, bool aborted, const void* data, uint32_t length,

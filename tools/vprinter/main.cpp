@@ -14,10 +14,14 @@
 #include "shared/process.h"
 #include "shared/text.h"
 #include "shared/user_error.h"
+#include "vprinter/api/api.h"
+#include "vprinter/api/gate.h"
+#include "vprinter/api/traffic.h"
 #include "vprinter/device/condition.h"
 #include "vprinter/files/control_file.h"
 #include "vprinter/service/options.h"
 #include "vprinter/service/server.h"
+#include "vprinter/web/web_server.h"
 
 namespace {
 
@@ -90,6 +94,13 @@ class Printers final {
             server.Stop();
     }
 
+    /// For the panel; lives as long as this.
+    [[nodiscard]] api::ServedPrinters Served() {
+        return {options_.ports,
+                [this](size_t printer, const PrinterWork& work) { return servers_[printer].Do(work); }};
+    }
+    [[nodiscard]] api::Traffic& Traffic() { return traffic_; }
+
     [[nodiscard]] bool HasFailed() const {
         return std::any_of(servers_.begin(), servers_.end(),
                            [](const PrinterServer& server) { return server.HasFailed(); });
@@ -112,24 +123,51 @@ class Printers final {
         StateFile* const state = state_ ? &*state_ : nullptr;
         servers_.emplace_back(
             port, channelName, MakeModel(options_, port, state), FaultsFor(port, faults),
-            PrinterServer::Shared{trace_, state, options_.controlFile, [this] { end_.Raise(); }});
+            PrinterServer::Shared{trace_, state, options_.controlFile, [this] { end_.Raise(); },
+                                  options_.web ? &traffic_ : nullptr});
     }
 
     const Options& options_;
     Trace trace_;
+    api::Traffic traffic_;
     tools::EndRequest& end_;
     std::optional<StateFile> state_;
     std::deque<PrinterClaim> claims_;  // outlive the servers: nobody else starts before they have ended
     std::deque<PrinterServer> servers_;
 };
 
+constexpr size_t kShortestToken = 16;
+
+std::string LoadToken(const Options& options) {
+    if (options.webTokenFile.empty()) {
+        if (!options.web || api::IsLoopback(options.web->host)) return {};
+        throw tools::UserError("--web " + options.web->Text() +
+                               ": others reach this address; give --web-token FILE, or choose 127.0.0.1");
+    }
+    std::string token = tools::ReadFile(options.webTokenFile).value_or("");
+    token.erase(token.find_last_not_of(" \r\n") + 1);
+    if (token.size() >= kShortestToken) return token;
+    throw tools::UserError(
+        fmt::format("{}: expected a token of at least {} characters; make one, for instance "
+                    "with `openssl rand -hex 16`",
+                    options.webTokenFile, kShortestToken));
+}
+
 tools::ExitCode Run(const Options& options) {
+    const std::string token = LoadToken(options);
     tools::EndRequest end;
     Printers printers(options, end);
     printers.Start();
+    const api::Api api(printers.Served());
+    std::optional<web::WebServer> web;
+    if (options.web) {
+        web.emplace(*options.web, token, api, printers.Traffic());
+        fmt::print("panel: {}\n", web->Url());
+    }
     fmt::print("ready: {}\n", tools::Joined(options.ports, " "));
     std::fflush(stdout);
     end.Wait();
+    web.reset();
     printers.Stop();
     if (!options.quiet) fmt::print(stderr, "kestrel-vprinter: ended\n");
     return printers.HasFailed() ? tools::kOwnFault : tools::kDone;

@@ -21,20 +21,19 @@ constexpr IntegerRange RangeOf() {
 
 struct TypeRow {
     catalogue::Type type;
-    std::string_view name;
     ValueForm form;
     IntegerRange range;  // of integers
 };
 constexpr std::array<TypeRow, 9> kTypes = {{
-    {catalogue::Type::Bool, "bool", ValueForm::Bool, {}},
-    {catalogue::Type::U8, "u8", ValueForm::Integer, RangeOf<uint8_t>()},
-    {catalogue::Type::S8, "s8", ValueForm::Integer, RangeOf<int8_t>()},
-    {catalogue::Type::U16, "u16", ValueForm::Integer, RangeOf<uint16_t>()},
-    {catalogue::Type::U32, "u32", ValueForm::Integer, RangeOf<uint32_t>()},
-    {catalogue::Type::S32, "s32", ValueForm::Integer, RangeOf<int32_t>()},
-    {catalogue::Type::Enum, "enum", ValueForm::Word, {}},
-    {catalogue::Type::Text, "text", ValueForm::Text, {}},
-    {catalogue::Type::Address, "address", ValueForm::Address, {}},
+    {catalogue::Type::Bool, ValueForm::Bool, {}},
+    {catalogue::Type::U8, ValueForm::Integer, RangeOf<uint8_t>()},
+    {catalogue::Type::S8, ValueForm::Integer, RangeOf<int8_t>()},
+    {catalogue::Type::U16, ValueForm::Integer, RangeOf<uint16_t>()},
+    {catalogue::Type::U32, ValueForm::Integer, RangeOf<uint32_t>()},
+    {catalogue::Type::S32, ValueForm::Integer, RangeOf<int32_t>()},
+    {catalogue::Type::Enum, ValueForm::Word, {}},
+    {catalogue::Type::Text, ValueForm::Text, {}},
+    {catalogue::Type::Address, ValueForm::Address, {}},
 }};
 
 const TypeRow& TypeOf(catalogue::Type type) {
@@ -118,7 +117,7 @@ IntegerRange WritableRange(const catalogue::Row& row) {
     return TypeOf(row.writeType).range;
 }
 std::string_view TypeName(const catalogue::Row& row) {
-    return TypeOf(row.readType).name;
+    return catalogue::TypeText(row.readType);
 }
 
 std::string AccessName(const catalogue::Row& row) {

@@ -30,6 +30,7 @@ class LiveDevice final {
     [[nodiscard]] std::string Act(const Setting& setting);
 
     [[nodiscard]] FirmwareUpgrade& Upgrade() { return upgrade_; }
+    [[nodiscard]] NetworkActivity& Network() { return network_; }
 
   private:
     struct Row;

@@ -46,11 +46,6 @@ std::string Unescaped(std::string_view value) {
     return text;
 }
 
-std::string DottedAddress(std::string_view bytes) {
-    const auto part = [&](size_t i) { return static_cast<uint8_t>(bytes[i]); };
-    return fmt::format("{}.{}.{}.{}", part(0), part(1), part(2), part(3));
-}
-
 /// The stored form of a value, or what is wrong with the value.
 struct Judgement {
     std::string value;
@@ -110,8 +105,17 @@ std::string AddressBytes(std::string_view dotted) {
     return bytes;
 }
 
+std::string DottedAddress(std::string_view bytes) {
+    const auto part = [&](size_t i) { return static_cast<uint8_t>(bytes[i]); };
+    return fmt::format("{}.{}.{}.{}", part(0), part(1), part(2), part(3));
+}
+
 std::string_view Setting::Item() const {
     return std::string_view(reply).substr(kGood.size(), reply.size() - kGood.size() - 1);
+}
+
+std::string Setting::Text() const {
+    return spec.kind == ValueKind::Address ? DottedAddress(value) : value;
 }
 
 DeviceModel::DeviceModel(std::vector<SettingSpec> specs) {
@@ -195,8 +199,7 @@ ValueMap DeviceModel::ChangedValues() const {
         const Setting& setting = settings_[i];
         const bool act = setting.spec.writable && !setting.spec.readable;
         if (act || setting.spec.live || setting.value == initials_[i]) continue;
-        const bool isAddress = setting.spec.kind == ValueKind::Address;
-        values[std::string(setting.spec.key)] = isAddress ? DottedAddress(setting.value) : setting.value;
+        values[std::string(setting.spec.key)] = setting.Text();
     }
     return values;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -18,6 +19,8 @@ struct Setting {
 
     /// What a reply of several items holds for this setting.
     [[nodiscard]] std::string_view Item() const;
+    /// The value as people write it: an address dotted.
+    [[nodiscard]] std::string Text() const;
 };
 
 /// Values by key, as people write them.
@@ -30,6 +33,7 @@ class DeviceModel final {
 
     /// Null when the printer has no such setting. Allocates nothing.
     [[nodiscard]] Setting* Find(std::string_view key);
+    [[nodiscard]] std::span<const Setting> All() const { return settings_; }
     /// Of a key that the printer has.
     [[nodiscard]] const Setting& Get(std::string_view key) const {
         return settings_[positions_.find(key)->second];
@@ -76,5 +80,7 @@ class DeviceModel final {
 
 /// "192.168.0.1" as four bytes; empty when the text is no address.
 [[nodiscard]] std::string AddressBytes(std::string_view dotted);
+/// The other way round, of four bytes.
+[[nodiscard]] std::string DottedAddress(std::string_view bytes);
 
 }  // namespace vprinter

@@ -19,20 +19,17 @@ constexpr std::string_view kNoName = "(null)";
 
 constexpr uint64_t kAnsweredPingMs = 200;  // from one ping to the next
 
-// What is not worth a condition of its own follows from the place in the list.
-void AppendAccessPoint(ReplyItems& items, size_t index, std::string_view name) {
+void AppendAccessPoint(ReplyItems& items, size_t index, const NetworkActivity::AccessPoint& point) {
     const auto key = [&](std::string_view field) {
         return fmt::format("{}[{}].{}", opl::KeyText(opl::Key::AccessPoints), index, field);
     };
-    const auto number = static_cast<int64_t>(index);
-    const char mac[] = {0x02, 0x4B, 0x53, 0x00, 0x00, static_cast<char>(index + 1)};
-    items.Block(key("MacAddr"), {mac, sizeof(mac)})
-        .Number(key("SignalStrength"), std::max<int64_t>(95 - 6 * number, 5))
-        .Number(key("BcnInterval"), 100)
-        .Number(key("CapInfo"), 0x0411)
-        .Text(key("SSID"), name)
-        .Number(key("Channel"), 1 + number * 5 % 13)
-        .Number(key("Encryption"), number % 4);
+    items.Block(key("MacAddr"), {point.address.data(), point.address.size()})
+        .Number(key("SignalStrength"), point.signalStrength)
+        .Number(key("BcnInterval"), point.beaconInterval)
+        .Number(key("CapInfo"), point.capabilities)
+        .Text(key("SSID"), point.ssid)
+        .Number(key("Channel"), point.channel)
+        .Number(key("Encryption"), point.encryption);
 }
 
 }  // namespace
@@ -49,11 +46,28 @@ size_t NetworkActivity::AccessPointsFound() const {
     return elapsed >= duration ? all : static_cast<size_t>(all * elapsed / duration);
 }
 
-std::string NetworkActivity::AccessPointItems() const {
+// What is not worth a condition of its own follows from the place in the list.
+std::vector<NetworkActivity::AccessPoint> NetworkActivity::AccessPoints() const {
     const std::vector<std::string_view> names = ListParts(model_.Value(condition::kNetworks));
+    std::vector<AccessPoint> points;
+    for (size_t i = 0; i < AccessPointsFound(); ++i) {
+        const auto number = static_cast<int64_t>(i);
+        points.push_back({.ssid = names[i],
+                          .address = {0x02, 0x4B, 0x53, 0x00, 0x00, static_cast<char>(i + 1)},
+                          .signalStrength = std::max<int64_t>(95 - 6 * number, 5),
+                          .beaconInterval = 100,
+                          .capabilities = 0x0411,
+                          .channel = 1 + number * 5 % 13,
+                          .encryption = number % 4});
+    }
+    return points;
+}
+
+std::string NetworkActivity::AccessPointItems() const {
     ReplyItems items;
-    for (size_t i = 0; i < AccessPointsFound(); ++i)
-        AppendAccessPoint(items, i, names[i]);
+    size_t index = 0;
+    for (const AccessPoint& point : AccessPoints())
+        AppendAccessPoint(items, index++, point);
     return items.Take();
 }
 

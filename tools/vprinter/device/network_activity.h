@@ -2,10 +2,13 @@
 // points, pings, and the hosts that it has discovered.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "vprinter/device/model.h"
 
@@ -19,7 +22,18 @@ class NetworkActivity final {
     /// A search forgets what the one before it found. It finds nothing while the radio is off.
     void Search();
     [[nodiscard]] size_t AccessPointsFound() const;
-    /// The items of the access points found so far; empty for none.
+    struct AccessPoint {
+        std::string_view ssid;  // of the model
+        std::array<char, 6> address;
+        int64_t signalStrength;
+        int64_t beaconInterval;
+        int64_t capabilities;
+        int64_t channel;
+        int64_t encryption;
+    };
+    /// Those found so far.
+    [[nodiscard]] std::vector<AccessPoint> AccessPoints() const;
+    /// Their items; empty for none.
     [[nodiscard]] std::string AccessPointItems() const;
 
     /// Begins to ping with what has been set last; each of the three settings of a ping calls for this, so

@@ -16,21 +16,23 @@ constexpr int64_t kLowInk = 15;  // percent
 struct StateRow {
     std::string_view word;  // of status.error; empty for a state that the printer is in of its own accord
     PrinterState state;
+    std::string_view name;
     std::string_view text;
 };
 
 constexpr StateRow kStates[] = {
-    {"None", PrinterState::Ready, "Ready"},
-    {"Paper_Out", PrinterState::PaperOut, "Load paper"},
-    {"Paper_Jam", PrinterState::PaperJam, "Remove the jammed paper"},
-    {"Cover_Open", PrinterState::CoverOpen, "Close the cover"},
-    {"Ink_Out", PrinterState::InkOut, "Replace the empty cartridge"},
-    {"Cartridge_Missing", PrinterState::CartridgeMissing, "Insert the missing cartridge"},
-    {"Carriage_Stalled", PrinterState::CarriageStalled, "Free the carriage"},
-    {"Device_Error", PrinterState::DeviceError, "Switch the printer off and on"},
-    {"", PrinterState::Offline, "The printer does not answer"},
-    {"", PrinterState::Upgrading, "The firmware is being replaced"},
-    {"", PrinterState::NotYetKnown, ""},
+    {"None", PrinterState::Ready, "ready", "Ready"},
+    {"Paper_Out", PrinterState::PaperOut, "paper-out", "Load paper"},
+    {"Paper_Jam", PrinterState::PaperJam, "paper-jam", "Remove the jammed paper"},
+    {"Cover_Open", PrinterState::CoverOpen, "cover-open", "Close the cover"},
+    {"Ink_Out", PrinterState::InkOut, "ink-out", "Replace the empty cartridge"},
+    {"Cartridge_Missing", PrinterState::CartridgeMissing, "cartridge-missing",
+     "Insert the missing cartridge"},
+    {"Carriage_Stalled", PrinterState::CarriageStalled, "carriage-stalled", "Free the carriage"},
+    {"Device_Error", PrinterState::DeviceError, "device-error", "Switch the printer off and on"},
+    {"", PrinterState::Offline, "offline", "The printer does not answer"},
+    {"", PrinterState::Upgrading, "upgrading", "The firmware is being replaced"},
+    {"", PrinterState::NotYetKnown, "not-yet-known", ""},
 };
 
 /// Zero-filled bytes of a fixed number.
@@ -93,19 +95,33 @@ std::vector<std::string_view> ErrorWords() {
     return words;
 }
 
+Status StatusOf(const DeviceModel& model, std::optional<uint32_t> upgradePercent) {
+    const PrinterState state = StateOf(model, upgradePercent.has_value());
+    const StateRow& row = *std::ranges::find(kStates, state, &StateRow::state);
+    const std::string_view text = model.Value(condition::kStatusText);
+    // A status with a text counts as known, whatever its state.
+    const bool ownText = text.empty() || state == PrinterState::NotYetKnown;
+    return {state, row.name, ownText ? row.text : text};
+}
+
+std::string_view StateWord(uint32_t number) {
+    const auto* const row = std::ranges::find(kStates, static_cast<PrinterState>(number), &StateRow::state);
+    return row != std::end(kStates) ? row->name : "other";
+}
+
+std::string_view InkWord(int64_t percent) {
+    constexpr std::string_view kWords[] = {"enough", "low", "empty"};
+    return kWords[static_cast<size_t>(InkStateOf(percent))];
+}
+
 std::string StatusBlock(const DeviceModel& model, std::optional<uint32_t> upgradePercent) {
     namespace at = status_layout;
-    const PrinterState state = StateOf(model, upgradePercent.has_value());
-    std::string_view text = model.Value(condition::kStatusText);
-    // A status with a text counts as known, whatever its state.
-    if (text.empty() || state == PrinterState::NotYetKnown) {
-        text = std::ranges::find(kStates, state, &StateRow::state)->text;
-    }
+    const Status status = StatusOf(model, upgradePercent);
 
     Block block(at::kWhole);
     block.Put(at::kSize, at::kWhole);
     block.Put(at::kVersion, kLayoutVersion);
-    block.Put(at::kState, static_cast<uint64_t>(state));
+    block.Put(at::kState, static_cast<uint64_t>(status.state));
     block.Put(at::kProgress, upgradePercent.value_or(kNoProgress));
     PutInks(block, model);
     block.Put(at::kUpperTray, static_cast<uint64_t>(model.Number(opl::KeyText(opl::Key::UpperTrayLevel))));
@@ -113,7 +129,7 @@ std::string StatusBlock(const DeviceModel& model, std::optional<uint32_t> upgrad
     block.Put(at::kPhotoTray, model.Flag(opl::KeyText(opl::Key::PhotoTrayEngaged)) ? 1 : 0);
     block.Put(at::kConnection, model.Value(condition::kConnection) == "USB" ? 1 : 0, 1);
     block.Put(at::kNetworkUp, model.Value(opl::KeyText(opl::Key::WirelessState)) == "Connected" ? 1 : 0, 1);
-    block.PutText(at::kText, at::kFirmware, text);
+    block.PutText(at::kText, at::kFirmware, status.text);
     block.PutText(at::kFirmware, at::kName, model.Value(opl::KeyText(opl::Key::FWVersionPrinter)));
     block.PutText(at::kName, at::kWhole, model.Value(opl::KeyText(opl::Key::FriendlyName)));
     return block.Take();

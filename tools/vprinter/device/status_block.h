@@ -55,7 +55,18 @@ enum class InkState : uint32_t { Enough = 0, Low = 1, Empty = 2 };
 /// What the condition status.error can be.
 [[nodiscard]] std::vector<std::string_view> ErrorWords();
 
+/// What the display says.
+struct Status {
+    PrinterState state;
+    std::string_view word;  // of the state, as clients are told it: paper-jam
+    std::string_view text;  // of the model, or for ever
+};
 /// `upgradePercent`: of a firmware upgrade that is under way.
+[[nodiscard]] Status StatusOf(const DeviceModel& model, std::optional<uint32_t> upgradePercent);
+[[nodiscard]] std::string_view InkWord(int64_t percent);
+/// The same word of a number; "other" for one that no state has.
+[[nodiscard]] std::string_view StateWord(uint32_t number);
+
 [[nodiscard]] std::string StatusBlock(const DeviceModel& model, std::optional<uint32_t> upgradePercent);
 
 namespace capability_layout {

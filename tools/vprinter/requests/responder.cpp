@@ -193,7 +193,11 @@ bool Responder::RefuseAsLocked() {
 }
 
 bool Responder::IsLockedByAnother() {
-    return lockHolder_ != 0 && lockHolder_ != client_ && surroundings_.isRunning(lockHolder_);
+    return lockHolder_ != client_ && LockHolder() != 0;
+}
+
+uint32_t Responder::LockHolder() const {
+    return lockHolder_ != 0 && surroundings_.isRunning(lockHolder_) ? lockHolder_ : 0;
 }
 
 bool Responder::GetStatus(const WordRow& row, const Command& command) {

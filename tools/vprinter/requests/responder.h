@@ -41,6 +41,10 @@ class Responder final {
     /// The printer is as at its first start: first values, no lock, no announced time-outs.
     void Restart();
 
+    [[nodiscard]] LiveDevice& Device() { return live_; }
+    /// The living process that keeps the printer; 0 for none.
+    [[nodiscard]] uint32_t LockHolder() const;
+
     /// Whether the client has stopped waiting for the reply to a request that arrived `elapsedMs` ago.
     [[nodiscard]] bool HasGivenUp(uint32_t clientProcessId, uint64_t elapsedMs) const {
         return sessions_.HasGivenUp(clientProcessId, elapsedMs);

@@ -35,6 +35,12 @@ std::string TakeTraceFormat(const std::string& name, Options& options) {
     return "expected text, json or none instead of " + name;
 }
 
+std::string TakeWebAddress(const std::string& text, Options& options) {
+    if (!web::IsThere()) return "this build has no panel; build it with libcpp-httplib-dev (KESTREL_WEB)";
+    options.web = web::ReadAddress(text);
+    return options.web ? "" : "expected an address and a port, such as 127.0.0.1:8631, instead of " + text;
+}
+
 void Declare(const tools::Command& program, Options& options) {
     program
         .AddOption("--port", options.ports,
@@ -69,6 +75,19 @@ void Declare(const tools::Command& program, Options& options) {
         .TypeName("FILE");
     program.AddFlag("--trace-secrets", options.showSecrets,
                     "show pass phrases and security keys in the trace");
+    const tools::Option web =
+        program
+            .AddOption(
+                "--web", [&](const std::string& text) { return TakeWebAddress(text, options); },
+                web::IsThere()
+                    ? "shows the printers in a browser, at this address; port 0 is one that is free"
+                    : "panel for a browser; this build has none")
+            .TypeName("ADDRESS:PORT");
+    program
+        .AddOption("--web-token", options.webTokenFile,
+                   "file with the token that visitors must know; needed for an address that others reach")
+        .TypeName("FILE")
+        .Needs(web);
     program.AddFlag("--quiet", options.quiet, "print the ready line and errors only");
 }
 
@@ -83,6 +102,8 @@ void Explain(const tools::Command& program) {
     program.Example(
         "kestrel-vprinter --port USB001 --faults slow.json --trace json --trace-file trace.jsonl",
         "a printer that misbehaves as slow.json says; every exchange becomes a line of trace.jsonl");
+    program.Example("kestrel-vprinter --port USB001 --web 127.0.0.1:8631",
+                    "a printer to look at: open http://127.0.0.1:8631/ in a browser");
     program.Note(
         "The line \"ready: USB001\" on the output says that all printers answer. SIGTERM and the interrupt "
         "key "

@@ -7,6 +7,7 @@
 
 #include "shared/exit_codes.h"
 #include "vprinter/trace/trace.h"
+#include "vprinter/web/web_server.h"
 
 namespace vprinter {
 
@@ -19,6 +20,8 @@ struct Options {
     std::string controlFile;
     TraceFormat traceFormat = TraceFormat::None;
     std::string traceFile;
+    std::optional<web::Address> web;  // nothing: no panel
+    std::string webTokenFile;
     bool showSecrets = false;
     bool quiet = false;
     bool listFaults = false;

@@ -26,6 +26,7 @@ constexpr uint32_t kPauseAfterFailureMs = 50;
 // Between two messages for one client: time to take the first. It asks nothing while this printer is not
 // idle.
 constexpr uint32_t kBetweenPartsMs = 50;
+constexpr std::chrono::milliseconds kLongestForWork{2000};
 
 WideText ToWide(const std::string& text) {
     const std::u16string wide = std::filesystem::path(text).u16string();
@@ -70,7 +71,8 @@ struct PrinterServer::Turn {
     std::string_view request;
     uint32_t client = 0;
     ULONGLONG receivedTick = 0;                  // of the coarse clock, which costs no system call
-    std::chrono::system_clock::time_point time;  // these two are taken for a trace only
+    bool shown = false;                          // somebody wants to know of it
+    std::chrono::system_clock::time_point time;  // these two are taken only then
     Clock::time_point received;
     std::optional<Fault> fault;
     std::string_view reply;
@@ -114,6 +116,7 @@ void PrinterServer::Stop() {
 void PrinterServer::Serve(std::promise<bool> opened) {
     const bool isOpen = channel_.Open(ipc::ChannelRole::Server, channelName_.c_str());
     if (!isOpen) Fail(fmt::format("its channel cannot be opened (error {})", GetLastError()));
+    if (isOpen) work_.Open();
     opened.set_value(isOpen);
     if (!isOpen) return;
     try {
@@ -121,6 +124,7 @@ void PrinterServer::Serve(std::promise<bool> opened) {
     } catch (const std::exception& error) {
         Fail(error.what());
     }
+    work_.Close();
     KeepState();
     channel_.Close();
 }
@@ -129,6 +133,7 @@ void PrinterServer::ServeRequests() {
     const auto buffer = std::make_unique_for_overwrite<char[]>(ipc::kMaxOplMessage);
     int failures = 0;
     while (!stopping_) {
+        if (work_.IsWaiting()) DoPostedWork();
         const uint32_t length = channel_.Receive(buffer.get(), ipc::kMaxOplMessage, kNoLimit);
         if (length > 0) {
             failures = 0;
@@ -148,7 +153,8 @@ void PrinterServer::AnswerRequest(std::string_view request) {
     turn.request = request;
     turn.client = channel_.LastClientProcessId();
     turn.receivedTick = GetTickCount64();
-    if (shared_.trace.IsOn()) {
+    turn.shown = IsLookedAt();
+    if (turn.shown) {
         turn.time = std::chrono::system_clock::now();
         turn.received = Clock::now();
     }
@@ -157,7 +163,7 @@ void PrinterServer::AnswerRequest(std::string_view request) {
     CarryOut(turn);
     if (stopping_) return;
     SendReply(turn);
-    if (shared_.trace.IsOn()) WriteTrace(turn);
+    if (turn.shown) Show(turn);
     KeepState();
     if (turn.fault && turn.fault->action == FaultAction::CrashAfter) tools::EndAbruptly();
     if (faults_.HasRules()) previousReply_ = turn.reply;
@@ -172,17 +178,17 @@ void PrinterServer::CarryOut(Turn& turn) {
 
 void PrinterServer::CarryOutBadly(Turn& turn, const Fault& fault) {
     turn.remark = "as scripted";
-    if (fault.delayMs > 0 && !WaitUnlessStopped(fault.delayMs)) return;
+    if (fault.delayMs > 0 && !DelayAnswer(fault.delayMs)) return;
     switch (fault.action) {
         case FaultAction::CrashBefore:
             tools::EndAbruptly();
         case FaultAction::Lost:
             return;
         case FaultAction::Hang:
-            static_cast<void>(WaitUnlessStopped(static_cast<uint32_t>(fault.number)));
+            static_cast<void>(DelayAnswer(static_cast<uint32_t>(fault.number)));
             return;
         case FaultAction::Restart:
-            static_cast<void>(WaitUnlessStopped(static_cast<uint32_t>(fault.number)));
+            static_cast<void>(DelayAnswer(static_cast<uint32_t>(fault.number)));
             return responder_.Restart();
         case FaultAction::LockLost:
             responder_.ForgetLock();
@@ -247,7 +253,43 @@ bool PrinterServer::WaitUnlessStopped(uint32_t milliseconds) {
                                  [&] { return stopping_.load(); });
 }
 
-void PrinterServer::WriteTrace(const Turn& turn) {
+// The reply is not made yet: what is done meanwhile is in time for it.
+bool PrinterServer::DelayAnswer(uint32_t milliseconds) {
+    const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
+    const auto interrupted = [&] { return stopping_.load() || work_.IsWaiting(); };
+    for (;;) {
+        {
+            std::unique_lock guard(stopLock_);
+            if (!stopSignal_.wait_until(guard, end, interrupted)) return true;
+        }
+        if (stopping_) return false;
+        DoPostedWork();
+    }
+}
+
+bool PrinterServer::Do(const PrinterWork& work) {
+    const PrinterParts parts{port_, model_, responder_};
+    const auto wake = [this] {
+        channel_.EndReceive();
+        // Whoever is about to wait for the signal has either seen the work or waits already.
+        { const std::lock_guard guard(stopLock_); }
+        stopSignal_.notify_all();
+    };
+    return work_.Do([&] { work(parts); }, wake, kLongestForWork);
+}
+
+void PrinterServer::DoPostedWork() {
+    ApplyControl(GetTickCount64());
+    work_.DoAll();
+    if (shared_.traffic != nullptr) shared_.traffic->NoteRevision(port_, model_.Revision());
+    KeepState();
+}
+
+bool PrinterServer::IsLookedAt() const {
+    return shared_.trace.IsOn() || (shared_.traffic != nullptr && shared_.traffic->IsWatched());
+}
+
+void PrinterServer::Show(const Turn& turn) {
     Exchange exchange;
     exchange.time = turn.time;
     exchange.port = port_;
@@ -257,6 +299,9 @@ void PrinterServer::WriteTrace(const Turn& turn) {
     exchange.duration = Clock::now() - turn.received;
     exchange.remark = turn.remark;
     shared_.trace.Write(exchange);
+    if (shared_.traffic == nullptr || !shared_.traffic->IsWatched()) return;
+    shared_.traffic->Add(exchange);
+    shared_.traffic->NoteRevision(port_, model_.Revision());
 }
 
 void PrinterServer::ApplyControl(uint64_t nowMs) {

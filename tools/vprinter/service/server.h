@@ -12,11 +12,14 @@
 
 #include "ipc/opl_channel.h"
 #include "kwt/win_mutex.h"
+#include "vprinter/api/printer_parts.h"
+#include "vprinter/api/traffic.h"
 #include "vprinter/device/model.h"
 #include "vprinter/faults/fault_script.h"
 #include "vprinter/files/control_file.h"
 #include "vprinter/files/state_file.h"
 #include "vprinter/requests/responder.h"
+#include "vprinter/service/posted_work.h"
 #include "vprinter/trace/trace.h"
 
 namespace vprinter {
@@ -45,6 +48,7 @@ class PrinterServer final {
         StateFile* state;                 // null: nothing is kept
         std::string controlFile;          // empty: nothing changes from outside
         std::function<void()> onFailure;  // a printer cannot go on; called on its thread
+        api::Traffic* traffic = nullptr;  // null: nobody can look on
     };
 
     PrinterServer(std::string port, WideText channelName, DeviceModel model, std::vector<FaultRule> faults,
@@ -66,6 +70,10 @@ class PrinterServer final {
     /// What the printer does wrong; may be changed while it serves.
     [[nodiscard]] FaultScript& Faults() { return faults_; }
 
+    /// Any thread: runs `work` on the serving thread, between two requests or while an answer is delayed, and
+    /// returns when it is done; false when the printer does not get there within two seconds.
+    [[nodiscard]] bool Do(const PrinterWork& work);
+
   private:
     struct Turn;
 
@@ -78,7 +86,10 @@ class PrinterServer final {
     void SendSecondPart(const Turn& turn);
     [[nodiscard]] uint32_t Post(const Turn& turn);
     [[nodiscard]] bool WaitUnlessStopped(uint32_t milliseconds);
-    void WriteTrace(const Turn& turn);
+    [[nodiscard]] bool DelayAnswer(uint32_t milliseconds);
+    void DoPostedWork();
+    [[nodiscard]] bool IsLookedAt() const;
+    void Show(const Turn& turn);
     void ApplyControl(uint64_t nowMs);
     void KeepState();
     void Fail(const std::string& what);
@@ -95,6 +106,7 @@ class PrinterServer final {
     ipc::OPLChannel channel_;
     std::string faultyReply_;
     std::string previousReply_;  // kept while there are rules
+    PostedWork work_;
     std::thread thread_;
     std::atomic<bool> failed_ = false;
     std::atomic<bool> stopping_ = false;

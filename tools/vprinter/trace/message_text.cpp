@@ -40,11 +40,13 @@ bool EndsInSecretKey(std::string_view text) {
     });
 }
 
+enum class Form : uint8_t { Readable, Bytes };
+
 /// Walks over a message and appends it piece by piece.
 class MessageWriter final {
   public:
-    MessageWriter(std::string_view message, const MessageTextOptions& options)
-        : message_(message), options_(options) {}
+    MessageWriter(std::string_view message, const MessageTextOptions& options, Form form)
+        : message_(message), options_(options), form_(form) {}
 
     [[nodiscard]] std::string Write() {
         while (at_ < message_.size() && at_ < options_.maxBytes) {
@@ -58,9 +60,16 @@ class MessageWriter final {
     }
 
   private:
+    void Append(std::string_view text) {
+        if (form_ == Form::Readable)
+            AppendReadable(out_, text);
+        else
+            out_ += text;
+    }
+
     void WriteText(size_t end) {
         end = std::min(end, options_.maxBytes);
-        AppendReadable(out_, message_.substr(at_, end - at_));
+        Append(message_.substr(at_, end - at_));
         at_ = end;
     }
 
@@ -69,21 +78,28 @@ class MessageWriter final {
         size_t head = 1;
         size_t length = 0;
         const bool block = message_[at_] == '#' && FindBlock(message_.substr(at_), head, length);
-        AppendReadable(out_, message_.substr(at_, head));
+        Append(message_.substr(at_, head));
         at_ += head;
         if (secret) {
             if (!block) length = std::min(message_.find_first_of("&;?", at_), message_.size()) - at_;
             out_ += kMask;
             at_ += length;
         } else if (block) {
-            AppendBlock(out_, message_.substr(at_, length),
-                        options_.maxBytes - std::min(at_, options_.maxBytes));
+            WriteBlock(message_.substr(at_, length));
             at_ += length;
         }
     }
 
+    void WriteBlock(std::string_view block) {
+        if (form_ == Form::Readable)
+            AppendBlock(out_, block, options_.maxBytes - std::min(at_, options_.maxBytes));
+        else
+            out_ += block;
+    }
+
     std::string_view message_;
     const MessageTextOptions& options_;
+    Form form_;
     size_t at_ = 0;
     std::string out_;
 };
@@ -91,7 +107,11 @@ class MessageWriter final {
 }  // namespace
 
 std::string MessageText(std::string_view message, const MessageTextOptions& options) {
-    return MessageWriter(message, options).Write();
+    return MessageWriter(message, options, Form::Readable).Write();
+}
+
+std::string WithoutSecrets(std::string_view message) {
+    return MessageWriter(message, {}, Form::Bytes).Write();
 }
 
 }  // namespace vprinter

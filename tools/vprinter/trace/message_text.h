@@ -16,4 +16,7 @@ struct MessageTextOptions {
 /// wherever their key stands, whatever else is wrong with the message.
 [[nodiscard]] std::string MessageText(std::string_view message, const MessageTextOptions& options);
 
+/// The message's own bytes, with "*****" in place of each secret.
+[[nodiscard]] std::string WithoutSecrets(std::string_view message);
+
 }  // namespace vprinter
