@@ -3,6 +3,7 @@
 # before it runs, and one that must fail has to fail as announced. Everything made lies in a temporary folder
 # that is gone at the end; only build/ stays.
 #   ./demo.sh            the Linux library
+#   ./demo.sh --web      the same, and at its end a panel for the browser, until Ctrl-C
 #   ./demo.sh --windows  the Windows DLL, under Wine
 set -euo pipefail
 cd "$(dirname "$0")"
@@ -10,8 +11,9 @@ source scripts/prepare.sh
 
 case "${1:-}" in
     "") world=linux ;;
+    --web) world=linux ;;
     --windows) world=windows ;;
-    *) echo "usage: ./demo.sh [--windows]" >&2; exit 2 ;;
+    *) echo "usage: ./demo.sh [--web | --windows]" >&2; exit 2 ;;
 esac
 
 status_monitor=ZRIJ9900MUI
@@ -263,6 +265,18 @@ tour_supplies() {
     must_fail 4 kestrel --timeout 1s get fax.redials
 }
 
+# What the tour is over for: the printers in a browser, beside whatever one types in another terminal.
+tour_panel() {
+    say "The printers in a browser; Ctrl-C ends the demo"
+    echo "In another terminal: export WINPORT_HOME=$WINPORT_HOME PATH=$work/bin:\$PATH; kestrel set fax.redials 5"
+    kestrel-vprinter --port USB001 --port ZRIJT_127.0.0.1 --web 127.0.0.1:0 --quiet &
+    printer_processes[panel]=$!
+    trap 'echo' INT
+    wait "${printer_processes[panel]}" || [ $? -gt 128 ]
+    trap 'exit 130' INT
+    end_printer panel
+}
+
 tour_setup
 tour_settings
 tour_status
@@ -273,6 +287,7 @@ tour_device
 tour_installation
 tour_supplies
 
+[ "${1:-}" != --web ] || tour_panel
 say "What the virtual printer and the status monitor saw last"
 tail -n 5 "$work/trace.txt"
 tail -n 5 "$monitor_log"

@@ -27,10 +27,11 @@ void PanelRequest(std::string_view bytes) {
         std::string port = "USB001";
         DeviceModel model;
         Responder responder{model};
+        FaultScript faults;
     };
     static Printer printer;
     static const api::Api api({{printer.port}, [](size_t, const PrinterWork& work) {
-                                   work({printer.port, printer.model, printer.responder});
+                                   work({printer.port, printer.model, printer.responder, printer.faults, 0});
                                    return true;
                                }});
     const std::string method(TakeLine(bytes));

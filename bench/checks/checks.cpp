@@ -127,6 +127,27 @@ double TypedOfC() {
     return Median(std::move(typed)) / Median(std::move(plain));
 }
 
+// Two printers in processes of their own, asked by turns.
+double WithPanelOfWithout(const Place& place) {
+    Contender contender = kGetFaxRedials;
+    contender.serve = ServeVirtualPrinterWithPanel;
+    const Server withPanel(contender, place, false);
+    SelectPrinterWithPanel(place);
+    Require(SetFaxRedials(3, kTimeoutMs), "the setting is refused");
+    std::vector<double> with;
+    std::vector<double> without;
+    for (int i = 0; i < kTurns; ++i) {
+        SelectInstalledPrinter(place);
+        ExchangeTimes(kExchangesOfTurn);
+        without.push_back(Timed([] { ExchangeTimes(kExchangesOfTurn); }));
+        SelectPrinterWithPanel(place);
+        ExchangeTimes(kExchangesOfTurn);
+        with.push_back(Timed([] { ExchangeTimes(kExchangesOfTurn); }));
+    }
+    SelectInstalledPrinter(place);
+    return Median(std::move(with)) / Median(std::move(without));
+}
+
 void CheckAll(const Server& printer, const Place& place) {
     ExchangeTimes(1);
     const uint64_t before = allocations.load();
@@ -134,6 +155,7 @@ void CheckAll(const Server& printer, const Place& place) {
     Tell("allocations an exchange", static_cast<double>(allocations.load() - before) / kCountedExchanges);
 
     Tell("GetFaxRedials through sdk.hpp, x of C", TypedOfC());
+    Tell("exchange with --web and nobody looking, x of without", WithPanelOfWithout(place));
     Tell("select a printer, us", MedianUs([&] { return Timed([&] { SelectInstalledPrinter(place); }); }));
     Tell("object of a new thread, us", MedianUs([] { return TimedOnNewThread(GetLastResponseNum); }));
     Tell("first selection on a new thread, us",

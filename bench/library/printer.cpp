@@ -13,6 +13,10 @@ void UseHome(const Place& place) {
     setenv("WINPORT_HOME", place.folder.c_str(), 1);
 }
 
+void Select(const char16_t* name) {
+    if (!SelectPrinter(name)) throw std::runtime_error("the printer cannot be selected");
+}
+
 }  // namespace
 
 void InstallPrinter(const Place& place) {
@@ -26,8 +30,18 @@ void ServeVirtualPrinter(const Place& place) {
     Become({KESTREL_VPRINTER, "--port", "USB001", "--trace", "none"});
 }
 
+void ServeVirtualPrinterWithPanel(const Place& place) {
+    UseHome(place);
+    Run({KESTREL_CLIENT, "printers", "add", "Panel", "--port", "USB002"});
+    Become({KESTREL_VPRINTER, "--port", "USB002", "--trace", "none", "--web", "127.0.0.1:0"});
+}
+
 void SelectInstalledPrinter(const Place& place) {
     UseHome(place);
-    static constexpr char16_t kName[] = u"Bench";
-    if (!SelectPrinter(kName)) throw std::runtime_error("the printer cannot be selected");
+    Select(u"Bench");
+}
+
+void SelectPrinterWithPanel(const Place& place) {
+    UseHome(place);
+    Select(u"Panel");
 }

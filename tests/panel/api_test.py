@@ -81,6 +81,24 @@ def test_what_happens_to_a_printer_concerns_it_alone(panel):
     assert [printer["state"] for printer in panel.get("/api/printers")["printers"]] == ["paper-jam", "ready"]
 
 
+def test_a_fault_is_switched_on_and_off(panel):
+    rule = {"match": "DeviceSettings.Fax.*", "busy": 60000, "times": 1}
+    status, _, told = panel.ask("POST", PRINTER + "/faults", rule)
+    assert status == 200
+    kestrel("get", "fax.redials", code=5)
+    shown = panel.get(PRINTER + "/faults")["faults"][0]
+    assert shown["met"] >= 1 and (shown["kind"], shown["match"], shown["source"]) == ("busy", rule["match"], "hand")
+    assert panel.ask("DELETE", f"{PRINTER}/faults/{told['name']}")[0] == 200
+    kestrel("get", "fax.redials")
+    assert panel.ask("DELETE", f"{PRINTER}/faults/{told['name']}")[0] == 404
+    assert panel.ask("POST", PRINTER + "/faults", {"match": "*", "delay": 5000, "name": "slow"})[0] == 200
+    # What is asked while an answer is delayed does not wait for it.
+    with subprocess.Popen([BIN / "kestrel", "--timeout", "500ms", "get", "fax.redials"], stderr=subprocess.DEVNULL):
+        until(lambda: panel.get(PRINTER + "/faults")["faults"][0]["met"])
+        assert panel.put(PRINTER + "/settings/fax.redials", {"value": 8}) == 200
+    assert panel.ask("POST", PRINTER + "/faults", {"match": "*", "cut": -1})[0] == 422
+
+
 @pytest.mark.parametrize("path, body, status", [
     ("/settings/fax.redials", {"value": 200}, 422), ("/settings/fax.redials", {"value": "7"}, 422),
     ("/settings/fax.senders-name", {"value": "a\x1bb"}, 422), ("/settings/fax.senders-name", {"value": "日"}, 422),
@@ -162,12 +180,12 @@ def test_too_many_viewers_are_refused(panel):
 
 def test_every_answer_is_as_the_document_says(panel):
     bodies = {"/settings/{name}": {"value": 4}, "/addressbook/{list}/{number}": {"type": "fax", "name": "A", "address": "1"},
-              "/api/session": {"token": "x"}}
+              "/api/session": {"token": "x"}, "/faults": {"match": "*Redials?", "delay": 1, "name": "fax.redials"}}
     for path, methods in DOCUMENT["paths"].items():
         for method, described in methods.items():
             if path == "/api/events":
                 continue
-            body = next((body for end, body in bodies.items() if path.endswith(end)), None)
+            body = next((body for end, body in bodies.items() if path.endswith(end) and method in ("put", "post")), None)
             actual = path
             for name, value in {"port": "USB001", "name": "fax.redials", "list": "one-touch", "number": "2"}.items():
                 actual = actual.replace("{%s}" % name, value)

@@ -27,6 +27,7 @@ class Panel:
     def ask(self, method, path, body=None, **fields):
         """Status, fields and body of an answer. A body that is no bytes is sent as JSON."""
         connection = http.client.HTTPConnection(self.host, timeout=20)
+        body = {} if body is None and method == "DELETE" else body
         if body is not None and not isinstance(body, bytes):
             body = json.dumps(body).encode()
         named = {"Content-Type": "application/json"} if method != "GET" else {}

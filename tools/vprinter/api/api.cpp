@@ -7,6 +7,7 @@
 
 #include "vprinter/api/refusal.h"
 #include "vprinter/api/views.h"
+#include "vprinter/faults/fault_kinds.h"
 
 namespace vprinter::api {
 namespace {
@@ -29,9 +30,13 @@ constexpr Route kRoutes[] = {
     {"PUT", "/addressbook/*/*", ChangeRecord, true},
     {"GET", "/access-points", AccessPoints},
     {"POST", "/access-points/search", SearchAccessPoints},
+    {"GET", "/faults", Faults},
+    {"POST", "/faults", AddFault, true},
+    {"DELETE", "/faults/*", RemoveFault},
 };
 
 constexpr std::string_view kPrinters = "/api/printers";
+constexpr std::string_view kFaultKinds = "/api/fault-kinds";
 constexpr size_t kMaxSegments = 8;
 
 std::optional<uint8_t> HexDigit(char c) {
@@ -112,6 +117,7 @@ Answer Api::Ask(std::string_view method, std::string_view target, std::string_vi
 
 Answer Api::Carried(std::string_view method, std::string_view target, std::string_view body) const {
     const std::string_view path = target.substr(0, target.find('?'));
+    if (path == kFaultKinds && method == "GET") return {200, FaultFieldsJson()};
     if (!path.starts_with(kPrinters))
         throw Refusal(404, "there is nothing of this name", "see /api/printers");
     const std::string_view rest = path.substr(kPrinters.size());

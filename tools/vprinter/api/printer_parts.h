@@ -5,6 +5,7 @@
 #include <string>
 
 #include "vprinter/device/model.h"
+#include "vprinter/faults/fault_script.h"
 #include "vprinter/requests/responder.h"
 
 namespace vprinter {
@@ -14,6 +15,8 @@ struct PrinterParts {
     const std::string& port;
     DeviceModel& model;
     Responder& responder;
+    FaultScript& faults;
+    uint64_t nowMs;  // of the clock that the faults go by
 };
 
 using PrinterWork = std::function<void(const PrinterParts&)>;

@@ -33,6 +33,12 @@ struct Call {
 [[nodiscard]] tools::Json AccessPoints(const PrinterParts& printer, const Call& call);
 [[nodiscard]] tools::Json SearchAccessPoints(const PrinterParts& printer, const Call& call);
 
+/// The rules in force, as they are asked.
+[[nodiscard]] tools::Json Faults(const PrinterParts& printer, const Call& call);
+/// One more, a rule as in a fault script; it is given a name if it has none.
+[[nodiscard]] tools::Json AddFault(const PrinterParts& printer, const Call& call);
+[[nodiscard]] tools::Json RemoveFault(const PrinterParts& printer, const Call& call);
+
 /// The value of a body as a text that the model takes. Throws for another kind of value, and for characters
 /// that the printer's 8-bit code lacks or its language uses itself.
 [[nodiscard]] std::string TextFor(const Setting& setting, const tools::Json& value);

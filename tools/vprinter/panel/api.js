@@ -11,7 +11,8 @@ export async function ask(method, path, body) {
   const options = { method, headers: {} };
   if (method !== "GET") {
     options.headers["Content-Type"] = "application/json";
-    options.body = body === undefined ? "" : JSON.stringify(body);
+    // Never empty: a browser gives no length of nothing.
+    options.body = JSON.stringify(body ?? {});
   }
   const answer = await fetch("/api/" + path, options);
   const told = await answer.json();

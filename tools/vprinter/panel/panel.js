@@ -1,6 +1,7 @@
 // The page: which printer is looked at, and what is asked again when something has happened.
 import { ask, pathOf, watch } from "./api.js";
 import { attempt, byId, element } from "./dom.js";
+import { Faults } from "./faults.js";
 import { Lists } from "./lists.js";
 import { Device, gravityOf, titleOf } from "./printer.js";
 import { Settings } from "./settings.js";
@@ -9,7 +10,7 @@ import { Traffic } from "./traffic.js";
 const STATUS_EVERY = 2000;  // ms; for what no exchange tells: a lock whose holder died, an upgrade's progress
 const AT_MOST_EVERY = 250;  // ms between two questions of one kind
 
-const page = { port: "", device: null, settings: null, lists: null };
+const page = { port: "", device: null, settings: null, lists: null, faults: null };
 
 /** Runs `act` soon, and never twice within AT_MOST_EVERY. */
 function throttled(act) {
@@ -30,6 +31,7 @@ async function showStatus() {
   const { printers } = await ask("GET", "printers");
   drawPrinters(printers);
   page.device?.show(printers.find(({ port }) => port === page.port));
+  await page.faults?.show();
 }
 
 async function showValues() {
@@ -49,6 +51,7 @@ function choose(port) {
   page.device = new Device(port);
   page.settings = new Settings(port);
   page.lists = new Lists(port);
+  page.faults = new Faults(port);
   document.title = `${port} · Kestrel virtual printer`;
   statusSoon();
   valuesSoon();

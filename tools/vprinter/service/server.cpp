@@ -268,7 +268,7 @@ bool PrinterServer::DelayAnswer(uint32_t milliseconds) {
 }
 
 bool PrinterServer::Do(const PrinterWork& work) {
-    const PrinterParts parts{port_, model_, responder_};
+    const PrinterParts parts{port_, model_, responder_, faults_, GetTickCount64()};
     const auto wake = [this] {
         channel_.EndReceive();
         // Whoever is about to wait for the signal has either seen the work or waits already.
