@@ -46,7 +46,7 @@ std::optional<uint8_t> HexDigit(char c) {
     return static_cast<uint8_t>(value);
 }
 
-std::string Decoded(std::string_view segment) {
+std::string WithoutPercents(std::string_view segment) {
     std::string text;
     for (size_t i = 0; i < segment.size(); ++i) {
         if (segment[i] != '%') {
@@ -79,7 +79,7 @@ bool Matches(const Route& route, const std::vector<std::string_view>& segments, 
     call.arguments.clear();
     for (size_t i = 0; i < pattern.size(); ++i) {
         if (pattern[i] == "*")
-            call.arguments.push_back(Decoded(segments[i]));
+            call.arguments.push_back(WithoutPercents(segments[i]));
         else if (pattern[i] != segments[i])
             return false;
     }
@@ -124,7 +124,7 @@ Answer Api::Carried(std::string_view method, std::string_view target, std::strin
     if (rest.empty() && method == "GET") return {200, ListPrinters()};
 
     std::vector<std::string_view> segments = Segments(rest);
-    const std::string port = segments.empty() ? std::string() : Decoded(segments.front());
+    const std::string port = segments.empty() ? std::string() : WithoutPercents(segments.front());
     const auto place = std::ranges::find(printers_.ports, port);
     if (place == printers_.ports.end() || rest.front() != '/')
         throw Refusal(404, "there is no printer on this port", "GET /api/printers lists them");
