@@ -1,4 +1,4 @@
-// Small helpers for the page's elements.
+// Small functions for the page's elements.
 
 /** An element with properties ("class", "for" and names with a dash are attributes) and children. */
 export function element(name, properties = {}, ...children) {
