@@ -15,6 +15,8 @@
 #include "targets.h"
 #include "vprinter/faults/fault_script.h"
 #include "vprinter/faults/faulty_reply.h"
+#include "vprinter/files/dump_file.h"
+#include "vprinter/requests/responder.h"
 
 namespace fuzz {
 
@@ -103,6 +105,21 @@ void FaultScripts(std::string_view bytes) {
     }
 }
 
+void Dumps(std::string_view bytes) {
+    try {
+        vprinter::DeviceModel model;
+        const vprinter::Origin origin = vprinter::DumpFile::Parse(bytes, "dump.json").Adopt(model);
+        vprinter::Responder responder(model);
+        responder.Adopt(origin);
+        for (const std::string_view request :
+             {"DeviceSettings.Fax.Redials?", "DeviceNetwork.WiFiAccessPoints.GetAccessPoints?",
+              "ZRGetStatus?"})
+            static_cast<void>(responder.Answer(request, 1));
+    } catch (const tools::UserError& error) {
+        Require(std::string_view(error.what()).starts_with("dump.json:"), "an error says where");
+    }
+}
+
 void UseAs(winport::ObjectKind kind) {
     constexpr const WCHAR* kName = TEXT("Global\\FuzzObject");
     HANDLE object = nullptr;
@@ -154,6 +171,7 @@ constexpr Target kFileTargets[] = {
     {"product_configuration", ProductConfiguration},
     {"inf", SetupInformation},
     {"fault_script", FaultScripts},
+    {"dump_file", Dumps},
     {"object_file", ObjectFiles},
 };
 

@@ -40,7 +40,7 @@ ROOMS = {
     "winport/process": "windows winport/text winport/files winport/threads winport/handles winport/sync winport/module",
     # The programs. The counterparts share the product's channels; no program includes another one's files.
     "tools/shared": "windows",
-    "tools/kestrel": "windows include src/catalogue tools/shared",
+    "tools/kestrel": "windows include src/catalogue src/opl tools/shared",
     "tools/rundll32": "windows include src/catalogue tools/shared",
     "tools/statusmon": "windows include src/catalogue src/opl src/ipc src/kwt tools/shared",
     "tools/vprinter": "windows include src/catalogue src/opl src/ipc src/kwt tools/shared",

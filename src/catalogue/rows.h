@@ -103,4 +103,12 @@ inline constexpr Row kRows[] = {
     return detail::kRows;
 }
 
+/// Whether a text ends in the key of a setting that is nobody else's business, as a message does in front of
+/// its value.
+[[nodiscard]] constexpr bool EndsInSecretKey(std::string_view text) {
+    for (const Row& row : Rows())
+        if (row.IsSecret() && text.ends_with(row.key)) return true;
+    return false;
+}
+
 }  // namespace catalogue

@@ -79,10 +79,10 @@ void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chose
     DeclareGlobalOptions(app, options);
 
     constexpr std::array kCommands = {
-        AddSetup,   AddPrinters,    AddStatus, AddGet,      AddSet,          AddList,     AddAddressBook,
-        AddRaw,     AddMaintenance, AddLock,   AddUnlock,   AddCancel,       AddCache,    AddWifi,
-        AddPing,    AddHosts,       AddClock,  AddFirmware, AddCapabilities, AddIdentity, AddSupplies,
-        AddMonitor, AddInstall,     AddRun,    AddVersion,  AddCompletion,   AddComplete};
+        AddSetup, AddPrinters,    AddStatus,  AddGet,      AddSet,          AddList,       AddAddressBook,
+        AddRaw,   AddMaintenance, AddLock,    AddUnlock,   AddCancel,       AddCache,      AddWifi,
+        AddPing,  AddHosts,       AddClock,   AddFirmware, AddCapabilities, AddIdentity,   AddSupplies,
+        AddDump,  AddMonitor,     AddInstall, AddRun,      AddVersion,      AddCompletion, AddComplete};
     for (const auto add : kCommands)
         add(app, chosen);
 }

@@ -16,4 +16,18 @@ std::optional<std::string> ReadFile(const std::filesystem::path& path) {
     return text;
 }
 
+bool ReplaceFile(const std::filesystem::path& path, std::string_view text) {
+    namespace fs = std::filesystem;
+    fs::path temporary = path;
+    temporary += ".new";
+    std::error_code error;
+    {
+        std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
+        fs::permissions(temporary, fs::perms::owner_read | fs::perms::owner_write, error);
+        if (!file.write(text.data(), static_cast<std::streamsize>(text.size())).flush()) return false;
+    }
+    fs::rename(temporary, path, error);
+    return !error;
+}
+
 }  // namespace tools

@@ -1,13 +1,18 @@
-// Files that are read whole.
+// Files that are read and written whole.
 #pragma once
 
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace tools {
 
 /// The bytes; nothing when it cannot be read, as when it is not there or is a folder.
 [[nodiscard]] std::optional<std::string> ReadFile(const std::filesystem::path& path);
+
+/// Writes the file beside the old one and puts it in its place, readable for its owner only: what a printer
+/// keeps is nobody else's business. False when that fails; the old one is there then.
+[[nodiscard]] bool ReplaceFile(const std::filesystem::path& path, std::string_view text);
 
 }  // namespace tools

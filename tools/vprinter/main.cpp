@@ -19,6 +19,7 @@
 #include "vprinter/api/traffic.h"
 #include "vprinter/device/condition.h"
 #include "vprinter/files/control_file.h"
+#include "vprinter/files/dump_file.h"
 #include "vprinter/service/options.h"
 #include "vprinter/service/server.h"
 #include "vprinter/web/web_server.h"
@@ -51,18 +52,27 @@ std::vector<FaultRule> LoadFaults(const Options& options) {
     return rules;
 }
 
-DeviceModel MakeModel(const Options& options, const std::string& port, const StateFile* state) {
+struct MadePrinter {
     DeviceModel model;
+    Origin origin;
+};
+
+MadePrinter MakePrinter(const Options& options, const std::string& port, const StateFile* state) {
+    MadePrinter made;
+    DeviceModel& model = made.model;
+    const bool isCopy = !options.dumpFile.empty();
+    if (isCopy) made.origin = DumpFile::Load(options.dumpFile).Adopt(model);
     if (!options.modelName.empty()) {
         const std::string problem = model.SetInitial(opl::KeyText(opl::Key::FriendlyName), options.modelName);
         if (!problem.empty()) throw tools::UserError("--model-name: " + problem);
     }
-    if (!port.starts_with(kUsbPort)) static_cast<void>(model.SetInitial(condition::kConnection, "Network"));
+    if (!isCopy && !port.starts_with(kUsbPort))
+        static_cast<void>(model.SetInitial(condition::kConnection, "Network"));
     if (state != nullptr) state->Restore(port, model);
     FaultScript ignored;  // the server reads the file again, with its first request
     const std::string problem = ControlFile(options.controlFile, port).Apply(model, ignored, 0);
     if (!problem.empty()) throw tools::UserError(problem);
-    return model;
+    return made;
 }
 
 /// All printers of this process.
@@ -121,8 +131,9 @@ class Printers final {
                             port, options_.product)};
         }
         StateFile* const state = state_ ? &*state_ : nullptr;
+        MadePrinter made = MakePrinter(options_, port, state);
         servers_.emplace_back(
-            port, channelName, MakeModel(options_, port, state), FaultsFor(port, faults),
+            port, channelName, std::move(made.model), std::move(made.origin), FaultsFor(port, faults),
             PrinterServer::Shared{trace_, state, options_.controlFile, [this] { end_.Raise(); },
                                   options_.web ? &traffic_ : nullptr});
     }

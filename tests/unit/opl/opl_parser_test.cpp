@@ -7,8 +7,8 @@
 #include <map>
 #include <string_view>
 
+#include "opl/readable_text.h"
 #include "sections.h"
-#include "vprinter/trace/readable_text.h"
 
 using namespace opl;
 
@@ -30,7 +30,7 @@ std::string Shown(std::integral auto number) {
 }
 std::string Shown(std::string_view bytes) {
     std::string shown;
-    vprinter::AppendReadable(shown, bytes);
+    opl::AppendReadable(shown, bytes);
     return shown;
 }
 std::string Shown(const std::vector<uint8_t>& bytes) {
@@ -115,7 +115,7 @@ TEST(Messages, Are_cut_and_read_as_the_device_language_says) {
         for (const std::string& line : section.lines) {
             SCOPED_TRACE(section.title + ": " + line);
             const auto [message, expected] = CaseIn(line);
-            EXPECT_EQ(readers.at(section.title)(vprinter::FromReadable(message).value()), expected);
+            EXPECT_EQ(readers.at(section.title)(opl::FromReadable(message).value()), expected);
         }
 }
 

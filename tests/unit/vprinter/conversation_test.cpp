@@ -1,8 +1,8 @@
 // Conversations with the virtual printer, as conversations.txt tells them.
 #include "asked_printer.h"
+#include "opl/readable_text.h"
 #include "sections.h"
 #include "vprinter/files/control_file.h"
-#include "vprinter/trace/readable_text.h"
 
 namespace vprinter {
 namespace {
@@ -30,14 +30,14 @@ class VprinterConversation : public AskedPrinter, public testing::WithParamInter
         } else {
             ASSERT_EQ(word, "status");
             const size_t blank = rest.find(' ');
-            const std::string expected = FromHex(rest.substr(blank)).value();
+            const std::string expected = opl::FromHex(rest.substr(blank)).value();
             const size_t start = std::string_view("0000,ZRGetStatus#1316=").size() + std::stoul(rest);
             EXPECT_EQ(Ask("ZRGetStatus?").substr(start, expected.size()), expected);
         }
     }
 
   private:
-    static std::string Bytes(const std::string& text) { return FromReadable(text).value(); }
+    static std::string Bytes(const std::string& text) { return opl::FromReadable(text).value(); }
     std::string Control(const std::string& text) {
         Write(text);
         return control_.Apply(model_, faults_, 0);

@@ -6,8 +6,9 @@
 #include <string>
 #include <utility>
 
-#include "vprinter/trace/message_text.h"
-#include "vprinter/trace/readable_text.h"
+#include "catalogue/rows.h"
+#include "opl/message_text.h"
+#include "opl/readable_text.h"
 
 namespace vprinter {
 namespace {
@@ -17,7 +18,7 @@ using namespace std::literals;
 constexpr std::string_view kSecurity = "DeviceNetwork.WiFiSettings.Mac_Configuration.Security.";
 
 std::string Shown(std::string_view message, bool showSecrets = false) {
-    return MessageText(message, {.showSecrets = showSecrets});
+    return opl::MessageText(message, {.endsInSecretKey = showSecrets ? nullptr : catalogue::EndsInSecretKey});
 }
 
 TEST(VprinterTrace, Messages_are_shown_readably) {
@@ -31,8 +32,8 @@ TEST(VprinterTrace, Messages_are_shown_readably) {
     };
     for (const auto& [message, shown] : cases)
         EXPECT_EQ(Shown(message), shown);
-    EXPECT_EQ(MessageText(std::string(5000, 'x'), {.maxBytes = 3}), "xxx ... (5000 bytes)");
-    EXPECT_EQ(MessageText("K#5=abcde;", {.maxBytes = 6}), "K#5=<61 62 ...> ... (10 bytes)");
+    EXPECT_EQ(opl::MessageText(std::string(5000, 'x'), {.maxBytes = 3}), "xxx ... (5000 bytes)");
+    EXPECT_EQ(opl::MessageText("K#5=abcde;", {.maxBytes = 6}), "K#5=<61 62 ...> ... (10 bytes)");
 }
 
 TEST(VprinterTrace, Secrets_are_hidden_wherever_their_key_stands) {
@@ -73,8 +74,8 @@ TEST(VprinterTrace, What_a_trace_shows_can_be_written_into_a_script) {
     for (int byte = 0; byte < 256; ++byte)
         all += static_cast<char>(byte);
     std::string shown;
-    AppendReadable(shown, all);
-    EXPECT_EQ(FromReadable(shown), all);
+    opl::AppendReadable(shown, all);
+    EXPECT_EQ(opl::FromReadable(shown), all);
 }
 
 }  // namespace

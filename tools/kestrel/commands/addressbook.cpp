@@ -18,30 +18,15 @@ struct FileOptions {
     std::string file;
 };
 
-// A list takes three exchanges a record: the time of one exchange stands for each of them.
-uint32_t ListTimeout(const Context& context, const AddressList& list) {
-    constexpr uint64_t kLongest = 600000;
-    const uint64_t whole = uint64_t{context.Options().timeoutMs} * list.records;
-    return static_cast<uint32_t>(std::min(whole, std::max<uint64_t>(kLongest, context.Options().timeoutMs)));
-}
-
-constexpr CodelessFailure kOutOfTime = {ExitCode::NoAnswer, "the time for the whole list ran out",
-                                        "allow more time with --timeout"};
-
 std::vector<KestrelQuickDial> ReadList(Context& context, const AddressList& list) {
-    std::vector<KestrelQuickDial> records(list.records);
-    Demand<kestrel_bool(KestrelQuickDial*, uint32_t)>(
-        context.GetPrinter().GetLibrary(), list.getter,
-        {fmt::format("cannot read the {} list", list.name), Exchange::Read, kOutOfTime}, records.data(),
-        ListTimeout(context, list));
-    return records;
+    return ReadAddressList(context.GetPrinter().GetLibrary(), list, context.Options().timeoutMs);
 }
 
 void WriteList(Context& context, const AddressList& list, const std::vector<KestrelQuickDial>& records) {
     Demand<kestrel_bool(const KestrelQuickDial*, uint32_t)>(
         context.GetPrinter().GetLibrary(), list.setter,
-        {fmt::format("cannot write the {} list", list.name), Exchange::Write, kOutOfTime}, records.data(),
-        ListTimeout(context, list));
+        {fmt::format("cannot write the {} list", list.name), Exchange::Write, kListOutOfTime}, records.data(),
+        ListTimeout(list, context.Options().timeoutMs));
 }
 
 Report Show(Context& context, const std::string& only) {
@@ -49,15 +34,10 @@ Report Show(Context& context, const std::string& only) {
     std::vector<std::vector<std::string>> rows = {{"LIST", "NUMBER", "TYPE", "NAME", "ADDRESS"}};
     for (const AddressList& list : kAddressLists) {
         if (!only.empty() && list.name != only) continue;
-        tools::Json& entries = report.data[std::string(list.name)] = tools::Json::EmptyArray();
-        const std::vector<KestrelQuickDial> records = ReadList(context, list);
-        for (size_t i = 0; i < records.size(); ++i) {
-            if (IsEmpty(records[i])) continue;
-            const AddressEntry entry = EntryFrom(records[i]);
-            rows.push_back({std::string(list.name), std::to_string(i), entry.type, ForTerminal(entry.name),
-                            ForTerminal(entry.address)});
-            entries.Append(
-                {{"number", i}, {"type", entry.type}, {"name", entry.name}, {"address", entry.address}});
+        tools::Json& entries = report.data[std::string(list.name)] = EntriesJson(ReadList(context, list));
+        for (const tools::Json& entry : entries.Items()) {
+            rows.push_back({std::string(list.name), entry.At("number").Dump(), entry.At("type").Text(),
+                            ForTerminal(entry.At("name").Text()), ForTerminal(entry.At("address").Text())});
         }
     }
     report.text = rows.size() > 1 ? AlignedTable(rows, context.ResultPaint()) : "the address book is empty\n";

@@ -5,39 +5,21 @@
 #include <charconv>
 
 #include "kestrel/commands/commands.h"
+#include "kestrel/printer/device_facts.h"
 #include "kestrel/text/text.h"
 
 namespace cli {
 namespace {
-
-struct WallTime {
-    uint32_t year = 0;
-    uint32_t month = 0;
-    uint32_t day = 0;
-    uint32_t hour = 0;
-    uint32_t minute = 0;
-};
 
 std::string Text(const WallTime& time) {
     return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}", time.year, time.month, time.day, time.hour,
                        time.minute);
 }
 
-constexpr CodelessFailure kNoCompleteTime = {ExitCode::BadReply,
-                                             "the printer's answer is not a complete time",
-                                             "set the clock with `kestrel clock sync` and try again"};
-
 Report ShowClock(Context& context) {
     const Library& library = context.GetPrinter().GetLibrary();
-    const uint32_t timeoutMs = context.Options().timeoutMs;
-    WallTime time;
-    Demand<decltype(GetDeviceTime)>(library, "GetDeviceTime",
-                                    {"cannot read the clock", Exchange::Read, kNoCompleteTime}, &time.year,
-                                    &time.month, &time.day, &time.hour, &time.minute, timeoutMs);
-    std::array<kestrel_char, 29> text{};
-    Demand<decltype(GetCurrentTimeRTC)>(
-        library, "GetCurrentTimeRTC", {"cannot read the clock text", Exchange::Read}, text.data(), timeoutMs);
-    const std::string rtc = Utf8FromWide(text.data());
+    const WallTime time = ReadWallTime(library, context.Options().timeoutMs);
+    const std::string rtc = ReadClockText(library, context.Options().timeoutMs);
     return {fmt::format("{}\nclock text {}\n", Text(time), ForTerminal(rtc)),
             {{"time", Text(time)}, {"clockText", rtc}},
             {}};

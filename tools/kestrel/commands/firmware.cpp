@@ -1,31 +1,22 @@
 // kestrel firmware: versions, and the upgrade from a file.
 #include <fmt/core.h>
 
-#include <array>
 #include <filesystem>
 
 #include "kestrel/commands/commands.h"
 #include "kestrel/output/waiting.h"
+#include "kestrel/printer/device_facts.h"
 #include "kestrel/text/text.h"
 
 namespace cli {
 namespace {
 
-struct Versions {
-    uint32_t lagoon = 0;
-    uint32_t customer = 0;
-    std::array<kestrel_char, 64> printer{};
-};
-
 Report ShowFirmware(Context& context) {
-    Versions versions;
-    Demand<decltype(GetFWVersion)>(context.GetPrinter().GetLibrary(), "GetFWVersion",
-                                   {"cannot read the firmware's versions", Exchange::Read}, &versions.lagoon,
-                                   &versions.customer, versions.printer.data(), context.Options().timeoutMs);
-    const std::string printer = Utf8FromWide(versions.printer.data());
-    return {fmt::format("printer   {}\ncustomer  {}\nlagoon    {}\n", ForTerminal(printer), versions.customer,
-                        versions.lagoon),
-            {{"printer", printer}, {"customer", versions.customer}, {"lagoon", versions.lagoon}},
+    const FirmwareVersions versions =
+        ReadFirmwareVersions(context.GetPrinter().GetLibrary(), context.Options().timeoutMs);
+    return {fmt::format("printer   {}\ncustomer  {}\nlagoon    {}\n", ForTerminal(versions.printer),
+                        versions.customer, versions.lagoon),
+            FirmwareJson(versions),
             {}};
 }
 

@@ -15,8 +15,6 @@ struct ListOptions {
     bool showSecrets = false;
 };
 
-constexpr std::string_view kMask = "********";
-
 struct Listed {
     const catalogue::Row* row;
     std::optional<Value> value;      // of a readable setting that was read
@@ -52,7 +50,7 @@ std::string ShownValue(const Listed& listed, bool showSecrets) {
     if (listed.failure) return "?";
     if (!listed.value) return "-";
     const bool masked = !showSecrets && listed.row->IsSecret();
-    return masked ? std::string(kMask) : ForTerminal(FormatValue(*listed.row, *listed.value));
+    return masked ? std::string(kSecretMask) : ForTerminal(FormatValue(*listed.row, *listed.value));
 }
 
 // What `set` takes; the words also of a setting that can only be read, to know what to expect.
@@ -70,7 +68,7 @@ tools::Json ListedJson(const Listed& listed, bool showSecrets) {
         json["words"].Append(entry.name);
     if (listed.value) {
         const bool masked = !showSecrets && row.IsSecret();
-        json["value"] = masked ? tools::Json(kMask) : JsonValue(row, *listed.value);
+        json["value"] = masked ? tools::Json(kSecretMask) : JsonValue(row, *listed.value);
         if (masked) json["masked"] = true;
     }
     if (listed.failure) json["error"] = listed.failure->text;

@@ -6,6 +6,7 @@
 
 #include "kestrel/commands/commands.h"
 #include "kestrel/output/progress.h"
+#include "kestrel/printer/device_facts.h"
 #include "kestrel/settings/offers.h"
 #include "kestrel/settings/settings.h"
 #include "kestrel/settings/values.h"
@@ -21,14 +22,6 @@ constexpr milliseconds kPollInterval{500};
 // A search that has found nothing new for so long has found what there is.
 constexpr milliseconds kQuietEnd{3000};
 
-uint32_t AskNumber(const Library& library, const char* function, const char* what, uint32_t timeoutMs) {
-    uint32_t number = 0;
-    Demand<kestrel_bool(uint32_t*, uint32_t)>(
-        library, function, {fmt::format("cannot read the number of {}", what), Exchange::Read}, &number,
-        timeoutMs);
-    return number;
-}
-
 // --- wifi ---
 
 void WaitForSearch(Context& context, const Library& library, milliseconds limit) {
@@ -40,7 +33,7 @@ void WaitForSearch(Context& context, const Library& library, milliseconds limit)
         line.Show(fmt::format("{} found", found));
         std::this_thread::sleep_for(kPollInterval);
         const uint32_t now =
-            AskNumber(library, "GetNumAccessPoints", "access points", context.Options().timeoutMs);
+            ReadCount(library, "GetNumAccessPoints", "access points", context.Options().timeoutMs);
         if (now != found) lastNews = Clock::now();
         found = now;
     }
@@ -53,27 +46,13 @@ Report Scan(Context& context, milliseconds limit) {
                                                  {"cannot start the search for access points"}, timeoutMs);
     WaitForSearch(context, library, limit);
 
-    std::vector<KestrelAccessPoint> points(KESTREL_MAX_ACCESS_POINTS);
-    Demand<decltype(GetAccessPoints)>(library, "GetAccessPoints",
-                                      {"cannot read the access points", Exchange::Read}, points.data(),
-                                      timeoutMs);
     Report report;
-    report.data["accessPoints"] = tools::Json::EmptyArray();
+    report.data["accessPoints"] = ReadAccessPoints(library, timeoutMs);
     std::vector<std::vector<std::string>> rows = {{"SSID", "MAC ADDRESS", "CHANNEL", "SIGNAL", "ENCRYPTION"}};
-    for (const KestrelAccessPoint& point : points) {
-        const std::string ssid = Utf8FromWide(point.ssid);
-        const std::string address = Utf8FromWide(point.macAddress);
-        // A hidden network has no name; an empty record has no address either.
-        if (ssid.empty() && address.empty()) continue;
-        rows.push_back({ForTerminal(ssid), ForTerminal(address), std::to_string(point.channel),
-                        std::to_string(point.signalStrength), std::to_string(point.encryption)});
-        report.data["accessPoints"].Append({{"ssid", ssid},
-                                            {"macAddress", address},
-                                            {"channel", point.channel},
-                                            {"signalStrength", point.signalStrength},
-                                            {"beaconInterval", point.beaconInterval},
-                                            {"capabilities", point.capabilities},
-                                            {"encryption", point.encryption}});
+    for (const tools::Json& point : report.data.At("accessPoints").Items()) {
+        rows.push_back({ForTerminal(point.At("ssid").Text()), ForTerminal(point.At("macAddress").Text()),
+                        point.At("channel").Dump(), point.At("signalStrength").Dump(),
+                        point.At("encryption").Dump()});
     }
     report.text = rows.size() > 1 ? AlignedTable(rows, context.ResultPaint()) : "no access point was found\n";
     return report;
@@ -171,10 +150,10 @@ Report Ping(Context& context, const PingOptions& options) {
         while (sent < options.count && Clock::now() < end) {
             line.Show(fmt::format("{} of {} sent", sent, options.count));
             std::this_thread::sleep_for(kPollInterval);
-            sent = AskNumber(library, "GetNumOfPingExecuted", "pings sent", timeoutMs);
+            sent = ReadCount(library, "GetNumOfPingExecuted", "pings sent", timeoutMs);
         }
     }
-    const uint32_t answered = AskNumber(library, "GetNumOfPingSuccess", "pings answered", timeoutMs);
+    const uint32_t answered = ReadCount(library, "GetNumOfPingSuccess", "pings answered", timeoutMs);
     Report report{fmt::format("{}: {} pings sent, {} answered\n", options.address, sent, answered),
                   {{"address", options.address}, {"sent", sent}, {"answered", answered}},
                   {}};
@@ -192,18 +171,11 @@ Report Ping(Context& context, const PingOptions& options) {
 // --- hosts ---
 
 Report Hosts(Context& context) {
-    std::vector<KestrelHost> hosts(KESTREL_MAX_HOSTS);
-    Demand<decltype(GetMDNSHostList)>(context.GetPrinter().GetLibrary(), "GetMDNSHostList",
-                                      {"cannot read the hosts", Exchange::Read}, hosts.data(),
-                                      context.Options().timeoutMs);
-    Report report;
-    report.data["hosts"] = tools::Json::EmptyArray();
-    for (const KestrelHost& host : hosts) {
-        const std::string name = Utf8FromWide(host.name);
-        if (name.empty()) continue;
-        report.text += ForTerminal(name) + '\n';
-        report.data["hosts"].Append(name);
-    }
+    const std::vector<std::string> hosts =
+        ReadHosts(context.GetPrinter().GetLibrary(), context.Options().timeoutMs);
+    Report report{{}, {{"hosts", hosts}}, {}};
+    for (const std::string& host : hosts)
+        report.text += ForTerminal(host) + '\n';
     if (report.text.empty()) report.text = "the printer has found no host\n";
     return report;
 }

@@ -39,21 +39,6 @@ size_t Width(std::string_view utf8) {
         utf8.begin(), utf8.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
-tools::Json FailureJson(const Failure& failure) {
-    tools::Json json = {{"text", failure.text}};
-    if (!failure.advice.empty()) json["advice"] = failure.advice;
-    if (failure.code) {
-        json["code"] = *failure.code;
-        json["codeText"] = CodeText(*failure.code);
-    }
-    if (failure.responseNumber) {
-        json["responseNumber"] = *failure.responseNumber;
-        json["responseText"] = KestrelFindResponse(*failure.responseNumber)->text;
-    }
-    if (!failure.badReply.empty()) json["badReply"] = failure.badReply;
-    return json;
-}
-
 void Write(std::FILE* stream, std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stream);
 }
@@ -90,6 +75,21 @@ std::string AlignedTable(const std::vector<std::vector<std::string>>& rows, cons
         table += (&row == &rows.front() ? paint(Colour::Bold, line) : line) + '\n';
     }
     return table;
+}
+
+tools::Json FailureJson(const Failure& failure) {
+    tools::Json json = {{"text", failure.text}};
+    if (!failure.advice.empty()) json["advice"] = failure.advice;
+    if (failure.code) {
+        json["code"] = *failure.code;
+        json["codeText"] = CodeText(*failure.code);
+    }
+    if (failure.responseNumber) {
+        json["responseNumber"] = *failure.responseNumber;
+        json["responseText"] = KestrelFindResponse(*failure.responseNumber)->text;
+    }
+    if (!failure.badReply.empty()) json["badReply"] = failure.badReply;
+    return json;
 }
 
 std::string JsonDocument(std::string_view command, const Report& report) {

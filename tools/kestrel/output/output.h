@@ -38,6 +38,8 @@ class Paint final {
 // Lines of aligned columns; the first row is the heading. The last column is not padded.
 [[nodiscard]] std::string AlignedTable(const std::vector<std::vector<std::string>>& rows, const Paint& paint);
 
+[[nodiscard]] tools::Json FailureJson(const Failure& failure);
+
 // The document of --json: version, command, exit code, the command's fields, the error if there is one.
 [[nodiscard]] std::string JsonDocument(std::string_view command, const Report& report);
 

@@ -62,6 +62,33 @@ const AddressList& FindAddressList(std::string_view name) {
     throw UsageFailure(fmt::format("there is no list \"{}\"", name), "choose speed-dial or one-touch");
 }
 
+uint32_t ListTimeout(const AddressList& list, uint32_t timeoutMs) {
+    constexpr uint64_t kLongest = 600000;
+    const uint64_t whole = uint64_t{timeoutMs} * list.records;
+    return static_cast<uint32_t>(std::min(whole, std::max<uint64_t>(kLongest, timeoutMs)));
+}
+
+std::vector<KestrelQuickDial> ReadAddressList(const Library& library, const AddressList& list,
+                                              uint32_t timeoutMs) {
+    std::vector<KestrelQuickDial> records(list.records);
+    Demand<kestrel_bool(KestrelQuickDial*, uint32_t)>(
+        library, list.getter,
+        {fmt::format("cannot read the {} list", list.name), Exchange::Read, kListOutOfTime}, records.data(),
+        ListTimeout(list, timeoutMs));
+    return records;
+}
+
+tools::Json EntriesJson(const std::vector<KestrelQuickDial>& records) {
+    tools::Json entries = tools::Json::EmptyArray();
+    for (size_t i = 0; i < records.size(); ++i) {
+        if (IsEmpty(records[i])) continue;
+        const AddressEntry entry = EntryFrom(records[i]);
+        entries.Append(
+            {{"number", i}, {"type", entry.type}, {"name", entry.name}, {"address", entry.address}});
+    }
+    return entries;
+}
+
 AddressEntry EntryFrom(const KestrelQuickDial& record) {
     const std::string type = record.addressType < kAddressTypes.size()
                                  ? std::string(kAddressTypes[record.addressType])

@@ -8,6 +8,9 @@
 #include <string_view>
 #include <vector>
 
+#include "kestrel/printer/library.h"
+#include "shared/json.h"
+
 namespace cli {
 
 struct AddressList final {
@@ -24,6 +27,14 @@ inline constexpr std::array<AddressList, 2> kAddressLists = {{
 }};
 [[nodiscard]] const AddressList& FindAddressList(std::string_view name);
 
+// A list takes three exchanges a record: the time of one exchange stands for each of them.
+[[nodiscard]] uint32_t ListTimeout(const AddressList& list, uint32_t timeoutMs);
+inline constexpr CodelessFailure kListOutOfTime = {ExitCode::NoAnswer, "the time for the whole list ran out",
+                                                   "allow more time with --timeout"};
+// Throws the Failure of the library's call.
+[[nodiscard]] std::vector<KestrelQuickDial> ReadAddressList(const Library& library, const AddressList& list,
+                                                            uint32_t timeoutMs);
+
 // By the numbers of KestrelAddressType.
 inline constexpr std::array<std::string_view, 3> kAddressTypes = {"none", "fax", "email"};
 
@@ -37,6 +48,8 @@ struct AddressEntry final {
 // The printer writes "(null)" for a text that it does not have; that counts as empty.
 [[nodiscard]] AddressEntry EntryFrom(const KestrelQuickDial& record);
 [[nodiscard]] bool IsEmpty(const KestrelQuickDial& record);
+// Of the records in use: number, type, name, address.
+[[nodiscard]] tools::Json EntriesJson(const std::vector<KestrelQuickDial>& records);
 
 // Throws a value failure for an unknown type, a text that is too long, or one that the code page lacks.
 [[nodiscard]] KestrelQuickDial RecordFrom(const AddressEntry& entry);

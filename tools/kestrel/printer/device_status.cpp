@@ -9,6 +9,8 @@
 #include <iterator>
 
 #include "kestrel/text/text.h"
+#include "opl/opl_parser.h"
+#include "opl/vocabulary.h"
 
 namespace cli {
 namespace {
@@ -113,6 +115,36 @@ DeviceStatus AskForStatus(const Library& library) {
     return ReadStatus(record);
 }
 
+DeviceStatus AskDeviceStatus(const Printer& printer) {
+    const RawReply reply = printer.Send(opl::WordText(opl::Word::GetStatus));
+    std::vector<uint8_t> block;
+    DeviceStatusRecord record{};
+    if (!opl::OPLParser::GetBinaryValue(reply.bytes, block) || block.size() < sizeof(record)) {
+        throw Failure{ExitCode::BadReply,
+                      "cannot read the status: the reply is no status block",
+                      "install the client that belongs to the device's firmware",
+                      {},
+                      ReadableBytes(reply.bytes),
+                      reply.responseNumber};
+    }
+    std::memcpy(&record, block.data(), sizeof(record));
+    return ReadStatus(record);
+}
+
+std::string InksText(const StatusDetails& details) {
+    std::string text;
+    for (const InkLevel& ink : details.inks)
+        text += fmt::format("ink         {:<8} {:>3} % {}\n", ink.name, ink.percent, ink.state);
+    return text;
+}
+
+tools::Json InksJson(const StatusDetails& details) {
+    tools::Json inks = tools::Json::EmptyArray();
+    for (const InkLevel& ink : details.inks)
+        inks.Append({{"name", ink.name}, {"percent", ink.percent}, {"state", ink.state}});
+    return inks;
+}
+
 std::string StatusText(const DeviceStatus& status) {
     std::string text = fmt::format("state       {} ({})\n", status.word, status.state);
     if (!status.text.empty()) text += fmt::format("text        {}\n", ForTerminal(status.text));
@@ -121,8 +153,7 @@ std::string StatusText(const DeviceStatus& status) {
 
     const StatusDetails& details = *status.details;
     if (details.upgradePercent) text += fmt::format("upgrade     {} %\n", *details.upgradePercent);
-    for (const InkLevel& ink : details.inks)
-        text += fmt::format("ink         {:<8} {:>3} % {}\n", ink.name, ink.percent, ink.state);
+    text += InksText(details);
     text += fmt::format("trays       upper {} %, lower {} %, photo tray {}\n", details.upperTray,
                         details.lowerTray, details.photoTray ? "engaged" : "not engaged");
     text += fmt::format("wireless    {}\n", details.networkUp ? "connected" : "not connected");
@@ -138,9 +169,7 @@ tools::Json StatusJson(const DeviceStatus& status) {
 
     const StatusDetails& details = *status.details;
     if (details.upgradePercent) json["upgradePercent"] = *details.upgradePercent;
-    json["inks"] = tools::Json::EmptyArray();
-    for (const InkLevel& ink : details.inks)
-        json["inks"].Append({{"name", ink.name}, {"percent", ink.percent}, {"state", ink.state}});
+    json["inks"] = InksJson(details);
     json["trays"] = {
         {"upper", details.upperTray}, {"lower", details.lowerTray}, {"photoEngaged", details.photoTray}};
     json["networkUp"] = details.networkUp;

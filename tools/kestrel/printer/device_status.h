@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kestrel/printer/library.h"
+#include "kestrel/printer/printer.h"
 #include "shared/json.h"
 
 namespace cli {
@@ -44,6 +45,12 @@ struct DeviceStatus final {
 // up to 14 seconds. Throws the failure of the library's call.
 [[nodiscard]] DeviceStatus AskForStatus(const Library& library);
 
+// The status as the printer tells it, without the status monitor: nothing is started, and a status that is
+// not known yet is not waited for.
+[[nodiscard]] DeviceStatus AskDeviceStatus(const Printer& printer);
+
+[[nodiscard]] std::string InksText(const StatusDetails& details);
+[[nodiscard]] tools::Json InksJson(const StatusDetails& details);
 [[nodiscard]] std::string StatusText(const DeviceStatus& status);
 [[nodiscard]] tools::Json StatusJson(const DeviceStatus& status);
 

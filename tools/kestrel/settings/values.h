@@ -12,6 +12,9 @@
 
 namespace cli {
 
+// What is shown for a secret that nobody asked for.
+inline constexpr std::string_view kSecretMask = "********";
+
 // A setting's value between the command line and the library. Which member counts follows from the row.
 struct Value final {
     int64_t number = 0;  // bool 0 or 1; an enumeration's number; an address with its first byte lowest

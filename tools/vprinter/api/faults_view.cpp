@@ -1,12 +1,12 @@
 // The faults that are switched on. Their kinds, and how a rule is read, are those of the fault scripts.
 #include <algorithm>
 
+#include "opl/readable_text.h"
 #include "shared/user_error.h"
 #include "vprinter/api/refusal.h"
 #include "vprinter/api/views.h"
 #include "vprinter/faults/fault_kinds.h"
 #include "vprinter/files/byte_text.h"
-#include "vprinter/trace/readable_text.h"
 
 namespace vprinter::api {
 namespace {
@@ -18,7 +18,7 @@ std::string MatchText(const FaultRule& rule) {
     std::string text;
     for (const std::string& part : rule.match) {
         if (&part != &rule.match.front()) text += '*';
-        AppendReadable(text, part);
+        opl::AppendReadable(text, part);
     }
     return text;
 }

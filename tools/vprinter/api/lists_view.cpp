@@ -45,7 +45,7 @@ bool IsInUse(const tools::Json& record) {
     return record.At("type") != "none" || record.At("name") != "" || record.At("address") != "";
 }
 
-std::string AddressText(const std::array<char, 6>& address) {
+std::string AddressText(std::string_view address) {
     std::string text;
     for (const char part : address)
         text += fmt::format("{}{:02X}", text.empty() ? "" : ":", static_cast<uint8_t>(part));
@@ -94,15 +94,14 @@ tools::Json ChangeRecord(const PrinterParts& printer, const Call& call) {
         if (!problem.empty()) throw Refusal(422, "the record is not taken", problem);
     }
     for (const Change& change : changes)
-        Take(printer.model, *change.setting, change.text);
+        Take(printer, *change.setting, change.text);
     return RecordView(printer.model, *list, number);
 }
 
 tools::Json AccessPoints(const PrinterParts& printer, const Call&) {
     tools::Json points = tools::Json::EmptyArray();
-    for (const NetworkActivity::AccessPoint& point : printer.responder.Device().Network().AccessPoints()) {
-        const bool hidden = point.ssid == "(null)";
-        points.Append({{"ssid", hidden ? std::string() : ToUtf8(point.ssid)},
+    for (const AccessPoint& point : printer.responder.Device().Network().AccessPoints()) {
+        points.Append({{"ssid", ToUtf8(point.name)},
                        {"macAddress", AddressText(point.address)},
                        {"channel", point.channel},
                        {"signalStrength", point.signalStrength},

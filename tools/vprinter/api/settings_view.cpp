@@ -94,10 +94,11 @@ std::string TextFor(const Setting& setting, const tools::Json& value) {
     return bytes;
 }
 
-void Take(DeviceModel& model, Setting& setting, const std::string& text) {
-    const std::string problem = model.SetFromText(setting, text);
+void Take(const PrinterParts& printer, Setting& setting, const std::string& text) {
+    const std::string problem = printer.model.SetFromText(setting, text);
     if (!problem.empty())
         throw Refusal(422, fmt::format("{} does not take this value", setting.spec.key), problem);
+    printer.responder.ForgetFixedReply(setting.spec.key);
 }
 
 tools::Json Settings(const PrinterParts& printer, const Call&) {
@@ -114,7 +115,7 @@ tools::Json ChangeSetting(const PrinterParts& printer, const Call& call) {
     Setting& setting = Named(printer.model, call.arguments.front());
     const bool madeByPrinter = setting.spec.live && !setting.spec.writable;
     if (madeByPrinter) throw Refusal(422, "the printer makes this value itself", "change another setting");
-    Take(printer.model, setting, TextFor(setting, call.body.At("value")));
+    Take(printer, setting, TextFor(setting, call.body.At("value")));
     if (setting.spec.live) {
         const std::string problem = printer.responder.Device().Act(setting);
         if (!problem.empty()) throw Refusal(422, "the printer does not do this", problem);

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "catalogue/rows.h"
+#include "opl/message_text.h"
 #include "opl/opl_parser.h"
 #include "opl/vocabulary.h"
 #include "shared/time_text.h"
@@ -11,7 +12,6 @@
 #include "vprinter/api/views.h"
 #include "vprinter/device/status_block.h"
 #include "vprinter/files/byte_text.h"
-#include "vprinter/trace/message_text.h"
 
 namespace vprinter::api {
 namespace {
@@ -76,16 +76,21 @@ tools::Json Decoded(std::string_view reply) {
 }  // namespace
 
 tools::Json ExchangeView(const KeptExchange& kept) {
-    const MessageTextOptions options{.showSecrets = false, .maxBytes = kShownText};
+    const auto text = [](std::string_view message) {
+        return opl::MessageText(message,
+                                {.endsInSecretKey = catalogue::EndsInSecretKey, .maxBytes = kShownText});
+    };
+    const std::string replyBytes = opl::MessageText(
+        kept.reply, {.endsInSecretKey = catalogue::EndsInSecretKey, .form = opl::MessageForm::Bytes});
     tools::Json view;
     view["number"] = kept.number;
     view["time"] = tools::UtcTime(kept.exchange.time);
     view["printer"] = kept.port;
     view["client"] = kept.exchange.clientProcessId;
-    view["request"] = MessageText(kept.request, options);
-    view["reply"] = MessageText(kept.reply, options);
+    view["request"] = text(kept.request);
+    view["reply"] = text(kept.reply);
     view["replyBytes"] = kept.replyBytes;
-    view["bytes"] = HexText(WithoutSecrets(kept.reply).substr(0, kShownBytes));
+    view["bytes"] = HexText(std::string_view(replyBytes).substr(0, kShownBytes));
     view["decoded"] = Decoded(kept.reply);
     view["ms"] = std::chrono::duration<double, std::milli>(kept.exchange.duration).count();
     if (!kept.remark.empty()) view["remark"] = kept.remark;

@@ -43,7 +43,7 @@ struct Call {
 /// that the printer's 8-bit code lacks or its language uses itself.
 [[nodiscard]] std::string TextFor(const Setting& setting, const tools::Json& value);
 /// Throws for what the setting does not take.
-void Take(DeviceModel& model, Setting& setting, const std::string& text);
+void Take(const PrinterParts& printer, Setting& setting, const std::string& text);
 
 /// A value as `kestrel --json` has it.
 [[nodiscard]] tools::Json ValueView(const Setting& setting);

@@ -29,6 +29,8 @@ class LiveDevice final {
     /// after all; empty for nothing.
     [[nodiscard]] std::string Act(const Setting& setting);
 
+    void Adopt(const Origin& origin) { network_.Adopt(origin); }
+
     [[nodiscard]] FirmwareUpgrade& Upgrade() { return upgrade_; }
     [[nodiscard]] NetworkActivity& Network() { return network_; }
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <optional>
 #include <stdexcept>
 
@@ -172,6 +173,18 @@ std::string DeviceModel::SetInitial(std::string_view key, std::string_view text)
     std::string problem = SetFromText(settings_[position], text);
     if (problem.empty()) initials_[position] = settings_[position].value;
     return problem;
+}
+
+std::string DeviceModel::Adopt(std::string_view key, std::string_view text) {
+    const size_t position = positions_.at(key);
+    SettingSpec spec = settings_[position].spec;
+    spec.lowest = std::min<int64_t>(spec.lowest, std::numeric_limits<int32_t>::min());
+    spec.highest = std::max<int64_t>(spec.highest, std::numeric_limits<uint32_t>::max());
+    Judgement judgement = JudgePeoplesText(spec, text);
+    if (!judgement.problem.empty()) return std::move(judgement.problem);
+    initials_[position] = judgement.value;
+    Store(settings_[position], std::move(judgement.value));
+    return {};
 }
 
 void DeviceModel::RestoreDefaults(std::string_view keyPrefix) {

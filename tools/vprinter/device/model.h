@@ -57,6 +57,9 @@ class DeviceModel final {
     /// A first value of this printer's own, which its resets go back to.
     [[nodiscard]] std::string SetInitial(std::string_view key, std::string_view text);
 
+    /// The same for a value that another printer gave: of a number, whatever fits 32 bits.
+    [[nodiscard]] std::string Adopt(std::string_view key, std::string_view text);
+
     /// Of the settings that can be set.
     void RestoreDefaults(std::string_view keyPrefix);
 

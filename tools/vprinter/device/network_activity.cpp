@@ -19,46 +19,61 @@ constexpr std::string_view kNoName = "(null)";
 
 constexpr uint64_t kAnsweredPingMs = 200;  // from one ping to the next
 
-void AppendAccessPoint(ReplyItems& items, size_t index, const NetworkActivity::AccessPoint& point) {
+// What is not worth a condition of its own follows from the place in the list.
+AccessPoint MadeUp(size_t index, std::string_view name) {
+    const auto number = static_cast<int64_t>(index);
+    const char mac[] = {0x02, 0x4B, 0x53, 0x00, 0x00, static_cast<char>(index + 1)};
+    return {.name = std::string(name),
+            .address = {mac, sizeof(mac)},
+            .signalStrength = std::max<int64_t>(95 - 6 * number, 5),
+            .beaconInterval = 100,
+            .capabilities = 0x0411,
+            .channel = 1 + number * 5 % 13,
+            .encryption = number % 4};
+}
+
+void AppendAccessPoint(ReplyItems& items, size_t index, const AccessPoint& point) {
     const auto key = [&](std::string_view field) {
         return fmt::format("{}[{}].{}", opl::KeyText(opl::Key::AccessPoints), index, field);
     };
-    items.Block(key("MacAddr"), {point.address.data(), point.address.size()})
-        .Number(key("SignalStrength"), point.signalStrength)
+    if (!point.address.empty()) items.Block(key("MacAddr"), point.address);
+    items.Number(key("SignalStrength"), point.signalStrength)
         .Number(key("BcnInterval"), point.beaconInterval)
         .Number(key("CapInfo"), point.capabilities)
-        .Text(key("SSID"), point.ssid)
+        .Text(key("SSID"), point.name.empty() ? kNoName : point.name)
         .Number(key("Channel"), point.channel)
         .Number(key("Encryption"), point.encryption);
 }
 
 }  // namespace
 
+void NetworkActivity::Adopt(const Origin& origin) {
+    adopted_ = origin.accessPoints;
+    pingsExecuted_ = origin.pingsSent;
+    answeredPercents_ = origin.pingsAnswered * 100;
+}
+
 void NetworkActivity::Search() {
     searchBegan_ = tickMs_();
 }
 
 size_t NetworkActivity::AccessPointsFound() const {
-    if (!searchBegan_ || !model_.Flag(opl::KeyText(opl::Key::WirelessRadio))) return 0;
+    if (!searchBegan_) return adopted_.size();
+    if (!model_.Flag(opl::KeyText(opl::Key::WirelessRadio))) return 0;
     const size_t all = std::min(ListParts(model_.Value(condition::kNetworks)).size(), kMaxAccessPoints);
     const auto duration = static_cast<uint64_t>(model_.Number(condition::kSearchSeconds)) * 1000;
     const uint64_t elapsed = MsSince(*searchBegan_);
     return elapsed >= duration ? all : static_cast<size_t>(all * elapsed / duration);
 }
 
-// What is not worth a condition of its own follows from the place in the list.
-std::vector<NetworkActivity::AccessPoint> NetworkActivity::AccessPoints() const {
+std::vector<AccessPoint> NetworkActivity::AccessPoints() const {
+    if (!searchBegan_) return adopted_;
     const std::vector<std::string_view> names = ListParts(model_.Value(condition::kNetworks));
     std::vector<AccessPoint> points;
     for (size_t i = 0; i < AccessPointsFound(); ++i) {
-        const auto number = static_cast<int64_t>(i);
-        points.push_back({.ssid = names[i],
-                          .address = {0x02, 0x4B, 0x53, 0x00, 0x00, static_cast<char>(i + 1)},
-                          .signalStrength = std::max<int64_t>(95 - 6 * number, 5),
-                          .beaconInterval = 100,
-                          .capabilities = 0x0411,
-                          .channel = 1 + number * 5 % 13,
-                          .encryption = number % 4});
+        const std::string_view name = names[i] == kNoName ? std::string_view() : names[i];
+        const auto known = std::ranges::find(adopted_, name, &AccessPoint::name);
+        points.push_back(known != adopted_.end() ? *known : MadeUp(i, name));
     }
     return points;
 }

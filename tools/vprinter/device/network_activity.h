@@ -2,15 +2,14 @@
 // points, pings, and the hosts that it has discovered.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "vprinter/device/model.h"
+#include "vprinter/device/origin.h"
 
 namespace vprinter {
 
@@ -19,18 +18,12 @@ class NetworkActivity final {
     NetworkActivity(const DeviceModel& model, std::function<uint64_t()> tickMs)
         : model_(model), tickMs_(std::move(tickMs)) {}
 
+    /// What was found and counted before this run.
+    void Adopt(const Origin& origin);
+
     /// A search forgets what the one before it found. It finds nothing while the radio is off.
     void Search();
     [[nodiscard]] size_t AccessPointsFound() const;
-    struct AccessPoint {
-        std::string_view ssid;  // of the model
-        std::array<char, 6> address;
-        int64_t signalStrength;
-        int64_t beaconInterval;
-        int64_t capabilities;
-        int64_t channel;
-        int64_t encryption;
-    };
     /// Those found so far.
     [[nodiscard]] std::vector<AccessPoint> AccessPoints() const;
     /// Their items; empty for none.
@@ -54,6 +47,7 @@ class NetworkActivity final {
 
     const DeviceModel& model_;
     std::function<uint64_t()> tickMs_;
+    std::vector<AccessPoint> adopted_;
     std::optional<uint64_t> searchBegan_;
     std::optional<uint64_t> lastPingAt_;
     uint32_t pingsExecuted_ = 0;

@@ -35,6 +35,12 @@ constexpr StateRow kStates[] = {
     {"", PrinterState::NotYetKnown, "not-yet-known", ""},
 };
 
+/// Null for a number that is no state.
+const StateRow* FindState(PrinterState state) {
+    const auto* const row = std::ranges::find(kStates, state, &StateRow::state);
+    return row != std::end(kStates) ? row : nullptr;
+}
+
 /// Zero-filled bytes of a fixed number.
 class Block final {
   public:
@@ -55,19 +61,6 @@ class Block final {
   private:
     std::string bytes_;
 };
-
-PrinterState StateOf(const DeviceModel& model, bool upgrading) {
-    if (!model.Flag(condition::kStatusKnown)) return PrinterState::NotYetKnown;
-    if (!model.Flag(condition::kOnline)) return PrinterState::Offline;
-    if (upgrading) return PrinterState::Upgrading;
-    const auto row = std::ranges::find(kStates, model.Value(condition::kError), &StateRow::word);
-    if (row->state != PrinterState::Ready) return row->state;
-    const auto isEmpty = [&](std::string_view key) { return model.Number(key) == 0; };
-    if (std::ranges::any_of(condition::kInks, isEmpty)) return PrinterState::InkOut;
-    const bool noPaper =
-        isEmpty(opl::KeyText(opl::Key::UpperTrayLevel)) && isEmpty(opl::KeyText(opl::Key::LowerTrayLevel));
-    return noPaper ? PrinterState::PaperOut : PrinterState::Ready;
-}
 
 InkState InkStateOf(int64_t percent) {
     if (percent == 0) return InkState::Empty;
@@ -97,7 +90,7 @@ std::vector<std::string_view> ErrorWords() {
 
 Status StatusOf(const DeviceModel& model, std::optional<uint32_t> upgradePercent) {
     const PrinterState state = StateOf(model, upgradePercent.has_value());
-    const StateRow& row = *std::ranges::find(kStates, state, &StateRow::state);
+    const StateRow& row = *FindState(state);
     const std::string_view text = model.Value(condition::kStatusText);
     // A status with a text counts as known, whatever its state.
     const bool ownText = text.empty() || state == PrinterState::NotYetKnown;
@@ -105,13 +98,36 @@ Status StatusOf(const DeviceModel& model, std::optional<uint32_t> upgradePercent
 }
 
 std::string_view StateWord(uint32_t number) {
-    const auto* const row = std::ranges::find(kStates, static_cast<PrinterState>(number), &StateRow::state);
-    return row != std::end(kStates) ? row->name : "other";
+    const StateRow* const row = FindState(static_cast<PrinterState>(number));
+    return row != nullptr ? row->name : "other";
 }
 
 std::string_view InkWord(int64_t percent) {
     constexpr std::string_view kWords[] = {"enough", "low", "empty"};
     return kWords[static_cast<size_t>(InkStateOf(percent))];
+}
+
+std::string_view ErrorWordOf(PrinterState state) {
+    const StateRow* const row = FindState(state);
+    return row != nullptr ? row->word : std::string_view();
+}
+
+std::string_view TextOf(PrinterState state) {
+    const StateRow* const row = FindState(state);
+    return row != nullptr ? row->text : std::string_view();
+}
+
+PrinterState StateOf(const DeviceModel& model, bool upgrading) {
+    if (!model.Flag(condition::kStatusKnown)) return PrinterState::NotYetKnown;
+    if (!model.Flag(condition::kOnline)) return PrinterState::Offline;
+    if (upgrading) return PrinterState::Upgrading;
+    const auto row = std::ranges::find(kStates, model.Value(condition::kError), &StateRow::word);
+    if (row->state != PrinterState::Ready) return row->state;
+    const auto isEmpty = [&](std::string_view key) { return model.Number(key) == 0; };
+    if (std::ranges::any_of(condition::kInks, isEmpty)) return PrinterState::InkOut;
+    const bool noPaper =
+        isEmpty(opl::KeyText(opl::Key::UpperTrayLevel)) && isEmpty(opl::KeyText(opl::Key::LowerTrayLevel));
+    return noPaper ? PrinterState::PaperOut : PrinterState::Ready;
 }
 
 std::string StatusBlock(const DeviceModel& model, std::optional<uint32_t> upgradePercent) {

@@ -55,6 +55,13 @@ enum class InkState : uint32_t { Enough = 0, Low = 1, Empty = 2 };
 /// What the condition status.error can be.
 [[nodiscard]] std::vector<std::string_view> ErrorWords();
 
+/// The word of status.error for a state that the printer cannot be in of its own accord; empty for the
+/// others.
+[[nodiscard]] std::string_view ErrorWordOf(PrinterState state);
+/// What the status says while it has no text of its own.
+[[nodiscard]] std::string_view TextOf(PrinterState state);
+[[nodiscard]] PrinterState StateOf(const DeviceModel& model, bool upgrading);
+
 /// What the display says.
 struct Status {
     PrinterState state;

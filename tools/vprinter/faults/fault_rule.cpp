@@ -6,10 +6,10 @@
 #include <algorithm>
 #include <functional>
 
+#include "opl/readable_text.h"
 #include "shared/json_lines.h"
 #include "shared/text.h"
 #include "shared/user_error.h"
-#include "vprinter/trace/readable_text.h"
 
 namespace vprinter {
 namespace {
@@ -77,7 +77,7 @@ class RuleReader final {
     }
 
     [[nodiscard]] std::string Unescaped(std::string_view field, std::string_view text) const {
-        const std::optional<std::string> bytes = FromReadable(text);
+        const std::optional<std::string> bytes = opl::FromReadable(text);
         if (!bytes)
             Complain(field, R"(only \xNN, \\ and a backslash before one of # & , . ; = ? as escapes)");
         return *bytes;
@@ -169,7 +169,7 @@ class RuleReader final {
         constexpr std::string_view kHex = "hex:";
         std::string text = Text(field);
         if (!text.starts_with(kHex)) return text;
-        const std::optional<std::string> bytes = FromHex(std::string_view(text).substr(kHex.size()));
+        const std::optional<std::string> bytes = opl::FromHex(std::string_view(text).substr(kHex.size()));
         if (!bytes) Complain(field, "two hexadecimal digits for each byte after \"hex:\"");
         return *bytes;
     }

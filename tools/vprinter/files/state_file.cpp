@@ -3,9 +3,7 @@
 
 #include <fmt/core.h>
 
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 
 #include "shared/file.h"
 #include "shared/json.h"
@@ -72,17 +70,7 @@ bool StateFile::Replace() const {
             printer[key] = ToUtf8(value);
     }
     const std::string text = tools::Json{{"version", kVersion}, {"printers", printers}}.Dump(2) + '\n';
-
-    const fs::path temporary = path_ + ".new";
-    std::error_code error;
-    {
-        std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
-        // The settings hold the pass phrase of the network.
-        fs::permissions(temporary, fs::perms::owner_read | fs::perms::owner_write, error);
-        if (!file.write(text.data(), static_cast<std::streamsize>(text.size())).flush()) return false;
-    }
-    fs::rename(temporary, path_, error);
-    return !error;
+    return tools::ReplaceFile(path_, text);
 }
 
 }  // namespace vprinter

@@ -75,15 +75,35 @@ Responder::Responder(DeviceModel& model, Surroundings surroundings)
       surroundings_(std::move(surroundings)),
       live_(model, surroundings_) {}
 
+void Responder::Adopt(Origin origin) {
+    live_.Adopt(origin);
+    firstReplies_ = std::move(origin.replies);
+    fixedReplies_ = firstReplies_;
+}
+
 void Responder::Restart() {
     model_.RestoreDefaults({});
+    fixedReplies_ = firstReplies_;
     sessions_ = {};
     ForgetLock();
+}
+
+std::string_view Responder::AnswerInVain(std::string_view request, uint32_t clientProcessId) {
+    std::vector<std::string> values = model_.Values();
+    auto fixedReplies = fixedReplies_;
+    reply_ = Answer(request, clientProcessId);
+    model_.PutBack(std::move(values));
+    fixedReplies_ = std::move(fixedReplies);
+    return reply_;
 }
 
 std::string_view Responder::Answer(std::string_view request, uint32_t clientProcessId, Reach reach) {
     if (live_.Upgrade().IsUnderWay()) live_.Upgrade().Advance();
     reach_ = reach;
+    if (reach_ == Reach::Reached && !fixedReplies_.empty()) {
+        const auto fixed = fixedReplies_.find(request);
+        if (fixed != fixedReplies_.end()) return fixed->second;
+    }
     if (request.ends_with('?') && reach_ == Reach::Reached && IsOnline()) {
         const Setting* const setting = model_.Find(request.substr(0, request.size() - 1));
         if (setting != nullptr && setting->spec.readable && !setting->spec.live) return setting->reply;
@@ -131,7 +151,14 @@ bool Responder::CarryOutOnSetting(Setting& setting, const Command& command) {
     std::string problem = model_.Set(setting, command.value, command.kind == CommandKind::BinarySet);
     if (problem.empty() && setting.spec.live) problem = live_.Act(setting);
     if (!problem.empty()) return Refuse(kBadValue, problem, command.key);
+    ForgetFixedReply(command.key);
     return Done(0, setting.Item());
+}
+
+void Responder::ForgetFixedReply(std::string_view key) {
+    if (fixedReplies_.empty()) return;
+    const auto fixed = fixedReplies_.find(std::string(key) + '?');
+    if (fixed != fixedReplies_.end()) fixedReplies_.erase(fixed);
 }
 
 bool Responder::ReadSetting(const Setting& setting, const Command& command) {

@@ -32,10 +32,18 @@ class Responder final {
   public:
     explicit Responder(DeviceModel& model, Surroundings surroundings = RealSurroundings());
 
-    /// The reply, valid until the next call. A query of one setting allocates nothing.
+    /// Makes the printer the one that `origin` and its model's values were taken from.
+    void Adopt(Origin origin);
+
+    /// The reply, valid until the next call; empty when the request is not answered. A query of one setting
+    /// allocates nothing.
     [[nodiscard]] std::string_view Answer(std::string_view request, uint32_t clientProcessId,
                                           Reach reach = Reach::Reached);
+    /// Answers as always, and keeps nothing of what was set.
+    [[nodiscard]] std::string_view AnswerInVain(std::string_view request, uint32_t clientProcessId);
 
+    /// From now on the printer has a value of its own for this key.
+    void ForgetFixedReply(std::string_view key);
     /// Nobody holds the lock any more.
     void ForgetLock() { lockHolder_ = 0; }
     /// The printer is as at its first start: first values, no lock, no announced time-outs.
@@ -80,7 +88,9 @@ class Responder final {
     Surroundings surroundings_;
     LiveDevice live_;
     SessionTable sessions_;
-    uint32_t lockHolder_ = 0;  // process id
+    decltype(Origin::replies) firstReplies_;
+    decltype(Origin::replies) fixedReplies_;  // of these, what still stands
+    uint32_t lockHolder_ = 0;                 // process id
 
     // Of the request that is being answered.
     uint32_t client_ = 0;

@@ -54,6 +54,9 @@ void Declare(const tools::Command& program, Options& options) {
     program.AddOption("--model-name", options.modelName, "the name that the printer gives itself")
         .TypeName("NAME");
     program
+        .AddOption("--from", options.dumpFile, "dump of a printer (`kestrel dump`), which this one then is")
+        .TypeName("FILE");
+    program
         .AddOption("--faults", options.faultsFile,
                    "JSON file of rules: what the printer does wrong, and when")
         .TypeName("FILE");
@@ -99,6 +102,8 @@ void Explain(const tools::Command& program) {
     program.Example(
         "kestrel-vprinter --port USB001 --control now.json",
         R"(write {"USB001": {"ink.black": 5, "status.error": "Paper_Jam"}} to now.json while it runs)");
+    program.Example("kestrel-vprinter --port USB001 --from office.json",
+                    "the printer that `kestrel dump -o office.json` has asked");
     program.Example(
         "kestrel-vprinter --port USB001 --faults slow.json --trace json --trace-file trace.jsonl",
         "a printer that misbehaves as slow.json says; every exchange becomes a line of trace.jsonl");
@@ -111,7 +116,7 @@ void Explain(const tools::Command& program) {
     program.Note("The forms of its files, and all that it answers, are in the document vprinter.md.");
     program.ExitCode(tools::kDone, "ended as asked");
     program.ExitCode(tools::kWrongUsage,
-                     "the command line, a fault script, a state or a control file cannot be used");
+                     "the command line, a dump, a fault script, a state or a control file cannot be used");
     program.ExitCode(tools::kRunsAlready, "another virtual printer serves the port already");
     program.ExitCode(tools::kOwnFault, "a fault of this program or of the system");
 }

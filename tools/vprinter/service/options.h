@@ -15,6 +15,7 @@ struct Options {
     std::vector<std::string> ports;
     std::string product = KESTREL_PRODUCT;
     std::string modelName;
+    std::string dumpFile;
     std::string faultsFile;
     std::string stateFile;
     std::string controlFile;

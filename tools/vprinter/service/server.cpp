@@ -80,7 +80,7 @@ struct PrinterServer::Turn {
     const char* remark = "";
 };
 
-PrinterServer::PrinterServer(std::string port, WideText channelName, DeviceModel model,
+PrinterServer::PrinterServer(std::string port, WideText channelName, DeviceModel model, Origin origin,
                              std::vector<FaultRule> faults, Shared shared)
     : port_(std::move(port)),
       channelName_(std::move(channelName)),
@@ -89,7 +89,9 @@ PrinterServer::PrinterServer(std::string port, WideText channelName, DeviceModel
       faults_(std::move(faults), GetTickCount64()),
       shared_(std::move(shared)),
       control_(shared_.controlFile, port_),
-      savedRevision_(model_.Revision()) {}
+      savedRevision_(model_.Revision()) {
+    responder_.Adopt(std::move(origin));
+}
 
 PrinterServer::~PrinterServer() {
     Stop();
@@ -196,11 +198,11 @@ void PrinterServer::CarryOutBadly(Turn& turn, const Fault& fault) {
         default:
             break;
     }
-    std::vector<std::string> before;
-    if (fault.action == FaultAction::NotKept) before = model_.Values();
-    const std::string_view good = responder_.Answer(turn.request, turn.client, ReachUnder(fault.action));
+    const std::string_view good =
+        fault.action == FaultAction::NotKept
+            ? responder_.AnswerInVain(turn.request, turn.client)
+            : responder_.Answer(turn.request, turn.client, ReachUnder(fault.action));
     turn.reply = FaultyReply(fault, good, previousReply_, faultyReply_);
-    if (fault.action == FaultAction::NotKept) model_.PutBack(std::move(before));
     if (fault.action == FaultAction::Duplicate) turn.secondPart = turn.reply;
     if (fault.action == FaultAction::Split && fault.number < turn.reply.size()) {
         turn.secondPart = turn.reply.substr(fault.number);
@@ -211,6 +213,11 @@ void PrinterServer::CarryOutBadly(Turn& turn, const Fault& fault) {
 void PrinterServer::SendReply(Turn& turn) {
     if (turn.fault && IsSilent(turn.fault->action)) {
         turn.reply = {};
+        return;
+    }
+    const bool asAlways = !turn.fault || turn.fault->action == FaultAction::None;
+    if (asAlways && turn.reply.empty()) {
+        turn.remark = "not answered, like the printer that this one is made from";
         return;
     }
     const bool late = responder_.HasGivenUp(turn.client, GetTickCount64() - turn.receivedTick);

@@ -51,8 +51,8 @@ class PrinterServer final {
         api::Traffic* traffic = nullptr;  // null: nobody can look on
     };
 
-    PrinterServer(std::string port, WideText channelName, DeviceModel model, std::vector<FaultRule> faults,
-                  Shared shared);
+    PrinterServer(std::string port, WideText channelName, DeviceModel model, Origin origin,
+                  std::vector<FaultRule> faults, Shared shared);
     PrinterServer(const PrinterServer&) = delete;
     PrinterServer& operator=(const PrinterServer&) = delete;
     /// Stops first.

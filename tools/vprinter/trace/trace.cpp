@@ -3,9 +3,10 @@
 
 #include <fmt/core.h>
 
+#include "catalogue/rows.h"
+#include "opl/message_text.h"
 #include "shared/json.h"
 #include "shared/time_text.h"
-#include "vprinter/trace/message_text.h"
 
 namespace vprinter {
 namespace {
@@ -16,25 +17,30 @@ double Milliseconds(std::chrono::nanoseconds duration) {
     return std::chrono::duration<double, std::milli>(duration).count();
 }
 
+opl::MessageTextOptions Shown(bool showSecrets) {
+    return {.endsInSecretKey = showSecrets ? nullptr : catalogue::EndsInSecretKey};
+}
+
 }  // namespace
 
 std::string TextLine(const Exchange& exchange, bool showSecrets) {
-    const MessageTextOptions options{showSecrets, kShownBytes};
+    opl::MessageTextOptions options = Shown(showSecrets);
+    options.maxBytes = kShownBytes;
     return fmt::format("{} {} client {}  {}  ->  {}  {:.3f} ms{}{}\n", tools::LocalTimeOfDay(exchange.time),
-                       exchange.port, exchange.clientProcessId, MessageText(exchange.request, options),
-                       exchange.reply.empty() ? "(nothing)" : MessageText(exchange.reply, options),
+                       exchange.port, exchange.clientProcessId, opl::MessageText(exchange.request, options),
+                       exchange.reply.empty() ? "(nothing)" : opl::MessageText(exchange.reply, options),
                        Milliseconds(exchange.duration), exchange.remark.empty() ? "" : "  ! ",
                        exchange.remark);
 }
 
 std::string JsonLine(const Exchange& exchange, bool showSecrets) {
-    const MessageTextOptions options{showSecrets};
+    const opl::MessageTextOptions options = Shown(showSecrets);
     tools::Json line;
     line["time"] = tools::UtcTime(exchange.time);
     line["printer"] = exchange.port;
     line["client"] = exchange.clientProcessId;
-    line["request"] = MessageText(exchange.request, options);
-    line["reply"] = MessageText(exchange.reply, options);
+    line["request"] = opl::MessageText(exchange.request, options);
+    line["reply"] = opl::MessageText(exchange.reply, options);
     line["ms"] = Milliseconds(exchange.duration);
     if (!exchange.remark.empty()) line["remark"] = exchange.remark;
     return line.Dump() + '\n';

@@ -1,13 +1,9 @@
 // The notation both ways.
-#include "vprinter/trace/readable_text.h"
-
-#include <fmt/core.h>
-
-#include <iterator>
+#include "opl/readable_text.h"
 
 #include "opl/value_escape.h"
 
-namespace vprinter {
+namespace opl {
 namespace {
 
 bool IsPrintable(char c) {
@@ -29,17 +25,25 @@ std::optional<char> HexByte(std::string_view text) {
 
 }  // namespace
 
+void AppendHexByte(std::string& out, char byte) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    const auto value = static_cast<unsigned char>(byte);
+    out += kDigits[value >> 4];
+    out += kDigits[value & 15];
+}
+
 void AppendReadable(std::string& out, std::string_view bytes) {
     for (const char c : bytes) {
         if (c == '\\') {
             out += "\\\\";
         } else if (IsPrintable(c)) {
             out += c;
-        } else if (const char shown = opl::EscapeByte(c); IsPrintable(shown)) {
+        } else if (const char shown = EscapeByte(c); IsPrintable(shown)) {
             out += '\\';
             out += shown;
         } else {
-            fmt::format_to(std::back_inserter(out), "\\x{:02X}", static_cast<uint8_t>(c));
+            out += "\\x";
+            AppendHexByte(out, c);
         }
     }
 }
@@ -59,8 +63,8 @@ std::optional<std::string> FromReadable(std::string_view text) {
             if (!byte) return std::nullopt;
             bytes += *byte;
             i += 2;
-        } else if (next != '\0' && opl::kStructureCharacters.find(next) != std::string_view::npos) {
-            bytes += opl::EscapeByte(next);
+        } else if (next != '\0' && kStructureCharacters.find(next) != std::string_view::npos) {
+            bytes += EscapeByte(next);
         } else {
             return std::nullopt;
         }
@@ -83,4 +87,4 @@ std::optional<std::string> FromHex(std::string_view text) {
     return bytes;
 }
 
-}  // namespace vprinter
+}  // namespace opl

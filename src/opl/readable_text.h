@@ -1,4 +1,4 @@
-// Message bytes as people read and write them: in traces and in fault scripts.
+// Message bytes as people read and write them: in records, traces and fault scripts.
 //
 //   \. \; \= \? \& \# \,   the control code that stands for this character inside a value
 //   \xNN                   any other byte that is not printable ASCII
@@ -9,7 +9,10 @@
 #include <string>
 #include <string_view>
 
-namespace vprinter {
+namespace opl {
+
+/// Appends two hexadecimal digits.
+void AppendHexByte(std::string& out, char byte);
 
 /// Appends the readable form of `bytes`.
 void AppendReadable(std::string& out, std::string_view bytes);
@@ -20,4 +23,4 @@ void AppendReadable(std::string& out, std::string_view bytes);
 /// The bytes of a text of two-digit hexadecimal numbers, blanks between them allowed.
 [[nodiscard]] std::optional<std::string> FromHex(std::string_view text);
 
-}  // namespace vprinter
+}  // namespace opl

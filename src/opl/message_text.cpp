@@ -1,19 +1,13 @@
 // A walk over the message that knows blocks and keys, whatever state it is in.
-#include "vprinter/trace/message_text.h"
-
-#include <fmt/core.h>
+#include "opl/message_text.h"
 
 #include <algorithm>
 #include <charconv>
-#include <iterator>
 
-#include "catalogue/rows.h"
-#include "vprinter/trace/readable_text.h"
+#include "opl/readable_text.h"
 
-namespace vprinter {
+namespace opl {
 namespace {
-
-constexpr std::string_view kMask = "*****";
 
 /// The length of the binary block whose "#" stands at the front of `text`, with what precedes its bytes;
 /// false when there is no such block.
@@ -28,43 +22,35 @@ bool FindBlock(std::string_view text, size_t& headLength, size_t& blockLength) {
 void AppendBlock(std::string& out, std::string_view block, size_t maxBytes) {
     out += '<';
     for (size_t i = 0; i < std::min(block.size(), maxBytes); ++i) {
-        fmt::format_to(std::back_inserter(out), "{}{:02X}", i == 0 ? "" : " ",
-                       static_cast<uint8_t>(block[i]));
+        if (i != 0) out += ' ';
+        AppendHexByte(out, block[i]);
     }
     out += block.size() > maxBytes ? " ...>" : ">";
 }
 
-bool EndsInSecretKey(std::string_view text) {
-    return std::ranges::any_of(catalogue::Rows(), [&](const catalogue::Row& row) {
-        return row.IsSecret() && text.ends_with(row.key);
-    });
-}
-
-enum class Form : uint8_t { Readable, Bytes };
-
 /// Walks over a message and appends it piece by piece.
 class MessageWriter final {
   public:
-    MessageWriter(std::string_view message, const MessageTextOptions& options, Form form)
-        : message_(message), options_(options), form_(form) {}
+    MessageWriter(std::string& out, std::string_view message, const MessageTextOptions& options)
+        : out_(out), message_(message), options_(options) {}
 
-    [[nodiscard]] std::string Write() {
+    void Write() {
         while (at_ < message_.size() && at_ < options_.maxBytes) {
             const size_t mark = std::min(message_.find_first_of("=#", at_), message_.size());
-            const bool secret = !options_.showSecrets && EndsInSecretKey(message_.substr(0, mark));
+            const bool secret =
+                options_.endsInSecretKey != nullptr && options_.endsInSecretKey(message_.substr(0, mark));
             WriteText(mark);
             if (at_ == mark && mark < message_.size()) WriteValue(secret);
         }
-        if (at_ < message_.size()) out_ += fmt::format(" ... ({} bytes)", message_.size());
-        return std::move(out_);
+        if (at_ < message_.size()) out_ += " ... (" + std::to_string(message_.size()) + " bytes)";
     }
 
   private:
     void Append(std::string_view text) {
-        if (form_ == Form::Readable)
-            AppendReadable(out_, text);
-        else
+        if (options_.form == MessageForm::Bytes)
             out_ += text;
+        else
+            AppendReadable(out_, text);
     }
 
     void WriteText(size_t end) {
@@ -82,7 +68,7 @@ class MessageWriter final {
         at_ += head;
         if (secret) {
             if (!block) length = std::min(message_.find_first_of("&;?", at_), message_.size()) - at_;
-            out_ += kMask;
+            out_ += kSecretMask;
             at_ += length;
         } else if (block) {
             WriteBlock(message_.substr(at_, length));
@@ -91,27 +77,28 @@ class MessageWriter final {
     }
 
     void WriteBlock(std::string_view block) {
-        if (form_ == Form::Readable)
+        if (options_.form == MessageForm::ForPeople)
             AppendBlock(out_, block, options_.maxBytes - std::min(at_, options_.maxBytes));
         else
-            out_ += block;
+            Append(block);
     }
 
+    std::string& out_;
     std::string_view message_;
     const MessageTextOptions& options_;
-    Form form_;
     size_t at_ = 0;
-    std::string out_;
 };
 
 }  // namespace
 
+void AppendMessageText(std::string& out, std::string_view message, const MessageTextOptions& options) {
+    MessageWriter(out, message, options).Write();
+}
+
 std::string MessageText(std::string_view message, const MessageTextOptions& options) {
-    return MessageWriter(message, options, Form::Readable).Write();
+    std::string text;
+    AppendMessageText(text, message, options);
+    return text;
 }
 
-std::string WithoutSecrets(std::string_view message) {
-    return MessageWriter(message, {}, Form::Bytes).Write();
-}
-
-}  // namespace vprinter
+}  // namespace opl
