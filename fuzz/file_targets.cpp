@@ -11,11 +11,13 @@
 #include "occupied_file.h"
 #include "rundll32/inf_file.h"
 #include "rundll32/refusal.h"
+#include "shared/exchange_log.h"
 #include "shared/user_error.h"
 #include "targets.h"
 #include "vprinter/faults/fault_script.h"
 #include "vprinter/faults/faulty_reply.h"
 #include "vprinter/files/dump_file.h"
+#include "vprinter/replay/replay.h"
 #include "vprinter/requests/responder.h"
 
 namespace fuzz {
@@ -120,6 +122,17 @@ void Dumps(std::string_view bytes) {
     }
 }
 
+void ExchangeLogs(std::string_view bytes) {
+    try {
+        const auto log = tools::ParseExchangeLog(bytes, "log.jsonl");
+        vprinter::Replay replay(log, "log.jsonl", "USB001", vprinter::Pace::Real, true);
+        for (const tools::LoggedExchange& exchange : log.exchanges)
+            static_cast<void>(replay.Next(exchange.request));
+    } catch (const tools::UserError& error) {
+        Require(std::string_view(error.what()).starts_with("log.jsonl:"), "an error says where");
+    }
+}
+
 void UseAs(winport::ObjectKind kind) {
     constexpr const WCHAR* kName = TEXT("Global\\FuzzObject");
     HANDLE object = nullptr;
@@ -172,6 +185,7 @@ constexpr Target kFileTargets[] = {
     {"inf", SetupInformation},
     {"fault_script", FaultScripts},
     {"dump_file", Dumps},
+    {"exchange_log", ExchangeLogs},
     {"object_file", ObjectFiles},
 };
 

@@ -131,6 +131,9 @@ class KestrelSDK {
     /// has room for ipc::kMaxOplMessage bytes; `received` is not 0 whenever a reply was read.
     [[nodiscard]] uint32_t Transact(const void* request, uint32_t requestLength, char* reply,
                                     uint32_t& received, uint32_t timeoutMs);
+    /// The same, kept on the record.
+    [[nodiscard]] uint32_t TransactOnRecord(const void* request, uint32_t requestLength, char* reply,
+                                            uint32_t& received, uint32_t timeoutMs);
     [[nodiscard]] uint32_t Exchange(const void* request, uint32_t requestLength, char* reply,
                                     uint32_t& received, uint32_t timeoutMs);
     [[nodiscard]] uint32_t AnnounceTimeout(uint32_t timeoutMs, const RemainingTime& time);

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "kestrel/sdk_errors.h"
+#include "session/exchange_record.h"
 #include "session/kestrel_sdk.h"
 #include "session/remaining_time.h"
 #include "session/response_judgement.h"
@@ -103,8 +104,23 @@ uint32_t KestrelSDK::Transact(const void* request, uint32_t requestLength, char*
     if (request == nullptr && requestLength > 0) return ERROR_INVALID_PARAMETER;
     if (!oplChannel.IsOpen()) return SDK_ERROR_CHANNEL_NOT_OPEN;
     if (oplChannel.IsForPortList()) return SDK_ERROR_PORT_LIST;
+    if (IsRecording()) [[unlikely]]
+        return TransactOnRecord(request, requestLength, reply, received, timeoutMs);
     const uint32_t error = Exchange(request, requestLength, reply, received, timeoutMs);
     return error != NO_ERROR ? error : Judge({reply, received});
+}
+
+uint32_t KestrelSDK::TransactOnRecord(const void* request, uint32_t requestLength, char* reply,
+                                      uint32_t& received, uint32_t timeoutMs) {
+    const ExchangeRecord record;
+    uint32_t error = Exchange(request, requestLength, reply, received, timeoutMs);
+    if (error != NO_ERROR) received = 0;
+    if (error == NO_ERROR) error = Judge({reply, received});
+    record.Keep(oplChannel.GetName(), {.request = {static_cast<const char*>(request), requestLength},
+                                       .reply = {reply, received},
+                                       .timeoutMs = timeoutMs,
+                                       .error = error});
+    return error;
 }
 
 uint32_t KestrelSDK::Exchange(const void* request, uint32_t requestLength, char* reply, uint32_t& received,

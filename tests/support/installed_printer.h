@@ -93,13 +93,10 @@ class InstalledPrinter : public testing::Test {
         std::ofstream(file) << faults;
         // The virtual printer, or one of another word size that the environment names.
         const char* const other = std::getenv("KESTREL_COUNTERPART");
-        std::vector<std::string> words = {other != nullptr ? other : KESTREL_VPRINTER,
-                                          "--port",
-                                          "USB001",
-                                          "--trace",
-                                          "none",
-                                          "--faults",
-                                          file};
+        std::vector<std::string> words = {other != nullptr ? other : KESTREL_VPRINTER, "--port", "USB001",
+                                          "--faults", file};
+        if (std::ranges::find(extra, "--trace") == extra.end())
+            words.insert(words.end(), {"--trace", "none"});
         words.insert(words.end(), extra.begin(), extra.end());
         printer_ = ChildProcess();  // a port has one printer at a time
         printer_ = ChildProcess(words);

@@ -68,6 +68,8 @@ void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chose
     app.Example("kestrel printers add Office --port USB001", "install a printer");
     app.Example("kestrel -p Office get fax.redials", "print a setting");
     app.Example("kestrel -p Office list 'fax.*' --json", "some settings, for a script");
+    app.Variable("KESTREL_RECORD", "file to which the library appends every exchange, of this program too");
+    app.Variable("KESTREL_RECORD_SECRETS", "1: with security keys and the pass phrase");
     app.Variable("NO_COLOR", "no colours, also on a terminal");
     app.File("<driver directory>/3/" KESTREL_PRODUCT ".INI",
              "the product configuration, which `kestrel setup` writes");
@@ -79,10 +81,11 @@ void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chose
     DeclareGlobalOptions(app, options);
 
     constexpr std::array kCommands = {
-        AddSetup, AddPrinters,    AddStatus,  AddGet,      AddSet,          AddList,       AddAddressBook,
-        AddRaw,   AddMaintenance, AddLock,    AddUnlock,   AddCancel,       AddCache,      AddWifi,
-        AddPing,  AddHosts,       AddClock,   AddFirmware, AddCapabilities, AddIdentity,   AddSupplies,
-        AddDump,  AddMonitor,     AddInstall, AddRun,      AddVersion,      AddCompletion, AddComplete};
+        AddSetup,        AddPrinters, AddStatus,      AddGet,        AddSet,     AddList,
+        AddAddressBook,  AddRaw,      AddMaintenance, AddLock,       AddUnlock,  AddCancel,
+        AddCache,        AddWifi,     AddPing,        AddHosts,      AddClock,   AddFirmware,
+        AddCapabilities, AddIdentity, AddSupplies,    AddDump,       AddRecord,  AddMonitor,
+        AddInstall,      AddRun,      AddVersion,     AddCompletion, AddComplete};
     for (const auto add : kCommands)
         add(app, chosen);
 }

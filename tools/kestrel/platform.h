@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace cli::platform {
 
@@ -35,6 +37,15 @@ enum class WaitEnd { Time, Enter, Interrupt };
 // The library that answers the Windows calls of this program, by the name that programs find it by; empty
 // where the system itself answers them.
 [[nodiscard]] std::filesystem::path SystemLibrary();
+
+// Variables of the environment and their values; an empty value takes the variable away.
+using Variables = std::vector<std::pair<std::string, std::string>>;
+
+// Runs another program, found as the shell finds it, with this program's streams and these variables, and
+// waits for its end. What it ended with, 128 and the signal's number where one ended it; nothing when it
+// cannot be started.
+[[nodiscard]] std::optional<int> RunProgram(const std::vector<std::string>& words,
+                                            const Variables& variables);
 
 // Ends the program at once: no library is unloaded, nothing is cleaned up, only what has been flushed is
 // written.

@@ -5,9 +5,12 @@
 #include <fmt/core.h>
 #include <poll.h>
 #include <signal.h>
+#include <spawn.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <utility>
 
@@ -118,6 +121,29 @@ std::filesystem::path SystemLibrary() {
     if (dladdr(dlsym(RTLD_DEFAULT, "GetModuleFileNameW"), &library) == 0) return {};
     const std::filesystem::path path = library.dli_fname;
     return std::filesystem::weakly_canonical(path.parent_path()) / path.filename();
+}
+
+// An interrupt goes to both processes; the other one decides what it means.
+std::optional<int> RunProgram(const std::vector<std::string>& words, const Variables& variables) {
+    for (const auto& [name, value] : variables) {
+        if (value.empty()) {
+            unsetenv(name.c_str());
+        } else {
+            setenv(name.c_str(), value.c_str(), 1);
+        }
+    }
+    std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
+    for (const std::string& word : words)
+        arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    pid_t process = 0;
+    if (posix_spawnp(&process, arguments[0], nullptr, nullptr, arguments.data(), environ) != 0) return {};
+    const InterruptEndsWait notThisProcess;
+    int status = 0;
+    while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
 void EndWithoutUnloading(int exitStatus) {

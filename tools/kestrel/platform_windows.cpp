@@ -3,11 +3,16 @@
 
 #include <fcntl.h>
 #include <io.h>
+#include <process.h>
+#include <stdlib.h>
 #include <windows.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <thread>
 #include <utility>
+
+#include "shared/text.h"
 
 namespace cli::platform {
 namespace {
@@ -103,6 +108,35 @@ std::string InstalledLibrary(const std::string&) {
 
 std::filesystem::path SystemLibrary() {
     return {};
+}
+
+// The run-time joins the arguments by blanks alone: each is quoted as programs take them apart.
+std::optional<int> RunProgram(const std::vector<std::string>& words, const Variables& variables) {
+    const auto wide = [](const std::string& text) {
+        return tools::WideFromUtf8(text).value_or(tools::WideText());
+    };
+    const auto quoted = [](const std::string& word) {
+        std::string text = "\"";
+        for (size_t i = 0, backslashes = 0; i < word.size(); ++i) {
+            backslashes = word[i] == '\\' ? backslashes + 1 : 0;
+            if (word[i] == '"') text += '\\';
+            text += word[i];
+            const bool isLast = i + 1 == word.size() || word[i + 1] == '"';
+            if (isLast) text.append(backslashes, '\\');
+        }
+        return text + '"';
+    };
+    for (const auto& [name, value] : variables)
+        _wputenv_s(wide(name).c_str(), wide(value).c_str());
+    std::vector<tools::WideText> texts;
+    for (const std::string& word : words)
+        texts.push_back(wide(quoted(word)));
+    std::vector<const wchar_t*> arguments;
+    for (const tools::WideText& text : texts)
+        arguments.push_back(text.c_str());
+    arguments.push_back(nullptr);
+    const intptr_t ended = _wspawnvp(_P_WAIT, wide(words[0]).c_str(), arguments.data());
+    return ended < 0 && errno != 0 ? std::optional<int>() : static_cast<int>(ended);
 }
 
 void EndWithoutUnloading(int exitStatus) {

@@ -104,6 +104,11 @@ const Option& Option::Needs(const Option& other) const {
     option_->needs(other.option_);
     return *this;
 }
+
+const Option& Option::Excludes(const Option& other) const {
+    option_->excludes(other.option_);
+    return *this;
+}
 const Option& Option::Environment(const std::string& variable) const {
     option_->envname(variable);
     return *this;

@@ -43,6 +43,7 @@ class Option final {
     const Option& Check(std::function<std::string(const std::string&)> problemOf) const;
     /// Only beside another option.
     const Option& Needs(const Option& other) const;
+    const Option& Excludes(const Option& other) const;
     /// Taken from the environment when the line does not have it.
     const Option& Environment(const std::string& variable) const;
     /// Of several values: each stands behind the option's name.

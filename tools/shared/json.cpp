@@ -147,6 +147,11 @@ bool Json::Flag() const {
 uint64_t Json::Unsigned() const {
     return As<uint64_t>("a whole number");
 }
+double Json::Real() const {
+    if (const auto* const whole = std::get_if<uint64_t>(&value_)) return static_cast<double>(*whole);
+    if (const auto* const negative = std::get_if<int64_t>(&value_)) return static_cast<double>(*negative);
+    return As<double>("a number");
+}
 const std::string& Json::Text() const {
     return As<std::string>("a text");
 }

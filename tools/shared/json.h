@@ -76,6 +76,8 @@ class Json final {
     // These throw a JsonError for a value of another kind.
     [[nodiscard]] bool Flag() const;
     [[nodiscard]] uint64_t Unsigned() const;
+    /// Any number.
+    [[nodiscard]] double Real() const;
     [[nodiscard]] const std::string& Text() const;
     [[nodiscard]] const Array& Items() const;
     [[nodiscard]] const Object& Members() const;

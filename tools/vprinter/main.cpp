@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "shared/exchange_log.h"
 #include "shared/file.h"
 #include "shared/process.h"
 #include "shared/text.h"
@@ -84,6 +85,7 @@ class Printers final {
             throw tools::UserError(options.traceFile + " cannot be opened; check --trace-file");
         }
         if (!options.stateFile.empty()) state_.emplace(options.stateFile).Load();
+        if (!options.recordFile.empty()) record_ = tools::LoadExchangeLog(options.recordFile);
         const std::vector<FaultRule> faults = LoadFaults(options);
         for (const std::string& port : options.ports)
             Add(port, faults);
@@ -116,6 +118,19 @@ class Printers final {
                            [](const PrinterServer& server) { return server.HasFailed(); });
     }
 
+    /// What became of the records; the printers have been stopped.
+    [[nodiscard]] bool HaveClientsDeparted() const {
+        bool departed = false;
+        for (const PrinterServer& server : servers_) {
+            const Replay* const replay = server.Replayed();
+            if (replay == nullptr) continue;
+            fmt::print(stderr, "kestrel-vprinter: {}: {} exchanges replayed, {} departures\n", server.Port(),
+                       replay->Replayed(), replay->Departures());
+            departed = departed || replay->Departures() > 0;
+        }
+        return departed;
+    }
+
   private:
     void Add(const std::string& port, const std::vector<FaultRule>& faults) {
         const WideText channelName = ChannelName(options_.product, port);
@@ -134,8 +149,22 @@ class Printers final {
         MadePrinter made = MakePrinter(options_, port, state);
         servers_.emplace_back(
             port, channelName, std::move(made.model), std::move(made.origin), FaultsFor(port, faults),
-            PrinterServer::Shared{trace_, state, options_.controlFile, [this] { end_.Raise(); },
+            ReplayOn(port),
+            PrinterServer::Shared{trace_, state, options_.controlFile, [this] { EndUnlessReplaying(); },
                                   options_.web ? &traffic_ : nullptr});
+    }
+
+    [[nodiscard]] std::optional<Replay> ReplayOn(const std::string& port) const {
+        if (!record_) return {};
+        return Replay(*record_, options_.recordFile, port, options_.pace, options_.loops);
+    }
+
+    // A record that is over on one printer may go on on another.
+    void EndUnlessReplaying() {
+        const bool goesOn = !HasFailed() && std::ranges::any_of(servers_, [](const PrinterServer& server) {
+            return !server.HasReplayedAll();
+        });
+        if (!goesOn) end_.Raise();
     }
 
     const Options& options_;
@@ -143,6 +172,7 @@ class Printers final {
     api::Traffic traffic_;
     tools::EndRequest& end_;
     std::optional<StateFile> state_;
+    std::optional<tools::ExchangeLog> record_;
     std::deque<PrinterClaim> claims_;  // outlive the servers: nobody else starts before they have ended
     std::deque<PrinterServer> servers_;
 };
@@ -181,7 +211,8 @@ tools::ExitCode Run(const Options& options) {
     web.reset();
     printers.Stop();
     if (!options.quiet) fmt::print(stderr, "kestrel-vprinter: ended\n");
-    return printers.HasFailed() ? tools::kOwnFault : tools::kDone;
+    if (printers.HasFailed()) return tools::kOwnFault;
+    return printers.HaveClientsDeparted() ? tools::kDeparted : tools::kDone;
 }
 
 tools::ExitCode Complain(tools::ExitCode code, const std::string& text) {

@@ -39,6 +39,10 @@ size_t Width(std::string_view utf8) {
         utf8.begin(), utf8.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
+int ExitStatus(const Report& report) {
+    return report.failure ? static_cast<int>(report.failure->exit) : report.programStatus;
+}
+
 void Write(std::FILE* stream, std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stream);
 }
@@ -93,9 +97,8 @@ tools::Json FailureJson(const Failure& failure) {
 }
 
 std::string JsonDocument(std::string_view command, const Report& report) {
-    const ExitCode exit = report.failure ? report.failure->exit : ExitCode::Done;
     tools::Json document = {
-        {"version", kDocumentVersion}, {"command", command}, {"exitCode", static_cast<int>(exit)}};
+        {"version", kDocumentVersion}, {"command", command}, {"exitCode", ExitStatus(report)}};
     for (const auto& [name, value] : report.data.Members())
         document[name] = value;
     if (report.failure) document["error"] = FailureJson(*report.failure);
@@ -126,14 +129,14 @@ int Print(std::string_view command, const Report& report, bool json, bool noColo
         std::fflush(stdout);
         if (report.failure) Write(stderr, FailureText(*report.failure, PaintForErrors(noColour)));
     }
-    const ExitCode exit = report.failure ? report.failure->exit : ExitCode::Done;
+    const int exit = ExitStatus(report);
     // A full disk behind a redirection must not look like success.
     const bool complete = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
-    if (!complete && exit == ExitCode::Done) {
+    if (!complete && exit == 0) {
         Write(stderr, "kestrel: the results could not be written to standard output\n");
         return static_cast<int>(ExitCode::OwnFault);
     }
-    return static_cast<int>(exit);
+    return exit;
 }
 
 }  // namespace cli

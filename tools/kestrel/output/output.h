@@ -16,7 +16,8 @@ struct Report final {
     std::string text;                               // for people, with its line ends
     tools::Json data = tools::Json::EmptyObject();  // fields of the JSON document
     std::optional<Failure> failure;
-    bool gaveUp = false;  // a request of its own may lie unread in the channel
+    bool gaveUp = false;    // a request of its own may lie unread in the channel
+    int programStatus = 0;  // of a command that runs another program: what that ended with
 };
 
 enum class Colour { Bold, Dim, Red };

@@ -41,6 +41,31 @@ std::string TakeWebAddress(const std::string& text, Options& options) {
     return options.web ? "" : "expected an address and a port, such as 127.0.0.1:8631, instead of " + text;
 }
 
+std::string TakePace(const std::string& word, Options& options) {
+    if (word != "real" && word != "fast") return "expected real or fast instead of " + word;
+    options.pace = word == "real" ? Pace::Real : Pace::Fast;
+    return {};
+}
+
+void DeclareReplay(const tools::Command& program, Options& options) {
+    const tools::Option replay = program
+                                     .AddOption("--replay", options.recordFile,
+                                                "record of exchanges (`kestrel record`) to answer from")
+                                     .TypeName("FILE");
+    program
+        .AddOption(
+            "--pace", [&](const std::string& word) { return TakePace(word, options); },
+            "with --replay: real, replies take as long as they took, or fast [fast]")
+        .TypeName("PACE")
+        .Needs(replay);
+    const tools::Option once =
+        program.AddFlag("--once", options.once, "with --replay: end when all is answered (the default)");
+    once.Needs(replay);
+    program.AddFlag("--loop", options.loops, "with --replay: begin again at the end")
+        .Needs(replay)
+        .Excludes(once);
+}
+
 void Declare(const tools::Command& program, Options& options) {
     program
         .AddOption("--port", options.ports,
@@ -56,6 +81,7 @@ void Declare(const tools::Command& program, Options& options) {
     program
         .AddOption("--from", options.dumpFile, "dump of a printer (`kestrel dump`), which this one then is")
         .TypeName("FILE");
+    DeclareReplay(program, options);
     program
         .AddOption("--faults", options.faultsFile,
                    "JSON file of rules: what the printer does wrong, and when")
@@ -115,8 +141,10 @@ void Explain(const tools::Command& program) {
         "end the program.");
     program.Note("The forms of its files, and all that it answers, are in the document vprinter.md.");
     program.ExitCode(tools::kDone, "ended as asked");
-    program.ExitCode(tools::kWrongUsage,
-                     "the command line, a dump, a fault script, a state or a control file cannot be used");
+    program.ExitCode(tools::kDeparted, "with --replay: a client has departed from the record");
+    program.ExitCode(
+        tools::kWrongUsage,
+        "the command line, a dump, a record, a fault script, a state or a control file cannot be used");
     program.ExitCode(tools::kRunsAlready, "another virtual printer serves the port already");
     program.ExitCode(tools::kOwnFault, "a fault of this program or of the system");
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "shared/exit_codes.h"
+#include "vprinter/replay/replay.h"
 #include "vprinter/trace/trace.h"
 #include "vprinter/web/web_server.h"
 
@@ -16,6 +17,10 @@ struct Options {
     std::string product = KESTREL_PRODUCT;
     std::string modelName;
     std::string dumpFile;
+    std::string recordFile;  // to replay
+    Pace pace = Pace::Fast;
+    bool once = false;
+    bool loops = false;
     std::string faultsFile;
     std::string stateFile;
     std::string controlFile;

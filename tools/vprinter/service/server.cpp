@@ -78,15 +78,17 @@ struct PrinterServer::Turn {
     std::string_view reply;
     std::string_view secondPart;  // a message of its own behind the reply
     const char* remark = "";
+    std::string departure;  // of a replay
 };
 
 PrinterServer::PrinterServer(std::string port, WideText channelName, DeviceModel model, Origin origin,
-                             std::vector<FaultRule> faults, Shared shared)
+                             std::vector<FaultRule> faults, std::optional<Replay> replay, Shared shared)
     : port_(std::move(port)),
       channelName_(std::move(channelName)),
       model_(std::move(model)),
       responder_(model_),
       faults_(std::move(faults), GetTickCount64()),
+      replay_(std::move(replay)),
       shared_(std::move(shared)),
       control_(shared_.controlFile, port_),
       savedRevision_(model_.Revision()) {
@@ -113,6 +115,7 @@ void PrinterServer::Stop() {
     stopSignal_.notify_all();
     channel_.Cancel();
     thread_.join();
+    if (ending_.joinable()) ending_.join();
 }
 
 void PrinterServer::Serve(std::promise<bool> opened) {
@@ -167,6 +170,7 @@ void PrinterServer::AnswerRequest(std::string_view request) {
     SendReply(turn);
     if (turn.shown) Show(turn);
     KeepState();
+    EndReplay();
     if (turn.fault && turn.fault->action == FaultAction::CrashAfter) tools::EndAbruptly();
     if (faults_.HasRules()) previousReply_ = turn.reply;
 }
@@ -175,7 +179,7 @@ void PrinterServer::CarryOut(Turn& turn) {
     if (turn.fault)
         CarryOutBadly(turn, *turn.fault);
     else
-        turn.reply = responder_.Answer(turn.request, turn.client);
+        turn.reply = Answer(turn, Reach::Reached);
 }
 
 void PrinterServer::CarryOutBadly(Turn& turn, const Fault& fault) {
@@ -198,16 +202,44 @@ void PrinterServer::CarryOutBadly(Turn& turn, const Fault& fault) {
         default:
             break;
     }
+    const bool inVain = fault.action == FaultAction::NotKept && !replay_;
     const std::string_view good =
-        fault.action == FaultAction::NotKept
-            ? responder_.AnswerInVain(turn.request, turn.client)
-            : responder_.Answer(turn.request, turn.client, ReachUnder(fault.action));
+        inVain ? responder_.AnswerInVain(turn.request, turn.client) : Answer(turn, ReachUnder(fault.action));
     turn.reply = FaultyReply(fault, good, previousReply_, faultyReply_);
     if (fault.action == FaultAction::Duplicate) turn.secondPart = turn.reply;
     if (fault.action == FaultAction::Split && fault.number < turn.reply.size()) {
         turn.secondPart = turn.reply.substr(fault.number);
         turn.reply = turn.reply.substr(0, fault.number);
     }
+}
+
+// A record has no announcements of time-outs: the printer takes them itself. Of a device that is not reached
+// it says nothing either.
+std::string_view PrinterServer::Answer(Turn& turn, Reach reach) {
+    const bool recorded = replay_ && reach == Reach::Reached;
+    if (!recorded || turn.request.starts_with(opl::KeyText(opl::Key::TimeoutParam)))
+        return responder_.Answer(turn.request, turn.client, reach);
+    Replay::Answer answer = replay_->Next(turn.request);
+    if (!answer.departure.empty()) {
+        constexpr size_t kMostTold = 20;  // the trace has all
+        if (replay_->Departures() <= kMostTold)
+            fmt::print(stderr, "kestrel-vprinter: {} departs from the record at {}\n", port_,
+                       answer.departure);
+        turn.departure = "departs from the record at " + answer.departure;
+        turn.remark = turn.departure.c_str();
+    }
+    if (answer.delayMs > 0) static_cast<void>(DelayAnswer(answer.delayMs));
+    return answer.reply;
+}
+
+// The client of the last exchange shall find its reply, and be told if it goes on.
+void PrinterServer::EndReplay() {
+    constexpr uint32_t kLastReplyMs = 500;
+    if (replayedAll_ || !replay_ || !replay_->IsOver()) return;
+    replayedAll_ = true;
+    ending_ = std::thread([this] {
+        if (WaitUnlessStopped(kLastReplyMs) && shared_.onEnd) shared_.onEnd();
+    });
 }
 
 void PrinterServer::SendReply(Turn& turn) {
@@ -217,7 +249,7 @@ void PrinterServer::SendReply(Turn& turn) {
     }
     const bool asAlways = !turn.fault || turn.fault->action == FaultAction::None;
     if (asAlways && turn.reply.empty()) {
-        turn.remark = "not answered, like the printer that this one is made from";
+        if (turn.departure.empty()) turn.remark = "not answered, as the file says";
         return;
     }
     const bool late = responder_.HasGivenUp(turn.client, GetTickCount64() - turn.receivedTick);
@@ -330,7 +362,7 @@ void PrinterServer::KeepState() {
 void PrinterServer::Fail(const std::string& what) {
     fmt::print(stderr, "kestrel-vprinter: printer {}: {}\n", port_, what);
     failed_ = true;
-    if (shared_.onFailure) shared_.onFailure();
+    if (shared_.onEnd) shared_.onEnd();
 }
 
 }  // namespace vprinter

@@ -18,6 +18,7 @@
 #include "vprinter/faults/fault_script.h"
 #include "vprinter/files/control_file.h"
 #include "vprinter/files/state_file.h"
+#include "vprinter/replay/replay.h"
 #include "vprinter/requests/responder.h"
 #include "vprinter/service/posted_work.h"
 #include "vprinter/trace/trace.h"
@@ -47,12 +48,12 @@ class PrinterServer final {
         Trace& trace;
         StateFile* state;                 // null: nothing is kept
         std::string controlFile;          // empty: nothing changes from outside
-        std::function<void()> onFailure;  // a printer cannot go on; called on its thread
+        std::function<void()> onEnd;      // a printer cannot go on, or its record is over; on its thread
         api::Traffic* traffic = nullptr;  // null: nobody can look on
     };
 
     PrinterServer(std::string port, WideText channelName, DeviceModel model, Origin origin,
-                  std::vector<FaultRule> faults, Shared shared);
+                  std::vector<FaultRule> faults, std::optional<Replay> replay, Shared shared);
     PrinterServer(const PrinterServer&) = delete;
     PrinterServer& operator=(const PrinterServer&) = delete;
     /// Stops first.
@@ -66,6 +67,9 @@ class PrinterServer final {
     void Stop();
 
     [[nodiscard]] bool HasFailed() const { return failed_; }
+    /// Of a printer that has been stopped; null when it does not replay.
+    [[nodiscard]] const Replay* Replayed() const { return replay_ ? &*replay_ : nullptr; }
+    [[nodiscard]] bool HasReplayedAll() const { return replayedAll_; }
 
     /// What the printer does wrong; may be changed while it serves.
     [[nodiscard]] FaultScript& Faults() { return faults_; }
@@ -82,6 +86,8 @@ class PrinterServer final {
     void AnswerRequest(std::string_view request);
     void CarryOut(Turn& turn);
     void CarryOutBadly(Turn& turn, const Fault& fault);
+    [[nodiscard]] std::string_view Answer(Turn& turn, Reach reach);
+    void EndReplay();
     void SendReply(Turn& turn);
     void SendSecondPart(const Turn& turn);
     [[nodiscard]] uint32_t Post(const Turn& turn);
@@ -99,6 +105,7 @@ class PrinterServer final {
     DeviceModel model_;
     Responder responder_;
     FaultScript faults_;
+    std::optional<Replay> replay_;
     Shared shared_;
     ControlFile control_;
     uint64_t savedRevision_;
@@ -108,7 +115,9 @@ class PrinterServer final {
     std::string previousReply_;  // kept while there are rules
     PostedWork work_;
     std::thread thread_;
+    std::thread ending_;  // once a record is over
     std::atomic<bool> failed_ = false;
+    std::atomic<bool> replayedAll_ = false;
     std::atomic<bool> stopping_ = false;
     std::mutex stopLock_;
     std::condition_variable stopSignal_;

@@ -1,0 +1,93 @@
+// Exchanges that the library keeps, and the virtual printer that answers from them.
+#include "installed_printer.h"
+#include "shared/exchange_log.h"
+
+namespace {
+
+class Record : public InstalledPrinter {
+  protected:
+    std::string Path(const char* name) const { return (home_ / name).string(); }
+    ProgramResult Recorded(const char* name, std::vector<std::string> words,
+                           const std::vector<std::string>& options = {}) {
+        std::vector<std::string> all = {"record", Path(name)};
+        all.insert(all.end(), options.begin(), options.end());
+        all.insert(all.end(), {"--", KESTREL_CLIENT, "-p", "P", "--timeout", "300ms"});
+        all.insert(all.end(), words.begin(), words.end());
+        return RunClient(all);
+    }
+    tools::ExchangeLog Log(const char* name) const { return tools::LoadExchangeLog(Path(name)); }
+    int EndPrinter() {
+        printer_.Terminate();
+        return printer_.Wait();
+    }
+};
+
+std::string Told(const tools::LoggedExchange& exchange) {
+    return exchange.request + " " + exchange.reply.value_or("nothing") + " " + std::to_string(exchange.error);
+}
+
+TEST_F(Record, A_thousand_exchanges_are_replayed_without_a_difference) {
+    constexpr int kLists = 13;
+    StartPrinter(R"([{"match":"DeviceSettings.Fax.Rings?","times":2,"responseNumber":1001},
+                     {"match":"DeviceSettings.Copy.Preview?","times":1,"noReply":true},
+                     {"match":"DeviceSettings.Copy.Quality?","times":3,"garbage":"hex:00 FF 3B"}])");
+    for (int i = 0; i < kLists; ++i)
+        Recorded("first.jsonl", {"list"});
+    EXPECT_EQ(0, EndPrinter());
+    StartPrinter("[]", {"--replay", Path("first.jsonl"), "--once"});
+    for (int i = 0; i < kLists; ++i)
+        Recorded("second.jsonl", {"list"});
+    EXPECT_EQ(0, printer_.Wait()) << "ends by itself, without a departure";
+    const tools::ExchangeLog first = Log("first.jsonl");
+    const tools::ExchangeLog second = Log("second.jsonl");
+    EXPECT_LE(1000u, first.exchanges.size());
+    ASSERT_EQ(first.exchanges.size(), second.exchanges.size());
+    size_t differences = 0;
+    for (size_t i = 0; i < first.exchanges.size(); ++i)
+        differences += Told(first.exchanges[i]) != Told(second.exchanges[i]) ? 1 : 0;
+    EXPECT_EQ(0u, differences);
+}
+
+TEST_F(Record, A_client_that_departs_is_told) {
+    StartPrinter();
+    EXPECT_EQ(0, Recorded("r.jsonl", {"get", "fax.redials"}).code);
+    EXPECT_EQ(0, EndPrinter());
+    StartPrinter("[]", {"--replay", Path("r.jsonl"), "--trace", "json", "--trace-file", Path("trace.jsonl")});
+    EXPECT_NE(0, RunClient({"-p", "P", "get", "fax.rings"}).code);
+    EXPECT_EQ("3\n", RunClient({"-p", "P", "get", "fax.redials"}).output);
+    EXPECT_EQ(1, printer_.Wait());
+    printer_ = ChildProcess();
+    EXPECT_NE(std::string::npos,
+              FileText(Path("trace.jsonl")).find("seen \\\"DeviceSettings.Fax.Rings?\\\""));
+}
+
+TEST_F(Record, Secrets_are_left_out_unless_asked_for_and_failures_are_events) {
+    StartPrinter(R"([{"match":"DeviceSettings.Fax.Rings?","noReply":true}])");
+    EXPECT_EQ(0, Recorded("r.jsonl", {"set", "wireless.pass-phrase", "open sesame"}).code);
+    EXPECT_EQ(4, Recorded("r.jsonl", {"get", "fax.rings"}).code) << "the program's own exit code";
+    EXPECT_EQ(0, Recorded("s.jsonl", {"set", "wireless.pass-phrase", "open sesame"}, {"--secrets"}).code);
+    EXPECT_EQ(std::string::npos, FileText(Path("r.jsonl")).find("open sesame"));
+    EXPECT_NE(std::string::npos, FileText(Path("s.jsonl")).find("PassPhrase=open sesame;"));
+    const tools::LoggedExchange last = Log("r.jsonl").exchanges.back();
+    EXPECT_EQ(kNoReply, last.error);
+    EXPECT_FALSE(last.reply);
+    EXPECT_LT(200, last.ms);
+    EXPECT_EQ(2, RunClient({"record", Path("r.jsonl"), "--", "no-such-program"}).code);
+}
+
+TEST_F(Record, Programs_may_share_a_file) {
+    StartPrinter("[]", {"--trace", "json", "--trace-file", Path("trace.jsonl")});
+    std::vector<ChildProcess> programs;
+    for (int i = 0; i < 4; ++i)
+        programs.emplace_back(std::vector<std::string>{KESTREL_CLIENT, "record", Path("r.jsonl"), "--",
+                                                       KESTREL_CLIENT, "-p", "P", "list", "fax"});
+    for (ChildProcess& program : programs)
+        EXPECT_EQ(0, program.Wait());
+    EXPECT_EQ(0, EndPrinter());
+    for (const char* const name : {"r.jsonl", "trace.jsonl"}) {
+        const size_t lines = Log(name).exchanges.size();
+        EXPECT_LT(60u, lines);
+    }
+}
+
+}  // namespace
