@@ -1,4 +1,4 @@
-// Exchanges that the library keeps, and the virtual printer that answers from them.
+// Exchanges that the library keeps, the virtual printer that answers from them, and their page.
 #include "installed_printer.h"
 #include "shared/exchange_log.h"
 
@@ -75,7 +75,7 @@ TEST_F(Record, Secrets_are_left_out_unless_asked_for_and_failures_are_events) {
     EXPECT_EQ(2, RunClient({"record", Path("r.jsonl"), "--", "no-such-program"}).code);
 }
 
-TEST_F(Record, Programs_may_share_a_file) {
+TEST_F(Record, Programs_may_share_a_file_and_its_page_has_all_of_them) {
     StartPrinter("[]", {"--trace", "json", "--trace-file", Path("trace.jsonl")});
     std::vector<ChildProcess> programs;
     for (int i = 0; i < 4; ++i)
@@ -87,7 +87,15 @@ TEST_F(Record, Programs_may_share_a_file) {
     for (const char* const name : {"r.jsonl", "trace.jsonl"}) {
         const size_t lines = Log(name).exchanges.size();
         EXPECT_LT(60u, lines);
+        const std::string page = RunClient({"log", Path(name)}).output;
+        EXPECT_NE(std::string::npos, page.find("\"count\":" + std::to_string(lines) + ",")) << name;
+        size_t rows = 0;
+        for (size_t at = page.find("{\"time\":"); at != std::string::npos;
+             at = page.find("{\"time\":", at + 1))
+            ++rows;
+        EXPECT_EQ(lines, rows) << name;
     }
+    EXPECT_EQ(2, RunClient({"log", Path("faults.json")}).code);
 }
 
 }  // namespace

@@ -80,12 +80,12 @@ void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chose
     app.PassOptionsOn();
     DeclareGlobalOptions(app, options);
 
-    constexpr std::array kCommands = {
-        AddSetup,        AddPrinters, AddStatus,      AddGet,        AddSet,     AddList,
-        AddAddressBook,  AddRaw,      AddMaintenance, AddLock,       AddUnlock,  AddCancel,
-        AddCache,        AddWifi,     AddPing,        AddHosts,      AddClock,   AddFirmware,
-        AddCapabilities, AddIdentity, AddSupplies,    AddDump,       AddRecord,  AddMonitor,
-        AddInstall,      AddRun,      AddVersion,     AddCompletion, AddComplete};
+    constexpr std::array kCommands = {AddSetup,    AddPrinters,    AddStatus,   AddGet,          AddSet,
+                                      AddList,     AddAddressBook, AddRaw,      AddMaintenance,  AddLock,
+                                      AddUnlock,   AddCancel,      AddCache,    AddWifi,         AddPing,
+                                      AddHosts,    AddClock,       AddFirmware, AddCapabilities, AddIdentity,
+                                      AddSupplies, AddDump,        AddRecord,   AddLog,          AddMonitor,
+                                      AddInstall,  AddRun,         AddVersion,  AddCompletion,   AddComplete};
     for (const auto add : kCommands)
         add(app, chosen);
 }

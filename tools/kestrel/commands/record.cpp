@@ -49,7 +49,8 @@ void AddRecord(const tools::Command& app, Chosen& chosen) {
     command.AddOption("COMMAND", options->words, "Program and its arguments, behind --").Required();
     command.AddFlag("--secrets", options->secrets, "Keep security keys and the pass phrase too");
     command.Note(
-        "The exit code is that of the program. `kestrel-vprinter --replay FILE` answers from the file.");
+        "The exit code is that of the program. `kestrel-vprinter --replay FILE` answers from the file, "
+        "and `kestrel log FILE` makes a page of it.");
     command.Note(
         "The environment variable KESTREL_RECORD=FILE does the same for any program that loads the "
         "library, and KESTREL_RECORD_SECRETS=1 keeps secrets.");

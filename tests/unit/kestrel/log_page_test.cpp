@@ -1,0 +1,74 @@
+#include "kestrel/log/page.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "shared/json.h"
+
+namespace cli {
+namespace {
+
+size_t Count(std::string_view text, std::string_view what) {
+    size_t count = 0;
+    for (size_t at = text.find(what); at != std::string_view::npos; at = text.find(what, at + 1))
+        ++count;
+    return count;
+}
+
+tools::Json DataOf(const std::string& page) {
+    constexpr std::string_view kBegin = R"(<script type="application/json" id="log">)";
+    const size_t begin = page.find(kBegin) + kBegin.size();
+    return tools::Json::Parse(page.substr(begin, page.find("</script>", begin) - begin));
+}
+
+TEST(LogPage, Nothing_of_the_file_becomes_markup_and_nothing_is_fetched) {
+    const std::string evil = "</script><script>alert(1)</script><!--";
+    tools::ExchangeLog log;
+    log.exchanges = {{evil, evil, 7, "DeviceSettings.System.Name=" + evil + ";", evil, 1.5, 0, evil}};
+    const std::string page = LogPage(log);
+    EXPECT_EQ(Count(LogPage({}), "<script"), Count(page, "<script"));
+    EXPECT_EQ(Count(LogPage({}), "</script"), Count(page, "</script"));
+    EXPECT_EQ(0u, Count(page, "<!--"));
+    EXPECT_EQ(evil, DataOf(page).At("exchanges").Items().at(0).At("reply").Text());
+    EXPECT_EQ(Count(page, "http://www.w3.org/2000/svg"), Count(page, "://"));
+    for (const std::string_view reference : {"src=", "href=", "@import", "url(", "innerHTML"})
+        EXPECT_EQ(0u, Count(page, reference)) << reference;
+}
+
+TEST(LogPage, Errors_come_in_words_and_the_counts_are_those_of_the_file) {
+    tools::ExchangeLog log;
+    log.isRecord = true;
+    log.exchanges = {
+        {"t", "USB001", 7, "DeviceSettings.Fax.Redials?", "0000,DeviceSettings.Fax.Redials=3;", 1, 0, ""},
+        {"t", "USB001", 7, "ZRGetStatus?", {}, 500, 0xE0000003, ""},
+        {"t", "USB001", 7, "DeviceSettings.Fax.Rings?", "1999,busy;", 1, 170, ""}};
+    const tools::Json data = DataOf(LogPage(log));
+    EXPECT_EQ(3, data.At("count"));
+    EXPECT_EQ(2, data.At("failed"));
+    const auto& exchanges = data.At("exchanges").Items();
+    EXPECT_EQ("no reply came in time [0xE0000003]", exchanges.at(1).At("error").Text());
+    EXPECT_NE(std::string::npos, exchanges.at(2).At("error").Text().find("; 1999: "));
+}
+
+TEST(LogPage, Requests_are_told_in_words) {
+    const std::pair<std::string_view, std::string_view> cases[] = {
+        {"DeviceSettings.Fax.Redials?", "get fax.redials"},
+        {"DeviceSettings.Fax.Redials=5;DeviceSettings.Fax.Rings?", "set fax.redials to 5, get fax.rings"},
+        {R"(DeviceSettings.System.Name=a\;b\\;)", R"(set device.name to a\;b\\)"},
+        {R"(DeviceNetwork.WiFiSettings.TCP_Configuration.Static.IP_Address#4=\x01\x02\x03\?;)",
+         R"(set ip.static.address to \x01\x02\x03\?)"},
+        {"ZRGetStatus?", "get the status"},
+        {"Maintenance=001?", "Maintenance=001"},
+        {"Unknown.Key?", "get Unknown.Key"},
+        {"cut", "cut"},
+        {"#", "set  to "},
+        {"\\", "\\"},
+    };
+    for (const auto& [request, words] : cases)
+        EXPECT_EQ(words, RequestWords(request)) << request;
+}
+
+}  // namespace
+}  // namespace cli
