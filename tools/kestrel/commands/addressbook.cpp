@@ -44,7 +44,7 @@ Report Show(Context& context, const std::string& only) {
     return report;
 }
 
-struct SetOptions {
+struct SetRecordOptions {
     std::string list = "speed-dial";
     uint32_t number = 0;
     AddressEntry entry;
@@ -61,7 +61,7 @@ void WriteRecord(Context& context, const AddressList& list, uint32_t number, con
                                          context.Options().timeoutMs);
 }
 
-Report Set(Context& context, const SetOptions& options) {
+Report SetRecord(Context& context, const SetRecordOptions& options) {
     const AddressList& list = FindAddressList(options.list);
     if (options.number >= list.records) {
         throw ValueFailure(fmt::format("the {} list has no record {}", list.name, options.number),
@@ -131,7 +131,7 @@ std::vector<tools::Explained> AddressTypeWords() {
 
 void DeclareSet(const tools::Command& book, Chosen& chosen) {
     const tools::Command command = book.AddSubcommand("set", "Change one record");
-    const auto options = std::make_shared<SetOptions>();
+    const auto options = std::make_shared<SetRecordOptions>();
     command.AddOption("NUMBER", options->number, "Record, from 0").Required();
     command.AddOption("TYPE", options->entry.type, "What its address is")
         .Required()
@@ -141,7 +141,7 @@ void DeclareSet(const tools::Command& book, Chosen& chosen) {
     AddListOption(command, options->list);
     command.Example("kestrel addressbook set 3 fax \"Head office\" 0301234567");
     command.OnUse([&chosen, options] {
-        chosen = {"addressbook set", [options](Context& context) { return Set(context, *options); }};
+        chosen = {"addressbook set", [options](Context& context) { return SetRecord(context, *options); }};
     });
 }
 

@@ -17,7 +17,7 @@ namespace {
 constexpr std::string_view kMagic = "ZRFW 1 ";
 constexpr size_t kMaxLine = 128;
 
-constexpr uint32_t kBusy = 1999;
+constexpr uint32_t kUpgradeUnderWay = 1999;
 constexpr uint32_t kNoSuchFile = 100113;
 constexpr uint32_t kBadFile = 100114;
 
@@ -63,7 +63,7 @@ std::optional<std::string> ReadBeginning(const std::string& path) {
 }
 
 std::optional<FirmwareUpgrade::Refusal> FirmwareUpgrade::Begin(const std::string& path) {
-    if (IsUnderWay()) return Refusal{kBusy, "An upgrade is under way"};
+    if (IsUnderWay()) return Refusal{kUpgradeUnderWay, "An upgrade is under way"};
     const std::optional<std::string> beginning = ReadBeginning(path);
     if (!beginning) return Refusal{kNoSuchFile, "The firmware file cannot be read"};
     const std::optional<FirmwareVersion> version = ReadFirmwareLine(*beginning);

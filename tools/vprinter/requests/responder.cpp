@@ -16,7 +16,7 @@
 namespace vprinter {
 namespace {
 
-constexpr uint32_t kBusy = 1999;
+constexpr uint32_t kLockedOrBusy = 1999;
 constexpr uint32_t kBadCommand = 3400;
 constexpr uint32_t kBadValue = 3450;
 constexpr uint32_t kNotReached = 100003;
@@ -136,7 +136,7 @@ bool Responder::CarryOut(const Command& command) {
     if (!reachable && word == std::end(kWords)) return Refuse(kBadCommand, "Unknown", command.text);
     if (reachable || word->needsDevice) {
         if (!IsOnline()) return Refuse(kNotReached, "The device does not answer", command.key);
-        if (reach_ == Reach::Busy) return Refuse(kBusy, "The device is busy", command.key);
+        if (reach_ == Reach::Busy) return Refuse(kLockedOrBusy, "The device is busy", command.key);
     }
     const bool isAction = reachable ? command.kind != CommandKind::Query : word->needsDevice;
     if (isAction && IsLockedByAnother()) return RefuseAsLocked();
@@ -216,7 +216,7 @@ bool Responder::Unlock(const WordRow& row, const Command& command) {
 }
 
 bool Responder::RefuseAsLocked() {
-    return Refuse(kBusy, "Locked by process", std::to_string(lockHolder_));
+    return Refuse(kLockedOrBusy, "Locked by process", std::to_string(lockHolder_));
 }
 
 bool Responder::IsLockedByAnother() {
