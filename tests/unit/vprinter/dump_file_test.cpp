@@ -77,8 +77,13 @@ TEST_F(DumpedPrinter, What_was_refused_or_unanswered_is_so_again_until_it_is_set
         Ask("DeviceNetwork.Network.GetMDNSHostList?"));
     EXPECT_EQ("0000,DeviceSettings.System.Configuration.isGCPConfigured=YES;",
               Ask("DeviceSettings.System.Configuration?"));
+    EXPECT_TRUE(responder_.Answer("DeviceSettings.Fax.Rings?", 1, Reach::NotReached).starts_with("100003,"));
+    static_cast<void>(responder_.AnswerInVain("DeviceSettings.Fax.Rings=5;", 1));
+    EXPECT_EQ("1001,no\x01;", Ask("DeviceSettings.Fax.Rings?"));
     Ask("DeviceSettings.Fax.Rings=5;");
     EXPECT_EQ("0000,DeviceSettings.Fax.Rings=5;", Ask("DeviceSettings.Fax.Rings?"));
+    responder_.Restart();
+    EXPECT_EQ("1001,no\x01;", Ask("DeviceSettings.Fax.Rings?"));
 }
 
 TEST_F(DumpedPrinter, A_state_goes_when_its_reason_goes) {
@@ -87,6 +92,18 @@ TEST_F(DumpedPrinter, A_state_goes_when_its_reason_goes) {
     EXPECT_EQ(PrinterState::InkOut, StateOf(model_, false));
     model_.Change("ink.black", "50");
     EXPECT_EQ(PrinterState::Ready, StateOf(model_, false));
+}
+
+TEST_F(DumpedPrinter, A_search_finds_a_hidden_network_with_the_data_that_it_had) {
+    Become(
+        R"("settings":{"wireless.radio":true},"accessPoints":[{"ssid":"","macAddress":"02:4B:53:00:00:77",)"
+        R"("signalStrength":61,"beaconInterval":100,"capabilities":17,"channel":6,"encryption":3}])");
+    NetworkActivity& network = responder_.Device().Network();
+    network.Search();
+    tickMs_ += 60'000;
+    ASSERT_EQ(1U, network.AccessPoints().size());
+    EXPECT_EQ("", network.AccessPoints()[0].name);
+    EXPECT_EQ(61, network.AccessPoints()[0].signalStrength);
 }
 
 }  // namespace

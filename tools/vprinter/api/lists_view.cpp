@@ -5,36 +5,26 @@
 #include <charconv>
 #include <iterator>
 
+#include "opl/readable_text.h"
 #include "opl/vocabulary.h"
 #include "vprinter/api/refusal.h"
 #include "vprinter/api/views.h"
+#include "vprinter/device/address_book.h"
 #include "vprinter/files/byte_text.h"
 
 namespace vprinter::api {
 namespace {
 
-struct List {
-    std::string_view name;
-    opl::RecordList list;
-};
-constexpr List kLists[] = {{"speed-dial", opl::RecordList::SpeedDial},
-                           {"one-touch", opl::RecordList::OneTouch}};
-
-struct TypeWord {
-    std::string_view word;    // of `kestrel --json`
-    std::string_view device;  // of the printer
-};
-constexpr TypeWord kTypes[] = {{"none", "(null)"}, {"fax", "Fax"}, {"email", "Email"}};
-
-Setting* FieldOf(DeviceModel& model, const List& list, size_t number, opl::RecordField field) {
-    return model.Find(
-        fmt::format("{}[{}]{}", opl::RecordListText(list.list), number, opl::RecordFieldText(field)));
+Setting* RecordSetting(DeviceModel& model, const AddressList& list, size_t number, opl::RecordField field) {
+    return model.Find(RecordKey(list, number, field));
 }
 
-tools::Json RecordView(DeviceModel& model, const List& list, size_t number) {
-    const auto text = [&](opl::RecordField field) { return FieldOf(model, list, number, field)->value; };
+tools::Json RecordView(DeviceModel& model, const AddressList& list, size_t number) {
+    const auto text = [&](opl::RecordField field) {
+        return RecordSetting(model, list, number, field)->value;
+    };
     const auto* const type =
-        std::ranges::find(kTypes, text(opl::RecordField::AddressType), &TypeWord::device);
+        std::ranges::find(kAddressTypes, text(opl::RecordField::AddressType), &AddressType::device);
     return {{"number", number},
             {"type", type->word},
             {"name", ToUtf8(text(opl::RecordField::Name))},
@@ -47,8 +37,10 @@ bool IsInUse(const tools::Json& record) {
 
 std::string AddressText(std::string_view address) {
     std::string text;
-    for (const char part : address)
-        text += fmt::format("{}{:02X}", text.empty() ? "" : ":", static_cast<uint8_t>(part));
+    for (const char part : address) {
+        if (!text.empty()) text += ':';
+        opl::AppendHexByte(text, part);
+    }
     return text;
 }
 
@@ -56,10 +48,9 @@ std::string AddressText(std::string_view address) {
 
 tools::Json AddressBook(const PrinterParts& printer, const Call&) {
     tools::Json book = tools::Json::EmptyObject();
-    for (const List& list : kLists) {
+    for (const AddressList& list : kAddressLists) {
         tools::Json& records = book[list.name] = tools::Json::EmptyArray();
-        for (size_t number = 0; FieldOf(printer.model, list, number, opl::RecordField::Name) != nullptr;
-             ++number) {
+        for (size_t number = 0; number < list.records; ++number) {
             tools::Json record = RecordView(printer.model, list, number);
             if (IsInUse(record)) records.Append(std::move(record));
         }
@@ -68,16 +59,20 @@ tools::Json AddressBook(const PrinterParts& printer, const Call&) {
 }
 
 tools::Json ChangeRecord(const PrinterParts& printer, const Call& call) {
-    const auto* const list = std::ranges::find(kLists, call.arguments[0], &List::name);
+    const auto* const list = std::ranges::find(kAddressLists, call.arguments[0], &AddressList::name);
     const std::string& digits = call.arguments[1];
     size_t number = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
     const bool isNumber = error == std::errc() && end == digits.data() + digits.size();
-    const auto field = [&](opl::RecordField which) { return FieldOf(printer.model, *list, number, which); };
-    if (list == std::end(kLists) || !isNumber || field(opl::RecordField::Name) == nullptr)
+    const auto field = [&](opl::RecordField which) {
+        return RecordSetting(printer.model, *list, number, which);
+    };
+    if (list == std::end(kAddressLists) || !isNumber || field(opl::RecordField::Name) == nullptr)
         throw Refusal(404, "there is no such record", "speed-dial has records 0 to 59, one-touch 0 to 4");
-    const auto* const type = std::ranges::find(kTypes, call.body.At("type").Text(), &TypeWord::word);
-    if (type == std::end(kTypes)) throw Refusal(422, "there is no such type", "send none, fax or email");
+    const auto* const type =
+        std::ranges::find(kAddressTypes, call.body.At("type").Text(), &AddressType::word);
+    if (type == std::end(kAddressTypes))
+        throw Refusal(422, "there is no such type", "send none, fax or email");
 
     // All of it is judged before any of it is set.
     struct Change {

@@ -6,6 +6,7 @@
 #include "catalogue/rows.h"
 #include "opl/message_text.h"
 #include "opl/opl_parser.h"
+#include "opl/readable_text.h"
 #include "opl/vocabulary.h"
 #include "shared/time_text.h"
 #include "vprinter/api/traffic.h"
@@ -24,7 +25,7 @@ constexpr size_t kShownValue = 200;
 std::string HexText(std::string_view bytes) {
     std::string text;
     for (const char byte : bytes)
-        text += fmt::format("{:02X}", static_cast<uint8_t>(byte));
+        opl::AppendHexByte(text, byte);
     return text;
 }
 

@@ -6,16 +6,8 @@
 #include <deque>
 #include <string>
 
-#include "catalogue/value_tables.h"
-
 namespace vprinter {
 namespace {
-
-struct List {
-    opl::RecordList list;
-    int records;
-};
-constexpr List kLists[] = {{opl::RecordList::SpeedDial, 60}, {opl::RecordList::OneTouch, 5}};
 
 struct EntryField {
     opl::RecordField field;
@@ -31,20 +23,18 @@ constexpr EntryField kEntryFields[] = {
 
 std::vector<SettingSpec> MakeRecords(std::deque<std::string>& keys) {
     std::vector<SettingSpec> specs;
-    for (const List& list : kLists) {
-        for (int index = 0; index < list.records; ++index) {
+    for (const AddressList& list : kAddressLists) {
+        for (size_t number = 0; number < list.records; ++number) {
             for (const EntryField& field : kEntryFields) {
                 SettingSpec spec;
-                spec.key = keys.emplace_back(fmt::format("{}[{}]{}", opl::RecordListText(list.list), index,
-                                                         opl::RecordFieldText(field.field)));
+                spec.key = keys.emplace_back(RecordKey(list, number, field.field));
                 spec.kind = field.kind;
                 spec.writable = true;
                 spec.initial = field.initial;
                 spec.maxLength = field.maxLength;
                 if (field.kind == ValueKind::Word) {
-                    for (const catalogue::EnumEntry* word = catalogue::kAddressType; word->name != nullptr;
-                         ++word)
-                        spec.words.push_back(word->name);
+                    for (const AddressType& type : kAddressTypes)
+                        spec.words.push_back(type.device);
                 }
                 specs.push_back(std::move(spec));
             }
@@ -54,6 +44,10 @@ std::vector<SettingSpec> MakeRecords(std::deque<std::string>& keys) {
 }
 
 }  // namespace
+
+std::string RecordKey(const AddressList& list, size_t number, opl::RecordField field) {
+    return fmt::format("{}[{}]{}", opl::RecordListText(list.list), number, opl::RecordFieldText(field));
+}
 
 void AppendAddressBook(std::vector<SettingSpec>& specs) {
     static std::deque<std::string> keys;  // outlives every model

@@ -11,11 +11,12 @@
 #include <vector>
 
 #include "catalogue/rows.h"
-#include "catalogue/value_tables.h"
 #include "opl/readable_text.h"
 #include "shared/file.h"
+#include "shared/json_lines.h"
 #include "shared/text.h"
 #include "shared/user_error.h"
+#include "vprinter/device/address_book.h"
 #include "vprinter/device/condition.h"
 #include "vprinter/device/status_block.h"
 #include "vprinter/files/dump_reader.h"
@@ -28,15 +29,6 @@ constexpr int kDumpVersion = 1;
 constexpr uintmax_t kMostBytes = 1 << 20;  // a dump has some tens of thousands
 constexpr size_t kMostAccessPoints = 30;
 constexpr size_t kMostHosts = 10;
-
-struct AddressListRow {
-    std::string_view name;
-    opl::RecordList list;
-};
-constexpr AddressListRow kAddressLists[] = {{"speed-dial", opl::RecordList::SpeedDial},
-                                            {"one-touch", opl::RecordList::OneTouch}};
-// By their number in the catalogue's table.
-constexpr std::string_view kAddressTypes[] = {"none", "fax", "email"};
 
 constexpr std::string_view kQuery = "?";
 
@@ -250,20 +242,17 @@ void Reader::ReadClock() {
 
 void Reader::ReadAddressBook() {
     Part("addressBook", [&](const tools::Json& book) {
-        for (const AddressListRow& row : kAddressLists) {
-            Member(book, row.name, [&](const tools::Json& list) {
-                for (const tools::Json& entry : list.Items()) {
-                    const auto key = [&](opl::RecordField field) {
-                        return fmt::format("{}[{}]{}", opl::RecordListText(row.list),
-                                           entry.At("number").Dump(), opl::RecordFieldText(field));
-                    };
+        for (const AddressList& list : kAddressLists) {
+            Member(book, list.name, [&](const tools::Json& entries) {
+                for (const tools::Json& entry : entries.Items()) {
                     const Place place(*this, entry.At("number").Dump());
-                    if (model_.Find(key(opl::RecordField::Name)) == nullptr)
-                        Complain("there is no such record");
-                    const auto type = std::ranges::find(kAddressTypes, entry.At("type").Text());
+                    const uint64_t number = entry.At("number").Unsigned();
+                    if (number >= list.records) Complain("there is no such record");
+                    const auto key = [&](opl::RecordField field) { return RecordKey(list, number, field); };
+                    const auto* const type =
+                        std::ranges::find(kAddressTypes, entry.At("type").Text(), &AddressType::word);
                     if (type == std::end(kAddressTypes)) Complain("expected the type none, fax or email");
-                    Set(key(opl::RecordField::AddressType),
-                        catalogue::kAddressType[type - std::begin(kAddressTypes)].name);
+                    Set(key(opl::RecordField::AddressType), type->device);
                     Set(key(opl::RecordField::Name), Text(entry.At("name")));
                     Set(key(opl::RecordField::Address), Text(entry.At("address")));
                 }
@@ -368,8 +357,8 @@ DumpFile DumpFile::Parse(std::string_view text, const std::string& name) {
         }
         return {std::move(document), name};
     } catch (const tools::JsonError& error) {
-        const auto line = 1 + std::ranges::count(text.substr(0, error.Byte()), '\n');
-        const std::string where = error.Byte() != 0 ? fmt::format("{}:{}", name, line) : name;
+        const std::string where =
+            error.Byte() != 0 ? fmt::format("{}:{}", name, tools::LineOfByte(text, error.Byte())) : name;
         RefuseAsForeign(where, error.what());
     }
 }
