@@ -66,6 +66,7 @@ install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" binutils python3
 CMAKE_EXTRA=(-DKESTREL_TESTS=ON -DKESTREL_BENCH=OFF)
 build_preset native
 if [ $form = all ]; then
+    install_packages "${SLOW_TEST_PACKAGES[@]}"
     run_suites native native -j2 -LE builds
 else
     run_suites native native -j2 -LE slow

@@ -7,9 +7,9 @@ constexpr uint32_t kTimeoutMs = 5000;
 
 /// Server side: installs the printer, then turns into the virtual printer.
 void ServeVirtualPrinter(const Place& place);
-/// Server side: installs the printer alone; the counterpart is the caller.
-/// On a port of its own beside the other one, with a panel that nobody looks at.
+/// The same on a port of its own beside the other one, with a panel that nobody looks at.
 void ServeVirtualPrinterWithPanel(const Place& place);
+/// Server side: installs the printer alone; the counterpart is the caller.
 void InstallPrinter(const Place& place);
 /// Client side; throws unless the printer can be selected.
 void SelectInstalledPrinter(const Place& place);
