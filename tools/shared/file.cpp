@@ -16,7 +16,7 @@ std::optional<std::string> ReadFile(const std::filesystem::path& path) {
     return text;
 }
 
-bool ReplaceFile(const std::filesystem::path& path, std::string_view text) {
+bool RewriteFile(const std::filesystem::path& path, std::string_view text) {
     namespace fs = std::filesystem;
     fs::path temporary = path;
     temporary += ".new";

@@ -13,6 +13,6 @@ namespace tools {
 
 /// Writes the file beside the old one and puts it in its place, readable for its owner only: what a printer
 /// keeps is nobody else's business. False when that fails; the old one is there then.
-[[nodiscard]] bool ReplaceFile(const std::filesystem::path& path, std::string_view text);
+[[nodiscard]] bool RewriteFile(const std::filesystem::path& path, std::string_view text);
 
 }  // namespace tools

@@ -25,7 +25,7 @@ Report Dump(Context& context, const DumpOptions& options) {
         report.text = text;
         report.data["dump"] = dump.document;
     } else {
-        if (!tools::ReplaceFile(options.file, text)) {
+        if (!tools::RewriteFile(options.file, text)) {
             throw ValueFailure(fmt::format("the file {} cannot be written", options.file),
                                "check the folder and the free space");
         }

@@ -22,7 +22,7 @@ Report Record(const RecordOptions& options) {
     const std::string path = std::filesystem::absolute(options.file).string();
     std::error_code error;
     const bool isThere = std::filesystem::exists(path, error);
-    if (isThere ? !tools::LineFile(stderr).Open(path) : !tools::ReplaceFile(path, {})) {
+    if (isThere ? !tools::LineFile(stderr).Open(path) : !tools::RewriteFile(path, {})) {
         throw ValueFailure(fmt::format("the file {} cannot be written", path),
                            "check the folder and the free space");
     }
