@@ -29,6 +29,8 @@ class PostedWork final {
 
   private:
     struct Job {
+        explicit Job(const Work& posted) : work(posted) {}
+
         const Work& work;  // of the thread that waits
         std::atomic<bool> claimed = false;
         std::promise<bool> done;

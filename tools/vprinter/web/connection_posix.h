@@ -10,9 +10,9 @@ namespace vprinter::web {
 /// Reads and writes a connected socket, which it does not close.
 class Connection final {
   public:
-    static constexpr size_t kMostReceived = 96 * 1024;         // head and body of the one request
-    static constexpr std::chrono::seconds kLongestRequest{5};  // from the first byte to the last
-    static constexpr std::chrono::seconds kLongestWrite{5};    // of each piece of the answer
+    static constexpr size_t kMostReceived = size_t{96} * 1024;  // head and body of the one request
+    static constexpr std::chrono::seconds kLongestRequest{5};   // from the first byte to the last
+    static constexpr std::chrono::seconds kLongestWrite{5};     // of each piece of the answer
 
     explicit Connection(int socket) : socket_(socket) {}
 

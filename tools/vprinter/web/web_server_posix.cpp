@@ -19,7 +19,7 @@ namespace vprinter::web {
 namespace {
 
 constexpr size_t kMostConnections = 24;
-constexpr size_t kLargestBody = 64 * 1024;
+constexpr size_t kLargestBody = size_t{64} * 1024;
 constexpr std::chrono::milliseconds kBetweenEvents{100};
 constexpr std::chrono::milliseconds kLongestSilence{1000};
 constexpr std::chrono::milliseconds kPauseAfterWrongToken{300};
