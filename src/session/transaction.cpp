@@ -114,8 +114,10 @@ uint32_t KestrelSDK::TransactOnRecord(const void* request, uint32_t requestLengt
                                       uint32_t& received, uint32_t timeoutMs) {
     const ExchangeRecord record;
     uint32_t error = Exchange(request, requestLength, reply, received, timeoutMs);
-    if (error != NO_ERROR) received = 0;
-    if (error == NO_ERROR) error = Judge({reply, received});
+    if (error == NO_ERROR)
+        error = Judge({reply, received});
+    else
+        received = 0;
     record.Keep(oplChannel.GetName(), {.request = {static_cast<const char*>(request), requestLength},
                                        .reply = {reply, received},
                                        .timeoutMs = timeoutMs,

@@ -1,9 +1,7 @@
 """A virtual printer with a panel, in its own process and a home of its own. BIN: the folder of the programs."""
 import http.client
 import json
-import os
 import pathlib
-import signal
 import subprocess
 import sys
 import time
@@ -11,7 +9,8 @@ import time
 import pytest
 
 sys.dont_write_bytecode = True
-BIN = pathlib.Path(os.environ["BIN"])
+sys.path.append(str(pathlib.Path(__file__).parents[1] / "support"))
+from installed_home import BIN, bounded, home  # noqa: F401, E402
 LONGEST = 10  # seconds that anything takes to happen on a busy machine
 
 
@@ -65,28 +64,6 @@ def until(holds):
         time.sleep(0.02)
     assert found
     return found
-
-
-@pytest.fixture(autouse=True)
-def bounded():
-    def give_up(*_):
-        raise AssertionError("a test has taken three minutes")
-
-    signal.signal(signal.SIGALRM, give_up)
-    signal.alarm(180)
-    yield
-    signal.alarm(0)
-
-
-@pytest.fixture(scope="session")
-def home(tmp_path_factory):
-    folder = tmp_path_factory.mktemp("home")
-    folder.chmod(0o700)
-    os.environ["WINPORT_HOME"] = str(folder)
-    kestrel("setup")
-    kestrel("printers", "add", "Office", "--port", "USB001")
-    yield folder
-    subprocess.run([BIN / "ZRIJ9900MUI.exe", "--stop"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
 @pytest.fixture

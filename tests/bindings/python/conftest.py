@@ -1,14 +1,15 @@
 """A virtual printer in its own process, with a home of its own. BIN: the folder of the programs."""
 import json
-import os
 import pathlib
-import signal
 import subprocess
+import sys
 import time
 
 import pytest
 
-BIN = pathlib.Path(os.environ["BIN"])
+sys.dont_write_bytecode = True
+sys.path.append(str(pathlib.Path(__file__).parents[2] / "support"))
+from installed_home import BIN, bounded, home  # noqa: F401, E402
 
 
 class VirtualPrinter:
@@ -46,30 +47,6 @@ class VirtualPrinter:
                 return count
             time.sleep(0.1)
         return 0
-
-
-def give_up(*_):
-    raise AssertionError("a test has taken a minute")
-
-
-@pytest.fixture(autouse=True)
-def bounded():
-    signal.signal(signal.SIGALRM, give_up)
-    signal.alarm(60)
-    yield
-    signal.alarm(0)
-
-
-@pytest.fixture(scope="session")
-def home(tmp_path_factory):
-    folder = tmp_path_factory.mktemp("home")
-    folder.chmod(0o700)
-    os.environ["WINPORT_HOME"] = str(folder)
-    subprocess.run([BIN / "kestrel", "setup"], check=True, stdout=subprocess.DEVNULL)
-    subprocess.run([BIN / "kestrel", "printers", "add", "Office", "--port", "USB001"], check=True,
-                   stdout=subprocess.DEVNULL)
-    yield folder
-    subprocess.run([BIN / "ZRIJ9900MUI.exe", "--stop"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
 @pytest.fixture

@@ -108,7 +108,7 @@ std::string RandomText() {
     return text;
 }
 
-// Nothing from elsewhere, nothing inline, in no frame; an answer is for the panel's own pages and for now.
+// Nothing from elsewhere, nothing inline, in no frame; answers are the panel's alone, and nobody keeps them.
 httplib::Headers Headers() {
     return {{"Content-Security-Policy",
              "default-src 'none'; script-src 'self'; style-src 'self'; connect-src 'self'; img-src 'self'; "

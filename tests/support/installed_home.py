@@ -1,0 +1,34 @@
+"""What the Python suites have in common: a home in which the printer Office is installed, and an end to every test. BIN:
+the folder of the programs."""
+import os
+import pathlib
+import signal
+import subprocess
+
+import pytest
+
+BIN = pathlib.Path(os.environ["BIN"])
+LONGEST_TEST = 180  # seconds
+
+
+def give_up(*_):
+    raise AssertionError("a test has taken three minutes")
+
+
+@pytest.fixture(autouse=True)
+def bounded():
+    signal.signal(signal.SIGALRM, give_up)
+    signal.alarm(LONGEST_TEST)
+    yield
+    signal.alarm(0)
+
+
+@pytest.fixture(scope="session")
+def home(tmp_path_factory):
+    folder = tmp_path_factory.mktemp("home")
+    folder.chmod(0o700)
+    os.environ["WINPORT_HOME"] = str(folder)
+    for words in (["setup"], ["printers", "add", "Office", "--port", "USB001"]):
+        subprocess.run([BIN / "kestrel", *words], check=True, stdout=subprocess.DEVNULL)
+    yield folder
+    subprocess.run([BIN / "ZRIJ9900MUI.exe", "--stop"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
