@@ -15,7 +15,8 @@ class LineFile final {
     /// Lines go to one of the program's own streams, until a file is opened.
     explicit LineFile(std::FILE* stream) : stream_(stream) {}
 
-    /// Goes on at the end of a file instead; false when it cannot be opened.
+    /// Goes on at the end of a file instead; false when it cannot be opened. Any number of programs may open
+    /// the same new file at the same time. A new file is its owner's alone.
     [[nodiscard]] bool Open(const std::string& path);
     /// Goes on in an open file, which it closes in the end.
     void Take(std::FILE* file) { file_.reset(file); }

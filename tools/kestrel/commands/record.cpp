@@ -5,7 +5,6 @@
 
 #include "kestrel/commands/commands.h"
 #include "kestrel/platform.h"
-#include "shared/file.h"
 #include "shared/line_file.h"
 
 namespace cli {
@@ -17,12 +16,10 @@ struct RecordOptions {
     bool secrets = false;
 };
 
-// The library in that program writes, and cannot say that it could not. A new file is its owner's alone.
+// The library in that program writes, and cannot say that it could not.
 Report Record(const RecordOptions& options) {
     const std::string path = std::filesystem::absolute(options.file).string();
-    std::error_code error;
-    const bool isThere = std::filesystem::exists(path, error);
-    if (isThere ? !tools::LineFile(stderr).Open(path) : !tools::RewriteFile(path, {})) {
+    if (!tools::LineFile(stderr).Open(path)) {
         throw ValueFailure(fmt::format("the file {} cannot be written", path),
                            "check the folder and the free space");
     }
