@@ -12,10 +12,17 @@ namespace cli {
 namespace {
 
 void DeclareGlobalOptions(const tools::Command& app, GlobalOptions& options) {
-    app.AddOption("-p,--printer", options.printer, "Installed printer; none: the product's own")
+    app.AddOption("-p,--printer", options.printers.written,
+                  "Installed printer, or a pattern with * and ?; repeat it for several printers; none: the "
+                  "product's own")
+        .OneEachTime()
         .Environment("KESTREL_PRINTER")
         .TypeName("PRINTER")
         .Offers(OfferPrinters);
+    app.AddFlag("--all", options.printers.all, "Every installed printer of the product");
+    app.AddOption("-j,--jobs", options.jobs, "Printers that are asked at a time")
+        .ShowsDefault()
+        .Between(1, 1000);
     app.AddOption("--product", options.product, "Prefix of the product's file names")
         .ShowsDefault()
         .TypeName("PREFIX");
@@ -56,8 +63,8 @@ const Library& Context::GetLibrary() {
 
 const Printer& Context::GetPrinter() {
     if (!printer_) {
-        printer_ =
-            std::make_unique<Printer>(GetLibrary(), options_.product, options_.printer, options_.timeoutMs);
+        printer_ = std::make_unique<Printer>(GetLibrary(), options_.product, options_.printers.One(),
+                                             options_.timeoutMs);
     }
     return *printer_;
 }
@@ -68,6 +75,7 @@ void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chose
     app.Example("kestrel printers add Office --port USB001", "install a printer");
     app.Example("kestrel -p Office get fax.redials", "print a setting");
     app.Example("kestrel -p Office list 'fax.*' --json", "some settings, for a script");
+    app.Example("kestrel --all apply wanted.txt --dry-run", "what would be changed, at all printers");
     app.Variable("KESTREL_RECORD", "file to which the library appends every exchange, of this program too");
     app.Variable("KESTREL_RECORD_SECRETS", "1: with security keys and the pass phrase");
     app.Variable("NO_COLOR", "no colours, also on a terminal");
@@ -80,12 +88,12 @@ void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chose
     app.PassOptionsOn();
     DeclareGlobalOptions(app, options);
 
-    constexpr std::array kCommands = {AddSetup,    AddPrinters,    AddStatus,   AddGet,          AddSet,
-                                      AddList,     AddAddressBook, AddRaw,      AddMaintenance,  AddLock,
-                                      AddUnlock,   AddCancel,      AddCache,    AddWifi,         AddPing,
-                                      AddHosts,    AddClock,       AddFirmware, AddCapabilities, AddIdentity,
-                                      AddSupplies, AddDump,        AddRecord,   AddLog,          AddMonitor,
-                                      AddInstall,  AddRun,         AddVersion,  AddCompletion,   AddComplete};
+    constexpr std::array kCommands = {
+        AddSetup, AddPrinters,    AddStatus,     AddGet,      AddSet,          AddList,     AddAddressBook,
+        AddRaw,   AddMaintenance, AddLock,       AddUnlock,   AddCancel,       AddCache,    AddWifi,
+        AddPing,  AddHosts,       AddClock,      AddFirmware, AddCapabilities, AddIdentity, AddSupplies,
+        AddApply, AddDiff,        AddDump,       AddRecord,   AddLog,          AddMonitor,  AddInstall,
+        AddRun,   AddVersion,     AddCompletion, AddComplete};
     for (const auto add : kCommands)
         add(app, chosen);
 }

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "kestrel/fleet/choice.h"
 #include "kestrel/output/output.h"
 #include "kestrel/printer/library.h"
 #include "kestrel/printer/printer.h"
@@ -16,11 +17,13 @@ namespace cli {
 
 // Options that stand before or after any command.
 struct GlobalOptions final {
-    std::string printer;  // empty: the library picks the product's printer
+    PrinterChoice printers;  // none: the library picks the product's printer
+    uint32_t jobs = 16;      // printers that are asked at a time
     std::string product = KESTREL_PRODUCT;
     uint32_t timeoutMs = 5000;
     bool json = false;
     bool noColour = false;
+    bool isOneOfSeveral = false;  // how far the work is, is shown for all of them
 };
 
 // What a command works with. The library is loaded and the printer selected when first asked for,
@@ -32,6 +35,8 @@ class Context final {
     [[nodiscard]] const GlobalOptions& Options() const { return options_; }
     [[nodiscard]] const Library& GetLibrary();
     [[nodiscard]] const Printer& GetPrinter();
+    // Whether people want to see how far something is.
+    [[nodiscard]] bool ShowsProgress() const { return !options_.json && !options_.isOneOfSeveral; }
     [[nodiscard]] Paint ResultPaint() const { return PaintForResults(options_.noColour || options_.json); }
 
   private:
@@ -40,10 +45,18 @@ class Context final {
     std::unique_ptr<Printer> printer_;
 };
 
-// The command that the arguments chose; its work runs after the whole line has been read.
+// How many printers a command can be used for at once.
+enum class Reach { OnePrinter, Several };
+
+// The command that the arguments chose; its work runs after the whole line has been read, of a command for
+// several printers once for each, on threads of their own.
 struct Chosen final {
     std::string name;
     std::function<Report(Context&)> work;
+    Reach reach = Reach::OnePrinter;
+    // Called once, before any printer is asked: what has to be read for all of them. Gives the printers that
+    // the command itself means when the line names none.
+    std::function<PrinterChoice()> prepare = {};
 };
 
 // An option whose value is a time: 500ms, 5s, 2m.

@@ -16,6 +16,7 @@ enum class ExitCode : int {
     ValueRefused = 6,   // the value cannot be taken, or was not kept
     BadReply = 7,       // a reply came and was not understood
     CaseFailed = 8,     // a case of a test file did not end as expected
+    Differs = 9,        // what was compared differs, or would be changed
     OwnFault = 70,      // the installation is incomplete: library, configuration, spooler
     Interrupted = 130,  // ended by the user
 };
@@ -24,7 +25,7 @@ struct ExitCodeText final {
     ExitCode code;
     const char* meaning;
 };
-inline constexpr std::array<ExitCodeText, 11> kExitCodes = {{
+inline constexpr std::array<ExitCodeText, 12> kExitCodes = {{
     {ExitCode::Done, "done"},
     {ExitCode::DeviceRefused, "the device said no"},
     {ExitCode::Usage, "wrong usage: unknown command, option or key; nothing was sent"},
@@ -34,6 +35,7 @@ inline constexpr std::array<ExitCodeText, 11> kExitCodes = {{
     {ExitCode::ValueRefused, "value refused before it was sent, or not kept by the printer"},
     {ExitCode::BadReply, "reply not understood"},
     {ExitCode::CaseFailed, "a test case failed"},
+    {ExitCode::Differs, "there are differences, or a dry run would change something"},
     {ExitCode::OwnFault, "the installation is incomplete: library, product configuration, spooler"},
     {ExitCode::Interrupted, "interrupted"},
 }};

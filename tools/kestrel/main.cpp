@@ -1,10 +1,15 @@
 // kestrel: the command-line client of the device-management library.
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <exception>
 #include <string>
 #include <vector>
 
 #include "kestrel/command_line.h"
+#include "kestrel/fleet/each_printer.h"
+#include "kestrel/fleet/fleet_progress.h"
+#include "kestrel/installation/product_configuration.h"
 #include "kestrel/platform.h"
 #include "shared/process.h"
 
@@ -24,6 +29,12 @@ void PrepareForInterrupt(const GlobalOptions& options, const std::string& comman
     const std::string message =
         options.json ? std::string() : "\n" + FailureText(*report.failure, Paint(false));
     platform::EndOnInterrupt(document, message, static_cast<int>(ExitCode::Interrupted));
+}
+
+// Unloading the library closes its channel, and a client's close withdraws whatever request stands there
+// unread, also that of another program. That is wanted only for a request of our own that was given up.
+bool GaveUp(const Report& report) {
+    return report.gaveUp || (report.failure && report.failure->exit == ExitCode::NoAnswer);
 }
 
 Report RunGuarded(const Chosen& chosen, Context& context) {
@@ -49,6 +60,56 @@ int ReportFailure(const Failure& failure, bool json, bool noColour) {
     return Print("", report, json, noColour);
 }
 
+// The printers that the line means, and whether it means several; of one that names none, what the command
+// says of them.
+struct Meant final {
+    std::vector<std::string> printers;
+    bool isSeveral = false;
+};
+Meant PrintersMeant(const Chosen& chosen, const GlobalOptions& options) {
+    const PrinterChoice own = chosen.prepare ? chosen.prepare() : PrinterChoice();
+    const bool namesNone = options.printers.written.empty() && !options.printers.all;
+    const PrinterChoice& choice = namesNone ? own : options.printers;
+    if (!choice.IsSeveral()) return {choice.written, false};
+    if (chosen.reach != Reach::Several) {
+        throw UsageFailure(fmt::format("`kestrel {}` is for one printer", chosen.name),
+                           "name one with --printer, without --all and patterns");
+    }
+    return {ChosenPrinters(choice, {InstalledPrinters(), ConfiguredDrivers(options.product)}), true};
+}
+
+int RunForSeveral(const Chosen& chosen, const GlobalOptions& options,
+                  const std::vector<std::string>& printers) {
+    const Library library(options.product);  // stays as long as the threads, whose selections it keeps
+    EachPrinter each;
+    std::vector<PrinterReport> reports;
+    {
+        FleetProgress progress(printers.size(), !options.json);
+        reports = each.Do(
+            printers, options.jobs,
+            [&](const std::string& printer) {
+                GlobalOptions own = options;
+                own.printers = {{printer}, false};
+                own.isOneOfSeveral = true;
+                Context context(own);
+                return RunGuarded(chosen, context);
+            },
+            [&progress](size_t done, const std::string& printer) { progress.Show(done, printer); });
+    }
+    const int exitStatus = Print(chosen.name, reports, options.json, options.noColour);
+    if (std::ranges::none_of(reports, [](const PrinterReport& printer) { return GaveUp(printer.report); }))
+        platform::EndWithoutUnloading(exitStatus);
+    return exitStatus;
+}
+
+int RunForOne(const Chosen& chosen, const GlobalOptions& options) {
+    Context context(options);
+    const Report report = RunGuarded(chosen, context);
+    const int exitStatus = Print(chosen.name, report, options.json, options.noColour);
+    if (!GaveUp(report)) platform::EndWithoutUnloading(exitStatus);
+    return exitStatus;
+}
+
 int Run(int argc, char** argv) {
     platform::KeepLineEnds();
     tools::CommandLine line("", "kestrel");
@@ -72,14 +133,15 @@ int Run(int argc, char** argv) {
                              options.noColour);
 
     PrepareForInterrupt(options, chosen.name);
-    Context context(options);
-    const Report report = RunGuarded(chosen, context);
-    const int exitStatus = Print(chosen.name, report, options.json, options.noColour);
-    // Unloading the library closes its channel, and a client's close withdraws whatever request stands there
-    // unread, also that of another program. That is wanted only for a request of our own that was given up.
-    const bool gaveUp = report.gaveUp || (report.failure && report.failure->exit == ExitCode::NoAnswer);
-    if (!gaveUp) platform::EndWithoutUnloading(exitStatus);
-    return exitStatus;
+    try {
+        const Meant meant = PrintersMeant(chosen, options);
+        if (meant.isSeveral) return RunForSeveral(chosen, options, meant.printers);
+        GlobalOptions one = options;
+        one.printers.written = meant.printers;
+        return RunForOne(chosen, one);
+    } catch (const Failure& failure) {
+        return ReportFailure(failure, options.json, options.noColour);
+    }
 }
 
 }  // namespace

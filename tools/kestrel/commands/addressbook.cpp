@@ -117,7 +117,8 @@ void DeclareShow(const tools::Command& book, Chosen& chosen) {
     command.Note("Without --list both lists.");
     command.Example("kestrel addressbook show --list one-touch");
     command.OnUse([&chosen, list] {
-        chosen = {"addressbook show", [list](Context& context) { return Show(context, *list); }};
+        chosen = {"addressbook show", [list](Context& context) { return Show(context, *list); },
+                  Reach::Several};
     });
 }
 
@@ -141,7 +142,8 @@ void DeclareSet(const tools::Command& book, Chosen& chosen) {
     AddListOption(command, options->list);
     command.Example("kestrel addressbook set 3 fax \"Head office\" 0301234567");
     command.OnUse([&chosen, options] {
-        chosen = {"addressbook set", [options](Context& context) { return SetRecord(context, *options); }};
+        chosen = {"addressbook set", [options](Context& context) { return SetRecord(context, *options); },
+                  Reach::Several};
     });
 }
 
@@ -162,7 +164,8 @@ void DeclareFiles(const tools::Command& book, Chosen& chosen) {
     imports.Note("Nothing is sent when a line is wrong. Records that the file leaves out become empty.");
     imports.Example("kestrel addressbook import book.csv");
     imports.OnUse([&chosen, in] {
-        chosen = {"addressbook import", [in](Context& context) { return Import(context, *in); }};
+        chosen = {"addressbook import", [in](Context& context) { return Import(context, *in); },
+                  Reach::Several};
     });
 }
 

@@ -79,20 +79,21 @@ void AddClock(const tools::Command& app, Chosen& chosen) {
 
     const tools::Command show = command.AddSubcommand("show", "Print the time and the clock text");
     show.Example("kestrel clock show");
-    show.OnUse([&chosen] { chosen = {"clock show", ShowClock}; });
+    show.OnUse([&chosen] { chosen = {"clock show", ShowClock, Reach::Several}; });
 
     const tools::Command set = command.AddSubcommand("set", "Set the time");
     const auto written = std::make_shared<std::string>();
     set.AddOption("TIME", *written, "YYYY-MM-DD HH:MM").Required();
     set.Example("kestrel clock set '2026-11-24 18:30'");
     set.OnUse([&chosen, written] {
-        chosen = {"clock set", [written](Context& context) { return SetClock(context, *written); }};
+        chosen = {"clock set", [written](Context& context) { return SetClock(context, *written); },
+                  Reach::Several};
     });
 
     const tools::Command sync = command.AddSubcommand("sync", "Set the time to that of this computer");
     sync.Note("The printer also learns the time zone and the identity of this computer.");
     sync.Example("kestrel clock sync");
-    sync.OnUse([&chosen] { chosen = {"clock sync", SyncClock}; });
+    sync.OnUse([&chosen] { chosen = {"clock sync", SyncClock, Reach::Several}; });
 }
 
 }  // namespace cli

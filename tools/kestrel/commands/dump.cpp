@@ -16,7 +16,7 @@ struct DumpOptions {
 
 Report Dump(Context& context, const DumpOptions& options) {
     const Printer& printer = context.GetPrinter();
-    const WaitLine line("asking the printer", !context.Options().json);
+    const WaitLine line("asking the printer", context.ShowsProgress());
     const PrinterDump dump = DumpPrinter(printer, options.secrets, context.Options().timeoutMs,
                                          [&](std::string_view name) { line.Show(std::string(name)); });
     const std::string text = dump.document.Dump(2) + '\n';

@@ -29,7 +29,7 @@ Report Upgrade(Context& context, const std::string& written) {
     const std::string path = std::filesystem::absolute(written).string();
     const WideText wide = WideArgument(path, "path");
     const Library& library = context.GetPrinter().GetLibrary();
-    const Waiting waiting("handing over the file", !context.Options().json);
+    const Waiting waiting("handing over the file", context.ShowsProgress());
     Demand<decltype(UpgradeFW)>(
         library, "UpgradeFW",
         {fmt::format("cannot upgrade the firmware from {}", path), Exchange::Write, kFileRefused},
@@ -55,7 +55,7 @@ void AddFirmware(const tools::Command& app, Chosen& chosen) {
 
     const tools::Command show = command.AddSubcommand("show", "Print the versions");
     show.Example("kestrel firmware show");
-    show.OnUse([&chosen] { chosen = {"firmware show", ShowFirmware}; });
+    show.OnUse([&chosen] { chosen = {"firmware show", ShowFirmware, Reach::Several}; });
 
     const tools::Command upgrade = command.AddSubcommand("upgrade", "Hand an upgrade file to the printer");
     const auto path = std::make_shared<std::string>();
@@ -69,7 +69,7 @@ void AddFirmware(const tools::Command& app, Chosen& chosen) {
     const tools::Command refresh =
         command.AddSubcommand("refresh", "Have the firmware's capabilities asked for anew");
     refresh.Example("kestrel firmware refresh");
-    refresh.OnUse([&chosen] { chosen = {"firmware refresh", Refresh}; });
+    refresh.OnUse([&chosen] { chosen = {"firmware refresh", Refresh, Reach::Several}; });
 }
 
 }  // namespace cli

@@ -42,7 +42,7 @@ void AddGet(const tools::Command& app, Chosen& chosen) {
     command.Note("One KEY prints the bare value, several print lines of key and value.");
     command.Example("kestrel get fax.redials fax.mode");
     command.OnUse([&chosen, names] {
-        chosen = {"get", [names](Context& context) { return Get(context, *names); }};
+        chosen = {"get", [names](Context& context) { return Get(context, *names); }, Reach::Several};
     });
 }
 

@@ -50,13 +50,13 @@ void AddIdentity(const tools::Command& app, Chosen& chosen) {
     const tools::Command command =
         app.AddSubcommand("identity", "Print the USB identifiers and the cloud services of the printer");
     command.Example("kestrel identity");
-    command.OnUse([&chosen] { chosen = {"identity", Identify}; });
+    command.OnUse([&chosen] { chosen = {"identity", Identify, Reach::Several}; });
 }
 
 void AddCapabilities(const tools::Command& app, Chosen& chosen) {
     const tools::Command command = app.AddSubcommand("capabilities", "Print what the printer can do");
     command.Example("kestrel capabilities");
-    command.OnUse([&chosen] { chosen = {"capabilities", ShowCapabilities}; });
+    command.OnUse([&chosen] { chosen = {"capabilities", ShowCapabilities, Reach::Several}; });
 }
 
 }  // namespace cli

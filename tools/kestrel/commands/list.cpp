@@ -30,7 +30,7 @@ bool IsHopeless(const Failure& failure) {
 // Ends early, with the reason in the last entry, when going on is hopeless.
 std::vector<Listed> ReadAll(Context& context, const std::vector<const catalogue::Row*>& rows) {
     const Printer& printer = context.GetPrinter();
-    Progress progress(rows.size(), !context.Options().json);
+    Progress progress(rows.size(), context.ShowsProgress());
     std::vector<Listed> list;
     for (const catalogue::Row* const row : rows) {
         progress.Step(row->name);
@@ -108,7 +108,7 @@ void AddList(const tools::Command& app, Chosen& chosen) {
     command.Note("A value of - cannot be read, one of ? could not be read this time.");
     command.Example("kestrel list 'fax.*'");
     command.OnUse([&chosen, options] {
-        chosen = {"list", [options](Context& context) { return List(context, *options); }};
+        chosen = {"list", [options](Context& context) { return List(context, *options); }, Reach::Several};
     });
 }
 

@@ -69,7 +69,8 @@ void AddMaintenance(const tools::Command& app, Chosen& chosen) {
     command.Note("The library allows five seconds for an action; --timeout does not count here.");
     command.Example("kestrel maintenance check-nozzles");
     command.OnUse([&chosen, name] {
-        chosen = {"maintenance", [name](Context& context) { return Maintain(context, *name); }};
+        chosen = {"maintenance", [name](Context& context) { return Maintain(context, *name); },
+                  Reach::Several};
     });
 }
 

@@ -25,7 +25,7 @@ constexpr milliseconds kQuietEnd{3000};
 // --- wifi ---
 
 void WaitForSearch(Context& context, const Library& library, milliseconds limit) {
-    const WaitLine line("searching access points", !context.Options().json);
+    const WaitLine line("searching access points", context.ShowsProgress());
     const Clock::time_point end = Clock::now() + limit;
     Clock::time_point lastNews = Clock::now();
     uint32_t found = 0;
@@ -143,7 +143,7 @@ Report Ping(Context& context, const PingOptions& options) {
 
     uint32_t sent = 0;
     {
-        const WaitLine line("pinging " + options.address, !context.Options().json);
+        const WaitLine line("pinging " + options.address, context.ShowsProgress());
         // The printer counts the time of a ping in its own unit, which is taken for a second here.
         const Clock::time_point end =
             Clock::now() + std::chrono::seconds(options.count * (options.wait + 1)) + kQuietEnd;
@@ -188,7 +188,7 @@ void AddWifi(const tools::Command& app, Chosen& chosen) {
 
     const tools::Command show = command.AddSubcommand("show", "Print the wireless settings and state");
     show.Example("kestrel wifi show");
-    show.OnUse([&chosen] { chosen = {"wifi show", ShowWifi}; });
+    show.OnUse([&chosen] { chosen = {"wifi show", ShowWifi, Reach::Several}; });
 
     const tools::Command scan = command.AddSubcommand("scan", "Let the printer search access points");
     const auto limit = std::make_shared<milliseconds>(15000);
@@ -213,7 +213,8 @@ void AddWifi(const tools::Command& app, Chosen& chosen) {
     set.Note("`kestrel list wireless` shows the allowed words.");
     set.Example("kestrel wifi set --ssid Office --security WPA2PSK_AES --pass-phrase \"open sesame\"");
     set.OnUse([&chosen, values] {
-        chosen = {"wifi set", [values](Context& context) { return SetWifi(context, *values); }};
+        chosen = {"wifi set", [values](Context& context) { return SetWifi(context, *values); },
+                  Reach::Several};
     });
 }
 
@@ -240,7 +241,7 @@ void AddHosts(const tools::Command& app, Chosen& chosen) {
     const tools::Command command =
         app.AddSubcommand("hosts", "Print the hosts that the printer found by multicast DNS");
     command.Example("kestrel hosts");
-    command.OnUse([&chosen] { chosen = {"hosts", Hosts}; });
+    command.OnUse([&chosen] { chosen = {"hosts", Hosts, Reach::Several}; });
 }
 
 }  // namespace cli

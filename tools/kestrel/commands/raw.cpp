@@ -41,7 +41,7 @@ void AddRaw(const tools::Command& app, Chosen& chosen) {
     command.Note("The reply is printed in the same notation.");
     command.Example("kestrel raw 'DeviceSettings.Fax.Redials?'");
     command.OnUse([&chosen, options] {
-        chosen = {"raw", [options](Context& context) { return Raw(context, *options); }};
+        chosen = {"raw", [options](Context& context) { return Raw(context, *options); }, Reach::Several};
     });
 }
 

@@ -32,7 +32,7 @@ Report Record(const RecordOptions& options) {
     }
     Report report;
     report.data = {{"file", path}};
-    report.programStatus = *status;
+    report.exitStatus = *status;
     return report;
 }
 

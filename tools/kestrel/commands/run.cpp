@@ -82,7 +82,7 @@ Report Run(Context& context, const RunOptions& options) {
     std::ofstream junit = Opened(options.junit);
 
     const GlobalOptions& global = context.Options();
-    Printer printer(context.GetLibrary(), global.product, global.printer, global.timeoutMs);
+    Printer printer(context.GetLibrary(), global.product, global.printers.One(), global.timeoutMs);
     const Teller teller(context, options.tap, cases);
     std::vector<CaseResult> results;
     bool gaveUp = false;

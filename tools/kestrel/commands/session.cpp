@@ -93,7 +93,7 @@ void AddCancel(const tools::Command& app, Chosen& chosen) {
         app.AddSubcommand("cancel", "Cancel what the language monitor is doing for the printer");
     command.Note("Five seconds are allowed.");
     command.Example("kestrel cancel");
-    command.OnUse([&chosen] { chosen = {"cancel", CancelWork}; });
+    command.OnUse([&chosen] { chosen = {"cancel", CancelWork, Reach::Several}; });
 }
 
 void AddCache(const tools::Command& app, Chosen& chosen) {
@@ -104,7 +104,8 @@ void AddCache(const tools::Command& app, Chosen& chosen) {
     command.Note("Five seconds are allowed.");
     command.Example("kestrel cache off");
     command.OnUse([&chosen, word] {
-        chosen = {"cache", [word](Context& context) { return SwitchCache(context, *word == "on"); }};
+        chosen = {"cache", [word](Context& context) { return SwitchCache(context, *word == "on"); },
+                  Reach::Several};
     });
 }
 

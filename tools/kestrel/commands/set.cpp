@@ -55,7 +55,7 @@ void AddSet(const tools::Command& app, Chosen& chosen) {
         "`kestrel list KEY` shows the allowed words. A text that begins with a dash follows after --.");
     command.Example("kestrel set fax.redials 3 --verify");
     command.OnUse([&chosen, options] {
-        chosen = {"set", [options](Context& context) { return Set(context, *options); }};
+        chosen = {"set", [options](Context& context) { return Set(context, *options); }, Reach::Several};
     });
 }
 

@@ -22,7 +22,7 @@ struct StatusOptions {
 
 DeviceStatus Ask(Context& context) {
     const Library& library = context.GetPrinter().GetLibrary();
-    const Waiting waiting("asking for the status", !context.Options().json);
+    const Waiting waiting("asking for the status", context.ShowsProgress());
     return AskForStatus(library);
 }
 
@@ -80,9 +80,10 @@ void AddStatus(const tools::Command& app, Chosen& chosen) {
         "to 14 seconds.");
     command.Example("kestrel status --watch --interval 1s");
     command.OnUse([&chosen, options] {
-        chosen = {"status", [options](Context& context) {
-                      return options->watch ? Watch(context, *options) : Once(context);
-                  }};
+        chosen = {
+            "status",
+            [options](Context& context) { return options->watch ? Watch(context, *options) : Once(context); },
+            options->watch ? Reach::OnePrinter : Reach::Several};
     });
 }
 

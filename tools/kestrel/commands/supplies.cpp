@@ -35,7 +35,7 @@ void AddSupplies(const tools::Command& app, Chosen& chosen) {
     command.Example("kestrel supplies");
     // Of a line with a command below this one, that one's work is chosen already.
     command.OnUse([&chosen] {
-        if (!chosen.work) chosen = {"supplies", ShowSupplies};
+        if (!chosen.work) chosen = {"supplies", ShowSupplies, Reach::Several};
     });
     const tools::Command order = command.AddSubcommand("order", "Start an order");
     order.Note(

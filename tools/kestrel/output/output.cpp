@@ -40,11 +40,59 @@ size_t Width(std::string_view utf8) {
 }
 
 int ExitStatus(const Report& report) {
-    return report.failure ? static_cast<int>(report.failure->exit) : report.programStatus;
+    return report.failure ? static_cast<int>(report.failure->exit) : report.exitStatus;
+}
+
+int ExitStatus(const std::vector<PrinterReport>& reports) {
+    const auto first = std::ranges::find_if(
+        reports, [](const PrinterReport& printer) { return ExitStatus(printer.report) != 0; });
+    return first == reports.end() ? 0 : ExitStatus(first->report);
+}
+
+// A wrong command line or value, before any printer was asked.
+bool IsWrongForAll(const std::vector<PrinterReport>& reports) {
+    return std::ranges::all_of(reports, [&](const PrinterReport& printer) {
+        const std::optional<Failure>& failure = printer.report.failure;
+        return failure && !failure->code && printer.report.text.empty() &&
+               failure->text == reports.front().report.failure->text;
+    });
+}
+
+// One line stands behind the name, several below it.
+std::string TextUnderName(const PrinterReport& printer, const Paint& paint) {
+    const std::string& text = printer.report.text;
+    const std::string heading = paint(Colour::Bold, ForTerminal(printer.printer) + ":");
+    if (text.empty()) return {};
+    if (text.find('\n') >= text.size() - 1) return heading + " " + text;
+    std::string indented = heading + "\n";
+    for (size_t at = 0; at < text.size();) {
+        const size_t end = std::min(text.find('\n', at), text.size() - 1) + 1;
+        indented += "  " + text.substr(at, end - at);
+        at = end;
+    }
+    return indented;
 }
 
 void Write(std::FILE* stream, std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stream);
+}
+
+// A full disk behind a redirection must not look like success.
+int WriteOut(std::string_view results, std::string_view failures, int exit) {
+    Write(stdout, results);
+    const bool complete = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    Write(stderr, failures);
+    if (complete || exit != 0) return exit;
+    Write(stderr, "kestrel: the results could not be written to standard output\n");
+    return static_cast<int>(ExitCode::OwnFault);
+}
+
+// What `report` says, into a document.
+void AddResults(tools::Json& document, const Report& report) {
+    document["exitCode"] = ExitStatus(report);
+    for (const auto& [name, value] : report.data.Members())
+        document[name] = value;
+    if (report.failure) document["error"] = FailureJson(*report.failure);
 }
 
 }  // namespace
@@ -97,12 +145,23 @@ tools::Json FailureJson(const Failure& failure) {
 }
 
 std::string JsonDocument(std::string_view command, const Report& report) {
-    tools::Json document = {
-        {"version", kDocumentVersion}, {"command", command}, {"exitCode", ExitStatus(report)}};
-    for (const auto& [name, value] : report.data.Members())
-        document[name] = value;
-    if (report.failure) document["error"] = FailureJson(*report.failure);
+    tools::Json document = {{"version", kDocumentVersion}, {"command", command}};
+    AddResults(document, report);
     // A text that came from the command line need not be UTF-8; the document always is.
+    return document.Dump(2) + '\n';
+}
+
+std::string JsonDocument(std::string_view command, const std::vector<PrinterReport>& reports) {
+    tools::Json printers = tools::Json::EmptyArray();
+    for (const PrinterReport& printer : reports) {
+        tools::Json json = {{"printer", printer.printer}};
+        AddResults(json, printer.report);
+        printers.Append(std::move(json));
+    }
+    const tools::Json document = {{"version", kDocumentVersion},
+                                  {"command", command},
+                                  {"exitCode", ExitStatus(reports)},
+                                  {"printers", std::move(printers)}};
     return document.Dump(2) + '\n';
 }
 
@@ -122,21 +181,25 @@ std::string FailureText(const Failure& failure, const Paint& paint) {
 }
 
 int Print(std::string_view command, const Report& report, bool json, bool noColour) {
-    if (json) {
-        Write(stdout, JsonDocument(command, report));
-    } else {
-        Write(stdout, report.text);
-        std::fflush(stdout);
-        if (report.failure) Write(stderr, FailureText(*report.failure, PaintForErrors(noColour)));
+    if (json) return WriteOut(JsonDocument(command, report), {}, ExitStatus(report));
+    const std::string failure =
+        report.failure ? FailureText(*report.failure, PaintForErrors(noColour)) : std::string();
+    return WriteOut(report.text, failure, ExitStatus(report));
+}
+
+int Print(std::string_view command, const std::vector<PrinterReport>& reports, bool json, bool noColour) {
+    if (json) return WriteOut(JsonDocument(command, reports), {}, ExitStatus(reports));
+    if (IsWrongForAll(reports)) return Print(command, reports.front().report, json, noColour);
+    std::string text;
+    std::string failures;
+    for (const PrinterReport& printer : reports) {
+        text += TextUnderName(printer, PaintForResults(noColour));
+        if (!printer.report.failure) continue;
+        Failure failure = *printer.report.failure;
+        failure.text = printer.printer + ": " + failure.text;
+        failures += FailureText(failure, PaintForErrors(noColour));
     }
-    const int exit = ExitStatus(report);
-    // A full disk behind a redirection must not look like success.
-    const bool complete = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
-    if (!complete && exit == 0) {
-        Write(stderr, "kestrel: the results could not be written to standard output\n");
-        return static_cast<int>(ExitCode::OwnFault);
-    }
-    return exit;
+    return WriteOut(text, failures, ExitStatus(reports));
 }
 
 }  // namespace cli

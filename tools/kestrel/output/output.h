@@ -16,8 +16,15 @@ struct Report final {
     std::string text;                               // for people, with its line ends
     tools::Json data = tools::Json::EmptyObject();  // fields of the JSON document
     std::optional<Failure> failure;
-    bool gaveUp = false;    // a request of its own may lie unread in the channel
-    int programStatus = 0;  // of a command that runs another program: what that ended with
+    bool gaveUp = false;  // a request of its own may lie unread in the channel
+    // Without a failure: what the command ends with, such as the end of a program that it ran.
+    int exitStatus = 0;
+};
+
+// What one of several printers said.
+struct PrinterReport final {
+    std::string printer;
+    Report report;
 };
 
 enum class Colour { Bold, Dim, Red };
@@ -44,11 +51,17 @@ class Paint final {
 // The document of --json: version, command, exit code, the command's fields, the error if there is one.
 [[nodiscard]] std::string JsonDocument(std::string_view command, const Report& report);
 
+// The same for several printers: a list of what each would have in a document of its own.
+[[nodiscard]] std::string JsonDocument(std::string_view command, const std::vector<PrinterReport>& reports);
+
 // The error for people: text, code, the reply that was judged bad, advice.
 [[nodiscard]] std::string FailureText(const Failure& failure, const Paint& paint);
 
 // Results to standard output, the failure to standard error (or both in one document); returns the exit
 // status.
 int Print(std::string_view command, const Report& report, bool json, bool noColour);
+// For several printers, each under its name. The exit status is that of the first one that failed. What none
+// of them was asked, because it was wrong for all, is said once.
+int Print(std::string_view command, const std::vector<PrinterReport>& reports, bool json, bool noColour);
 
 }  // namespace cli

@@ -16,20 +16,26 @@ constexpr std::string_view kEraseLine = "\r\x1b[K";
 
 }  // namespace
 
+void DrawBar(size_t done, size_t total, std::string_view what) {
+    const size_t filled = kCells * done / total;
+    fmt::print(stderr, "{}[{}{}] {}/{} {}", kEraseLine, std::string(filled, '#'),
+               std::string(kCells - filled, '.'), done, total, what);
+    std::fflush(stderr);
+}
+
+void EraseBar() {
+    fmt::print(stderr, "{}", kEraseLine);
+}
+
 Progress::Progress(size_t total, bool wanted)
     : total_(std::max<size_t>(total, 1)), shown_(wanted && total > 1 && tools::IsTerminal(stderr)) {}
 
 Progress::~Progress() {
-    if (shown_) fmt::print(stderr, "{}", kEraseLine);
+    if (shown_) EraseBar();
 }
 
 void Progress::Step(std::string_view what) {
-    if (!shown_) return;
-    const size_t filled = kCells * done_ / total_;
-    ++done_;
-    fmt::print(stderr, "{}[{}{}] {}/{} {}", kEraseLine, std::string(filled, '#'),
-               std::string(kCells - filled, '.'), done_, total_, what);
-    std::fflush(stderr);
+    if (shown_) DrawBar(++done_, total_, what);
 }
 
 WaitLine::WaitLine(std::string what, bool wanted)

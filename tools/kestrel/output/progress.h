@@ -8,6 +8,10 @@
 
 namespace cli {
 
+// One line of standard error, which is a terminal: a bar, how many are done and what is next.
+void DrawBar(size_t done, size_t total, std::string_view what);
+void EraseBar();
+
 // A bar on standard error while many settings are read; silent when nobody watches.
 class Progress final {
   public:

@@ -41,16 +41,6 @@ const TypeRow& TypeOf(catalogue::Type type) {
                          [type](const TypeRow& row) { return row.type == type; });
 }
 
-bool GlobMatches(std::string_view pattern, std::string_view text) {
-    if (pattern.empty()) return text.empty();
-    if (pattern.front() == '*') {
-        return GlobMatches(pattern.substr(1), text) ||
-               (!text.empty() && GlobMatches(pattern, text.substr(1)));
-    }
-    const bool firstMatches = !text.empty() && (pattern.front() == '?' || pattern.front() == text.front());
-    return firstMatches && GlobMatches(pattern.substr(1), text.substr(1));
-}
-
 // Insertions, deletions and replacements of one letter that lead from one text to the other.
 size_t EditDistance(std::string_view from, std::string_view to) {
     std::vector<size_t> row(to.size() + 1);

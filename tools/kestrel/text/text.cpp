@@ -47,6 +47,16 @@ std::optional<std::string> AnsiFromWide(const WideText& text) {
     return again == text ? std::optional(ansi) : std::nullopt;
 }
 
+bool GlobMatches(std::string_view pattern, std::string_view text) {
+    if (pattern.empty()) return text.empty();
+    if (pattern.front() == '*') {
+        return GlobMatches(pattern.substr(1), text) ||
+               (!text.empty() && GlobMatches(pattern, text.substr(1)));
+    }
+    const bool firstMatches = !text.empty() && (pattern.front() == '?' || pattern.front() == text.front());
+    return firstMatches && GlobMatches(pattern.substr(1), text.substr(1));
+}
+
 std::string ReadableBytes(std::string_view bytes) {
     std::string readable;
     for (const char byte : bytes) {

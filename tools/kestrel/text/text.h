@@ -21,6 +21,9 @@ using tools::WideText;
 // The text as the system's 8-bit code page holds it; none when a character would be lost on the way.
 [[nodiscard]] std::optional<std::string> AnsiFromWide(const WideText& text);
 
+// A pattern as file names have it, `*` and `?`, that stands for the whole text.
+[[nodiscard]] bool GlobMatches(std::string_view pattern, std::string_view text);
+
 // Device bytes on one line: printable ASCII stands for itself, a backslash is doubled, the rest is \xNN.
 // BytesFromReadable reads the same notation back; none for any other use of the backslash.
 [[nodiscard]] std::string ReadableBytes(std::string_view bytes);

@@ -1,0 +1,114 @@
+// One command for several printers, one of which does not answer; wanted states and differences.
+#include "installed_printer.h"
+
+namespace {
+
+constexpr int kDifferent = 9;
+
+class Fleet : public InstalledPrinter {
+  protected:
+    Fleet() {
+        AddPrinter("Q", "USB002");
+        AddPrinter("Dead", "USB009");
+    }
+    std::string File(const char* name, const std::string& text) const {
+        const std::string path = (home_ / name).string();
+        std::ofstream(path) << text;
+        return path;
+    }
+    static tools::Json Document(std::vector<std::string> words) {
+        words.emplace_back("--json");
+        return tools::Json::Parse(RunClient(words).output);
+    }
+    static std::string Value(const char* printer, const char* key) {
+        return RunClient({"-p", printer, "get", key}).output;
+    }
+};
+
+TEST_F(Fleet, Answers_in_the_order_of_the_printers_and_a_dead_one_costs_its_time_alone) {
+    StartPrinter("[]", {"--port", "USB002"});
+    const Clock::time_point start = Clock::now();
+    const tools::Json all =
+        Document({"-p", "Q", "-p", "Dead", "-p", "P", "--timeout", "1s", "get", "fax.redials"});
+    EXPECT_GT(milliseconds(3500), Clock::now() - start);
+    EXPECT_EQ(4, all.At("exitCode"));
+    const auto& printers = all.At("printers").Items();
+    ASSERT_EQ(3u, printers.size());
+    const char* const names[] = {"Q", "Dead", "P"};
+    for (size_t i = 0; i < printers.size(); ++i) {
+        const bool isDead = i == 1;
+        EXPECT_EQ(names[i], printers[i].At("printer").Text());
+        EXPECT_EQ(isDead ? 4 : 0, printers[i].At("exitCode"));
+        EXPECT_EQ(isDead, printers[i].Find("error") != nullptr);
+        if (!isDead) {
+            EXPECT_EQ(3, printers[i].At("values").At("fax.redials"));
+        }
+    }
+    EXPECT_EQ("P: 3\nQ: 3\n", RunClient({"-p", "?", "get", "fax.redials"}).output);
+    EXPECT_EQ(3, RunClient({"-p", "X*", "get", "fax.redials"}).code);
+    EXPECT_EQ(2, RunClient({"--all", "lock"}).code) << "is for one printer";
+}
+
+TEST_F(Fleet, Is_brought_to_a_wanted_state_once) {
+    StartPrinter("[]", {"--port", "USB002"});
+    const std::string wanted = File("w.txt", "fax.redials = 5\nfax.rings = 4\n[Q]\nfax.redials = 6\n");
+    const std::vector<std::string> apply = {"-p", "P", "-p", "Q", "apply", wanted};
+    std::vector<std::string> dry = apply;
+    dry.emplace_back("--dry-run");
+    EXPECT_EQ(kDifferent, RunClient(dry).code);
+    EXPECT_EQ("3\n", Value("P", "fax.redials")) << "nothing was changed";
+    const ProgramResult first = RunClient(apply);
+    EXPECT_EQ(0, first.code);
+    EXPECT_NE(std::string::npos, first.output.find("Q:\n  fax.redials: 3 -> 6\n  1 changed, 1 as wanted\n"));
+    EXPECT_EQ("5\n", Value("P", "fax.redials"));
+    EXPECT_EQ("P: 0 changed, 2 as wanted\nQ: 0 changed, 2 as wanted\n", RunClient(apply).output);
+    EXPECT_EQ(0, RunClient(dry).code);
+    EXPECT_EQ("0 changed, 2 as wanted\n", RunClient({"apply", wanted}).output) << "its heading names Q";
+
+    const std::string wrong = File("wrong.txt", "fax.redials = 7\n[Q]\nfax.redials = 999\n");
+    EXPECT_EQ(6, RunClient({"-p", "P", "apply", wrong}).code);
+    EXPECT_EQ("5\n", Value("P", "fax.redials")) << "one wrong value, and none is sent";
+}
+
+TEST_F(Fleet, A_refused_value_ends_the_work_for_its_printer_and_can_take_the_others_back) {
+    StartPrinter(R"([{"match":"DeviceSettings.Fax.Rings=*","responseNumber":1001}])");
+    const std::string wanted =
+        File("w.json", R"({"settings":{"fax.redials":5,"fax.rings":2,"fax.backup":true}})");
+    const tools::Json left = Document({"-p", "P", "apply", wanted});
+    EXPECT_EQ(1, left.At("exitCode"));
+    EXPECT_EQ(1u, left.At("changes").Items().size());
+    EXPECT_NE(std::string::npos, left.At("error").At("text").Text().find("left so: fax.redials"));
+    EXPECT_EQ("5\n", Value("P", "fax.redials"));
+    for (const char* const key : {"fax.redials", "fax.rings"})
+        RunClient({"-p", "P", "set", key, "3"});
+
+    // The setting that is refused is put back too: it may have come half the way. This printer refuses that
+    // as well.
+    const tools::Json back = Document({"-p", "P", "apply", wanted, "--rollback"});
+    EXPECT_EQ(1, back.At("exitCode"));
+    EXPECT_EQ("fax.redials", back.At("putBack").Items().front().Text());
+    EXPECT_NE(std::string::npos, back.At("error").At("text").Text().find("could not be put back: fax.rings"));
+    EXPECT_EQ("3\n", Value("P", "fax.redials"));
+}
+
+TEST_F(Fleet, Differences_are_told_between_printers_dumps_and_wanted_files) {
+    StartPrinter("[]", {"--port", "USB002"});
+    RunClient({"-p", "Q", "set", "fax.redials", "6"});
+    RunClient({"-p", "Q", "set", "wireless.pass-phrase", "open sesame"});
+    const std::string dump = (home_ / "p.json").string();
+    EXPECT_EQ(0, RunClient({"-p", "P", "dump", "-o", dump}).code);
+    const std::string wanted = File("w.txt", "fax.redials = 6\n");
+
+    const tools::Json printers = Document({"diff", "P", "Q"});
+    EXPECT_EQ(9, printers.At("exitCode"));
+    EXPECT_EQ(2u, printers.At("differences").Items().size());
+    EXPECT_EQ(std::string::npos, printers.Dump().find("sesame"));
+    EXPECT_EQ(0, RunClient({"diff", dump, "P"}).code);
+    EXPECT_EQ(kDifferent, RunClient({"diff", dump, wanted}).code);
+    EXPECT_EQ("no difference in 1 settings\n", RunClient({"diff", wanted, "Q"}).output);
+    EXPECT_EQ(4, RunClient({"--timeout", "200ms", "diff", "P", "Dead"}).code);
+    EXPECT_EQ(0, RunClient({"-p", "Q", "apply", dump}).code) << "as the other printer was";
+    EXPECT_EQ(0, RunClient({"diff", dump, "Q"}).code);
+}
+
+}  // namespace

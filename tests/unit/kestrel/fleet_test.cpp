@@ -1,0 +1,131 @@
+// Which printers are meant, and what a file wants of them.
+#include <fmt/core.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <sstream>
+
+#include "cli_refusal.h"
+#include "kestrel/fleet/choice.h"
+#include "kestrel/fleet/differences.h"
+#include "kestrel/fleet/each_printer.h"
+#include "kestrel/fleet/wanted_state.h"
+#include "kestrel/settings/settings.h"
+#include "sections.h"
+
+namespace {
+
+std::string Joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words)
+        text += (text.empty() ? "" : ",") + word;
+    return text;
+}
+
+std::vector<std::string> SplitAt(const std::string& text, char delimiter) {
+    std::vector<std::string> words;
+    std::istringstream in(text);
+    for (std::string word; std::getline(in, word, delimiter);)
+        words.push_back(word);
+    return words;
+}
+
+TEST(FleetChoice, Names_each_printer_once_in_the_order_of_the_line) {
+    const cli::Installed installed = {{{"Lab", "USB004", "Other", true},
+                                       {"Office1", "USB001", "ZRIJ9900 Series", true},
+                                       {"Office2", "USB002", "ZRIJ9900 Series", true}},
+                                      {"ZRIJ9900 Series"}};
+    for (const std::string& line : CasesOf(UNIT_TESTS "/kestrel/fleet.txt", "Choice")) {
+        SCOPED_TRACE(line);
+        const auto [written, expected] = CaseIn(line);
+        cli::PrinterChoice choice{SplitAt(written, ' '), false};
+        choice.all = std::erase(choice.written, "--all") != 0;
+        std::vector<std::string> names;
+        if (const auto failure = FailureOf([&] { return names = ChosenPrinters(choice, installed); })) {
+            EXPECT_EQ(cli::ExitCode::NoPrinter, failure->exit);
+            EXPECT_EQ("installed are: Lab, Office1, Office2", failure->advice);
+            EXPECT_EQ(expected, "none");
+        } else {
+            EXPECT_EQ(expected, Joined(names));
+        }
+    }
+}
+
+// "fax.redials=5 ..." of one printer, or what is wrong with the file.
+std::string WantedOf(const std::string& file, const std::string& printer) {
+    std::string text;
+    const auto failure = FailureOf([&] {
+        for (const cli::WantedSetting& setting : cli::ParseWantedState(file, "f").For(printer))
+            text += fmt::format("{}{}={}", text.empty() ? "" : " ", setting.row->name,
+                                cli::FormatValue(*setting.row, setting.value));
+        return 0;
+    });
+    return failure ? fmt::format("{} {}", static_cast<int>(failure->exit), failure->text) : text;
+}
+
+TEST(FleetWanted, Is_read_in_each_form_for_each_printer_or_refused_with_its_place) {
+    for (const std::string& line : CasesOf(UNIT_TESTS "/kestrel/fleet.txt", "Wanted")) {
+        SCOPED_TRACE(line);
+        const auto [given, expected] = CaseIn(line);
+        const size_t blank = given.find(' ');
+        std::string file = given.substr(blank + 1);
+        for (size_t at = file.find('|'); at != std::string::npos; at = file.find('|'))
+            file[at] = '\n';
+        const std::string seen = WantedOf(file, given.substr(0, blank));
+        EXPECT_TRUE(seen.starts_with(expected)) << seen;
+    }
+}
+
+TEST(FleetWanted, Takes_of_a_dump_what_can_be_set_again) {
+    const cli::WantedState state = cli::ParseWantedState(
+        R"({"format":"kestrel-dump","version":1,"secrets":"left out","settings":{
+            "fax.redials":3,"fax.rings":{"error":{}},"wireless.state":"Connected","wireless.pass-phrase":"********"}})",
+        "f");
+    EXPECT_EQ(1u, state.For("P").size());
+    EXPECT_EQ(3u, state.leftOut);
+}
+
+TEST(FleetDifferences, Count_what_both_have_and_between_printers_also_what_one_does_not_tell) {
+    const catalogue::Row* const redials = &cli::FindSetting("fax.redials");
+    const catalogue::Row* const rings = &cli::FindSetting("fax.rings");
+    const cli::SettingSide told{{{redials, cli::Value{3, {}}}, {rings, cli::Value{4, {}}}}, true, {}};
+    const cli::SettingSide silent{{{redials, cli::Value{3, {}}}, {rings, std::nullopt}}, true, {}};
+    const cli::SettingSide wanted{{{redials, cli::Value{5, {}}}}, false, {}};
+    const auto text = [](const cli::Comparison& comparison) {
+        std::string names;
+        for (const cli::Difference& difference : comparison.differences)
+            names += std::string(difference.row->name) + ' ';
+        return names + std::to_string(comparison.compared);
+    };
+    EXPECT_EQ("2", text(Compare(told, told)));
+    EXPECT_EQ("fax.rings 2", text(Compare(told, silent)));
+    EXPECT_EQ("fax.redials 1", text(Compare(wanted, told)));
+}
+
+TEST(FleetThreads, Work_for_so_many_printers_at_a_time_and_report_in_their_order) {
+    std::vector<std::string> printers;
+    for (int i = 0; i < 40; ++i)
+        printers.push_back(std::to_string(i));
+    std::atomic<int> working = 0;
+    std::atomic<int> most = 0;
+    size_t steps = 0;
+    cli::EachPrinter each;
+    const auto reports = each.Do(
+        printers, 4,
+        [&](const std::string& printer) {
+            const int now = ++working;
+            for (int seen = most; now > seen && !most.compare_exchange_weak(seen, now);) {
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(printer == "0" ? 50 : 2));
+            --working;
+            return cli::Report{printer, {}, {}};
+        },
+        [&steps](size_t done, const std::string&) { EXPECT_EQ(++steps, done); });
+    ASSERT_EQ(printers.size(), reports.size());
+    for (size_t i = 0; i < printers.size(); ++i)
+        EXPECT_EQ(printers[i], reports[i].report.text);
+    EXPECT_EQ(4, most);
+    EXPECT_EQ(printers.size(), steps);
+}
+
+}  // namespace
