@@ -10,13 +10,13 @@
 #include <string>
 #include <vector>
 
+#include "http/visitor.h"
 #include "shared/exchange_log.h"
 #include "shared/file.h"
 #include "shared/process.h"
 #include "shared/text.h"
 #include "shared/user_error.h"
 #include "vprinter/api/api.h"
-#include "vprinter/api/gate.h"
 #include "vprinter/api/traffic.h"
 #include "vprinter/device/condition.h"
 #include "vprinter/files/control_file.h"
@@ -177,25 +177,9 @@ class Printers final {
     std::deque<PrinterServer> servers_;
 };
 
-constexpr size_t kShortestToken = 16;
-
-std::string LoadToken(const Options& options) {
-    if (options.webTokenFile.empty()) {
-        if (!options.web || api::IsLoopback(options.web->host)) return {};
-        throw tools::UserError("--web " + options.web->Text() +
-                               ": others reach this address; give --web-token FILE, or choose 127.0.0.1");
-    }
-    std::string token = tools::ReadFile(options.webTokenFile).value_or("");
-    token.erase(token.find_last_not_of(" \r\n") + 1);
-    if (token.size() >= kShortestToken) return token;
-    throw tools::UserError(
-        fmt::format("{}: expected a token of at least {} characters; make one, for instance "
-                    "with `openssl rand -hex 16`",
-                    options.webTokenFile, kShortestToken));
-}
-
 tools::ExitCode Run(const Options& options) {
-    const std::string token = LoadToken(options);
+    const std::string token =
+        options.web ? http::LoadToken(*options.web, options.webTokenFile, {"--web", "--web-token"}) : "";
     tools::EndRequest end;
     Printers printers(options, end);
     printers.Start();

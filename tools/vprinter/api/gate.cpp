@@ -3,38 +3,15 @@
 
 #include <fmt/core.h>
 
-#include <algorithm>
-
+#include "http/visitor.h"
 #include "shared/json.h"
 
 namespace vprinter::api {
 namespace {
 
 constexpr std::string_view kCookie = "kestrel-panel=";
-constexpr std::string_view kBearer = "Bearer ";
 constexpr std::string_view kApi = "/api/";
 constexpr std::string_view kSession = "/api/session";
-
-/// Takes as long for a good beginning as for none.
-bool IsSame(std::string_view left, std::string_view right) {
-    unsigned difference = left.size() == right.size() ? 0 : 1;
-    for (size_t i = 0; i < left.size(); ++i)
-        difference |= static_cast<unsigned char>(left[i]) ^
-                      static_cast<unsigned char>(right.empty() ? 0 : right[i % right.size()]);
-    return difference == 0;
-}
-
-/// The host's name or address without its port; IPv6 in its brackets.
-std::string_view NameOf(std::string_view host) {
-    if (host.starts_with('[')) return host.substr(0, std::min(host.find(']'), host.size() - 1) + 1);
-    return host.substr(0, host.find(':'));
-}
-
-// No name ends in a number, so what looks like an address cannot be pointed elsewhere.
-bool IsAddress(std::string_view name) {
-    if (name.starts_with('[')) return name.ends_with(']');
-    return !name.empty() && name.find_first_not_of("0123456789.") == std::string_view::npos;
-}
 
 bool IsChange(std::string_view method) {
     return method != "GET" && method != "HEAD";
@@ -50,11 +27,11 @@ std::string_view CookieOf(std::string_view cookies) {
 }  // namespace
 
 std::optional<Refusal> Gate::Judge(const RequestHead& head) const {
-    if (!IsOwnHost(head.host)) {
+    if (!http::IsOwnHost(head.host, port_)) {
         return Refusal(403, "the request is for another host",
                        fmt::format("open the panel by its address, such as http://127.0.0.1:{}", port_));
     }
-    const bool foreign = !head.origin.empty() && head.origin != fmt::format("http://{}", head.host);
+    const bool foreign = http::IsForeign(head.origin, head.host);
     const bool crossed =
         !head.fetchSite.empty() && head.fetchSite != "same-origin" && head.fetchSite != "none";
     const bool isApi = head.target.starts_with(kApi);
@@ -71,22 +48,14 @@ std::optional<Refusal> Gate::Judge(const RequestHead& head) const {
 }
 
 std::optional<std::string> Gate::CookieFor(std::string_view token) const {
-    if (token_.empty() || !IsSame(token, token_)) return {};
+    if (token_.empty() || !http::IsSame(token, token_)) return {};
     return fmt::format("{}{}; HttpOnly; SameSite=Strict; Path=/", kCookie, session_);
-}
-
-bool Gate::IsOwnHost(std::string_view host) const {
-    const std::string_view name = NameOf(host);
-    if (name != "localhost" && !IsAddress(name)) return false;
-    // A browser leaves the port of http out.
-    return host.substr(name.size()) == fmt::format(":{}", port_) || (port_ == 80 && host == name);
 }
 
 bool Gate::IsKnown(const RequestHead& head) const {
     if (token_.empty()) return true;
-    if (head.authorization.starts_with(kBearer))
-        return IsSame(head.authorization.substr(kBearer.size()), token_);
-    return IsSame(CookieOf(head.cookie), session_);
+    if (http::IsBearer(head.authorization)) return http::BearsToken(head.authorization, token_);
+    return http::IsSame(CookieOf(head.cookie), session_);
 }
 
 std::string TokenOf(std::string_view body) {
@@ -95,10 +64,6 @@ std::string TokenOf(std::string_view body) {
     } catch (const tools::JsonError&) {
         return {};
     }
-}
-
-bool IsLoopback(std::string_view address) {
-    return address == "localhost" || address == "::1" || (address.starts_with("127.") && IsAddress(address));
 }
 
 }  // namespace vprinter::api

@@ -1,8 +1,5 @@
-// Who may come in: decided from the head of a request alone, before its body is read.
-//
-// A page of another origin can send a browser's requests to any address. It cannot choose their Host, which
-// tells the name that the user's browser believes it is talking to (a name that has been pointed at this
-// machine gives itself away), nor hide their Origin.
+// Who may come in to the panel: decided from the head of a request alone, before its body is read
+// (http/visitor.h has the reasons).
 #pragma once
 
 #include <cstdint>
@@ -43,7 +40,6 @@ class Gate final {
     [[nodiscard]] bool NeedsToken() const { return !token_.empty(); }
 
   private:
-    [[nodiscard]] bool IsOwnHost(std::string_view host) const;
     [[nodiscard]] bool IsKnown(const RequestHead& head) const;
 
     uint16_t port_;
@@ -53,8 +49,5 @@ class Gate final {
 
 /// What {"token": "..."} tells; empty for anything else.
 [[nodiscard]] std::string TokenOf(std::string_view body);
-
-/// Whether an address is one of this computer alone.
-[[nodiscard]] bool IsLoopback(std::string_view address);
 
 }  // namespace vprinter::api

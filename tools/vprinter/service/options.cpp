@@ -8,6 +8,7 @@
 #include "shared/command_line.h"
 #include "shared/process.h"
 #include "vprinter/faults/fault_kinds.h"
+#include "vprinter/web/web_server.h"
 
 namespace vprinter {
 namespace {
@@ -37,7 +38,7 @@ std::string TakeTraceFormat(const std::string& name, Options& options) {
 
 std::string TakeWebAddress(const std::string& text, Options& options) {
     if (!web::IsThere()) return "this build has no panel; build it with libcpp-httplib-dev (KESTREL_WEB)";
-    options.web = web::ReadAddress(text);
+    options.web = http::ReadAddress(text);
     return options.web ? "" : "expected an address and a port, such as 127.0.0.1:8631, instead of " + text;
 }
 

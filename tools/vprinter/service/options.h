@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "http/address.h"
 #include "shared/exit_codes.h"
 #include "vprinter/replay/replay.h"
 #include "vprinter/trace/trace.h"
-#include "vprinter/web/web_server.h"
 
 namespace vprinter {
 
@@ -26,7 +26,7 @@ struct Options {
     std::string controlFile;
     TraceFormat traceFormat = TraceFormat::None;
     std::string traceFile;
-    std::optional<web::Address> web;  // nothing: no panel
+    std::optional<http::Address> web;  // nothing: no panel
     std::string webTokenFile;
     bool showSecrets = false;
     bool quiet = false;

@@ -10,7 +10,7 @@ bool IsThere() {
     return false;
 }
 
-WebServer::WebServer(const Address&, const std::string&, const api::Api&, api::Traffic&) {
+WebServer::WebServer(const http::Address&, const std::string&, const api::Api&, api::Traffic&) {
     throw tools::UserError("--web: this build has no panel");
 }
 

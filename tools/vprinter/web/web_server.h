@@ -2,26 +2,14 @@
 // has a panel that cannot be had (KESTREL_WEB).
 #pragma once
 
-#include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
-#include <string_view>
 
+#include "http/address.h"
 #include "vprinter/api/api.h"
 #include "vprinter/api/traffic.h"
 
 namespace vprinter::web {
-
-struct Address {
-    std::string host;   // an IPv6 address without its brackets
-    uint16_t port = 0;  // 0: one that is free
-
-    [[nodiscard]] std::string Text() const;
-};
-
-/// Of "127.0.0.1:8631", "localhost:0" or "[::1]:8631"; nothing for another text.
-[[nodiscard]] std::optional<Address> ReadAddress(std::string_view text);
 
 /// Whether this build has a panel.
 [[nodiscard]] bool IsThere();
@@ -30,7 +18,7 @@ class WebServer final {
   public:
     /// Listens, and serves on threads of its own. `token`: what visitors must know, empty for none. The two
     /// others outlive it. Throws a UserError when the address cannot be had.
-    WebServer(const Address& address, const std::string& token, const api::Api& api, api::Traffic& traffic);
+    WebServer(const http::Address& address, const std::string& token, const api::Api& api, api::Traffic& traffic);
     WebServer(const WebServer&) = delete;
     WebServer& operator=(const WebServer&) = delete;
     /// Ends what is under way, and returns when all of its threads have ended.

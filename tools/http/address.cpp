@@ -1,11 +1,13 @@
 // Host and port, told apart at the last colon.
+#include "http/address.h"
+
 #include <fmt/core.h>
 
 #include <charconv>
 
-#include "vprinter/web/web_server.h"
+#include "http/visitor.h"
 
-namespace vprinter::web {
+namespace http {
 
 std::string Address::Text() const {
     const bool isIpv6 = host.find(':') != std::string::npos;
@@ -26,4 +28,8 @@ std::optional<Address> ReadAddress(std::string_view text) {
     return address;
 }
 
-}  // namespace vprinter::web
+bool IsLoopback(std::string_view host) {
+    return host == "localhost" || host == "::1" || (host.starts_with("127.") && IsNumeric(host));
+}
+
+}  // namespace http

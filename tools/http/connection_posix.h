@@ -5,7 +5,7 @@
 #include <chrono>
 #include <cstddef>
 
-namespace vprinter::web {
+namespace http {
 
 /// Reads and writes a connected socket, which it does not close.
 class Connection final {
@@ -41,4 +41,4 @@ class Connection final {
     size_t received_ = 0;
 };
 
-}  // namespace vprinter::web
+}  // namespace http

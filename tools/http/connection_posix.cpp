@@ -1,5 +1,5 @@
 // Every wait has its end, whatever the other side sends or does not send.
-#include "vprinter/web/connection_posix.h"
+#include "http/connection_posix.h"
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <cstring>
 
-namespace vprinter::web {
+namespace http {
 namespace {
 
 using std::chrono::milliseconds;
@@ -67,4 +67,4 @@ void Connection::Finish() const {
     }
 }
 
-}  // namespace vprinter::web
+}  // namespace http
