@@ -40,14 +40,19 @@ ROOMS = {
     "winport/process": "windows winport/text winport/files winport/threads winport/handles winport/sync winport/module",
     # The programs. The counterparts share the product's channels; no program includes another one's files.
     "tools/shared": "windows",
-    "tools/kestrel": "windows include src/catalogue src/opl tools/shared",
+    "tools/http": "tools/shared",
+    "tools/exporter": "tools/shared tools/http",
+    "tools/kestrel": "windows include src/catalogue src/opl tools/shared tools/http tools/exporter",
     "tools/rundll32": "windows include src/catalogue tools/shared",
     "tools/statusmon": "windows include src/catalogue src/opl src/ipc src/kwt tools/shared",
-    "tools/vprinter": "windows include src/catalogue src/opl src/ipc src/kwt tools/shared",
+    "tools/vprinter": "windows include src/catalogue src/opl src/ipc src/kwt tools/shared tools/http",
 }
 MAY_INCLUDE = {room: set(others.split()) | {room} for room, others in ROOMS.items()}
 # What a room may include of a lower one, where that is less than the whole of it.
-ONLY = {("src/catalogue", "src/opl"): {"vocabulary.h", "vocabulary.def"}}
+ONLY = {
+    ("src/catalogue", "src/opl"): {"vocabulary.h", "vocabulary.def"},
+    ("tools/kestrel", "tools/exporter"): {"exporter.h"},
+}
 
 # Of names between quotes or brackets, in the order of the search.
 SEARCHED = ("src", "include", "tools", "")

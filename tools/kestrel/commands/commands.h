@@ -33,6 +33,7 @@ void AddDiff(const tools::Command& app, Chosen& chosen);
 void AddDump(const tools::Command& app, Chosen& chosen);
 void AddRecord(const tools::Command& app, Chosen& chosen);
 void AddLog(const tools::Command& app, Chosen& chosen);
+void AddMetrics(const tools::Command& app, Chosen& chosen);
 void AddMonitor(const tools::Command& app, Chosen& chosen);
 void AddInstall(const tools::Command& app, Chosen& chosen);
 void AddRun(const tools::Command& app, Chosen& chosen);

@@ -1,6 +1,4 @@
 // kestrel setup: everything where the driver installer would put it.
-#include <windows.h>
-
 #include <fmt/core.h>
 
 #include <array>
@@ -9,6 +7,7 @@
 
 #include "kestrel/commands/commands.h"
 #include "kestrel/failure.h"
+#include "kestrel/installation/helpers.h"
 #include "kestrel/installation/product_configuration.h"
 #include "kestrel/installation/spooler.h"
 #include "kestrel/platform.h"
@@ -35,12 +34,6 @@ constexpr std::array<WrittenWords, 3> kWrittenWords = {{
 constexpr const char* kStatusMonitor = KESTREL_PRODUCT "MUI.exe";
 constexpr const char* kStatusMonitorEnding = "MUI.exe";
 
-fs::path OwnFolder() {
-    WCHAR path[MAX_PATH];
-    const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
-    return fs::path(std::basic_string_view<WCHAR>(path, length)).parent_path();
-}
-
 // `make` makes the new file. One in use is not written to but replaced; whoever runs it keeps the old one.
 template <typename Make>
 void Place(const fs::path& from, const fs::path& to, Make make) {
@@ -62,20 +55,10 @@ void Place(const fs::path& from, const fs::path& to, Make make) {
         {}};
 }
 
-// Beside this client, or in the folder of the programs that are started by programs. Empty when there is
-// none.
-fs::path FindStatusMonitor() {
-    std::error_code error;
-    for (const fs::path& folder : {OwnFolder(), OwnFolder() / KESTREL_HELPERS}) {
-        if (fs::exists(folder / kStatusMonitor, error)) return folder / kStatusMonitor;
-    }
-    return {};
-}
-
 // The library starts the program from the folder of the product configuration, by the name in it. Empty when
 // there is none to install.
 fs::path InstallStatusMonitor(const std::string& product) {
-    const fs::path source = FindStatusMonitor();
+    const fs::path source = FindHelper(kStatusMonitor);
     if (source.empty()) return {};
     const fs::path folder = ConfigurationPath(product).parent_path();
     fs::path program = folder / (product + kStatusMonitorEnding);

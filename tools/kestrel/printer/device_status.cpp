@@ -32,7 +32,7 @@ constexpr uint32_t kKnownLayout = 1;
 constexpr uint32_t kNoUpgrade = 0xFFFFFFFF;
 
 constexpr std::array<std::string_view, 5> kInkNames = {"black", "cyan", "magenta", "yellow", "photo"};
-constexpr std::array<std::string_view, 3> kInkStates = {"enough", "low", "empty"};
+constexpr std::array<std::string_view, 3> kInkStates = {kEnoughInk, "low", "empty"};
 
 struct StateWord {
     uint32_t state;
@@ -49,6 +49,7 @@ constexpr std::array<StateWord, 11> kStateWords = {{{0, "ready"},
                                                     {100, "offline"},
                                                     {101, "upgrading"},
                                                     {100000, "not-yet-known"}}};
+constexpr std::string_view kOtherState = "other";
 
 class RecordBytes final {
   public:
@@ -72,7 +73,7 @@ std::string_view WordOf(uint32_t state) {
     for (const StateWord& row : kStateWords) {
         if (row.state == state) return row.word;
     }
-    return "other";
+    return kOtherState;
 }
 
 StatusDetails ReadDetails(const RecordBytes& bytes) {
@@ -106,6 +107,14 @@ DeviceStatus ReadStatus(const DeviceStatusRecord& record) {
     if (bytes.Number(kBlockSize) == kWholeBlock && bytes.Number(kLayout) == kKnownLayout)
         status.details = ReadDetails(bytes);
     return status;
+}
+
+std::vector<std::string_view> StateWords() {
+    std::vector<std::string_view> words;
+    for (const StateWord& row : kStateWords)
+        words.push_back(row.word);
+    words.push_back(kOtherState);
+    return words;
 }
 
 DeviceStatus AskForStatus(const Library& library) {

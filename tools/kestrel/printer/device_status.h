@@ -14,6 +14,8 @@
 
 namespace cli {
 
+inline constexpr std::string_view kEnoughInk = "enough";
+
 struct InkLevel final {
     std::string_view name;
     uint32_t percent = 0;
@@ -40,6 +42,9 @@ struct DeviceStatus final {
 
 // Trusts nothing but the record's size.
 [[nodiscard]] DeviceStatus ReadStatus(const DeviceStatusRecord& record);
+
+// Every word that a state can have.
+[[nodiscard]] std::vector<std::string_view> StateWords();
 
 // Of the printer that is selected; starts the status monitor, and waits for a status that is not known yet,
 // up to 14 seconds. Throws the failure of the library's call.
