@@ -38,17 +38,20 @@ void OnUsb(const Told& told, const Reading& reading, Exposition& to) {
 }
 
 void ResponseTimes(const Told& told, const Reading& reading, Exposition& to) {
-    for (size_t i = 0; i < kQuestions.size(); ++i)
-        to.Sample(told.With("question", kQuestions[i]), reading.seconds[i]);
+    for (size_t i = 0; i < kQuestions.size(); ++i) {
+        if (reading.seconds[i] > 0) to.Sample(told.With("question", kQuestions[i]), reading.seconds[i]);
+    }
 }
 
 void Firmware(const Told& told, const Reading& reading, Exposition& to) {
-    to.Sample(told.With("firmware", reading.firmware.printer), 1);
+    if (!reading.firmware) return;
+    to.Sample(told.With("firmware", reading.firmware->printer), 1);
 }
 
 void FirmwareVersion(const Told& told, const Reading& reading, Exposition& to) {
-    to.Sample(told.With("part", "customer"), reading.firmware.customer);
-    to.Sample(told.With("part", "lagoon"), reading.firmware.lagoon);
+    if (!reading.firmware) return;
+    to.Sample(told.With("part", "customer"), reading.firmware->customer);
+    to.Sample(told.With("part", "lagoon"), reading.firmware->lagoon);
 }
 
 // Of a status record in the product's layout.
@@ -85,8 +88,12 @@ void Upgrade(const Told& told, const StatusDetails& details, Exposition& to) {
 
 // Of the asking itself, whether or not the printer answers.
 
+// The language monitor answers for a device that is switched off.
+constexpr std::string_view kOffline = "offline";
+
 void Up(const Told& told, Exposition& to) {
-    to.Sample(told.labels, told.snapshot.reading ? 1 : 0);
+    const auto& reading = told.snapshot.reading;
+    to.Sample(told.labels, reading && reading->status.word != kOffline ? 1 : 0);
 }
 
 void LastError(const Told& told, Exposition& to) {
@@ -124,7 +131,7 @@ using DetailRow = Row<const Told&, const StatusDetails&>;
 
 constexpr AnyRow kAskingRows[] = {
     {{"kestrel_up", Kind::Gauge, "Whether the printer answered when it was asked last."}, Up},
-    {{"kestrel_last_error", Kind::Info, "Why the printer did not answer when it was asked last."}, LastError},
+    {{"kestrel_last_error", Kind::Info, "What failed when the printer was asked last."}, LastError},
 };
 constexpr ReadingRow kReadingRows[] = {
     {{"kestrel_age_seconds", Kind::Gauge, "How old what is told of the printer is."}, Age},
@@ -147,7 +154,7 @@ constexpr DetailRow kDetailRows[] = {
 };
 constexpr AnyRow kSummedRows[] = {
     {{"kestrel_exchange_seconds", Kind::Histogram, "How long the printer's answers took."}, Responses},
-    {{"kestrel_errors", Kind::Counter, "How often the printer did not answer, by the reason."}, Errors},
+    {{"kestrel_errors", Kind::Counter, "How often something that was asked of the printer failed."}, Errors},
 };
 
 constexpr Family kBuild = {"kestrel_build", Kind::Info, "The client and the library that asks the printers."};
@@ -218,22 +225,6 @@ std::string MetricsText(Format format, const std::vector<Snapshot>& printers, co
         to.Sample({}, row.value(*program));
     }
     return std::move(to).Take();
-}
-
-std::vector<Family> AllFamilies() {
-    std::vector<Family> families;
-    const auto add = [&families](const auto& rows) {
-        for (const auto& row : rows)
-            families.push_back(row.family);
-    };
-    add(kAskingRows);
-    add(kReadingRows);
-    add(kDetailRows);
-    families.push_back(kBuild);
-    families.push_back(kPrinters);
-    add(kSummedRows);
-    add(kProgramRows);
-    return families;
 }
 
 }  // namespace cli::metrics

@@ -29,7 +29,4 @@ struct Versions final {
                                       const Versions& versions, const std::optional<ProgramFigures>& program,
                                       Clock::time_point now);
 
-/// For the documentation's table.
-[[nodiscard]] std::vector<Family> AllFamilies();
-
 }  // namespace cli::metrics

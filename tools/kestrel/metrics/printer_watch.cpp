@@ -24,6 +24,11 @@ double SecondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
+struct Round final {
+    std::optional<Reading> reading;
+    std::optional<Failure> failure;
+};
+
 }  // namespace
 
 void Responses::Add(double seconds) {
@@ -57,10 +62,11 @@ struct PrinterWatch::Shared final {
 
     static void Run(const std::shared_ptr<Shared>& shared);
     [[nodiscard]] bool WaitForRound();
-    [[nodiscard]] Reading ReadAll(std::optional<Printer>& printer);
+    [[nodiscard]] Round AskAll(std::optional<Printer>& printer);
+    void AskInto(Round& round, std::optional<Printer>& printer);
     template <typename Action>
     auto Timed(Question question, Reading& reading, const Action& act);
-    void Fail(const Failure& failure, bool ends);
+    void Keep(const Round& round, bool ends);
 };
 
 bool PrinterWatch::Shared::WaitForRound() {
@@ -82,21 +88,32 @@ auto PrinterWatch::Shared::Timed(Question question, Reading& reading, const Acti
     return answer;
 }
 
-Reading PrinterWatch::Shared::ReadAll(std::optional<Printer>& printer) {
+void PrinterWatch::Shared::AskInto(Round& round, std::optional<Printer>& printer) {
     if (!printer) printer.emplace(library, product, now.printer.name, timeoutMs);
     Reading reading;
     reading.status = Timed(Question::Status, reading, [&] { return AskDeviceStatus(*printer); });
-    reading.firmware =
-        Timed(Question::Firmware, reading, [&] { return ReadFirmwareVersions(library, timeoutMs); });
     reading.at = Clock::now();
-    return reading;
+    Reading& kept = round.reading.emplace(std::move(reading));
+    kept.firmware = Timed(Question::Firmware, kept, [&] { return ReadFirmwareVersions(library, timeoutMs); });
 }
 
-void PrinterWatch::Shared::Fail(const Failure& failure, bool ends) {
+Round PrinterWatch::Shared::AskAll(std::optional<Printer>& printer) {
+    Round round;
+    try {
+        AskInto(round, printer);
+    } catch (const Failure& failure) {
+        round.failure = failure;
+    } catch (const std::exception& fault) {
+        round.failure = Failure{ExitCode::OwnFault, fault.what(), {}, {}, {}, {}};
+    }
+    return round;
+}
+
+void PrinterWatch::Shared::Keep(const Round& round, bool ends) {
     const std::lock_guard lock(mutex);
-    now.reading.reset();
-    now.reason = ReasonOf(failure);
-    ++now.errors[*now.reason];
+    now.reading = round.reading;
+    now.reason.reset();
+    if (round.failure) ++now.errors[now.reason.emplace(ReasonOf(*round.failure))];
     wanted = false;
     running = !ends;
     changed.notify_all();
@@ -105,23 +122,12 @@ void PrinterWatch::Shared::Fail(const Failure& failure, bool ends) {
 void PrinterWatch::Shared::Run(const std::shared_ptr<Shared>& shared) {
     std::optional<Printer> printer;
     while (shared->WaitForRound()) {
-        try {
-            Reading reading = shared->ReadAll(printer);
-            const std::lock_guard lock(shared->mutex);
-            shared->now.reading = std::move(reading);
-            shared->now.reason.reset();
-            shared->wanted = false;
-            shared->changed.notify_all();
-        } catch (const Failure& failure) {
-            printer.reset();
-            // A request that was given up may lie in the channel; the end of the thread takes it back.
-            const bool ends = failure.exit == ExitCode::NoAnswer;
-            shared->Fail(failure, ends);
-            if (ends) return;
-        } catch (const std::exception& fault) {
-            printer.reset();
-            shared->Fail({ExitCode::OwnFault, fault.what(), {}, {}, {}, {}}, false);
-        }
+        const Round round = shared->AskAll(printer);
+        if (!round.reading) printer.reset();
+        // A request that was given up may lie in the channel; the end of the thread takes it back.
+        const bool ends = round.failure && round.failure->exit == ExitCode::NoAnswer;
+        shared->Keep(round, ends);
+        if (ends) return;
     }
 }
 
@@ -155,7 +161,7 @@ void PrinterWatch::Ask() {
     try {
         thread_ = std::thread([shared = shared_] { Shared::Run(shared); });
     } catch (const std::system_error& error) {
-        shared_->Fail({ExitCode::OwnFault, error.what(), {}, {}, {}, {}}, true);
+        shared_->Keep({{}, Failure{ExitCode::OwnFault, error.what(), {}, {}, {}, {}}}, true);
     }
 }
 

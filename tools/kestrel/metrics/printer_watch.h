@@ -35,10 +35,10 @@ struct Responses final {
     void Add(double seconds);
 };
 
-/// What one complete round of questions brought.
+/// What one round of questions brought. Without a status there is none: then the rest is not asked for.
 struct Reading final {
     DeviceStatus status;
-    FirmwareVersions firmware;
+    std::optional<FirmwareVersions> firmware;  // nothing while a printer is busy with an upgrade, for instance
     std::array<double, kQuestions.size()> seconds{};
     Clock::time_point at;
 };
@@ -55,7 +55,7 @@ struct Reason final {
 struct Snapshot final {
     InstalledPrinter printer;
     std::optional<Reading> reading;  // nothing while the printer does not answer
-    std::optional<Reason> reason;    // of the last round, when it failed
+    std::optional<Reason> reason;    // of the last round, when anything of it failed
     Responses responses;
     std::map<Reason, uint64_t> errors;
 };

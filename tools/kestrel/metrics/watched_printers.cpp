@@ -55,7 +55,8 @@ std::vector<Snapshot> WatchedPrinters::AskWithin(std::chrono::milliseconds patie
     const Clock::time_point start = Clock::now();
     std::vector<Snapshot> snapshots;
     for (const Watch& watch : AskAll()) {
-        const bool failed = watch->Look().reason.has_value();
+        const Snapshot last = watch->Look();
+        const bool failed = last.reason && !last.reading;
         watch->WaitUntil(start + (failed ? std::min(patience, kPatienceAfterFailure) : patience));
         snapshots.push_back(watch->Look());
     }

@@ -1,0 +1,140 @@
+// The text of the metrics: what every reader of it relies on.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kestrel/metrics/printer_metrics.h"
+
+namespace cli::metrics {
+namespace {
+
+constexpr Clock::time_point kNow{std::chrono::seconds(1000)};
+
+Snapshot Answering(const std::string& name) {
+    Snapshot snapshot;
+    snapshot.printer = {name, "USB001", "Workgroup", true};
+    Reading& reading = snapshot.reading.emplace();
+    reading.status = {2, "paper-jam", {}, true, StatusDetails{{}, {{"black", 7, "low"}}, 80, 100, true, false}};
+    reading.firmware = FirmwareVersions{417, 2209, "9900.2209"};
+    reading.seconds = {0.25, 0.5};
+    reading.at = kNow - std::chrono::seconds(3);
+    snapshot.responses.Add(0.25);
+    snapshot.responses.Add(7);
+    return snapshot;
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    for (size_t at = 0; at < text.size();) {
+        const size_t end = text.find('\n', at);
+        lines.push_back(text.substr(at, end - at));
+        at = end + 1;
+    }
+    return lines;
+}
+
+bool Has(const std::string& text, std::string_view line) {
+    const std::vector<std::string> lines = Lines(text);
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+TEST(Metrics, Names_of_people_stay_inside_of_their_quotes) {
+    EXPECT_EQ(LabelText("printer", "a\"b\\c\nd \xC3\xBC"), "printer=\"a\\\"b\\\\c\\nd \xC3\xBC\"");
+    const std::string text = MetricsText(Format::Prometheus, {Answering("x\"} 1\nevil{a=\"")}, {}, {}, kNow);
+    EXPECT_EQ(text.find("\nevil"), std::string::npos);
+}
+
+TEST(Metrics, A_printer_that_answers_tells_its_state_inks_trays_and_firmware) {
+    const std::string text = MetricsText(Format::Prometheus, {Answering("A")}, {"1.0.0", 5, "/lib"}, {}, kNow);
+    constexpr std::string_view kA = R"({printer="A",port="USB001",model="Workgroup")";
+    for (const auto& [name, rest] : std::vector<std::pair<std::string, std::string>>{
+             {"kestrel_up", "} 1"},
+             {"kestrel_age_seconds", "} 3"},
+             {"kestrel_state", R"(,state="paper-jam"} 1)"},
+             {"kestrel_state", R"(,state="ready"} 0)"},
+             {"kestrel_usb_connected", "} 1"},
+             {"kestrel_response_seconds", R"(,question="firmware"} 0.5)"},
+             {"kestrel_firmware_info", R"(,firmware="9900.2209"} 1)"},
+             {"kestrel_firmware_version", R"(,part="lagoon"} 417)"},
+             {"kestrel_ink_ratio", R"(,ink="black"} 0.07)"},
+             {"kestrel_ink_low", R"(,ink="black"} 1)"},
+             {"kestrel_tray_ratio", R"(,tray="upper"} 0.8)"},
+             {"kestrel_photo_tray_engaged", "} 1"},
+             {"kestrel_network_connected", "} 0"}}) {
+        std::string line = name;
+        line.append(kA).append(rest);
+        EXPECT_TRUE(Has(text, line)) << line << '\n' << text;
+    }
+    EXPECT_TRUE(Has(text, R"(kestrel_build_info{version="1.0.0",interface="5",library="/lib"} 1)"));
+    // A program that asks once has nothing to add up.
+    EXPECT_EQ(text.find("_total"), std::string::npos);
+    EXPECT_EQ(text.find("_bucket"), std::string::npos);
+}
+
+TEST(Metrics, A_printer_that_does_not_answer_is_down_and_tells_the_reason_alone) {
+    Snapshot dead;
+    dead.printer = {"B", "NET1", "Workgroup", true};
+    dead.reason = ReasonOf({ExitCode::NoAnswer, {}, {}, 0xE0000002, {}, {}});
+    ++dead.errors[*dead.reason];
+    const std::string text = MetricsText(Format::Prometheus, {dead}, {}, ProgramFigures{3, 1.5, 4096, 9}, kNow);
+    std::vector<std::string> ofPrinter;
+    for (const std::string& line : Lines(text)) {
+        if (line.find("printer=\"B\"") != std::string::npos && line.find("_exchange_") == std::string::npos)
+            ofPrinter.push_back(line);
+    }
+    const std::string labels = R"({printer="B",port="NET1",model="Workgroup")";
+    const std::string why = labels + R"(,code="0xE0000002",reason="no-answer"} 1)";
+    EXPECT_EQ(ofPrinter, (std::vector<std::string>{"kestrel_up" + labels + "} 0", "kestrel_last_error_info" + why,
+                                                   "kestrel_errors_total" + why}));
+    EXPECT_TRUE(Has(text, "kestrel_scrapes_total 3"));
+    EXPECT_EQ(ReasonOf({ExitCode::BadReply, {}, {}, {}, {}, {}}), (Reason{"none", "bad-reply"}));
+}
+
+// Its device is switched off, and the language monitor says so.
+TEST(Metrics, An_offline_printer_is_down_though_its_state_is_told) {
+    Snapshot offline = Answering("C");
+    offline.reading->status.word = "offline";
+    offline.reading->status.details.reset();
+    offline.reading->firmware.reset();
+    const std::string text = MetricsText(Format::Prometheus, {offline}, {}, {}, kNow);
+    EXPECT_TRUE(Has(text, R"(kestrel_up{printer="C",port="USB001",model="Workgroup"} 0)"));
+    EXPECT_TRUE(Has(text, R"(kestrel_state{printer="C",port="USB001",model="Workgroup",state="offline"} 1)"));
+    EXPECT_EQ(text.find("kestrel_ink_ratio{"), std::string::npos);
+}
+
+TEST(Metrics, Buckets_add_up_and_the_last_one_holds_all) {
+    Responses responses;
+    for (const double seconds : {0.0001, 0.00011, 5.0, 6.0})
+        responses.Add(seconds);
+    EXPECT_EQ(responses.counts.front(), 1u);
+    EXPECT_EQ(responses.counts[1], 1u);
+    EXPECT_EQ(responses.counts[responses.counts.size() - 2], 1u);
+    EXPECT_EQ(responses.counts.back(), 1u);
+    const std::string text = MetricsText(Format::OpenMetrics, {Answering("A")}, {}, ProgramFigures{}, kNow);
+    const std::string bucket = R"(kestrel_exchange_seconds_bucket{printer="A",port="USB001",model="Workgroup",le=)";
+    for (const char* const rest : {R"("0.1"} 0)", R"("0.5"} 1)", R"("1.0"} 1)", R"("5.0"} 1)", R"("+Inf"} 2)"})
+        EXPECT_TRUE(Has(text, bucket + rest)) << rest;
+}
+
+TEST(Metrics, Formats_differ_in_headings_and_end) {
+    const std::vector<Snapshot> printers = {Answering("A")};
+    const std::string plain = MetricsText(Format::Prometheus, printers, {}, ProgramFigures{}, kNow);
+    const std::string open = MetricsText(Format::OpenMetrics, printers, {}, ProgramFigures{}, kNow);
+    EXPECT_TRUE(Has(plain, "# TYPE kestrel_errors_total counter"));
+    EXPECT_TRUE(Has(open, "# TYPE kestrel_errors counter"));
+    EXPECT_TRUE(Has(plain, "# TYPE kestrel_build_info gauge"));
+    EXPECT_TRUE(Has(open, "# TYPE kestrel_build info"));
+    EXPECT_TRUE(open.ends_with("\n# EOF\n"));
+    EXPECT_FALSE(Has(plain, "# EOF"));
+    const auto samples = [](const std::string& text) {
+        std::vector<std::string> lines = Lines(text);
+        std::erase_if(lines, [](const std::string& line) { return line.starts_with('#'); });
+        return lines;
+    };
+    EXPECT_EQ(samples(plain), samples(open));
+}
+
+}  // namespace
+}  // namespace cli::metrics
