@@ -37,7 +37,7 @@ else()
   install(FILES README.md CHANGELOG.md SECURITY.md LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}")
   install(DIRECTORY docs/ DESTINATION "${CMAKE_INSTALL_DOCDIR}" FILES_MATCHING PATTERN "*.md" PATTERN "*.svg"
     PATTERN manual EXCLUDE PATTERN reference EXCLUDE)
-  install(DIRECTORY examples DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+  install(DIRECTORY examples fleet DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 
   string(TOLOWER "${KESTREL_PRODUCT}sdk.pc" pc)
   # The system's own folders are not moved; their plain names are left out of the compiler's options.
