@@ -1,5 +1,6 @@
 """Prometheus as a process, with the configuration of fleet/."""
 import json
+import os
 import pathlib
 import socket
 import subprocess
@@ -50,6 +51,9 @@ class Prometheus:
     def number(self, expression):
         found = self.query(expression)
         return float(found[0]["value"][1]) if found else None
+
+    def resident_bytes(self):
+        return int(pathlib.Path(f"/proc/{self.process.pid}/statm").read_text().split()[1]) * os.sysconf("SC_PAGE_SIZE")
 
     def stop(self):
         self.process.terminate()

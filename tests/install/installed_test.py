@@ -54,6 +54,9 @@ class Client(WithPrinter):
         self.assertIn(str(self.product.libraries), self.product.run("kestrel", "version"))
         self.product.run("kestrel", "-p", PRINTER, "status")
         self.product.run("kestrel", "monitor", "show")
+        # An address of nobody: its module says so.
+        with self.assertRaisesRegex(AssertionError, "the address is in use or not one of this computer"):
+            self.product.run("kestrel", "metrics", "--listen", "192.0.2.1:9750", "--token", self.product.write("token", "0" * 16))
         inf = ROOT / "tests/process/two_kinds.inf"
         self.product.run("kestrel", "install", "printer", "Second", inf, "Model 32", "USB001")
         self.assertIn("Second", self.product.run("kestrel", "printers"))
