@@ -45,8 +45,9 @@ class Context final {
     std::unique_ptr<Printer> printer_;
 };
 
-// How many printers a command can be used for at once.
-enum class Reach { OnePrinter, Several };
+// How many printers a command can be used for at once. It is called once for each of several; one that sees
+// to them itself is called once.
+enum class Reach { OnePrinter, Several, Itself };
 
 // The command that the arguments chose; its work runs after the whole line has been read, of a command for
 // several printers once for each, on threads of their own.

@@ -70,7 +70,7 @@ Meant PrintersMeant(const Chosen& chosen, const GlobalOptions& options) {
     const PrinterChoice own = chosen.prepare ? chosen.prepare() : PrinterChoice();
     const bool namesNone = options.printers.written.empty() && !options.printers.all;
     const PrinterChoice& choice = namesNone ? own : options.printers;
-    if (!choice.IsSeveral()) return {choice.written, false};
+    if (chosen.reach == Reach::Itself || !choice.IsSeveral()) return {choice.written, false};
     if (chosen.reach != Reach::Several) {
         throw UsageFailure(fmt::format("`kestrel {}` is for one printer", chosen.name),
                            "name one with --printer, without --all and patterns");

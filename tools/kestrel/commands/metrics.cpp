@@ -30,14 +30,9 @@ struct MetricsOptions {
     milliseconds patience{3000};
 };
 
-std::vector<InstalledPrinter> ChosenPrinters(const GlobalOptions& options) {
-    const std::vector<std::string> drivers = ConfiguredDrivers(options.product);
-    std::vector<InstalledPrinter> printers = InstalledPrinters();
-    std::erase_if(printers, [&](const InstalledPrinter& printer) {
-        return options.printer.empty() ? std::ranges::find(drivers, printer.driver) == drivers.end()
-                                       : printer.name != options.printer;
-    });
-    return printers;
+// Those that are installed at this moment: an exporter lives long.
+std::vector<InstalledPrinter> PrintersMeant(const GlobalOptions& options) {
+    return PrintersToWatch(options.printers, {InstalledPrinters(), ConfiguredDrivers(options.product)});
 }
 
 metrics::Versions VersionsOf(const Library& library) {
@@ -48,14 +43,14 @@ Report Once(Context& context, const MetricsOptions& options) {
     const GlobalOptions& global = context.Options();
     const Library& library = context.GetLibrary();
     metrics::WatchedPrinters watched(library, global.product, global.timeoutMs,
-                                     [&] { return ChosenPrinters(global); });
+                                     [&] { return PrintersMeant(global); });
     const std::vector<metrics::Snapshot> printers = [&] {
         const Waiting waiting("asking the printers", !global.json);
         return watched.Ask();
     }();
-    const std::string text = MetricsText(
-        options.format == "openmetrics" ? Format::OpenMetrics : Format::Prometheus, printers,
-        VersionsOf(library), {}, metrics::Clock::now());
+    const std::string text =
+        MetricsText(options.format == "openmetrics" ? Format::OpenMetrics : Format::Prometheus, printers,
+                    VersionsOf(library), {}, metrics::Clock::now());
     Report report;
     if (options.file.empty()) {
         report.text = text;
@@ -88,7 +83,7 @@ Report Serve(Context& context, const MetricsOptions& options) {
     const GlobalOptions& global = context.Options();
     const Library& library = context.GetLibrary();
     metrics::WatchedPrinters watched(library, global.product, global.timeoutMs,
-                                     [&] { return ChosenPrinters(global); });
+                                     [&] { return PrintersMeant(global); });
     std::atomic<uint64_t> scrapes = 0;
     const auto page = [&](Format format) {
         const std::vector<metrics::Snapshot> printers = watched.AskWithin(options.patience);
@@ -145,18 +140,21 @@ void AddMetrics(const tools::Command& app, Chosen& chosen) {
                                      .ShowsDefault();
     DeclareServing(command, options, file, format);
     command.Note(
-        "All printers of the product are asked at the same time, or the one of --printer. One that does not "
+        "All printers of the product are asked at the same time, or those of --printer. One that does not "
         "answer is no failure: its kestrel_up is 0.");
     command.Note(
         "A file is replaced whole and may be read by every account, for node_exporter's textfile collector. "
-        "An exporter asks at each scrape, each printer once at a time, and tells of a slow one what it knows, "
+        "An exporter asks at each scrape, each printer once at a time, and tells of a slow one what it "
+        "knows, "
         "with its age.");
     command.Example("kestrel metrics -o /var/lib/prometheus/node-exporter/kestrel.prom");
     command.Example("kestrel metrics --listen 127.0.0.1:9750");
     command.OnUse([&chosen, options] {
-        chosen = {"metrics", [options](Context& context) {
+        chosen = {"metrics",
+                  [options](Context& context) {
                       return options->listen ? Serve(context, *options) : Once(context, *options);
-                  }};
+                  },
+                  Reach::Itself};
     });
 }
 

@@ -28,6 +28,10 @@ Failure NothingFound(std::string text, const Installed& installed) {
             {}};
 }
 
+bool IsProducts(const InstalledPrinter& printer, const Installed& installed) {
+    return std::ranges::find(installed.drivers, printer.driver) != installed.drivers.end();
+}
+
 }  // namespace
 
 bool PrinterChoice::IsSeveral() const {
@@ -65,11 +69,21 @@ std::vector<std::string> ChosenPrinters(const PrinterChoice& choice, const Insta
     }
     if (choice.all) {
         for (const InstalledPrinter& printer : installed.printers)
-            if (std::ranges::find(installed.drivers, printer.driver) != installed.drivers.end())
-                add(printer.name);
+            if (IsProducts(printer, installed)) add(printer.name);
         if (names.empty()) throw NothingFound("no installed printer uses a driver of the product", installed);
     }
     return names;
+}
+
+std::vector<InstalledPrinter> PrintersToWatch(const PrinterChoice& choice, const Installed& installed) {
+    const bool wantsProducts = choice.all || choice.written.empty();
+    std::vector<InstalledPrinter> printers;
+    for (const InstalledPrinter& printer : installed.printers) {
+        const auto isThis = [&printer](const std::string& written) { return IsMeant(printer.name, written); };
+        if ((wantsProducts && IsProducts(printer, installed)) || std::ranges::any_of(choice.written, isThis))
+            printers.push_back(printer);
+    }
+    return printers;
 }
 
 }  // namespace cli

@@ -34,4 +34,8 @@ struct Installed final {
 [[nodiscard]] std::vector<std::string> ChosenPrinters(const PrinterChoice& choice,
                                                       const Installed& installed);
 
+// For whoever watches: the installed ones among those that are meant; nothing written means the product's.
+[[nodiscard]] std::vector<InstalledPrinter> PrintersToWatch(const PrinterChoice& choice,
+                                                            const Installed& installed);
+
 }  // namespace cli
