@@ -111,4 +111,38 @@ TEST_F(Fleet, Differences_are_told_between_printers_dumps_and_wanted_files) {
     EXPECT_EQ(0, RunClient({"diff", dump, "Q"}).code);
 }
 
+TEST_F(Fleet, Changes_are_told_as_they_come_and_once_that_a_printer_is_gone_or_back) {
+    StartPrinter("[]", {"--port", "USB002"});
+    ChildProcess watch({KESTREL_CLIENT, "--json", "-p", "P", "-p", "Q", "--timeout", "300ms", "watch",
+                        "fax.redials", "--interval", "50ms", "--for", "1m"});
+    const auto next = [&watch] { return tools::Json::Parse(watch.ReadLine().value_or("{}")); };
+    // The first change is seen only by who has looked before.
+    std::string seen;
+    for (int value = 4; value < 60 && seen.empty(); ++value) {
+        RunClient({"-p", "P", "set", "fax.redials", std::to_string(value)});
+        seen = watch.ReadLine(milliseconds(200)).value_or("");
+    }
+    const tools::Json change = tools::Json::Parse(seen);
+    EXPECT_EQ("P", change.At("printer").Text());
+    EXPECT_EQ("fax.redials", change.At("key").Text());
+
+    printer_.Kill();
+    printer_.Wait();
+    printer_ = ChildProcess();
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(false, next().At("answers"));
+    StartPrinter("[]", {"--port", "USB002"});
+    int back = 0;
+    while (back < 2) {
+        const tools::Json line = next();
+        ASSERT_NE(nullptr, line.Find("printer"));
+        back += line.Find("answers") != nullptr ? 1 : 0;
+    }
+    RunClient({"-p", "Q", "set", "fax.redials", "9"});
+    tools::Json last = next();
+    while (last.Find("new") != nullptr && last.At("printer").Text() != "Q")
+        last = next();
+    EXPECT_EQ("9", last.At("new").Text());
+}
+
 }  // namespace

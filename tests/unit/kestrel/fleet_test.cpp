@@ -9,6 +9,7 @@
 #include "kestrel/fleet/choice.h"
 #include "kestrel/fleet/differences.h"
 #include "kestrel/fleet/each_printer.h"
+#include "kestrel/fleet/sight.h"
 #include "kestrel/fleet/wanted_state.h"
 #include "kestrel/settings/settings.h"
 #include "sections.h"
@@ -126,6 +127,30 @@ TEST(FleetThreads, Work_for_so_many_printers_at_a_time_and_report_in_their_order
         EXPECT_EQ(printers[i], reports[i].report.text);
     EXPECT_EQ(4, most);
     EXPECT_EQ(printers.size(), steps);
+}
+
+TEST(FleetSight, Tells_changes_and_once_that_a_printer_is_gone_or_back) {
+    const cli::Sight gone{false, "no answer", {}};
+    const auto told = [](int redials) {
+        return cli::Sight{true, {}, {{"fax.redials", std::to_string(redials)}, {"fax.rings", "4"}}};
+    };
+    cli::KnownPrinter known;
+    const auto learn = [&known](const cli::Sight& sight) {
+        std::string text;
+        for (const cli::SightEvent& event : known.Learn(sight))
+            text += event.key.empty() ? (event.answers ? "back;" : "gone: " + event.now + ";")
+                                      : event.key + " " + event.old + ">" + event.now + ";";
+        return text;
+    };
+    EXPECT_EQ("gone: no answer;", learn(gone));
+    EXPECT_EQ("", learn(gone));
+    EXPECT_EQ("back;", learn(told(3)));
+    EXPECT_EQ("", learn(told(3)));
+    EXPECT_EQ("fax.redials 3>5;", learn(told(5)));
+    EXPECT_EQ("gone: no answer;", learn(gone));
+    EXPECT_EQ("back;fax.redials 5>6;", learn(told(6)));
+    cli::KnownPrinter other;
+    EXPECT_TRUE(other.Learn(told(3)).empty()) << "nothing is told of what is found at first";
 }
 
 }  // namespace

@@ -17,6 +17,7 @@ struct Report final {
     tools::Json data = tools::Json::EmptyObject();  // fields of the JSON document
     std::optional<Failure> failure;
     bool gaveUp = false;  // a request of its own may lie unread in the channel
+    bool isTold = false;  // the command has written its results itself, as they came
     // Without a failure: what the command ends with, such as the end of a program that it ran.
     int exitStatus = 0;
 };
