@@ -1,5 +1,5 @@
-// The module that serves metrics over HTTP, which the client loads only when it is to listen: loading the HTTP
-// library takes longer than a whole command of the client. Both are of one release.
+// The module that serves metrics over HTTP, which the client loads only when it is to listen: loading the
+// HTTP library takes longer than a whole command of the client. Both are of one release.
 #pragma once
 
 #include <functional>
@@ -14,7 +14,7 @@ enum class Format { Prometheus, OpenMetrics };
 
 struct Setup final {
     http::Address address;
-    std::string token;                         // what visitors must know; empty for none
+    std::string token;                        // what visitors must know; empty for none
     std::function<std::string(Format)> page;  // called by several threads at a time
 };
 

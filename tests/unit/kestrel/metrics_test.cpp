@@ -16,7 +16,8 @@ Snapshot Answering(const std::string& name) {
     Snapshot snapshot;
     snapshot.printer = {name, "USB001", "Workgroup", true};
     Reading& reading = snapshot.reading.emplace();
-    reading.status = {2, "paper-jam", {}, true, StatusDetails{{}, {{"black", 7, "low"}}, 80, 100, true, false}};
+    reading.status = {
+        2, "paper-jam", {}, true, StatusDetails{{}, {{"black", 7, "low"}}, 80, 100, true, false}};
     reading.firmware = FirmwareVersions{417, 2209, "9900.2209"};
     reading.seconds = {0.25, 0.5};
     reading.at = kNow - std::chrono::seconds(3);
@@ -47,7 +48,8 @@ TEST(Metrics, Names_of_people_stay_inside_of_their_quotes) {
 }
 
 TEST(Metrics, A_printer_that_answers_tells_its_state_inks_trays_and_firmware) {
-    const std::string text = MetricsText(Format::Prometheus, {Answering("A")}, {"1.0.0", 5, "/lib"}, {}, kNow);
+    const std::string text =
+        MetricsText(Format::Prometheus, {Answering("A")}, {"1.0.0", 5, "/lib"}, {}, kNow);
     constexpr std::string_view kA = R"({printer="A",port="USB001",model="Workgroup")";
     for (const auto& [name, rest] : std::vector<std::pair<std::string, std::string>>{
              {"kestrel_up", "} 1"},
@@ -78,7 +80,8 @@ TEST(Metrics, A_printer_that_does_not_answer_is_down_and_tells_the_reason_alone)
     dead.printer = {"B", "NET1", "Workgroup", true};
     dead.reason = ReasonOf({ExitCode::NoAnswer, {}, {}, 0xE0000002, {}, {}});
     ++dead.errors[*dead.reason];
-    const std::string text = MetricsText(Format::Prometheus, {dead}, {}, ProgramFigures{3, 1.5, 4096, 9}, kNow);
+    const std::string text =
+        MetricsText(Format::Prometheus, {dead}, {}, ProgramFigures{3, 1.5, 4096, 9}, kNow);
     std::vector<std::string> ofPrinter;
     for (const std::string& line : Lines(text)) {
         if (line.find("printer=\"B\"") != std::string::npos && line.find("_exchange_") == std::string::npos)
@@ -86,8 +89,9 @@ TEST(Metrics, A_printer_that_does_not_answer_is_down_and_tells_the_reason_alone)
     }
     const std::string labels = R"({printer="B",port="NET1",model="Workgroup")";
     const std::string why = labels + R"(,code="0xE0000002",reason="no-answer"} 1)";
-    EXPECT_EQ(ofPrinter, (std::vector<std::string>{"kestrel_up" + labels + "} 0", "kestrel_last_error_info" + why,
-                                                   "kestrel_errors_total" + why}));
+    EXPECT_EQ(ofPrinter,
+              (std::vector<std::string>{"kestrel_up" + labels + "} 0", "kestrel_last_error_info" + why,
+                                        "kestrel_errors_total" + why}));
     EXPECT_TRUE(Has(text, "kestrel_scrapes_total 3"));
     EXPECT_EQ(ReasonOf({ExitCode::BadReply, {}, {}, {}, {}, {}}), (Reason{"none", "bad-reply"}));
 }
@@ -113,8 +117,10 @@ TEST(Metrics, Buckets_add_up_and_the_last_one_holds_all) {
     EXPECT_EQ(responses.counts[responses.counts.size() - 2], 1u);
     EXPECT_EQ(responses.counts.back(), 1u);
     const std::string text = MetricsText(Format::OpenMetrics, {Answering("A")}, {}, ProgramFigures{}, kNow);
-    const std::string bucket = R"(kestrel_exchange_seconds_bucket{printer="A",port="USB001",model="Workgroup",le=)";
-    for (const char* const rest : {R"("0.1"} 0)", R"("0.5"} 1)", R"("1.0"} 1)", R"("5.0"} 1)", R"("+Inf"} 2)"})
+    const std::string bucket =
+        R"(kestrel_exchange_seconds_bucket{printer="A",port="USB001",model="Workgroup",le=)";
+    for (const char* const rest :
+         {R"("0.1"} 0)", R"("0.5"} 1)", R"("1.0"} 1)", R"("5.0"} 1)", R"("+Inf"} 2)"})
         EXPECT_TRUE(Has(text, bucket + rest)) << rest;
 }
 

@@ -6,7 +6,8 @@
 
 namespace cli {
 
-// Beside this client, or in the folder of the programs that are started by programs. Empty when there is none.
+// Beside this client, or in the folder of the programs that are started by programs. Empty when there is
+// none.
 [[nodiscard]] std::filesystem::path FindHelper(std::string_view name);
 
 }  // namespace cli

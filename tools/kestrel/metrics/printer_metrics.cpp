@@ -136,7 +136,8 @@ constexpr AnyRow kAskingRows[] = {
 constexpr ReadingRow kReadingRows[] = {
     {{"kestrel_age_seconds", Kind::Gauge, "How old what is told of the printer is."}, Age},
     {{"kestrel_state", Kind::Gauge, "1 for the state that the printer is in, 0 for every other."}, State},
-    {{"kestrel_usb_connected", Kind::Gauge, "Whether the printer is on a USB port, not on a network."}, OnUsb},
+    {{"kestrel_usb_connected", Kind::Gauge, "Whether the printer is on a USB port, not on a network."},
+     OnUsb},
     {{"kestrel_response_seconds", Kind::Gauge, "How long the last answer took, by what was asked."},
      ResponseTimes},
     {{"kestrel_firmware", Kind::Info, "The printer's own name of its firmware."}, Firmware},

@@ -14,9 +14,9 @@ struct ReasonWord {
     std::string_view word;
 };
 constexpr std::array kReasonWords = {
-    ReasonWord{ExitCode::DeviceRefused, "refused"},   ReasonWord{ExitCode::NoPrinter, "no-printer"},
-    ReasonWord{ExitCode::NoAnswer, "no-answer"},      ReasonWord{ExitCode::Locked, "locked"},
-    ReasonWord{ExitCode::ValueRefused, "bad-reply"},  ReasonWord{ExitCode::BadReply, "bad-reply"},
+    ReasonWord{ExitCode::DeviceRefused, "refused"},  ReasonWord{ExitCode::NoPrinter, "no-printer"},
+    ReasonWord{ExitCode::NoAnswer, "no-answer"},     ReasonWord{ExitCode::Locked, "locked"},
+    ReasonWord{ExitCode::ValueRefused, "bad-reply"}, ReasonWord{ExitCode::BadReply, "bad-reply"},
     ReasonWord{ExitCode::OwnFault, "not-installed"},
 };
 
@@ -39,8 +39,7 @@ void Responses::Add(double seconds) {
 
 Reason ReasonOf(const Failure& failure) {
     const auto* const row = std::ranges::find(kReasonWords, failure.exit, &ReasonWord::exit);
-    return {failure.code ? CodeText(*failure.code) : "none",
-            row == kReasonWords.end() ? "other" : row->word};
+    return {failure.code ? CodeText(*failure.code) : "none", row == kReasonWords.end() ? "other" : row->word};
 }
 
 struct PrinterWatch::Shared final {

@@ -38,7 +38,8 @@ struct Responses final {
 /// What one round of questions brought. Without a status there is none: then the rest is not asked for.
 struct Reading final {
     DeviceStatus status;
-    std::optional<FirmwareVersions> firmware;  // nothing while a printer is busy with an upgrade, for instance
+    std::optional<FirmwareVersions>
+        firmware;  // nothing while a printer is busy with an upgrade, for instance
     std::array<double, kQuestions.size()> seconds{};
     Clock::time_point at;
 };

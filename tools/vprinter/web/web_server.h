@@ -18,7 +18,8 @@ class WebServer final {
   public:
     /// Listens, and serves on threads of its own. `token`: what visitors must know, empty for none. The two
     /// others outlive it. Throws a UserError when the address cannot be had.
-    WebServer(const http::Address& address, const std::string& token, const api::Api& api, api::Traffic& traffic);
+    WebServer(const http::Address& address, const std::string& token, const api::Api& api,
+              api::Traffic& traffic);
     WebServer(const WebServer&) = delete;
     WebServer& operator=(const WebServer&) = delete;
     /// Ends what is under way, and returns when all of its threads have ended.

@@ -48,7 +48,8 @@ httplib::Headers Headers() {
 
 class WebServer::Implementation final {
   public:
-    Implementation(http::Address address, const std::string& token, const api::Api& api, api::Traffic& traffic)
+    Implementation(http::Address address, const std::string& token, const api::Api& api,
+                   api::Traffic& traffic)
         : api_(api), traffic_(traffic), address_(std::move(address)) {
         SetUp();
         server_.Bind(address_, "--web");
