@@ -8,10 +8,12 @@ kestrel_installed_in("${KESTREL_HELPERDIR}" kestrel_statusmon)
 # A copy of it lies beside the product configuration, with a link to its library.
 set_property(TARGET kestrel_statusmon APPEND PROPERTY INSTALL_RPATH "$ORIGIN")
 install(TARGETS kestrel_statusmon RUNTIME DESTINATION "${KESTREL_HELPERDIR}")
-if(KESTREL_WEB)
-  kestrel_installed_in("${KESTREL_HELPERDIR}" kestrel-exporter)
-  install(TARGETS kestrel-exporter LIBRARY DESTINATION "${KESTREL_HELPERDIR}")
-endif()
+foreach(module exporter top)
+  if(TARGET kestrel-${module})
+    kestrel_installed_in("${KESTREL_HELPERDIR}" kestrel-${module})
+    install(TARGETS kestrel-${module} LIBRARY DESTINATION "${KESTREL_HELPERDIR}")
+  endif()
+endforeach()
 kestrel_installed_in("${CMAKE_INSTALL_LIBDIR}" kestrel_sdk)
 install(TARGETS kestrel_sdk EXPORT KestrelSDK
   RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"

@@ -89,11 +89,11 @@ void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chose
     DeclareGlobalOptions(app, options);
 
     constexpr std::array kCommands = {
-        AddSetup,   AddPrinters,    AddStatus, AddGet,      AddSet,          AddList,     AddAddressBook,
-        AddRaw,     AddMaintenance, AddLock,   AddUnlock,   AddCancel,       AddCache,    AddWifi,
-        AddPing,    AddHosts,       AddClock,  AddFirmware, AddCapabilities, AddIdentity, AddSupplies,
-        AddMetrics, AddApply,       AddDiff,   AddWatch,    AddDump,         AddRecord,   AddLog,
-        AddMonitor, AddInstall,     AddRun,    AddVersion,  AddCompletion,   AddComplete};
+        AddSetup,   AddPrinters,    AddStatus,  AddGet,      AddSet,          AddList,       AddAddressBook,
+        AddRaw,     AddMaintenance, AddLock,    AddUnlock,   AddCancel,       AddCache,      AddWifi,
+        AddPing,    AddHosts,       AddClock,   AddFirmware, AddCapabilities, AddIdentity,   AddSupplies,
+        AddMetrics, AddApply,       AddDiff,    AddWatch,    AddTop,          AddDump,       AddRecord,
+        AddLog,     AddMonitor,     AddInstall, AddRun,      AddVersion,      AddCompletion, AddComplete};
     for (const auto add : kCommands)
         add(app, chosen);
 }

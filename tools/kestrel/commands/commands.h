@@ -30,6 +30,7 @@ void AddIdentity(const tools::Command& app, Chosen& chosen);
 void AddSupplies(const tools::Command& app, Chosen& chosen);
 void AddApply(const tools::Command& app, Chosen& chosen);
 void AddDiff(const tools::Command& app, Chosen& chosen);
+void AddTop(const tools::Command& app, Chosen& chosen);
 void AddWatch(const tools::Command& app, Chosen& chosen);
 void AddDump(const tools::Command& app, Chosen& chosen);
 void AddRecord(const tools::Command& app, Chosen& chosen);

@@ -1,44 +1,22 @@
-// A module stays loaded: the process ends without unloading anything.
+// What a system tells a process of itself.
 #include "kestrel/metrics/exporter_module.h"
 
-#include <dlfcn.h>
-#include <fmt/core.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <filesystem>
 #include <fstream>
 
 #include "kestrel/failure.h"
-#include "kestrel/installation/helpers.h"
+#include "kestrel/installation/module.h"
 
 namespace cli::metrics {
 namespace {
-
-constexpr const char* kModule = "kestrel-exporter.so";
 
 const auto kStart = std::chrono::system_clock::now();
 
 double Seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-}
-
-exporter::BeginFunction* LoadModule() {
-    const std::filesystem::path path = FindHelper(kModule);
-    void* const module = path.empty() ? nullptr : dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (module != nullptr) {
-        if (void* const begin = dlsym(module, exporter::kBeginName))
-            return reinterpret_cast<exporter::BeginFunction*>(begin);
-    }
-    throw Failure{ExitCode::OwnFault,
-                  path.empty()
-                      ? fmt::format("there is no {} beside this program or in its folder of helpers", kModule)
-                      : fmt::format("cannot load the exporter: {}", dlerror()),
-                  "install the package kestrel-tools whole, or build with libcpp-httplib-dev (KESTREL_WEB)",
-                  {},
-                  {},
-                  {}};
 }
 
 }  // namespace
@@ -48,7 +26,8 @@ bool CanServe() {
 }
 
 std::unique_ptr<exporter::Exporter> BeginExporter(const exporter::Setup& setup) {
-    exporter::BeginFunction* const begin = LoadModule();
+    auto* const begin = reinterpret_cast<exporter::BeginFunction*>(
+        FindInModule("kestrel-exporter.so", exporter::kBeginName, "libcpp-httplib-dev (KESTREL_WEB)"));
     std::string problem;
     std::unique_ptr<exporter::Exporter> exporter(begin(setup, problem));
     if (!exporter) throw UsageFailure(problem, {});

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <tuple>
 
 #include "kestrel/installation/spooler.h"
 #include "kestrel/printer/device_facts.h"
@@ -49,7 +50,10 @@ struct Reason final {
     std::string code;  // of the library or the system; "none" for a failure without one
     std::string_view word;
 
-    auto operator<=>(const Reason&) const = default;
+    bool operator==(const Reason&) const = default;
+    bool operator<(const Reason& other) const {
+        return std::tie(code, word) < std::tie(other.code, other.word);
+    }
 };
 [[nodiscard]] Reason ReasonOf(const Failure& failure);
 

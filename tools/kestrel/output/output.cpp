@@ -17,8 +17,7 @@ namespace {
 constexpr int kDocumentVersion = 1;
 
 bool ColourWanted(std::FILE* stream, bool noColour) {
-    const char* const refused = std::getenv("NO_COLOR");
-    return !noColour && (refused == nullptr || *refused == '\0') && tools::IsTerminal(stream);
+    return AreColoursWanted(noColour) && tools::IsTerminal(stream);
 }
 
 const char* EscapeSequence(Colour colour) {
@@ -101,6 +100,10 @@ std::string Paint::operator()(Colour colour, std::string_view text) const {
     return enabled_ ? fmt::format("{}{}\x1b[0m", EscapeSequence(colour), text) : std::string(text);
 }
 
+bool AreColoursWanted(bool noColour) {
+    const char* const refused = std::getenv("NO_COLOR");
+    return !noColour && (refused == nullptr || *refused == '\0');
+}
 Paint PaintForResults(bool noColour) {
     return Paint(ColourWanted(stdout, noColour));
 }

@@ -40,6 +40,8 @@ class Paint final {
     bool enabled_;
 };
 
+// Whether people have not asked to be spared colours (--no-color, NO_COLOR).
+[[nodiscard]] bool AreColoursWanted(bool noColour);
 // Colours are for terminals, and for people who have not asked to be spared (--no-color, NO_COLOR).
 [[nodiscard]] Paint PaintForResults(bool noColour);
 [[nodiscard]] Paint PaintForErrors(bool noColour);
