@@ -76,7 +76,7 @@ WantedState ReadLines(std::string_view text, const std::string& name) {
 }
 
 // As a person writes it.
-std::string Written(const tools::Json& value) {
+std::string AsWritten(const tools::Json& value) {
     if (value.IsText()) return value.Text();
     if (value.IsFlag()) return value.Flag() ? "yes" : "no";
     if (value.IsInteger()) return value.Dump();
@@ -85,7 +85,7 @@ std::string Written(const tools::Json& value) {
 
 void ReadSettings(WantedPart& part, const tools::Json& settings, const std::string& name) {
     for (const auto& [key, value] : settings.Members())
-        Want(part, name, key, Written(value));
+        Want(part, name, key, AsWritten(value));
 }
 
 // Of a dump what can be set again is wanted: it says more than that.
@@ -98,7 +98,7 @@ void ReadDump(WantedState& state, const tools::Json& document, const std::string
         if (!row.CanWrite() || isMasked || value.IsObject())
             ++state.leftOut;
         else
-            Want(part, name, key, Written(value));
+            Want(part, name, key, AsWritten(value));
     }
 }
 
