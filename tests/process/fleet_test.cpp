@@ -56,6 +56,9 @@ TEST_F(Fleet, Is_brought_to_a_wanted_state_once) {
     std::vector<std::string> dry = apply;
     dry.emplace_back("--dry-run");
     EXPECT_EQ(kDifferent, RunClient(dry).code);
+    std::vector<std::string> withDead = {"-p", "Dead", "--timeout", "200ms"};
+    withDead.insert(withDead.begin(), dry.begin(), dry.end());
+    EXPECT_EQ(4, RunClient(withDead).code) << "differences elsewhere do not hide it";
     EXPECT_EQ("3\n", Value("P", "fax.redials")) << "nothing was changed";
     const ProgramResult first = RunClient(apply);
     EXPECT_EQ(0, first.code);
@@ -89,6 +92,30 @@ TEST_F(Fleet, A_refused_value_ends_the_work_for_its_printer_and_can_take_the_oth
     EXPECT_EQ("fax.redials", back.At("putBack").Items().front().Text());
     EXPECT_NE(std::string::npos, back.At("error").At("text").Text().find("could not be put back: fax.rings"));
     EXPECT_EQ("3\n", Value("P", "fax.redials"));
+}
+
+TEST_F(Fleet, A_printer_that_falls_silent_is_not_asked_to_put_back_each_setting) {
+    StartPrinter(R"([{"match":"DeviceSettings.*=*","skip":2,"lost":true}])");
+    const std::string wanted =
+        File("w.txt", "fax.redials = 5\nfax.rings = 2\nfax.backup = no\nfax.mode = Fine_Color\n");
+    const std::string record = (home_ / "r.jsonl").string();
+    const ProgramResult result = RunClient({"record", record, "--", KESTREL_CLIENT, "-p", "P", "--timeout",
+                                            "300ms", "--json", "apply", wanted, "--rollback"});
+    EXPECT_EQ(4, result.code);
+    const tools::Json document = tools::Json::Parse(result.output);
+    EXPECT_EQ(nullptr, document.Find("putBack"));
+    EXPECT_NE(std::string::npos, document.At("error").At("text").Text().find(
+                                     "could not be put back: fax.backup, fax.rings, fax.redials"));
+    std::istringstream lines(FileText(record));
+    std::vector<std::string> sent;
+    for (std::string line; std::getline(lines, line);) {
+        const tools::Json exchange = tools::Json::Parse(line);
+        const tools::Json* const request = exchange.Find("request");
+        if (request != nullptr && request->Text().starts_with("DeviceSettings.") &&
+            request->Text().find('=') != std::string::npos)
+            sent.push_back(request->Text());
+    }
+    EXPECT_EQ(4u, sent.size()) << "two that were made, one that was lost, and once to put it back";
 }
 
 TEST_F(Fleet, Differences_are_told_between_printers_dumps_and_wanted_files) {

@@ -75,6 +75,9 @@ TEST(FleetWanted, Is_read_in_each_form_for_each_printer_or_refused_with_its_plac
         const std::string seen = WantedOf(file, given.substr(0, blank));
         EXPECT_TRUE(seen.starts_with(expected)) << seen;
     }
+    EXPECT_EQ("fax.redials=5", WantedOf("\xEF\xBB\xBF"
+                                        "fax.redials = 5\r\n",
+                                        "P"));
 }
 
 TEST(FleetWanted, Takes_of_a_dump_what_can_be_set_again) {

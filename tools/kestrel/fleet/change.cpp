@@ -15,17 +15,26 @@ void SetAndVerify(const Printer& printer, const catalogue::Row& row, const Value
                        "choose a value that the printer supports");
 }
 
-// The last one first. One that cannot be put back keeps nobody from the others.
+// In a row; then the printer is not asked for the rest, which would each cost a time-out.
+constexpr int kMostSilences = 2;
+
+// The last one first. One that cannot be put back keeps nobody from the others, unless the printer is silent.
 void PutBack(const Printer& printer, ChangeResult& result, size_t touched) {
     std::string stays;
+    int silences = result.failure->exit == ExitCode::NoAnswer ? 1 : 0;
     while (touched-- > 0) {
         const SettingChange& change = result.changes[touched];
         try {
-            SetAndVerify(printer, *change.row, change.old);
-            result.putBack.push_back(change.row);
-        } catch (const Failure&) {
-            stays += (stays.empty() ? "" : ", ") + std::string(change.row->name);
+            if (silences < kMostSilences) {
+                SetAndVerify(printer, *change.row, change.old);
+                silences = 0;
+                result.putBack.push_back(change.row);
+                continue;
+            }
+        } catch (const Failure& failure) {
+            silences = failure.exit == ExitCode::NoAnswer ? silences + 1 : 0;
         }
+        stays += (stays.empty() ? "" : ", ") + std::string(change.row->name);
     }
     if (!stays.empty()) result.failure->text += "; could not be put back: " + stays;
 }

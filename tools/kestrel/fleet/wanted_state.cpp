@@ -8,6 +8,7 @@
 #include "kestrel/failure.h"
 #include "kestrel/fleet/choice.h"
 #include "kestrel/settings/settings.h"
+#include "kestrel/text/text.h"
 #include "shared/file.h"
 #include "shared/json.h"
 
@@ -146,7 +147,8 @@ std::vector<WantedSetting> WantedState::For(const std::string& printer) const {
     return wanted;
 }
 
-WantedState ParseWantedState(std::string_view text, const std::string& name) {
+WantedState ParseWantedState(std::string_view written, const std::string& name) {
+    const std::string_view text = WithoutByteOrderMark(written);
     const size_t first = text.find_first_not_of(" \t\r\n");
     const bool isJson = first != std::string_view::npos && text[first] == '{';
     return isJson ? ReadJson(text, name) : ReadLines(text, name);

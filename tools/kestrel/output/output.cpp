@@ -42,7 +42,11 @@ int ExitStatus(const Report& report) {
     return report.failure ? static_cast<int>(report.failure->exit) : report.exitStatus;
 }
 
+// A difference at one printer must not hide that another did not answer.
 int ExitStatus(const std::vector<PrinterReport>& reports) {
+    const auto failed = std::ranges::find_if(
+        reports, [](const PrinterReport& printer) { return printer.report.failure.has_value(); });
+    if (failed != reports.end()) return ExitStatus(failed->report);
     const auto first = std::ranges::find_if(
         reports, [](const PrinterReport& printer) { return ExitStatus(printer.report) != 0; });
     return first == reports.end() ? 0 : ExitStatus(first->report);

@@ -6,17 +6,14 @@
 #include <algorithm>
 
 #include "kestrel/failure.h"
+#include "kestrel/text/text.h"
 
 namespace cli {
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
 class CsvReader final {
   public:
-    explicit CsvReader(std::string_view text) : rest_(text) {
-        if (rest_.starts_with(kByteOrderMark)) rest_.remove_prefix(kByteOrderMark.size());
-    }
+    explicit CsvReader(std::string_view text) : rest_(WithoutByteOrderMark(text)) {}
 
     std::vector<CsvRow> Read() {
         std::vector<CsvRow> rows;

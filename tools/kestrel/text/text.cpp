@@ -57,6 +57,11 @@ bool GlobMatches(std::string_view pattern, std::string_view text) {
     return firstMatches && GlobMatches(pattern.substr(1), text.substr(1));
 }
 
+std::string_view WithoutByteOrderMark(std::string_view text) {
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";
+    return text.starts_with(kMark) ? text.substr(kMark.size()) : text;
+}
+
 std::string ReadableBytes(std::string_view bytes) {
     std::string readable;
     for (const char byte : bytes) {

@@ -24,6 +24,9 @@ using tools::WideText;
 // A pattern as file names have it, `*` and `?`, that stands for the whole text.
 [[nodiscard]] bool GlobMatches(std::string_view pattern, std::string_view text);
 
+// A file's text without the mark that some editors put before it.
+[[nodiscard]] std::string_view WithoutByteOrderMark(std::string_view text);
+
 // Device bytes on one line: printable ASCII stands for itself, a backslash is doubled, the rest is \xNN.
 // BytesFromReadable reads the same notation back; none for any other use of the backslash.
 [[nodiscard]] std::string ReadableBytes(std::string_view bytes);
