@@ -22,6 +22,8 @@ const Contender* const kContenders[] = {
     &kFramedExchange,
     &kGetterSweep,
     &kBareSweep,
+    &kFleetListing,
+    &kFleetRaw,
     &kUnixSocket,
     &kPipe,
 #ifdef KESTREL_BENCH_QUEUE

@@ -22,6 +22,7 @@ constexpr Case kCases[] = {
     {'4', "four clients", 4, 0, false, 2.0, 0.6},
     {'m', "one a millisecond", 1, 1000, false, 0.6, 0.4},
     {'1', "one processor", 1, 0, true, 0.4, 0.2},
+    {'f', "200 printers", 1, 0, false, 4.0, 0.2},
 };
 
 constexpr unsigned kMostClients = 4;

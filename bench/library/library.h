@@ -10,3 +10,5 @@ extern const Contender kRawExchange;
 extern const Contender kFramedExchange;
 extern const Contender kGetterSweep;
 extern const Contender kBareSweep;
+extern const Contender kFleetListing;
+extern const Contender kFleetRaw;

@@ -36,6 +36,26 @@ void ServeVirtualPrinterWithPanel(const Place& place) {
     Become({KESTREL_VPRINTER, "--port", "USB002", "--trace", "none", "--web", "127.0.0.1:0"});
 }
 
+void ServeFleet(const Place& place) {
+    UseHome(place);
+    Run({KESTREL_CLIENT, "setup"});
+    std::vector<std::string> program = {KESTREL_VPRINTER, "--trace", "none"};
+    for (const std::string& name : FleetPrinters(place)) {
+        Run({KESTREL_CLIENT, "printers", "add", name, "--port", name});
+        program.insert(program.end(), {"--port", name});
+    }
+    Become(program);
+}
+
+std::vector<std::string> FleetPrinters(const Place& place) {
+    constexpr int kPrinters = 200;
+    UseHome(place);
+    std::vector<std::string> names;
+    for (int i = 0; i < kPrinters; ++i)
+        names.push_back("FLEET" + std::to_string(i));
+    return names;
+}
+
 void SelectInstalledPrinter(const Place& place) {
     UseHome(place);
     Select(u"Bench");

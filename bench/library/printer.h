@@ -1,6 +1,9 @@
 // A selected printer for the library's rows: an installed one, and a counterpart behind its channel.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "engine/contender.h"
 
 constexpr uint32_t kTimeoutMs = 5000;
@@ -9,6 +12,10 @@ constexpr uint32_t kTimeoutMs = 5000;
 void ServeVirtualPrinter(const Place& place);
 /// The same on a port of its own beside the other one, with a panel that nobody looks at.
 void ServeVirtualPrinterWithPanel(const Place& place);
+/// Server side: two hundred printers, which are one process.
+void ServeFleet(const Place& place);
+/// Client side: the names of those.
+std::vector<std::string> FleetPrinters(const Place& place);
 /// Server side: installs the printer alone; the counterpart is the caller.
 void InstallPrinter(const Place& place);
 /// Client side; throws unless the printer can be selected.

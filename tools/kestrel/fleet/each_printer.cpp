@@ -10,7 +10,7 @@ EachPrinter::~EachPrinter() {
         const std::lock_guard guard(lock_);
         ends_ = true;
     }
-    changed_.notify_all();
+    ended_.notify_all();
     for (std::thread& thread : threads_)
         thread.join();
 }
@@ -27,11 +27,11 @@ std::vector<PrinterReport> EachPrinter::Do(const std::vector<std::string>& print
         place.report = std::move(report);
         step(++done_, place.printer);
         --running_;
-        changed_.notify_all();
-        changed_.wait(here, [this] { return ends_; });
+        progressed_.notify_one();
+        ended_.wait(here, [this] { return ends_; });
     };
     for (const std::string& printer : printers) {
-        changed_.wait(guard, [this, most] { return running_ < most; });
+        progressed_.wait(guard, [this, most] { return running_ < most; });
         PrinterReport& place = reports.emplace_back(PrinterReport{printer, {}});
         try {
             threads_.emplace_back(workFor, std::ref(place));
@@ -46,7 +46,7 @@ std::vector<PrinterReport> EachPrinter::Do(const std::vector<std::string>& print
             ++done_;
         }
     }
-    changed_.wait(guard, [this, &printers] { return done_ == printers.size(); });
+    progressed_.wait(guard, [this, &printers] { return done_ == printers.size(); });
     return reports;
 }
 

@@ -33,7 +33,8 @@ class EachPrinter final {
 
   private:
     std::mutex lock_;
-    std::condition_variable changed_;
+    std::condition_variable progressed_;  // for Do() alone: whoever is done sleeps on
+    std::condition_variable ended_;
     size_t running_ = 0;
     size_t done_ = 0;
     bool ends_ = false;
