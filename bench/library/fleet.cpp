@@ -100,7 +100,7 @@ class RawClient final : public Client {
 
 }  // namespace
 
-const Contender kFleetListing = {
-    "fleet", "list, 200 printers", "polling", "sleeping", ServeFleet, Connect<ListingClient>, "f"};
-const Contender kFleetRaw = {
-    "fleet-raw", "its requests, raw", "polling", "sleeping", ServeFleet, Connect<RawClient>, "f"};
+const Contender kFleetListing = {"fleet",    "list, 200 printers",   "polling", "sleeping",
+                                 ServeFleet, Connect<ListingClient>, "f"};
+const Contender kFleetRaw = {"fleet-raw", "its requests, raw", "polling", "sleeping",
+                             ServeFleet,  Connect<RawClient>,  "f"};

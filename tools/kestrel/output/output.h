@@ -63,9 +63,9 @@ class Paint final {
 // Results to standard output, the failure to standard error (or both in one document); returns the exit
 // status.
 int Print(std::string_view command, const Report& report, bool json, bool noColour);
-// For several printers, each under its name. The exit status is that of the first one that failed; of none, that
-// of the first that has something to tell by it. What none of them was asked, because it was wrong for all, is
-// said once.
+// For several printers, each under its name. The exit status is that of the first one that failed; of none,
+// that of the first that has something to tell by it. What none of them was asked, because it was wrong for
+// all, is said once.
 int Print(std::string_view command, const std::vector<PrinterReport>& reports, bool json, bool noColour);
 
 }  // namespace cli

@@ -111,9 +111,9 @@ void PrinterServer::Stop() {
     {
         const std::lock_guard guard(stopLock_);
         stopping_ = true;
+        channel_.Cancel();  // not while the thread closes it
     }
     stopSignal_.notify_all();
-    channel_.Cancel();
     thread_.join();
     if (ending_.joinable()) ending_.join();
 }
@@ -131,6 +131,7 @@ void PrinterServer::Serve(std::promise<bool> opened) {
     }
     work_.Close();
     KeepState();
+    const std::lock_guard guard(stopLock_);
     channel_.Close();
 }
 
