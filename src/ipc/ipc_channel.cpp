@@ -6,6 +6,7 @@
 #include "ipc/ipc_channel.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 
 #include "ipc/late_reply.h"
@@ -48,14 +49,21 @@ WideText Sanitized(const WCHAR* name) {
     return text;
 }
 
-MessageHeader ReadHeader(const uint8_t* block) {
+std::atomic_ref<uint32_t> LengthOf(uint8_t* block) {
+    return std::atomic_ref(*reinterpret_cast<uint32_t*>(block + offsetof(MessageHeader, length)));
+}
+
+// The length first: what was written before it is then seen as well.
+MessageHeader ReadHeader(uint8_t* block) {
+    const uint32_t length = LengthOf(block).load(std::memory_order_acquire);
     MessageHeader header;
     std::memcpy(&header, block, sizeof(header));
+    header.length = length;
     return header;
 }
 
 void ClearLength(uint8_t* block) {
-    std::memset(block + offsetof(MessageHeader, length), 0, sizeof(uint32_t));
+    LengthOf(block).store(0, std::memory_order_relaxed);
 }
 
 uint32_t TimeoutAs1460(uint32_t error) {
@@ -230,13 +238,19 @@ IPCChannel::Outcome IPCChannel::Write(const void* data, uint32_t length, Message
     Step("write: command signal reset");
     responseSection_.GetNotifyEvent().Reset();
     Step("write: response signal reset");
-    header.length = std::min(length, maxMessage_);
+    // A section's lock keeps no other process out: a reader that an earlier message has woken may look at any
+    // moment. What says that a message is there comes last.
+    std::memset(block, 0, sizeof(header));
+    Step("write: header cleared");
+    const uint32_t bytes = std::min(length, maxMessage_);
+    if (bytes != 0) std::memcpy(block + sizeof(header), data, bytes);
+    Step("write: payload");
     header.broadcast = IsServer() && header.clientProcessId == 0 ? 1 : 0;
     std::memcpy(block, &header, sizeof(header));
     Step("write: header");
-    if (header.length != 0) std::memcpy(block + sizeof(header), data, header.length);
-    Step("write: payload");
-    return {header.length, NO_ERROR};
+    LengthOf(block).store(bytes, std::memory_order_release);
+    Step("write: length");
+    return {bytes, NO_ERROR};
 }
 
 uint32_t IPCChannel::Receive(void* buffer, uint32_t size, uint32_t timeoutMs) {

@@ -1,5 +1,5 @@
-// An actor's process: the calls of the system that the channel makes, each a point where the scheduler may come
-// in, and what a client and a server do. The linker puts the functions of this file before the system's
+// An actor's process: the calls of the system that the channel makes, each a point where the scheduler may
+// come in, and what a client and a server do. The linker puts the functions of this file before the system's
 // (--wrap), for this program alone.
 #include <sys/prctl.h>
 #include <unistd.h>
@@ -25,9 +25,9 @@ namespace {
 constexpr uint32_t kNoObject = ~0u;
 constexpr const WCHAR* kChannel = TEXT("Schedules");
 constexpr uint32_t kCapacity = 64;
-constexpr std::array<std::u16string_view, kObjects> kNames = {
-    u"CmdNotifyEvent",  u"CmdCancelEvent",   u"RespNotifyEvent",
-    u"RespCancelEvent", u"TransactionMutex", u"ServerIdleEvent"};
+constexpr std::array<std::u16string_view, kObjects> kNames = {u"CmdNotifyEvent",   u"CmdCancelEvent",
+                                                              u"RespNotifyEvent",  u"RespCancelEvent",
+                                                              u"TransactionMutex", u"ServerIdleEvent"};
 
 Control* control;
 uint32_t self;
@@ -69,13 +69,15 @@ uint64_t State() {
         const Waiting& waiting = c.waitings[actor];
         hash = Mixed(hash, c.histories[actor]);
         hash = Mixed(hash, static_cast<uint64_t>(c.fates[actor]) << 1 | (waiting.waits ? 1 : 0));
-        if (waiting.waits) hash = Mixed(Mixed(hash, waiting.objects), waiting.pulsed), hash = Mixed(hash, waiting.deadline);
+        if (waiting.waits)
+            hash = Mixed(Mixed(hash, waiting.objects), waiting.pulsed), hash = Mixed(hash, waiting.deadline);
     }
     for (const Object& object : c.objects)
         hash = Mixed(hash, object.openers << 8 | (object.owner & 0x7F) << 1 | (object.isSet ? 1 : 0));
     for (size_t section = 0; section < 2; ++section)
         hash = Mixed(hash, BlockState(section));
-    hash = Mixed(hash, c.schedule.switches << 24 | c.schedule.kills << 16 | c.schedule.timeouts << 8 | c.schedule.choices);
+    hash = Mixed(hash, c.schedule.switches << 24 | c.schedule.kills << 16 | c.schedule.timeouts << 8 |
+                           c.schedule.choices);
     return hash | 1;
 }
 
@@ -121,6 +123,8 @@ void Carry(const Decision& decision) {
             if (!WaitForGo(c, self)) End(Verdict::Stuck);
             break;
         case Kind::Timeout:
+            // A line of another build may name one that has no time-out.
+            if (c.waitings[decision.actor].deadline == kNever) break;
             c.now = std::max(c.now, c.waitings[decision.actor].deadline);
             GiveTurnTo(decision.actor);
     }
@@ -157,7 +161,9 @@ void Come(const char* place, bool isBlocked = false) {
     if (number > kMaxPoints * 4) End(Verdict::Endless);
     const bool decides =
         c.nextDecision < c.schedule.count && c.schedule.decisions[c.nextDecision].point == number;
-    if (c.prints) std::printf("%5u %6llu ms  %-7s%s%s\n", number, static_cast<unsigned long long>(c.now), kActorNames[self], place, isBlocked ? ", waits" : "");
+    if (c.prints)
+        std::printf("%5u %6llu ms  %-7s%s%s\n", number, static_cast<unsigned long long>(c.now),
+                    kActorNames[self], place, isBlocked ? ", waits" : "");
     if (c.prints) std::fflush(stdout);
     if (decides) {
         Carry(c.schedule.decisions[c.nextDecision]);
@@ -259,7 +265,8 @@ BOOL __real_ReleaseMutex(HANDLE mutex);
 DWORD __real_WaitForSingleObject(HANDLE handle, DWORD milliseconds);
 DWORD __real_WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll, DWORD milliseconds);
 
-HANDLE __wrap_CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manualReset, BOOL initialState, LPCWSTR name) {
+HANDLE __wrap_CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manualReset, BOOL initialState,
+                           LPCWSTR name) {
     if (name != nullptr) Come("call: create an event");
     const HANDLE handle = __real_CreateEventW(security, manualReset, initialState, name);
     NoteHandle(handle, name, false, manualReset != FALSE);
@@ -348,7 +355,8 @@ DWORD __wrap_WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL, DW
     for (DWORD i = 0; isThere && i < count; ++i) {
         const uint32_t number = NumberOf(handles[i]);
         Object& object = control->objects[number];
-        if (!(object.isMutex ? object.owner == kNobody : object.isSet || (pulsed & 1u << number) != 0)) continue;
+        if (!(object.isMutex ? object.owner == kNobody : object.isSet || (pulsed & 1u << number) != 0))
+            continue;
         const DWORD real = __real_WaitForSingleObject(handles[i], 0);
         const bool isLevel = object.isMutex || object.isSet;
         Check((real != WAIT_TIMEOUT) == isLevel, "not to be had, though it should be", number);
@@ -409,7 +417,8 @@ void Exchanges(ipc::OPLChannel& channel, uint32_t count) {
         if (bytes != 0) {
             bytes = channel.Receive(reply.data(), reply.size(), kTimeoutMs);
             exchange.error = GetLastError();
-            const bool isOwn = bytes == text.size() && reply[0] == text[0] && reply[1] >= '0' && reply[1] < '9';
+            const bool isOwn =
+                bytes == text.size() && reply[0] == text[0] && reply[1] >= '0' && reply[1] < '9';
             if (bytes != 0) exchange.got = isOwn ? reply[1] - '0' : -2;
             if (bytes == 0 && exchange.error == NO_ERROR) exchange.got = -3;
         }
@@ -437,7 +446,8 @@ void Server() {
         if (bytes != 2) continue;
         const auto client = static_cast<uint32_t>(request[0] - 'a');
         const auto number = static_cast<uint32_t>(request[1] - '0');
-        Exchange* const exchange = client < kActors && number < kFreshAttempts ? &control->exchanges[client][number] : nullptr;
+        Exchange* const exchange =
+            client < kActors && number < kFreshAttempts ? &control->exchanges[client][number] : nullptr;
         if (exchange != nullptr) exchange->servedAt = control->point;
         const auto send = [&] { return channel.Send(request.data(), bytes, kTimeoutMs) != 0; };
         const ipc::ReplySent sent = ipc::SendPastLateReply(channel, send, Sleep);

@@ -25,7 +25,8 @@ bool CanRun(const Control& control, uint32_t actor) {
     const Waiting& waiting = control.waitings[actor];
     if (!waiting.waits || waiting.deadline <= control.now) return true;
     for (uint32_t object = 0; object < kObjects; ++object)
-        if ((waiting.objects & 1u << object) != 0 && IsAvailable(control, object, waiting.pulsed)) return true;
+        if ((waiting.objects & 1u << object) != 0 && IsAvailable(control, object, waiting.pulsed))
+            return true;
     return false;
 }
 

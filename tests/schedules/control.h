@@ -1,6 +1,6 @@
-// The page that the actors of one schedule and their scheduler share. One actor runs at a time; the others wait
-// for their `go`. The real objects decide nothing here about time: each is asked without waiting, and what it
-// answers must be what `objects` says.
+// The page that the actors of one schedule and their scheduler share. One actor runs at a time; the others
+// wait for their `go`. The real objects decide nothing here about time: each is asked without waiting, and
+// what it answers must be what `objects` says.
 #pragma once
 
 #include <array>
@@ -80,7 +80,7 @@ struct Control {
     uint64_t now;  // milliseconds
     Verdict verdict;
     bool prints, checksVisited, isFreshPhase;
-    bool opensFirst;  // nothing is decided before all have opened the channel
+    bool opensFirst;      // nothing is decided before all have opened the channel
     bool mergesSections;  // decides only where the system is called, not between the accesses to a section
     std::array<Fate, kActors> fates;
     std::array<uint32_t, kActors> processIds;

@@ -1,5 +1,5 @@
-// Every schedule of the channel within bounds: two clients of two exchanges each and a server, each a process of
-// its own over the real objects. After each schedule a fresh client must be served.
+// Every schedule of the channel within bounds: two clients of two exchanges each and a server, each a process
+// of its own over the real objects. After each schedule a fresh client must be served.
 #include <dirent.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -62,7 +62,8 @@ bool Parse(const std::string& line, Schedule& schedule) {
     for (std::string word; words >> word;) {
         const size_t at = word.find('@');
         const size_t colon = word.find(':');
-        if (at == std::string::npos || colon == std::string::npos || schedule.count == kMaxDecisions) return false;
+        if (at == std::string::npos || colon == std::string::npos || schedule.count == kMaxDecisions)
+            return false;
         const auto kind = std::find(kKindNames.begin(), kKindNames.end(), word.substr(0, at));
         const auto actor = std::find(kActorNames.begin(), kActorNames.end(), word.substr(colon + 1));
         if (kind == kKindNames.end() || actor == kActorNames.end()) return false;
@@ -76,7 +77,8 @@ bool Parse(const std::string& line, Schedule& schedule) {
 // One schedule at a time, in processes of its own.
 class Runner final {
   public:
-    Runner(const Bounds& bounds, std::string home) : bounds_(bounds), home_(std::move(home)), control_(*Shared<Control>(1)) {
+    Runner(const Bounds& bounds, std::string home)
+        : bounds_(bounds), home_(std::move(home)), control_(*Shared<Control>(1)) {
         control_.visited = Shared<std::atomic<uint64_t>>(kMostStates);
         control_.visitedMask = kMostStates - 1;
         control_.states = Shared<std::atomic<uint64_t>>(1);
@@ -201,7 +203,8 @@ class Runner final {
         std::string text;
         for (uint32_t actor = 0; actor < kActors; ++actor)
             if (control_.fates[actor] == Fate::Running)
-                text += std::string(text.empty() ? "" : ", ") + kActorNames[actor] + " at \"" + control_.places[actor] + "\"";
+                text += std::string(text.empty() ? "" : ", ") + kActorNames[actor] + " at \"" +
+                        control_.places[actor] + "\"";
         return text;
     }
 
@@ -210,20 +213,24 @@ class Runner final {
             for (uint32_t number = 0; number < kExchanges; ++number) {
                 const Exchange& exchange = control_.exchanges[actor][number];
                 if (exchange.endedAt == 0) continue;
-                const std::string who = std::string(kActorNames[actor]) + "'s exchange " + std::to_string(number);
-                if (std::find(kDocumentedErrors.begin(), kDocumentedErrors.end(), exchange.error) == kDocumentedErrors.end())
+                const std::string who =
+                    std::string(kActorNames[actor]) + "'s exchange " + std::to_string(number);
+                if (std::find(kDocumentedErrors.begin(), kDocumentedErrors.end(), exchange.error) ==
+                    kDocumentedErrors.end())
                     return who + " ended with " + std::to_string(exchange.error);
                 if (exchange.got == -2) return who + " got what nobody sent it";
-                if (exchange.got == -3 || (exchange.got == -1 && exchange.error == 0)) return who + " got nothing, without an error";
-                if (exchange.got >= 0 && exchange.got != static_cast<int32_t>(number) && !IsForced(actor, exchange))
+                if (exchange.got == -3 || (exchange.got == -1 && exchange.error == 0))
+                    return who + " got nothing, without an error";
+                if (exchange.got >= 0 && exchange.got != static_cast<int32_t>(number) &&
+                    !IsForced(actor, exchange))
                     return who + " got another's reply, which nothing forces";
             }
         }
         return {};
     }
 
-    // The one way to another exchange's reply: the client gave that exchange up, and the server, which had its
-    // request, answered only then.
+    // The one way to another exchange's reply: the client gave that exchange up, and the server, which had
+    // its request, answered only then.
     [[nodiscard]] bool IsForced(uint32_t actor, const Exchange& exchange) const {
         const Exchange& other = control_.exchanges[actor][static_cast<size_t>(exchange.got)];
         return &other < &exchange && other.got == -1 && other.error != 0 && other.servedAt != 0 &&
@@ -271,7 +278,8 @@ class Explorer final {
             pruned_ += runner_.Seen().verdict == Verdict::Pruned ? 1 : 0;
             if (!fault.empty()) {
                 ++faults_;
-                std::printf("FAULT  %s\n       tests/schedules/run --replay '%s'\n", fault.c_str(), Line(schedule).c_str());
+                std::printf("FAULT  %s\n       tests/schedules/run --replay '%s'\n", fault.c_str(),
+                            Line(schedule).c_str());
             } else {
                 Note(schedule);
             }
@@ -320,12 +328,17 @@ class Explorer final {
             for (uint32_t number = 0; number < kExchanges; ++number) {
                 const Exchange& exchange = seen.exchanges[actor][number];
                 if (exchange.endedAt != 0) ++outcomes_[exchange.error];
-                if (exchange.endedAt == 0 || exchange.got < 0 || exchange.got == static_cast<int32_t>(number)) continue;
+                if (exchange.endedAt == 0 || exchange.got < 0 || exchange.got == static_cast<int32_t>(number))
+                    continue;
                 const Exchange& other = seen.exchanges[actor][static_cast<size_t>(exchange.got)];
                 const bool isBefore = other.servedAt <= other.endedAt;
                 const char* const answered = other.answeredAt == 0 || other.answeredAt > exchange.posted
-                                                 ? "answered after the next was begun" : "answered before the next was begun";
-                late_[std::string(isBefore ? "its request was taken before it was given up, " : "its request was taken after it was given up, ") + answered].push_back(Line(schedule));
+                                                 ? "answered after the next was begun"
+                                                 : "answered before the next was begun";
+                late_[std::string(isBefore ? "its request was taken before it was given up, "
+                                           : "its request was taken after it was given up, ") +
+                      answered]
+                    .push_back(Line(schedule));
             }
         if (seen.verdict != Verdict::Over) return;
         uint32_t attempts = 1;
@@ -338,17 +351,23 @@ class Explorer final {
     }
 
     void Report(double seconds) const {
-        std::printf("%ld schedules (%ld of them ended at a state that was known), %llu states, %.1f s, %.0f schedules a second\n", schedules_, pruned_,
-                    static_cast<unsigned long long>(runner_.States()), seconds, static_cast<double>(schedules_) / seconds);
-        if (!open_.empty()) std::printf("NOT ALL: %zu schedules were left when time was over\n", open_.size());
+        std::printf(
+            "%ld schedules (%ld of them ended at a state that was known), %llu states, %.1f s, %.0f "
+            "schedules a second\n",
+            schedules_, pruned_, static_cast<unsigned long long>(runner_.States()), seconds,
+            static_cast<double>(schedules_) / seconds);
+        if (!open_.empty())
+            std::printf("NOT ALL: %zu schedules were left when time was over\n", open_.size());
         std::printf("exchanges by error:");
         for (const auto& [error, count] : outcomes_)
             std::printf(" %u: %ld;", error, count);
-        std::printf(" a fresh client was served at attempt %u at the latest ('%s')\n", worstAttempts_, worst_.c_str());
+        std::printf(" a fresh client was served at attempt %u at the latest ('%s')\n", worstAttempts_,
+                    worst_.c_str());
         size_t late = 0;
         for (const auto& [how, lines] : late_) {
             late += lines.size();
-            std::printf("late replies, %s: %zu, such as '%s'\n", how.c_str(), lines.size(), lines.front().c_str());
+            std::printf("late replies, %s: %zu, such as '%s'\n", how.c_str(), lines.size(),
+                        lines.front().c_str());
             if (bounds_.listsLate)
                 for (const std::string& line : lines)
                     std::printf("  %s\n", line.c_str());
@@ -370,7 +389,10 @@ class Explorer final {
 int Replay(Runner& runner, const std::string& line) {
     Schedule schedule;
     if (!Parse(line, schedule)) {
-        std::fprintf(stderr, "'%s' is no schedule: expected words such as switch@120:B, kill@133:server, timeout@150:A\n", line.c_str());
+        std::fprintf(
+            stderr,
+            "'%s' is no schedule: expected words such as switch@120:B, kill@133:server, timeout@150:A\n",
+            line.c_str());
         return 2;
     }
     const std::string fault = runner.Run(schedule, false, true);
@@ -378,16 +400,20 @@ int Replay(Runner& runner, const std::string& line) {
         for (uint32_t number = 0; number < kFreshAttempts; ++number) {
             const Exchange& it = runner.Seen().exchanges[actor][number];
             if (it.endedAt == 0) continue;
-            std::printf("%s %u: begun %u, taken %u, answered %u, ended %u, error %u, got %d\n", kActorNames[actor], number,
-                        it.posted, it.servedAt, it.answeredAt, it.endedAt, it.error, it.got);
+            std::printf("%s %u: begun %u, taken %u, answered %u, ended %u, error %u, got %d\n",
+                        kActorNames[actor], number, it.posted, it.servedAt, it.answeredAt, it.endedAt,
+                        it.error, it.got);
         }
     std::printf("%s\n", fault.empty() ? "no fault" : fault.c_str());
     return fault.empty() ? 0 : 1;
 }
 
 bool ReadArguments(int argc, char** argv, Bounds& bounds) {
-    const std::map<std::string, int*> numbers = {{"--switches", &bounds.switches}, {"--kills", &bounds.kills},
-                                                 {"--timeouts", &bounds.timeouts}, {"--choices", &bounds.choices}, {"--decisions", &bounds.actions}};
+    const std::map<std::string, int*> numbers = {{"--switches", &bounds.switches},
+                                                 {"--kills", &bounds.kills},
+                                                 {"--timeouts", &bounds.timeouts},
+                                                 {"--choices", &bounds.choices},
+                                                 {"--decisions", &bounds.actions}};
     for (int i = 1; i < argc; ++i) {
         const std::string word = argv[i];
         const bool hasValue = i + 1 < argc;
@@ -416,7 +442,10 @@ bool ReadArguments(int argc, char** argv, Bounds& bounds) {
 int main(int argc, char** argv) {
     schedules::Bounds bounds;
     if (!schedules::ReadArguments(argc, argv, bounds)) {
-        std::fprintf(stderr, "%s [--switches N] [--kills N] [--timeouts N] [--choices N] [--decisions N] [--opening] [--merge] [--late] [--seconds N] [--replay LINE]\n", argv[0]);
+        std::fprintf(stderr,
+                     "%s [--switches N] [--kills N] [--timeouts N] [--choices N] [--decisions N] [--opening] "
+                     "[--merge] [--late] [--seconds N] [--replay LINE]\n",
+                     argv[0]);
         return 2;
     }
     char home[] = "/dev/shm/kestrel-schedules-XXXXXX";
@@ -425,7 +454,8 @@ int main(int argc, char** argv) {
     int result = 2;
     {
         schedules::Runner runner(bounds, home);
-        result = bounds.replays ? schedules::Replay(runner, bounds.replay) : schedules::Explorer(bounds, runner).Explore();
+        result = bounds.replays ? schedules::Replay(runner, bounds.replay)
+                                : schedules::Explorer(bounds, runner).Explore();
     }
     std::error_code error;
     std::filesystem::remove_all(home, error);
