@@ -164,7 +164,7 @@ void Come(const char* place, bool isBlocked = false) {
     if (c.prints)
         std::printf("%5u %6llu ms  %-7s%s%s\n", number, static_cast<unsigned long long>(c.now),
                     kActorNames[self], place, isBlocked ? ", waits" : "");
-    if (c.prints) std::fflush(stdout);
+    if (c.prints) static_cast<void>(std::fflush(stdout));
     if (decides) {
         Carry(c.schedule.decisions[c.nextDecision]);
         return;
@@ -226,8 +226,8 @@ uint32_t NumberOf(HANDLE handle) {
 
 void Check(bool holds, const char* what, uint32_t number) {
     if (holds) return;
-    std::snprintf(control->mismatch, sizeof(control->mismatch), "%s, object %u, process of %s", what, number,
-                  kActorNames[self]);
+    static_cast<void>(std::snprintf(control->mismatch, sizeof(control->mismatch),
+                                    "%s, object %u, process of %s", what, number, kActorNames[self]));
     End(Verdict::Mismatch);
 }
 

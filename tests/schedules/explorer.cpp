@@ -67,9 +67,9 @@ bool Parse(const std::string& line, Schedule& schedule) {
         const auto kind = std::find(kKindNames.begin(), kKindNames.end(), word.substr(0, at));
         const auto actor = std::find(kActorNames.begin(), kActorNames.end(), word.substr(colon + 1));
         if (kind == kKindNames.end() || actor == kActorNames.end()) return false;
-        schedule.decisions[schedule.count++] = {static_cast<uint32_t>(std::atoi(word.c_str() + at + 1)),
-                                                static_cast<Kind>(kind - kKindNames.begin()),
-                                                static_cast<uint8_t>(actor - kActorNames.begin())};
+        schedule.decisions[schedule.count++] = {
+            static_cast<uint32_t>(std::strtoul(word.c_str() + at + 1, nullptr, 10)),
+            static_cast<Kind>(kind - kKindNames.begin()), static_cast<uint8_t>(actor - kActorNames.begin())};
     }
     return true;
 }
@@ -133,7 +133,7 @@ class Runner final {
     }
 
     void Start(uint32_t actor) {
-        std::fflush(stdout);
+        static_cast<void>(std::fflush(stdout));
         const pid_t child = ::fork();
         if (child == 0) RunActor(control_, actor);
         if (child < 0) throw std::bad_alloc();
@@ -418,9 +418,9 @@ bool ReadArguments(int argc, char** argv, Bounds& bounds) {
         const std::string word = argv[i];
         const bool hasValue = i + 1 < argc;
         if (const auto number = numbers.find(word); number != numbers.end() && hasValue)
-            *number->second = std::atoi(argv[++i]);
+            *number->second = static_cast<int>(std::strtol(argv[++i], nullptr, 10));
         else if (word == "--seconds" && hasValue)
-            bounds.seconds = std::atof(argv[++i]);
+            bounds.seconds = std::strtod(argv[++i], nullptr);
         else if (word == "--replay" && hasValue)
             bounds.replay = argv[++i], bounds.replays = true;
         else if (word == "--opening")
@@ -442,10 +442,11 @@ bool ReadArguments(int argc, char** argv, Bounds& bounds) {
 int main(int argc, char** argv) {
     schedules::Bounds bounds;
     if (!schedules::ReadArguments(argc, argv, bounds)) {
-        std::fprintf(stderr,
-                     "%s [--switches N] [--kills N] [--timeouts N] [--choices N] [--decisions N] [--opening] "
-                     "[--merge] [--late] [--seconds N] [--replay LINE]\n",
-                     argv[0]);
+        static_cast<void>(std::fprintf(
+            stderr,
+            "%s [--switches N] [--kills N] [--timeouts N] [--choices N] [--decisions N] [--opening] "
+            "[--merge] [--late] [--seconds N] [--replay LINE]\n",
+            argv[0]));
         return 2;
     }
     char home[] = "/dev/shm/kestrel-schedules-XXXXXX";
