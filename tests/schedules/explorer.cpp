@@ -331,14 +331,10 @@ class Explorer final {
                 if (exchange.endedAt == 0 || exchange.got < 0 || exchange.got == static_cast<int32_t>(number))
                     continue;
                 const Exchange& other = seen.exchanges[actor][static_cast<size_t>(exchange.got)];
-                const bool isBefore = other.servedAt <= other.endedAt;
                 const char* const answered = other.answeredAt == 0 || other.answeredAt > exchange.posted
                                                  ? "answered after the next was begun"
                                                  : "answered before the next was begun";
-                late_[std::string(isBefore ? "its request was taken before it was given up, "
-                                           : "its request was taken after it was given up, ") +
-                      answered]
-                    .push_back(Line(schedule));
+                late_[answered].push_back(Line(schedule));
             }
         if (seen.verdict != Verdict::Over) return;
         uint32_t attempts = 1;
