@@ -20,14 +20,17 @@ enum class ObjectKind : uint32_t {
 };
 
 inline constexpr uint32_t kPageMagic = 0x544A424F;  // "OBJT"
-inline constexpr uint32_t kLayoutVersion = 1;
+inline constexpr uint32_t kLayoutVersion = 2;
 inline constexpr size_t kPageSize = 4096;
 inline constexpr size_t kMaxNameUnits = 260;
 
-// Event: the truth is in `word`, a wake only a hint to look again.
+// Event: the truth is in `word`, a wake only a hint to look again. A set leaves nothing but the signal and the
+// count: who sleeps has said so since the last one.
 inline constexpr uint32_t kEventSignaled = 1;
 inline constexpr uint32_t kEventSleepers = 2;  // somebody sleeps on the word: a set must wake
 inline constexpr uint32_t kEventSetCount = 4;  // manual-reset only: the bits from here up count the sets
+inline constexpr uint32_t kEventBell = 4;      // auto-reset only: the bits from here up are a bell's number
+inline constexpr uint32_t kNoBells = 0xFFFFFFFE;  // as tag: those who use the event have not the same bells
 
 // Mutex: `word` names the owner.
 inline constexpr uint32_t kMutexOwner = 0x3FFFFFFF;  // owner's token, 0 when free
@@ -59,6 +62,8 @@ struct ObjectPage {
     std::atomic<uint32_t> turnStart;  // microseconds of the monotonic clock, wraps
     std::atomic<uint32_t> turnTakes;  // how often the last owner has taken it in this turn
     std::atomic<uint32_t> recursion;  // levels, written by the owner alone
+
+    std::atomic<uint32_t> bellTag;  // event: of the home page where its bells are; 0: not known yet
     alignas(64) std::atomic<uint32_t> queue;
     std::atomic<uint32_t> queueSleepers;  // a hint: the killed are still counted
 

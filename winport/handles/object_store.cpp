@@ -16,6 +16,7 @@
 
 #include "winport/files/home.h"
 #include "winport/handles/handle_table.h"
+#include "winport/handles/home_page.h"
 #include "winport/handles/lock_file.h"
 #include "winport/handles/object_name.h"
 
@@ -23,7 +24,7 @@ namespace winport {
 
 namespace {
 
-constexpr const char* kCounterFile = "tokens";
+constexpr const char* kHomePageFile = "tokens";
 
 struct Store {
     std::recursive_mutex lock;
@@ -31,7 +32,7 @@ struct Store {
     std::map<std::string, KernelObject*> objects;   // the named ones with open handles, by file name
     std::map<std::string, uint64_t> inodes;         // of the same
     std::set<uint32_t> ownTokens;                   // of this process's threads
-    std::atomic<uint32_t>* tokenCounter = nullptr;  // mapped, shared by all processes of the home
+    std::atomic<HomePage*> homePage{nullptr};
 };
 
 Store& TheStore() {
@@ -46,6 +47,7 @@ void AfterForkInChild() {
     store.lockFile.Close();
     store.ownTokens.clear();
     CurrentThread().ownerToken = 0;
+    CurrentThread().bell = 0;
     CurrentThread().heldMutexes = nullptr;
     if (!store.inodes.empty() && store.lockFile.Open(KernelObjectDirectory()))
         for (const auto& [name, inode] : store.inodes)
@@ -162,10 +164,15 @@ HANDLE CreateOrOpenNamed(const std::string& fileName, const ObjectRequest& reque
     return Register(store, fileName, std::move(*memory), make, access, success);
 }
 
-// The counter of owner tokens: one word that all processes of the home share. It lives as long as the folder.
-std::atomic<uint32_t>* MapTokenCounter(const LockFile& locks) {
-    const FolderLock folder(locks);
-    return folder ? static_cast<std::atomic<uint32_t>*>(MapSharedPage(kCounterFile)) : nullptr;
+// Its file lives as long as the folder. Under the store's lock; null with the last-error value.
+HomePage* MapHomePage(Store& store) {
+    if (!OpenStore(store)) return nullptr;
+    HomePage* page = store.homePage.load(std::memory_order_relaxed);
+    if (page != nullptr) return page;
+    const FolderLock folder(store.lockFile);
+    if (folder) page = static_cast<HomePage*>(MapSharedPage(kHomePageFile));
+    store.homePage.store(page, std::memory_order_release);
+    return page;
 }
 
 }  // namespace
@@ -205,14 +212,28 @@ void ForgetName(KernelObject* object, const ObjectMemory& memory) {
     SetLastError(error);
 }
 
+HomePage* SharedHomePage() {
+    Store& store = TheStore();
+    HomePage* const mapped = store.homePage.load(std::memory_order_acquire);
+    if (mapped != nullptr) return mapped;
+    const DWORD error = GetLastError();
+    HomePage* page = nullptr;
+    try {
+        const std::lock_guard guard(store.lock);
+        page = MapHomePage(store);
+    } catch (const std::bad_alloc&) {  // then there is none
+    }
+    SetLastError(error);
+    return page;
+}
+
 uint32_t TakeOwnerToken() {
     Store& store = TheStore();
     const std::lock_guard guard(store.lock);
-    if (!OpenStore(store)) return 0;
-    if (store.tokenCounter == nullptr) store.tokenCounter = MapTokenCounter(store.lockFile);
-    if (store.tokenCounter == nullptr) return 0;
+    HomePage* const home = MapHomePage(store);
+    if (home == nullptr) return 0;
     for (uint32_t attempt = 0; attempt < 1000; ++attempt) {
-        const uint32_t token = store.tokenCounter->fetch_add(1, std::memory_order_relaxed) % kLastToken + 1;
+        const uint32_t token = home->lastToken.fetch_add(1, std::memory_order_relaxed) % kLastToken + 1;
         // After a billion threads the numbers begin anew; one that is still held is passed over.
         if (store.ownTokens.contains(token) || !store.lockFile.TryExclusive(kFirstTokenByte + token))
             continue;

@@ -5,6 +5,7 @@
 #include <climits>
 
 #include "winport/handles/handle_table.h"
+#include "winport/sync/bells.h"
 #include "winport/sync/futex.h"
 #include "winport/sync/poller.h"
 
@@ -14,7 +15,8 @@ void SignalPage(ObjectPage& page) {
     page.setterProcessor.store(CurrentProcessor(), std::memory_order_relaxed);
     uint32_t before;
     if (page.manualReset == 0) {
-        before = page.word.exchange(kEventSignaled, std::memory_order_acq_rel);
+        before = page.word.exchange(kEventSignaled, std::memory_order_seq_cst);
+        if (before / kEventBell != 0) RingBell(page, before);
     } else {
         before = page.word.load(std::memory_order_relaxed);
         while (!page.word.compare_exchange_weak(

@@ -9,6 +9,7 @@
 #include <span>
 
 #include "winport/handles/handle_table.h"
+#include "winport/sync/bells.h"
 #include "winport/sync/event_object.h"
 #include "winport/sync/futex.h"
 #include "winport/sync/mutex_object.h"
@@ -107,6 +108,31 @@ void SleepOnObjects(std::span<const Waited> all, Moment until) {
     for (size_t i = 0; i < all.size(); ++i)
         if (!AnnounceSleep(all[i], words[i])) return;
     SleepOn({words.data(), all.size()}, until);
+}
+
+bool HaveRoomForBell(std::span<const Waited> all) {
+    return std::all_of(all.begin(), all.end(), [](const Waited& waited) {
+        return waited.object->Kind() == ObjectKind::Event && waited.object->Page().manualReset == 0;
+    });
+}
+
+// False when that cannot be and nothing was done but leaving numbers.
+bool SleepAtBell(std::span<const Waited> all, ThreadRecord& thread, bool wakeOthers, Moment until) {
+    const BellSleep sleep(thread);
+    if (!sleep) return false;
+    for (const Waited& waited : all) {
+        const BellSleep::Place place = sleep.LeaveNumber(waited.object->Page(), wakeOthers);
+        if (place != BellSleep::Place::Taken) return place == BellSleep::Place::EventIsSet;
+    }
+    sleep.Sleep(until);
+    return true;
+}
+
+// Sleeps until one of the objects may have changed, or until the moment. Others are woken for their place once
+// in a wait, or two that wait for the same would never rest.
+void SleepOnAny(std::span<const Waited> all, ThreadRecord& thread, bool wakeOthers, Moment until) {
+    if (all.size() == 1 || !HaveRoomForBell(all) || !SleepAtBell(all, thread, wakeOthers, until))
+        SleepOnObjects(all, until);
 }
 
 // ---- all at once or none ----
@@ -241,7 +267,7 @@ DWORD WaitFor(WaitedObjects& objects, bool waitAll, DWORD milliseconds) {
         if (waitAll)
             SleepOnMissing(all, until);
         else
-            SleepOnObjects(all, until);
+            SleepOnAny(all, thread, now == start, until);
         // Whoever has waited this long needs no place in a line.
         result = look(true);
         if (result) break;

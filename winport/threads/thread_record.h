@@ -39,6 +39,7 @@ struct ThreadRecord {
 
     uint32_t localId = 0;     // unique among the threads of this process
     uint32_t ownerToken = 0;  // unique among all threads of all processes of the home; 0: not asked for yet
+    uint32_t bell = 0;        // number of the bell at which it sleeps; 0: none yet
     MutexObject* heldMutexes = nullptr;  // the last taken first
     PollHistory polling;
 

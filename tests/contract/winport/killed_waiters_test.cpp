@@ -1,10 +1,8 @@
 // Waits beside what those leave who were killed in the middle of one, in the page that an object is, and in a
 // sandbox.
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
-#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -14,7 +12,6 @@
 #include <cerrno>
 #include <chrono>
 #include <cstddef>
-#include <cstdlib>
 #include <ctime>
 #include <functional>
 #include <string>
@@ -22,34 +19,13 @@
 #include <vector>
 
 #include "handle_support.h"
-#include "winport/handles/object_page.h"
+#include "page_of_object.h"
 
 namespace {
-
-using winport::ObjectPage;
 
 constexpr DWORD kPatience = 5000;
 constexpr uint32_t kDead = winport::kLastToken;  // no thread had it
 constexpr uint32_t kDeadToo = kDead - 1;
-
-// The page of a named object, as every process of the home sees it.
-class Page final {
-  public:
-    explicit Page(const WideText& name) {
-        const std::string file = std::string(std::getenv("WINPORT_HOME")) + "/kernel/global." +
-                                 std::string(name.begin() + 7, name.end());
-        const int descriptor = ::open(file.c_str(), O_RDWR | O_CLOEXEC);
-        base_ = ::mmap(nullptr, winport::kPageSize, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
-        ::close(descriptor);
-    }
-    ~Page() { ::munmap(base_, winport::kPageSize); }
-    Page(const Page&) = delete;
-    Page& operator=(const Page&) = delete;
-    ObjectPage* operator->() const { return static_cast<ObjectPage*>(base_); }
-
-  private:
-    void* base_;
-};
 
 TEST(Killed_waiters, Are_in_nobodys_way_to_a_free_mutex) {
     const struct {

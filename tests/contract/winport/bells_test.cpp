@@ -1,0 +1,126 @@
+// Waits for two events that both leave the signal to one waiter, which sleep at a bell. A wait looks by itself
+// each second, which would hide a wake-up that is lost: what is said here of time is said of many rounds.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <thread>
+
+#include "forked.h"
+#include "handle_support.h"
+#include "page_of_object.h"
+
+namespace {
+
+using winport::kEventBell;
+using winport::kEventSleepers;
+
+constexpr DWORD kPatience = 10'000;
+
+// Two events, and a wait for any of them.
+class Pair final {
+  public:
+    HANDLE First() const { return first_.Get(); }
+    HANDLE Second() const { return second_.Get(); }
+    winport::ObjectPage& SecondPage() { return *page_.operator->(); }
+
+    DWORD Wait(DWORD milliseconds = kPatience) const {
+        const HANDLE both[] = {first_.Get(), second_.Get()};
+        return WaitForMultipleObjects(2, both, FALSE, milliseconds);
+    }
+    // Of the second event: who sleeps has said so.
+    uint32_t WordOnceSleptOn(uint32_t other = 0) {
+        for (;;) {
+            const uint32_t word = SecondPage().word;
+            if (word != other && (word / kEventBell != 0 || (word & kEventSleepers) != 0)) return word;
+            Sleep(1);
+        }
+    }
+
+  private:
+    WideText name_ = FreshName();
+    Handle first_ = AutoEvent(FreshName());
+    Handle second_ = AutoEvent(name_);
+    Page page_{name_};
+};
+
+// How many of the rounds took nearly as long as a wait takes to look by itself.
+int SlowRounds(int rounds, const std::function<void()>& round) {
+    int slow = 0;
+    while (rounds-- > 0) {
+        const auto start = std::chrono::steady_clock::now();
+        round();
+        slow += std::chrono::steady_clock::now() - start > std::chrono::milliseconds(800);
+    }
+    return slow;
+}
+
+TEST(Bells, Ring_for_a_sleeper_of_another_process_whichever_event_is_set) {
+    const Handle answer = AutoEvent(FreshName());
+    const Pair asked;
+    constexpr int kRounds = 3000;
+    Forked counterpart([&] {
+        for (int i = 0; i < kRounds; ++i) {
+            if (asked.Wait() != WAIT_OBJECT_0 + i % 2) return 1;
+            if (i % 3 == 0) std::this_thread::yield();
+            SetEvent(answer.Get());
+        }
+        return 0;
+    });
+    const Handle never = AutoEvent();
+    const HANDLE both[] = {never.Get(), answer.Get()};
+    int round = 0;
+    EXPECT_LE(SlowRounds(kRounds,
+                         [&] {
+                             SetEvent(round++ % 2 == 0 ? asked.First() : asked.Second());
+                             EXPECT_EQ(WAIT_OBJECT_0 + 1,
+                                       WaitForMultipleObjects(2, both, FALSE, kPatience));
+                         }),
+              kRounds / 300);
+    EXPECT_EQ(0, counterpart.Wait());
+}
+
+TEST(Bells, Two_who_sleep_for_the_same_are_both_woken) {
+    EXPECT_LE(SlowRounds(10,
+                         [] {
+                             Pair pair;
+                             std::jthread one([&] { EXPECT_EQ(WAIT_OBJECT_0 + 1, pair.Wait()); });
+                             const uint32_t first = pair.WordOnceSleptOn();
+                             std::jthread two([&] { EXPECT_EQ(WAIT_OBJECT_0 + 1, pair.Wait()); });
+                             pair.WordOnceSleptOn(first);
+                             SetEvent(pair.Second());
+                             while ((pair.SecondPage().word & winport::kEventSignaled) != 0)
+                                 Sleep(1);
+                             SetEvent(pair.Second());
+                         }),
+              2);
+}
+
+TEST(Bells, The_place_of_a_killed_sleeper_is_taken_over) {
+    Pair pair;
+    Forked sleeper([&] { return static_cast<int>(pair.Wait()); });
+    const uint32_t left = pair.WordOnceSleptOn();
+    ASSERT_NE(0U, left / kEventBell);
+    sleeper.Kill();
+    EXPECT_EQ(128 + SIGKILL, sleeper.Wait());
+    std::jthread next([&] { EXPECT_EQ(WAIT_OBJECT_0, pair.Wait()); });
+    const uint32_t word = pair.WordOnceSleptOn(left);
+    EXPECT_NE(left / kEventBell, word / kEventBell);
+    EXPECT_EQ(0U, word & kEventSleepers);
+    SetEvent(pair.First());
+}
+
+// As when a cleaner has removed the page where they are, and a process that came later has another.
+TEST(Bells, Are_given_up_where_a_setter_has_others) {
+    Pair pair;
+    for (const bool isKnown : {false, true}) {
+        std::jthread sleeper([&] { EXPECT_EQ(WAIT_OBJECT_0 + 1, pair.Wait()); });
+        const uint32_t word = pair.WordOnceSleptOn();
+        EXPECT_EQ(isKnown, (word & kEventSleepers) != 0);
+        if (!isKnown) pair.SecondPage().bellTag = 1;
+        SetEvent(pair.Second());
+    }
+    EXPECT_EQ(winport::kNoBells, pair.SecondPage().bellTag);
+}
+
+}  // namespace
