@@ -266,7 +266,7 @@ uint32_t IPCChannel::Receive(void* buffer, uint32_t size, uint32_t timeoutMs) {
     Step("receive: begin");
     if (IsServer()) serverIdleEvent_.Set();
     Step("receive: announced");
-    const DWORD start = GetTickCount();
+    const DWORD start = IsClient() ? GetTickCount() : 0;  // a server takes what comes
     std::optional<Outcome> outcome = ReadOnce(section, buffer, size, timeoutMs);
     while (!outcome) {
         const DWORD now = GetTickCount();

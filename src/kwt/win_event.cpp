@@ -93,7 +93,8 @@ WinEventAuto::WinEventAuto(const WCHAR* name, bool global) : WinEvent(false) {
 WaitResult WaitForEvents(uint32_t count, WinEvent* const* events, bool waitAll, uint32_t& index,
                          uint32_t timeoutMs, bool resetFirst) {
     index = 0;
-    std::array<HANDLE, MAXIMUM_WAIT_OBJECTS> handles{};
+    std::array<HANDLE, MAXIMUM_WAIT_OBJECTS> handles;  // what is not used is not touched
+    handles[0] = nullptr;
     if (count > handles.size()) return WaitResult::Failed;
     for (uint32_t i = 0; i < count; ++i) {
         handles[i] = events[i]->GetHandle();

@@ -57,17 +57,7 @@ struct Turn {
 }  // namespace
 
 MutexObject::MutexObject(ObjectMemory&& memory)
-    : KernelObject(ObjectKind::Mutex, memory.Page()), memory_(std::move(memory)) {}
-
-uint32_t MutexObject::TokenFor(ThreadRecord& thread) const {
-    if (!IsNamed()) return thread.localId;
-    if (thread.ownerToken == 0) thread.ownerToken = TakeOwnerToken();
-    return thread.ownerToken;
-}
-
-uint32_t MutexObject::OwnToken(const ThreadRecord& thread) const {
-    return IsNamed() ? thread.ownerToken : thread.localId;
-}
+    : KernelObject(ObjectKind::Mutex, memory.Page()), isNamed_(memory.IsNamed()), memory_(std::move(memory)) {}
 
 // Threads of one process do not die unseen.
 bool MutexObject::IsDead(uint32_t token) const {

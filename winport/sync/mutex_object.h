@@ -21,13 +21,16 @@ namespace winport {
 
 enum class TakeResult { No, Taken, TakenAbandoned };
 
-class MutexObject final : public KernelObject {
+class alignas(64) MutexObject final : public KernelObject {
   public:
     explicit MutexObject(ObjectMemory&& memory);
     static KernelObject* Make(ObjectMemory&& memory) { return new MutexObject(std::move(memory)); }
 
     // The number by which this mutex knows the thread; 0 with the last-error value when none can be had.
-    [[nodiscard]] uint32_t TokenFor(ThreadRecord& thread) const;
+    [[nodiscard]] uint32_t TokenFor(ThreadRecord& thread) const {
+        if (isNamed_ && thread.ownerToken == 0) thread.ownerToken = TakeOwnerToken();
+        return OwnToken(thread);
+    }
 
     // Whether the mutex is to be had: it is free, or the thread's already. A thread whose turn is over, or
     // has not come, does not get it while an heir waits, unless `outOfTurn`.
@@ -47,7 +50,7 @@ class MutexObject final : public KernelObject {
     // Undoes a take: the next one gets the same result.
     void GiveBack(ThreadRecord& thread, TakeResult taken);
 
-    [[nodiscard]] bool IsNamed() const { return memory_.IsNamed(); }
+    [[nodiscard]] bool IsNamed() const { return isNamed_; }
 
   protected:
     void LastHandleClosed() override { ForgetName(this, memory_); }
@@ -58,7 +61,9 @@ class MutexObject final : public KernelObject {
   private:
     friend void AbandonHeldMutexes(ThreadRecord& thread);
 
-    [[nodiscard]] uint32_t OwnToken(const ThreadRecord& thread) const;
+    [[nodiscard]] uint32_t OwnToken(const ThreadRecord& thread) const {
+        return isNamed_ ? thread.ownerToken : thread.localId;
+    }
     [[nodiscard]] bool IsDead(uint32_t token) const;
     [[nodiscard]] bool MustGiveWay(uint32_t token) const;
     void Abandon(uint32_t token);
@@ -76,12 +81,13 @@ class MutexObject final : public KernelObject {
     void Unlink(ThreadRecord& thread);
     void UnlinkPredecessor(ThreadRecord& thread);
 
-    ObjectMemory memory_;
+    const bool isNamed_;
     // By a thread of this process, in whose list it then stands. A list of links: taking needs no memory.
     std::atomic<bool> heldHere_{false};
+    bool orphan_ = false;
     MutexObject* nextHeld_ = nullptr;
     MutexObject* previousHeld_ = nullptr;
-    bool orphan_ = false;
+    ObjectMemory memory_;  // last: taking and giving back touch one cache line of this
 };
 
 // Releases everything that an ending thread holds, and gives its token back.

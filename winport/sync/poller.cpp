@@ -8,7 +8,6 @@ namespace winport {
 
 namespace {
 
-constexpr int kBestCredit = 8;
 constexpr uint32_t kRetryEvery = 64;    // a wait that polls although polling has not paid
 constexpr uint32_t kBareLooks = 100;    // a pause costs as much as the way of an answer: not at first
 constexpr uint32_t kLooksPerTime = 32;  // looks between two readings of the clock

@@ -9,6 +9,7 @@
 namespace winport {
 
 inline constexpr Moment kPollBudget = 50'000;  // nanoseconds
+inline constexpr int kBestCredit = 8;
 
 // One more than the number of the processor that the thread runs on; 0 when that is not known. Cheap.
 [[nodiscard]] uint32_t CurrentProcessor();
@@ -25,6 +26,11 @@ class Poller final {
     // What the wait taught: how long it went on, after polling, until what was waited for came (or the wait
     // was given up).
     void Learn(Moment slept);
+
+    // Nothing had to be waited for.
+    static void LearnFromNone(PollHistory& history) {
+        if (history.credit < kBestCredit) ++history.credit;
+    }
 
   private:
     PollHistory& history_;

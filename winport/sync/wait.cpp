@@ -240,17 +240,19 @@ class WaitedObjects final {
     size_t count_ = 0;
 };
 
+std::optional<DWORD> Look(const WaitedObjects& objects, bool waitAll, bool outOfTurn) {
+    return waitAll ? TakeAllIfFree(objects.All(), objects.Thread(), outOfTurn)
+                   : TakeAny(objects.All(), objects.Thread(), outOfTurn);
+}
+
 // The clock is not read before looking has failed: an answer mostly comes sooner than that would pay.
-DWORD WaitFor(WaitedObjects& objects, bool waitAll, DWORD milliseconds) {
+[[gnu::noinline]] DWORD WaitLonger(WaitedObjects& objects, bool waitAll, DWORD milliseconds) {
     const std::span<const Waited> all = objects.All();
     ThreadRecord& thread = objects.Thread();
-    const auto look = [&](bool outOfTurn) {
-        return waitAll ? TakeAllIfFree(all, thread, outOfTurn) : TakeAny(all, thread, outOfTurn);
-    };
     Poller poller(thread.polling, IsSetterHere(all));
-    std::optional<DWORD> result = look(false);
+    std::optional<DWORD> result;
     while (!result && milliseconds != 0 && poller.Again())
-        result = look(false);
+        result = Look(objects, waitAll, false);
     if (result) {
         poller.Learn(0);
         return *result;
@@ -269,12 +271,19 @@ DWORD WaitFor(WaitedObjects& objects, bool waitAll, DWORD milliseconds) {
         else
             SleepOnAny(all, thread, now == start, until);
         // Whoever has waited this long needs no place in a line.
-        result = look(true);
+        result = Look(objects, waitAll, true);
         if (result) break;
     }
-    if (!result) result = look(milliseconds != 0);
+    if (!result) result = Look(objects, waitAll, milliseconds != 0);
     poller.Learn(Now() - start);
     return result.value_or(WAIT_TIMEOUT);
+}
+
+DWORD WaitFor(WaitedObjects& objects, bool waitAll, DWORD milliseconds) {
+    const std::optional<DWORD> atOnce = Look(objects, waitAll, false);
+    if (!atOnce) return WaitLonger(objects, waitAll, milliseconds);
+    Poller::LearnFromNone(objects.Thread().polling);
+    return *atOnce;
 }
 
 DWORD WaitForMutex(MutexObject& mutex, uint32_t token, ThreadRecord& thread, DWORD milliseconds) {
@@ -285,14 +294,25 @@ DWORD WaitForMutex(MutexObject& mutex, uint32_t token, ThreadRecord& thread, DWO
     return result == TakeResult::No ? WAIT_TIMEOUT : ResultOf(result, 0);
 }
 
-DWORD WaitForOne(HANDLE handle, DWORD milliseconds) {
-    {
-        const UsedObject used(handle);
-        Waited waited{used.Get(), 0, 0};
-        if (!used || !Prepare(waited, used.Thread())) return WAIT_FAILED;
-        if (const TakeResult result = TryTake(waited, used.Thread(), false); result != TakeResult::No)
-            return ResultOf(result, 0);
+// What is mostly so: the object is to be had at once.
+std::optional<DWORD> TakeAtOnce(HANDLE handle) {
+    const UsedObject used(handle);
+    if (!used) return WAIT_FAILED;
+    TakeResult result = TakeResult::No;
+    if (used.Get()->Kind() == ObjectKind::Mutex) {
+        auto& mutex = *static_cast<MutexObject*>(used.Get());
+        const uint32_t token = mutex.TokenFor(used.Thread());
+        if (token == 0) return WAIT_FAILED;
+        result = mutex.TryTake(used.Thread(), token, false);
+    } else if (used.Get()->Kind() == ObjectKind::Event) {
+        ObjectPage& page = used.Get()->Page();
+        if (TakeEvent(page, page.word.load(std::memory_order_relaxed))) result = TakeResult::Taken;
     }
+    return result != TakeResult::No ? std::optional(ResultOf(result, 0)) : std::nullopt;
+}
+
+DWORD WaitForOne(HANDLE handle, DWORD milliseconds) {
+    if (const std::optional<DWORD> result = TakeAtOnce(handle)) return *result;
     WaitedObjects objects(1);
     if (!objects.Add(handle)) return WAIT_FAILED;
     const Waited& waited = objects.All().front();

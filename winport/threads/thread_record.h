@@ -28,20 +28,21 @@ struct PollHistory {
 // A wait for so many objects or fewer takes no references unless it sleeps.
 inline constexpr size_t kWaitHazards = 2;
 
-struct ThreadRecord {
+// First what every wait needs, on one cache line.
+struct alignas(64) ThreadRecord {
     // The object that a short operation of this thread is using: it is not freed meanwhile (handle table).
     std::atomic<KernelObject*> hazard{nullptr};
     // Those that it waits for and looks at again and again. An object is named here before it leaves
     // `hazard`.
     std::array<std::atomic<KernelObject*>, kWaitHazards> waitHazards{};
 
-    std::array<std::atomic<void*>, kTlsSlots> tls{};
-
     uint32_t localId = 0;     // unique among the threads of this process
     uint32_t ownerToken = 0;  // unique among all threads of all processes of the home; 0: not asked for yet
     uint32_t bell = 0;        // number of the bell at which it sleeps; 0: none yet
     MutexObject* heldMutexes = nullptr;  // the last taken first
     PollHistory polling;
+
+    std::array<std::atomic<void*>, kTlsSlots> tls{};
 
     std::optional<SECURITY_IMPERSONATION_LEVEL> impersonation;  // none: it acts as its process
     HCURSOR cursor = nullptr;
