@@ -24,8 +24,8 @@ inline constexpr uint32_t kLayoutVersion = 2;
 inline constexpr size_t kPageSize = 4096;
 inline constexpr size_t kMaxNameUnits = 260;
 
-// Event: the truth is in `word`, a wake only a hint to look again. A set leaves nothing but the signal and the
-// count: who sleeps has said so since the last one.
+// Event: the truth is in `word`, a wake only a hint to look again. A set leaves nothing but the signal and
+// the count: who sleeps has said so since the last one.
 inline constexpr uint32_t kEventSignaled = 1;
 inline constexpr uint32_t kEventSleepers = 2;  // somebody sleeps on the word: a set must wake
 inline constexpr uint32_t kEventSetCount = 4;  // manual-reset only: the bits from here up count the sets

@@ -29,9 +29,9 @@ constexpr const char* kHomePageFile = "tokens";
 struct Store {
     std::recursive_mutex lock;
     LockFile lockFile;
-    std::map<std::string, KernelObject*> objects;   // the named ones with open handles, by file name
-    std::map<std::string, uint64_t> inodes;         // of the same
-    std::set<uint32_t> ownTokens;                   // of this process's threads
+    std::map<std::string, KernelObject*> objects;  // the named ones with open handles, by file name
+    std::map<std::string, uint64_t> inodes;        // of the same
+    std::set<uint32_t> ownTokens;                  // of this process's threads
     std::atomic<HomePage*> homePage{nullptr};
 };
 

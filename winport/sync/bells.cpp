@@ -45,14 +45,12 @@ bool SharesBells(ObjectPage& page, uint32_t tag) {
 BellSleep::BellSleep(ThreadRecord& thread) {
     HomePage* const home = SharedHomePage();
     if (home == nullptr) return;
-    if (thread.bell == 0)
-        thread.bell = home->lastBell.fetch_add(1, std::memory_order_relaxed) % kBells + 1;
+    if (thread.bell == 0) thread.bell = home->lastBell.fetch_add(1, std::memory_order_relaxed) % kBells + 1;
     number_ = thread.bell;
     tag_ = TagOf(*home);
     bell_ = &BellOf(*home, number_);
     armed_ = bell_->load(std::memory_order_relaxed);
-    while (!IsArmed(armed_) &&
-           !bell_->compare_exchange_weak(armed_, armed_ + 1, std::memory_order_seq_cst)) {
+    while (!IsArmed(armed_) && !bell_->compare_exchange_weak(armed_, armed_ + 1, std::memory_order_seq_cst)) {
     }
     armed_ |= 1;
 }

@@ -1,11 +1,12 @@
-// Sleeping for several events at once. To sleep on all their words is a dearer call of the kernel; so a thread
-// sleeps on one word of its own, its bell, and leaves the bell's number in the words of the events. Whoever
-// sets one of them rings.
+// Sleeping for several events at once. To sleep on all their words is a dearer call of the kernel; so a
+// thread sleeps on one word of its own, its bell, and leaves the bell's number in the words of the events.
+// Whoever sets one of them rings.
 //
 // A bell is odd while its thread sleeps there or is about to. The thread makes it odd and then looks at the
 // events; a setter changes an event and then looks at the bell. All four are sequentially consistent: either
 // the thread finds the event set, or the setter finds the bell odd and makes it even, which the kernel
-// compares before it lets the thread sleep. So no wake-up is lost, and a bell where nobody sleeps costs no call.
+// compares before it lets the thread sleep. So no wake-up is lost, and a bell where nobody sleeps costs no
+// call.
 //
 // Only auto-reset events have room for the number. An event has place for one bell; others sleep on its word
 // as if there were none, and the setter sees to both.

@@ -57,7 +57,9 @@ struct Turn {
 }  // namespace
 
 MutexObject::MutexObject(ObjectMemory&& memory)
-    : KernelObject(ObjectKind::Mutex, memory.Page()), isNamed_(memory.IsNamed()), memory_(std::move(memory)) {}
+    : KernelObject(ObjectKind::Mutex, memory.Page()),
+      isNamed_(memory.IsNamed()),
+      memory_(std::move(memory)) {}
 
 // Threads of one process do not die unseen.
 bool MutexObject::IsDead(uint32_t token) const {

@@ -128,8 +128,8 @@ bool SleepAtBell(std::span<const Waited> all, ThreadRecord& thread, bool wakeOth
     return true;
 }
 
-// Sleeps until one of the objects may have changed, or until the moment. Others are woken for their place once
-// in a wait, or two that wait for the same would never rest.
+// Sleeps until one of the objects may have changed, or until the moment. Others are woken for their place
+// once in a wait, or two that wait for the same would never rest.
 void SleepOnAny(std::span<const Waited> all, ThreadRecord& thread, bool wakeOthers, Moment until) {
     if (all.size() == 1 || !HaveRoomForBell(all) || !SleepAtBell(all, thread, wakeOthers, until))
         SleepOnObjects(all, until);

@@ -1,5 +1,6 @@
-// Waits for two events that both leave the signal to one waiter, which sleep at a bell. A wait looks by itself
-// each second, which would hide a wake-up that is lost: what is said here of time is said of many rounds.
+// Waits for two events that both leave the signal to one waiter, which sleep at a bell. A wait looks by
+// itself each second, which would hide a wake-up that is lost: what is said here of time is said of many
+// rounds.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -15,16 +16,16 @@ namespace {
 using winport::kEventBell;
 using winport::kEventSleepers;
 
-constexpr DWORD kPatience = 10'000;
+constexpr DWORD kLongEnough = 10'000;
 
 // Two events, and a wait for any of them.
-class Pair final {
+class TwoEvents final {
   public:
     HANDLE First() const { return first_.Get(); }
     HANDLE Second() const { return second_.Get(); }
     winport::ObjectPage& SecondPage() { return *page_.operator->(); }
 
-    DWORD Wait(DWORD milliseconds = kPatience) const {
+    DWORD Wait(DWORD milliseconds = kLongEnough) const {
         const HANDLE both[] = {first_.Get(), second_.Get()};
         return WaitForMultipleObjects(2, both, FALSE, milliseconds);
     }
@@ -57,7 +58,7 @@ int SlowRounds(int rounds, const std::function<void()>& round) {
 
 TEST(Bells, Ring_for_a_sleeper_of_another_process_whichever_event_is_set) {
     const Handle answer = AutoEvent(FreshName());
-    const Pair asked;
+    const TwoEvents asked;
     constexpr int kRounds = 3000;
     Forked counterpart([&] {
         for (int i = 0; i < kRounds; ++i) {
@@ -74,7 +75,7 @@ TEST(Bells, Ring_for_a_sleeper_of_another_process_whichever_event_is_set) {
                          [&] {
                              SetEvent(round++ % 2 == 0 ? asked.First() : asked.Second());
                              EXPECT_EQ(WAIT_OBJECT_0 + 1,
-                                       WaitForMultipleObjects(2, both, FALSE, kPatience));
+                                       WaitForMultipleObjects(2, both, FALSE, kLongEnough));
                          }),
               kRounds / 300);
     EXPECT_EQ(0, counterpart.Wait());
@@ -83,44 +84,44 @@ TEST(Bells, Ring_for_a_sleeper_of_another_process_whichever_event_is_set) {
 TEST(Bells, Two_who_sleep_for_the_same_are_both_woken) {
     EXPECT_LE(SlowRounds(10,
                          [] {
-                             Pair pair;
-                             std::jthread one([&] { EXPECT_EQ(WAIT_OBJECT_0 + 1, pair.Wait()); });
-                             const uint32_t first = pair.WordOnceSleptOn();
-                             std::jthread two([&] { EXPECT_EQ(WAIT_OBJECT_0 + 1, pair.Wait()); });
-                             pair.WordOnceSleptOn(first);
-                             SetEvent(pair.Second());
-                             while ((pair.SecondPage().word & winport::kEventSignaled) != 0)
+                             TwoEvents events;
+                             std::jthread one([&] { EXPECT_EQ(WAIT_OBJECT_0 + 1, events.Wait()); });
+                             const uint32_t first = events.WordOnceSleptOn();
+                             std::jthread two([&] { EXPECT_EQ(WAIT_OBJECT_0 + 1, events.Wait()); });
+                             events.WordOnceSleptOn(first);
+                             SetEvent(events.Second());
+                             while ((events.SecondPage().word & winport::kEventSignaled) != 0)
                                  Sleep(1);
-                             SetEvent(pair.Second());
+                             SetEvent(events.Second());
                          }),
               2);
 }
 
 TEST(Bells, The_place_of_a_killed_sleeper_is_taken_over) {
-    Pair pair;
-    Forked sleeper([&] { return static_cast<int>(pair.Wait()); });
-    const uint32_t left = pair.WordOnceSleptOn();
+    TwoEvents events;
+    Forked sleeper([&] { return static_cast<int>(events.Wait()); });
+    const uint32_t left = events.WordOnceSleptOn();
     ASSERT_NE(0U, left / kEventBell);
     sleeper.Kill();
     EXPECT_EQ(128 + SIGKILL, sleeper.Wait());
-    std::jthread next([&] { EXPECT_EQ(WAIT_OBJECT_0, pair.Wait()); });
-    const uint32_t word = pair.WordOnceSleptOn(left);
+    std::jthread next([&] { EXPECT_EQ(WAIT_OBJECT_0, events.Wait()); });
+    const uint32_t word = events.WordOnceSleptOn(left);
     EXPECT_NE(left / kEventBell, word / kEventBell);
     EXPECT_EQ(0U, word & kEventSleepers);
-    SetEvent(pair.First());
+    SetEvent(events.First());
 }
 
 // As when a cleaner has removed the page where they are, and a process that came later has another.
 TEST(Bells, Are_given_up_where_a_setter_has_others) {
-    Pair pair;
+    TwoEvents events;
     for (const bool isKnown : {false, true}) {
-        std::jthread sleeper([&] { EXPECT_EQ(WAIT_OBJECT_0 + 1, pair.Wait()); });
-        const uint32_t word = pair.WordOnceSleptOn();
+        std::jthread sleeper([&] { EXPECT_EQ(WAIT_OBJECT_0 + 1, events.Wait()); });
+        const uint32_t word = events.WordOnceSleptOn();
         EXPECT_EQ(isKnown, (word & kEventSleepers) != 0);
-        if (!isKnown) pair.SecondPage().bellTag = 1;
-        SetEvent(pair.Second());
+        if (!isKnown) events.SecondPage().bellTag = 1;
+        SetEvent(events.Second());
     }
-    EXPECT_EQ(winport::kNoBells, pair.SecondPage().bellTag);
+    EXPECT_EQ(winport::kNoBells, events.SecondPage().bellTag);
 }
 
 }  // namespace
