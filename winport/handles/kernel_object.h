@@ -11,12 +11,15 @@ namespace winport {
 
 class KernelObject {
   public:
-    KernelObject(ObjectKind kind, ObjectPage* page) : kind_(kind), page_(page) {}
+    KernelObject(ObjectKind kind, ObjectPage* page, bool isManualReset = false)
+        : kind_(kind), isManualReset_(isManualReset), page_(page) {}
     KernelObject(const KernelObject&) = delete;
     KernelObject& operator=(const KernelObject&) = delete;
     virtual ~KernelObject() = default;
 
     [[nodiscard]] ObjectKind Kind() const { return kind_; }
+    // Of an event. Kept here too: a wait would touch another line of the page for it.
+    [[nodiscard]] bool IsManualReset() const { return isManualReset_; }
     [[nodiscard]] ObjectPage& Page() const { return *page_; }
     [[nodiscard]] bool CanWait() const {
         return kind_ == ObjectKind::Event || kind_ == ObjectKind::Mutex || kind_ == ObjectKind::Process ||
@@ -47,6 +50,7 @@ class KernelObject {
 
   private:
     ObjectKind kind_;
+    bool isManualReset_;
     ObjectPage* page_;
     std::atomic<uint32_t> references_{0};
     std::atomic<uint32_t> handles_{0};

@@ -43,12 +43,13 @@ struct ObjectPage {
     uint32_t magic;
     uint32_t layoutVersion;
     ObjectKind kind;
-    uint32_t nameLength;  // UTF-16 units
-    uint64_t dataSize;    // sections: bytes behind this page
-
-    // What is used while the object lives has a cache line of its own.
-    alignas(64) std::atomic<uint32_t> word;
     uint32_t manualReset;  // events
+    uint64_t dataSize;     // sections: bytes behind this page
+    uint32_t nameLength;   // UTF-16 units
+    uint32_t reserved;
+
+    // What changes while the object lives has a cache line of its own.
+    alignas(64) std::atomic<uint32_t> word;
 
     // Event: one more than the number of the processor on which it was set last; 0: never set. Whoever waits
     // on that same processor knows that the setter cannot run while it polls.

@@ -75,9 +75,7 @@ bool StartWatcher(Watch* watch) {
 
 }  // namespace
 
-ProgramObject::ProgramObject(ObjectKind kind, pid_t id) : KernelObject(kind, &page_), id_(id) {
-    page_.manualReset = 1;
-}
+ProgramObject::ProgramObject(ObjectKind kind, pid_t id) : KernelObject(kind, &page_, true), id_(id) {}
 
 bool ProgramObject::Terminate(DWORD exitCode) {
     const std::lock_guard guard(idsLock);
@@ -87,7 +85,7 @@ bool ProgramObject::Terminate(DWORD exitCode) {
 }
 
 void ProgramObject::Signal() {
-    SignalPage(page_);
+    SetSignal(*this);
 }
 
 bool WatchProgram(ProgramObject& process, ProgramObject& thread) {

@@ -11,10 +11,11 @@
 
 namespace winport {
 
-void SignalPage(ObjectPage& page) {
+void SetSignal(KernelObject& event) {
+    ObjectPage& page = event.Page();
     page.setterProcessor.store(CurrentProcessor(), std::memory_order_relaxed);
     uint32_t before;
-    if (page.manualReset == 0) {
+    if (!event.IsManualReset()) {
         before = page.word.exchange(kEventSignaled, std::memory_order_seq_cst);
         if (before / kEventBell != 0) RingBell(page, before);
     } else {
@@ -36,9 +37,10 @@ void EventObject::Reset() {
         page.word.fetch_and(~kEventSignaled, std::memory_order_acq_rel);
 }
 
-bool TakeEvent(ObjectPage& page, uint32_t wordAtStart) {
+bool TakeEvent(KernelObject& event, uint32_t wordAtStart) {
+    ObjectPage& page = event.Page();
     uint32_t word = page.word.load(std::memory_order_acquire);
-    if (page.manualReset != 0)
+    if (event.IsManualReset())
         return (word & kEventSignaled) != 0 || word / kEventSetCount != wordAtStart / kEventSetCount;
     while ((word & kEventSignaled) != 0)
         if (page.word.compare_exchange_weak(word, word & ~kEventSignaled, std::memory_order_acq_rel,

@@ -8,17 +8,17 @@
 
 namespace winport {
 
-// Sets the event of a page and wakes who sleeps on it. Pages that are no event's own, such as an ended
-// program's, are manual-reset ones.
-void SignalPage(ObjectPage& page);
+// Sets an event, or what is waited for like one, such as a program's end, and wakes who sleeps on it.
+void SetSignal(KernelObject& event);
 
 class EventObject final : public KernelObject {
   public:
     explicit EventObject(ObjectMemory&& memory)
-        : KernelObject(ObjectKind::Event, memory.Page()), memory_(std::move(memory)) {}
+        : KernelObject(ObjectKind::Event, memory.Page(), memory.Page()->manualReset != 0),
+          memory_(std::move(memory)) {}
     static KernelObject* Make(ObjectMemory&& memory) { return new EventObject(std::move(memory)); }
 
-    void Set() { SignalPage(Page()); }
+    void Set() { SetSignal(*this); }
     void Reset();
 
   protected:
@@ -28,8 +28,7 @@ class EventObject final : public KernelObject {
     ObjectMemory memory_;
 };
 
-// Of an event's page: whether it was set since `word` was read, or is set now; an auto-reset event's signal
-// is consumed.
-[[nodiscard]] bool TakeEvent(ObjectPage& page, uint32_t wordAtStart);
+// Whether it was set since its word was read, or is set now; an auto-reset event's signal is consumed.
+[[nodiscard]] bool TakeEvent(KernelObject& event, uint32_t wordAtStart);
 
 }  // namespace winport

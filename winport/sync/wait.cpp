@@ -59,7 +59,7 @@ MutexObject* AsMutex(const Waited& waited) {
 
 TakeResult TryTake(const Waited& waited, ThreadRecord& thread, bool outOfTurn) {
     if (MutexObject* const mutex = AsMutex(waited)) return mutex->TryTake(thread, waited.token, outOfTurn);
-    return TakeEvent(waited.object->Page(), waited.wordAtStart) ? TakeResult::Taken : TakeResult::No;
+    return TakeEvent(*waited.object, waited.wordAtStart) ? TakeResult::Taken : TakeResult::No;
 }
 
 DWORD ResultOf(TakeResult result, DWORD index) {
@@ -73,7 +73,7 @@ bool AnnounceSleep(const Waited& waited, SleepWord& sleep) {
     const uint32_t flag = mutex == nullptr ? kEventSleepers : kMutexSleeper;
     uint32_t word = page.word.load(std::memory_order_relaxed);
     if (mutex != nullptr ? mutex->IsFreeFor(waited.token, false) : (word & kEventSignaled) != 0) return false;
-    if (mutex == nullptr && page.manualReset != 0 &&
+    if (mutex == nullptr && waited.object->IsManualReset() &&
         word / kEventSetCount != waited.wordAtStart / kEventSetCount)
         return false;
     if ((word & flag) == 0 &&
@@ -112,7 +112,7 @@ void SleepOnObjects(std::span<const Waited> all, Moment until) {
 
 bool HaveRoomForBell(std::span<const Waited> all) {
     return std::all_of(all.begin(), all.end(), [](const Waited& waited) {
-        return waited.object->Kind() == ObjectKind::Event && waited.object->Page().manualReset == 0;
+        return waited.object->Kind() == ObjectKind::Event && !waited.object->IsManualReset();
     });
 }
 
@@ -152,7 +152,7 @@ std::optional<DWORD> TakeAll(std::span<const Waited> all, ThreadRecord& thread, 
     while (taken-- > 0) {
         if (MutexObject* const mutex = AsMutex(all[taken]))
             mutex->GiveBack(thread, results[taken]);
-        else if (all[taken].object->Page().manualReset == 0)
+        else if (!all[taken].object->IsManualReset())
             static_cast<EventObject*>(all[taken].object)->Set();
     }
     return std::nullopt;
@@ -305,8 +305,8 @@ std::optional<DWORD> TakeAtOnce(HANDLE handle) {
         if (token == 0) return WAIT_FAILED;
         result = mutex.TryTake(used.Thread(), token, false);
     } else if (used.Get()->Kind() == ObjectKind::Event) {
-        ObjectPage& page = used.Get()->Page();
-        if (TakeEvent(page, page.word.load(std::memory_order_relaxed))) result = TakeResult::Taken;
+        const uint32_t word = used.Get()->Page().word.load(std::memory_order_relaxed);
+        if (TakeEvent(*used.Get(), word)) result = TakeResult::Taken;
     }
     return result != TakeResult::No ? std::optional(ResultOf(result, 0)) : std::nullopt;
 }
