@@ -14,6 +14,7 @@ WINDOWS = COMMON | {"README.md", "docs/kestrel.md", "bin/ZRIJ9900SDK.dll", "bin/
                     "bin/ZRIJ9900MUI.exe"}
 LINUX = COMMON | {"bin/kestrel", "bin/kestrel-vprinter", "libexec/kestrel-sdk/ZRIJ9900MUI.exe", "libexec/kestrel-sdk/rundll32",
                   "libexec/kestrel-sdk/kestrel-exporter.so",
+                  "libexec/kestrel-sdk/kestrel-top.so",
                   "lib/pkgconfig/zrij9900sdk.pc", "share/doc/kestrel-sdk/README.md", "share/doc/kestrel-sdk/LICENSE",
                   "share/doc/kestrel-sdk/kestrel.md"}
 LINUX |= {f"lib/lib{name}.so{version}" for name in ("ZRIJ9900SDK", "winport") for version in ("", ".1", ".1.0.0")}
