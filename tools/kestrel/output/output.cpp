@@ -188,14 +188,14 @@ std::string FailureText(const Failure& failure, const Paint& paint) {
 }
 
 int Print(std::string_view command, const Report& report, bool json, bool noColour) {
-    if (json && !report.isTold) return WriteOut(JsonDocument(command, report), {}, ExitStatus(report));
+    if (json && !report.isTold) return WriteOut(JsonDocument(command, report), "", ExitStatus(report));
     const std::string failure =
         report.failure ? FailureText(*report.failure, PaintForErrors(noColour)) : std::string();
     return WriteOut(report.text, failure, ExitStatus(report));
 }
 
 int Print(std::string_view command, const std::vector<PrinterReport>& reports, bool json, bool noColour) {
-    if (json) return WriteOut(JsonDocument(command, reports), {}, ExitStatus(reports));
+    if (json) return WriteOut(JsonDocument(command, reports), "", ExitStatus(reports));
     if (IsWrongForAll(reports)) return Print(command, reports.front().report, json, noColour);
     std::string text;
     std::string failures;
