@@ -111,6 +111,7 @@ DeviceStatus ReadStatus(const DeviceStatusRecord& record) {
 
 std::vector<std::string_view> StateWords() {
     std::vector<std::string_view> words;
+    words.reserve(kStateWords.size() + 1);
     for (const StateWord& row : kStateWords)
         words.push_back(row.word);
     words.push_back(kOtherState);
