@@ -31,8 +31,7 @@ SettingSide SideOf(Context& context, const std::string& name, const std::string&
     const GlobalOptions& options = context.Options();
     const Printer printer(context.GetLibrary(), options.product, name, options.timeoutMs);
     const WaitLine line("asking " + ForTerminal(name), context.ShowsProgress());
-    const SettingSide side =
-        SideOfPrinter(printer, [&line](std::string_view setting) { line.Show(setting); });
+    SettingSide side = SideOfPrinter(printer, [&line](std::string_view setting) { line.Show(setting); });
     if (side.failure) throw Of(name, *side.failure);
     return side;
 }
