@@ -213,7 +213,7 @@ std::string MetricsText(Format format, const std::vector<Snapshot>& printers, co
     });
     to.Begin(kBuild);
     to.Sample(fmt::format("{},{},{}", LabelText("version", versions.client),
-                          LabelText("interface", fmt::format("{}", versions.interface)),
+                          LabelText("interface", fmt::format("{}", versions.interfaceNumber)),
                           LabelText("library", versions.library)),
               1);
     to.Begin(kPrinters);

@@ -21,7 +21,7 @@ struct ProgramFigures final {
 
 struct Versions final {
     std::string client;
-    uint32_t interface = 0;
+    uint32_t interfaceNumber = 0;
     std::string library;  // its path
 };
 
