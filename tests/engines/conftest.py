@@ -7,30 +7,20 @@ import re
 import signal
 import subprocess
 import sys
-import time
 
 import pytest
 
 sys.dont_write_bytecode = True
 sys.path.append(str(pathlib.Path(__file__).parents[1] / "support"))
-from installed_home import BIN, bounded  # noqa: F401, E402
+from installed_home import BIN, LONGEST, bounded, until  # noqa: F401, E402
 
 ROOT = pathlib.Path(os.environ["SOURCE"])
-LONGEST = 20  # seconds that anything takes to happen on a busy machine
 
 
 def kestrel(*words, code=0):
     result = subprocess.run([BIN / "kestrel", *words], capture_output=True, text=True)
     assert result.returncode == code, result.stdout + result.stderr
     return result.stdout
-
-
-def until(holds):
-    end = time.monotonic() + LONGEST
-    while not (found := holds()) and time.monotonic() < end:
-        time.sleep(0.02)
-    assert found
-    return found
 
 
 class Process:

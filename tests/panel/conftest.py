@@ -4,14 +4,12 @@ import json
 import pathlib
 import subprocess
 import sys
-import time
 
 import pytest
 
 sys.dont_write_bytecode = True
 sys.path.append(str(pathlib.Path(__file__).parents[1] / "support"))
-from installed_home import BIN, bounded, home  # noqa: F401, E402
-LONGEST = 10  # seconds that anything takes to happen on a busy machine
+from installed_home import BIN, LONGEST, bounded, home, until  # noqa: F401, E402
 
 
 class Panel:
@@ -55,15 +53,6 @@ def kestrel(*words, code=0):
     result = subprocess.run([BIN / "kestrel", "--json", *words], capture_output=True, text=True)
     assert result.returncode == code, result.stdout + result.stderr
     return json.loads(result.stdout)
-
-
-def until(holds):
-    """Waits for what has to happen within a second; the machine may be busy."""
-    end = time.monotonic() + LONGEST
-    while not (found := holds()) and time.monotonic() < end:
-        time.sleep(0.02)
-    assert found
-    return found
 
 
 @pytest.fixture

@@ -4,15 +4,26 @@ import os
 import pathlib
 import signal
 import subprocess
+import time
 
 import pytest
 
 BIN = pathlib.Path(os.environ["BIN"])
 LONGEST_TEST = 180  # seconds
+LONGEST = 20  # seconds that anything takes to happen on a busy machine
 
 
 def give_up(*_):
     raise AssertionError("a test has taken three minutes")
+
+
+def until(holds):
+    """Waits for what has to happen within a second; the machine may be busy."""
+    end = time.monotonic() + LONGEST
+    while not (found := holds()) and time.monotonic() < end:
+        time.sleep(0.02)
+    assert found
+    return found
 
 
 @pytest.fixture(autouse=True)
