@@ -47,7 +47,7 @@ try_packages() {
     trap close_bare_system EXIT
     open_bare_system trial
     as_root mkdir "$bare_root/trial"
-    as_root cp -r "${packages[@]}" debian/tests "$bare_root/trial"
+    as_root cp -r "${packages[@]}" debian/tests fleet/ansible tests/package/role.sh "$bare_root/trial"
     say "A bare Debian 12, and in it what the tests need besides the packages: ${TRIAL_PACKAGES[*]}"
     in_bare_system root "apt-get update -qq && apt-get install -qq --no-install-recommends ${TRIAL_PACKAGES[*]} \
         >/dev/null && useradd --create-home --shell /bin/bash $ACCOUNT"
@@ -60,6 +60,7 @@ try_packages() {
     check "Python program" test_in_session python-program
     check "service" test_after_boot service
     check "nothing is left after they are purged" purge_leaves_nothing
+    check "Ansible's role" in_bare_system root "cd /trial && ./role.sh"
 
     printf '\n%d passed, %d failed\n' $passed $failed
     [ $failed -eq 0 ]
