@@ -82,8 +82,12 @@ void MutexObject::BeginOwnership(ThreadRecord& thread, uint32_t token) {
     ObjectPage& page = Page();
     page.recursion.store(1, std::memory_order_relaxed);
     if (page.lastOwner.load(std::memory_order_relaxed) != token) {
-        page.turnStart.store(NowUs(), std::memory_order_relaxed);
-        page.turnTakes.store(0, std::memory_order_relaxed);
+        // Beside an heir the turn goes on, whoever owns it meanwhile: else it would wait for a turn of each.
+        const uint32_t heir = page.heir.load(std::memory_order_relaxed);
+        if (heir == 0 || heir == token) {
+            page.turnStart.store(NowUs(), std::memory_order_relaxed);
+            page.turnTakes.store(0, std::memory_order_relaxed);
+        }
         // Last: who finds the owner here finds its turn as well.
         page.lastOwner.store(token, std::memory_order_release);
     }
