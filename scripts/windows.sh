@@ -79,10 +79,10 @@ emulate_32_bit() {
     # A process in which two threads are at work beside the first crashes in the emulator, nearly every time; now and
     # then it fails elsewhere too.
     local process='Settings|Exchange\.A_raw'
-    local threads='wakes_all_who_wait|Each_set_of_an_auto_reset|One_thread_at_a_time|Keep_threads_apart|Threads_write_side_by_side'
+    local threads='Work_for_so_many_printers|wakes_all_who_wait|Each_set_of_an_auto_reset|One_thread_at_a_time|Keep_threads_apart|Threads_write_side_by_side'
     RUN_OPTIONS[win32]="--repeat until-pass:3 -E $threads
         -R ^(unit|contract|process\.($process)|api\.(header|package|library))"
-    NOT_RUN[win32]="most of the process suite, and the contract's cases of several threads at once (${threads//|/, }): \
+    NOT_RUN[win32]="most of the process suite, and the cases of several threads at once (${threads//|/, }): \
 QEMU cannot run them; a machine that starts 32-bit programs itself can"
     export WINE32_LAUNCHER="taskset -c 0"
     export QEMU_CPU=max QEMU_SET_ENV="LD_PRELOAD=$EMULATION/\$LIB/wine_in_qemu.so"
