@@ -224,6 +224,16 @@ uint32_t NumberOf(HANDLE handle) {
     return found == numbers.end() ? kNoObject : found->second;
 }
 
+// A call about one of the channel's objects is a place; that of another object is none of ours.
+uint32_t ComeTo(HANDLE handle, const char* call) {
+    const uint32_t number = NumberOf(handle);
+    if (number != kNoObject) {
+        Come(call);
+        Learn(number);
+    }
+    return number;
+}
+
 void Check(bool holds, const char* what, uint32_t number) {
     if (holds) return;
     static_cast<void>(std::snprintf(control->mismatch, sizeof(control->mismatch),
@@ -301,10 +311,8 @@ BOOL __wrap_UnmapViewOfFile(LPCVOID view) {
 }
 
 BOOL __wrap_CloseHandle(HANDLE handle) {
-    const uint32_t number = NumberOf(handle);
+    const uint32_t number = ComeTo(handle, "call: close");
     if (number != kNoObject) {
-        Come("call: close");
-        Learn(number);
         control->objects[number].openers &= ~(1u << self);
         numbers.erase(handle);
     }
@@ -312,10 +320,8 @@ BOOL __wrap_CloseHandle(HANDLE handle) {
 }
 
 BOOL __wrap_SetEvent(HANDLE event) {
-    const uint32_t number = NumberOf(event);
+    const uint32_t number = ComeTo(event, "call: set");
     if (number != kNoObject) {
-        Come("call: set");
-        Learn(number);
         control->objects[number].isSet = true;
         if (control->objects[number].isManual)
             for (Waiting& waiting : control->waitings)
@@ -325,20 +331,16 @@ BOOL __wrap_SetEvent(HANDLE event) {
 }
 
 BOOL __wrap_ResetEvent(HANDLE event) {
-    const uint32_t number = NumberOf(event);
+    const uint32_t number = ComeTo(event, "call: reset");
     if (number != kNoObject) {
-        Come("call: reset");
-        Learn(number);
         control->objects[number].isSet = false;
     }
     return __real_ResetEvent(event);
 }
 
 BOOL __wrap_ReleaseMutex(HANDLE mutex) {
-    const uint32_t number = NumberOf(mutex);
+    const uint32_t number = ComeTo(mutex, "call: release");
     if (number != kNoObject) {
-        Come("call: release");
-        Learn(number);
         if (control->objects[number].owner == self) control->objects[number].owner = kNobody;
     }
     return __real_ReleaseMutex(mutex);

@@ -74,6 +74,10 @@ Failure FailureFromCode(uint32_t code, const std::string& attempt, Exchange dire
     return failure;
 }
 
+bool IsHopeless(const Failure& failure) {
+    return failure.exit == ExitCode::NoAnswer || failure.exit == ExitCode::OwnFault;
+}
+
 Failure UsageFailure(std::string text, std::string advice) {
     return {ExitCode::Usage, std::move(text), std::move(advice), {}, {}, {}};
 }

@@ -29,6 +29,10 @@ enum class Exchange { Read, Write };
 // "0xE0000003" for the library's own codes, decimal for the system's.
 [[nodiscard]] std::string CodeText(uint32_t code);
 
+// A printer that does not answer once will not answer for the other settings either: each would cost a
+// time-out.
+[[nodiscard]] bool IsHopeless(const Failure& failure);
+
 [[nodiscard]] Failure UsageFailure(std::string text, std::string advice);
 [[nodiscard]] Failure ValueFailure(std::string text, std::string advice);
 

@@ -21,12 +21,6 @@ struct Listed {
     std::optional<Failure> failure;  // why it was not
 };
 
-// A printer that does not answer once will not answer for the other settings either: each would cost a
-// time-out.
-bool IsHopeless(const Failure& failure) {
-    return failure.exit == ExitCode::NoAnswer || failure.exit == ExitCode::OwnFault;
-}
-
 // Ends early, with the reason in the last entry, when going on is hopeless.
 std::vector<Listed> ReadAll(Context& context, const std::vector<const catalogue::Row*>& rows) {
     const Printer& printer = context.GetPrinter();

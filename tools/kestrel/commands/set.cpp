@@ -15,16 +15,6 @@ struct SetOptions {
     bool verify = false;
 };
 
-void Verify(Context& context, const catalogue::Row& row, const Value& wanted) {
-    const Value kept = context.GetPrinter().Get(row);
-    if (kept == wanted) return;
-    // The kept value of a secret is nobody's business here.
-    const std::string shown =
-        row.IsSecret() ? "another value" : fmt::format("\"{}\"", FormatValue(row, kept));
-    throw ValueFailure(fmt::format("the printer acknowledged {} and kept {}", row.name, shown),
-                       "choose a value that the printer supports");
-}
-
 Report Set(Context& context, const SetOptions& options) {
     const catalogue::Row& row = FindWritableSetting(options.name);
     if (options.verify && !row.CanRead()) {
@@ -32,7 +22,7 @@ Report Set(Context& context, const SetOptions& options) {
     }
     const Value value = ParseValue(row, options.written);
     context.GetPrinter().Set(row, value);
-    if (options.verify) Verify(context, row, value);
+    if (options.verify) context.GetPrinter().Verify(row, value);
 
     Report report;
     report.data = {{"key", row.name}};

@@ -1,18 +1,11 @@
 #include "kestrel/fleet/change.h"
 
-#include <fmt/core.h>
-
 namespace cli {
 namespace {
 
 void SetAndVerify(const Printer& printer, const catalogue::Row& row, const Value& value) {
     printer.Set(row, value);
-    const Value kept = printer.Get(row);
-    if (kept == value) return;
-    const std::string shown =
-        row.IsSecret() ? "another value" : fmt::format("\"{}\"", FormatValue(row, kept));
-    throw ValueFailure(fmt::format("the printer acknowledged {} and kept {}", row.name, shown),
-                       "choose a value that the printer supports");
+    printer.Verify(row, value);
 }
 
 // In a row; then the printer is not asked for the rest, which would each cost a time-out.

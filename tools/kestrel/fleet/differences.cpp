@@ -10,8 +10,7 @@ SettingSide SideOfPrinter(const Printer& printer, const std::function<void(std::
         try {
             side.settings[&row] = printer.Get(row);
         } catch (const Failure& failure) {
-            // Neither will it answer for the others.
-            if (failure.exit == ExitCode::NoAnswer || failure.exit == ExitCode::OwnFault) {
+            if (IsHopeless(failure)) {
                 side.failure = failure;
                 return side;
             }

@@ -133,6 +133,16 @@ void Printer::Set(const catalogue::Row& row, const Value& value) const {
     if (!done) throw FailureOfLastCall(library_, fmt::format("cannot set {}", row.name), Exchange::Write);
 }
 
+void Printer::Verify(const catalogue::Row& row, const Value& wanted) const {
+    const Value kept = Get(row);
+    if (kept == wanted) return;
+    // The kept value of a secret is nobody's business here.
+    const std::string shown =
+        row.IsSecret() ? "another value" : fmt::format("\"{}\"", FormatValue(row, kept));
+    throw ValueFailure(fmt::format("the printer acknowledged {} and kept {}", row.name, shown),
+                       "choose a value that the printer supports");
+}
+
 RawReply Printer::Send(std::string_view request) const {
     if (request.empty() || request.size() > kLargestMessage) {
         throw ValueFailure(fmt::format("a request of {} bytes cannot be sent", request.size()),

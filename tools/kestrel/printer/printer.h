@@ -29,6 +29,8 @@ class Printer final {
 
     [[nodiscard]] Value Get(const catalogue::Row& row) const;
     void Set(const catalogue::Row& row, const Value& value) const;
+    // Reads a setting back; a printer that has kept another value is a value failure.
+    void Verify(const catalogue::Row& row, const Value& wanted) const;
 
     // One request of the command language as it stands; a reply judged bad is a failure that shows it.
     [[nodiscard]] RawReply Send(std::string_view request) const;
