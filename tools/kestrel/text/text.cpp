@@ -47,14 +47,27 @@ std::optional<std::string> AnsiFromWide(const WideText& text) {
     return again == text ? std::optional(ansi) : std::nullopt;
 }
 
+// Of several stars only the last one is ever tried with more: whatever the others took can stay as it is.
 bool GlobMatches(std::string_view pattern, std::string_view text) {
-    if (pattern.empty()) return text.empty();
-    if (pattern.front() == '*') {
-        return GlobMatches(pattern.substr(1), text) ||
-               (!text.empty() && GlobMatches(pattern, text.substr(1)));
+    std::size_t inPattern = 0;
+    std::size_t star = pattern.npos;
+    std::size_t afterStar = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        const char wanted = inPattern < pattern.size() ? pattern[inPattern] : '\0';
+        if (wanted == '*') {
+            star = inPattern++;
+            afterStar = at;
+        } else if (inPattern < pattern.size() && (wanted == '?' || wanted == text[at])) {
+            ++inPattern;
+            ++at;
+        } else if (star != pattern.npos) {
+            inPattern = star + 1;
+            at = ++afterStar;
+        } else {
+            return false;
+        }
     }
-    const bool firstMatches = !text.empty() && (pattern.front() == '?' || pattern.front() == text.front());
-    return firstMatches && GlobMatches(pattern.substr(1), text.substr(1));
+    return pattern.find_first_not_of('*', inPattern) == pattern.npos;
 }
 
 std::string_view WithoutByteOrderMark(std::string_view text) {
