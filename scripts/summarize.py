@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Adds up what several ctest runs reported: summarize.py NAME=JUNIT_FILE... Each skip is named with its reason, and
 the last line counts. Ends with 1 when something failed or nothing ran."""
+import os
 import re
 import sys
 import xml.etree.ElementTree as ET
@@ -12,6 +13,9 @@ def main():
     passed, failed, skipped = 0, [], []
     for argument in sys.argv[1:]:
         suite, path = argument.split("=", 1)
+        if not os.path.exists(path):
+            failed.append(f"{suite}: ended without its report {path}")
+            continue
         for case in ET.parse(path).getroot().iter("testcase"):
             name = f"{suite}: {case.get('name')}"
             output = case.findtext("system-out") or ""
