@@ -154,7 +154,11 @@ inline NoticeDeadHeir() {
 /* MutexObject::Abandon */
 inline Abandon(token) {
     if
+#ifdef FAULT_A_DEATH_IS_TOLD_TO_NOBODY
+    :: atomic { owner == token -> owner = 0; sleeper = 0; ok = 1 }
+#else
     :: atomic { owner == token -> owner = 0; abandoned = 1; sleeper = 0; ok = 1 }
+#endif
     :: owner != token
     OR_DIES
     fi;
@@ -238,7 +242,11 @@ inline TryTake(outOfTurn) {
         if
         :: no
         :: atomic {
+#ifdef FAULT_A_TAKE_IS_A_LOAD_AND_A_STORE
+            !no ->
+#else
             !no && owner == 0 ->
+#endif
             /* one owner; a death is told to the first that comes after it, and to no other */
             assert(!has[1] && !has[2] && !has[3]);
             assert(abandoned == owed);
