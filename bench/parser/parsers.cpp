@@ -101,11 +101,12 @@ class OwnList {
   public:
     void Read(const Texts& texts) {
         opl::OPLParser framer;
-        Check(opl::OPLParser::SplitList(Frame(framer, texts.reply), items_) && items_.size() == texts.facts);
+        Check(opl::OPLParser::SplitList(Frame(framer, texts.reply), items_) &&
+              items_.views.size() == texts.facts);
     }
 
   private:
-    std::vector<std::string> items_;
+    opl::ListItems items_;
 };
 
 class OwnBlock {

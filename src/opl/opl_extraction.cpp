@@ -91,21 +91,23 @@ std::optional<std::string_view> FindBinary(std::string_view message) {
     return bytes.substr(0, length);
 }
 
-/// Length of the item at the front of `rest`, without its delimiter.
-size_t ItemLength(std::string_view rest) {
-    const size_t stop =
-        FindFirst(rest.data(), rest.size(), [](auto byte) { return byte == '#' || kDelimiter(byte); });
-    if (stop == rest.size() || rest[stop] != '#') return stop;
-    if (const auto block = FindBinary(rest)) return rest.find('=') + 1 + block->size();
-    return FindDelimiter(rest);
+constexpr auto kEndsItem = [](auto byte) { return byte == '#' || kDelimiter(byte); };
+
+// What few items need is kept out of the loop over all of them.
+
+/// Closes an item that no delimiter follows.
+[[gnu::cold]] std::string_view ClosedCopy(std::string_view item, ListItems& items) {
+    return items.copies.emplace_front(item) += ';';
 }
 
-/// Vectors of strings are expensive to fill anew; strings left from an earlier list are written over.
-void StoreItem(std::vector<std::string>& items, size_t position, std::string_view item) {
-    if (position == items.size()) items.emplace_back();
-    std::string& stored = items[position];
-    stored.reserve(item.size() + 1);
-    stored.assign(item).push_back(';');
+/// Cuts an item in which "#" comes before any delimiter. Returns where the next one starts.
+[[gnu::cold]] size_t CutBlockItem(std::string_view text, size_t start, ListItems& items) {
+    const std::string_view rest = text.substr(start);
+    const auto block = FindBinary(rest);
+    const size_t length = block ? rest.find('=') + 1 + block->size() : FindDelimiter(rest);
+    const bool closed = length < rest.size() && OPLParser::IsDelimiter(rest[length]);
+    items.views.push_back(closed ? rest.substr(0, length + 1) : ClosedCopy(rest.substr(0, length), items));
+    return start + length + 1;
 }
 
 }  // namespace
@@ -175,19 +177,24 @@ bool OPLParser::GetBinaryValue(std::string_view message, std::vector<uint8_t>& b
     return block.has_value();
 }
 
-bool OPLParser::SplitList(std::string_view message, std::vector<std::string>& items) {
-    size_t count = 0;
+bool OPLParser::SplitList(std::string_view message, ListItems& items) {
+    items.views.clear();
+    items.copies.clear();
     const size_t comma = FindBeforeDelimiter<','>(message);
-    std::string_view rest = comma == std::string_view::npos ? std::string_view{} : message.substr(comma + 1);
-    while (!rest.empty() && !IsDelimiter(rest.front())) {
-        const size_t length = ItemLength(rest);
-        StoreItem(items, count++, rest.substr(0, length));
-        rest.remove_prefix(std::min(length + 1, rest.size()));
-        while (rest.starts_with('&'))
-            rest.remove_prefix(1);
-    }
-    items.resize(count);
-    return count > 0;
+    if (comma == std::string_view::npos) return false;
+    const std::string_view text = message.substr(comma + 1);
+    size_t start = 0;
+    ForEachHit(text, kEndsItem, [&](size_t end) {
+        if (text[end] == '#') return start = CutBlockItem(text, start, items);
+        if (end > start) {
+            items.views.push_back(text.substr(start, end + 1 - start));
+        } else if (start == 0 || text[start] != '&') {
+            return start = text.size();  // an empty item ends the list; only further "&" are passed over
+        }
+        return start = end + 1;
+    });
+    if (start < text.size()) items.views.push_back(ClosedCopy(text.substr(start), items));
+    return !items.views.empty();
 }
 
 bool OPLParser::GetIndex(std::string_view message, uint32_t& index) {

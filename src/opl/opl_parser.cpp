@@ -16,9 +16,7 @@ constexpr auto kEndsKey = [](auto byte) {
     return byte == ',' || byte == '=' || byte == '#' || byte == '?' || byte == ';' || kUnprintable(byte);
 };
 /// Whatever can end a run of plain items: neither the bytes between items nor those between key and value.
-constexpr auto kEndsItems = [](auto byte) {
-    return byte == ';' || byte == '?' || byte == '#' || kUnprintable(byte);
-};
+constexpr auto kEndsItems = [](auto byte) { return (byte | 4) == '?' || byte == '#' || kUnprintable(byte); };
 constexpr auto kSemicolon = [](auto byte) { return byte == ';'; };
 constexpr auto kEqualsSign = [](auto byte) { return byte == '='; };
 constexpr auto kItemStructure = [](auto byte) { return byte == '=' || byte == '&'; };
@@ -101,7 +99,7 @@ bool OPLParser::PassPlainItems() {
     if (before < kErrorNumberLength &&
         (before != 0 || (rest.front() == '3' && IsErrorNumber(rest.substr(0, kErrorNumberLength)))))
         return false;
-    const size_t end = FindIn(rest, kEndsItems);
+    const size_t end = FindFarFirst(rest.data(), rest.size(), kEndsItems);
     if (end == rest.size() || (rest[end] != ';' && rest[end] != '?')) return false;
     Consume(end + 1);
     state_ = State::Complete;
@@ -174,7 +172,7 @@ void OPLParser::ReadBinary() {
 // "=" there is a value and behind "&" a key, whatever the item before.
 void OPLParser::ReadValue() {
     const std::string_view rest = RemainingInput();
-    const size_t items = FindIn(rest, kEndsItems);
+    const size_t items = FindFarFirst(rest.data(), rest.size(), kEndsItems);
     const size_t last = FindLast(rest.data(), items, kItemStructure);
     if (last < items && rest[last] == '&') {
         state_ = State::ReadKey;

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "opl/list_items.h"
+
 namespace opl {
 
 enum class ParseResult : int32_t {
@@ -55,9 +57,8 @@ class OPLParser {
     [[nodiscard]] static bool GetBoolValue(std::string_view message, uint8_t& value);
     /// The binary block of the first item; empty on failure.
     [[nodiscard]] static bool GetBinaryValue(std::string_view message, std::vector<uint8_t>& bytes);
-    /// The items behind the response number, each closed with ";" and so a message of its own. A message
-    /// without a response number has no items. Strings that `items` holds already are used again.
-    [[nodiscard]] static bool SplitList(std::string_view message, std::vector<std::string>& items);
+    /// The items behind the response number. A message without a response number has no items.
+    [[nodiscard]] static bool SplitList(std::string_view message, ListItems& items);
     /// The number in the first brackets of the key.
     [[nodiscard]] static bool GetIndex(std::string_view message, uint32_t& index);
 

@@ -29,18 +29,18 @@ std::string FormatMac(const std::vector<uint8_t>& bytes) {
     return text;
 }
 
-uint32_t ReadNumber(const std::string& item) {
+uint32_t ReadNumber(std::string_view item) {
     int32_t number = 0;
     return opl::OPLParser::GetIntValue(item, number) ? static_cast<uint32_t>(number) : 0;
 }
 
-void ReadMac(const std::string& item, KestrelAccessPoint& record) {
+void ReadMac(std::string_view item, KestrelAccessPoint& record) {
     std::vector<uint8_t> bytes;
     if (!opl::OPLParser::GetBinaryValue(item, bytes) || bytes.size() != kMacBytes) return;
     kwt::AsciiToWideBuffer(record.macAddress, FormatMac(bytes).c_str(), sizeof(record.macAddress));
 }
 
-void ReadSsid(const std::string& item, KestrelAccessPoint& record) {
+void ReadSsid(std::string_view item, KestrelAccessPoint& record) {
     std::string text;
     if (!opl::OPLParser::GetValue(item, text) || text == "(null)") return;
     kwt::AsciiToWideBuffer(record.ssid, text.c_str(), sizeof(record.ssid));
@@ -48,36 +48,36 @@ void ReadSsid(const std::string& item, KestrelAccessPoint& record) {
 
 struct AccessPointField {
     std::string_view marker;
-    void (*read)(const std::string& item, KestrelAccessPoint& record);
+    void (*read)(std::string_view item, KestrelAccessPoint& record);
 };
 
 // A value cannot imitate a marker: its dots come escaped.
 constexpr AccessPointField kAccessPointFields[] = {
     {"].MacAddr", ReadMac},
     {"].SignalStrength",
-     [](const std::string& item, KestrelAccessPoint& record) {
+     [](std::string_view item, KestrelAccessPoint& record) {
          record.signalStrength = static_cast<uint16_t>(ReadNumber(item));
      }},
     {"].BcnInterval",
-     [](const std::string& item, KestrelAccessPoint& record) {
+     [](std::string_view item, KestrelAccessPoint& record) {
          record.beaconInterval = static_cast<uint16_t>(ReadNumber(item));
      }},
     {"].CapInfo",
-     [](const std::string& item, KestrelAccessPoint& record) {
+     [](std::string_view item, KestrelAccessPoint& record) {
          record.capabilities = static_cast<uint16_t>(ReadNumber(item));
      }},
     {"].SSID", ReadSsid},
     {"].Channel",
-     [](const std::string& item, KestrelAccessPoint& record) { record.channel = ReadNumber(item); }},
+     [](std::string_view item, KestrelAccessPoint& record) { record.channel = ReadNumber(item); }},
     {"].Encryption",
-     [](const std::string& item, KestrelAccessPoint& record) { record.encryption = ReadNumber(item); }},
+     [](std::string_view item, KestrelAccessPoint& record) { record.encryption = ReadNumber(item); }},
 };
 
-bool ReadItem(const std::string& item, KestrelAccessPoint* records) {
+bool ReadItem(std::string_view item, KestrelAccessPoint* records) {
     uint32_t index = 0;
     if (!ReadItemIndex(item, KESTREL_MAX_ACCESS_POINTS, index)) return false;
     for (const AccessPointField& field : kAccessPointFields) {
-        if (item.find(field.marker) == std::string::npos) continue;
+        if (item.find(field.marker) == std::string_view::npos) continue;
         field.read(item, records[index]);
         return true;
     }
@@ -93,9 +93,9 @@ bool StartSearchForAccessPoints(session::KestrelSDK& sdk, uint32_t timeoutMs) {
 
 bool GetAccessPoints(session::KestrelSDK& sdk, KestrelAccessPoint* records, uint32_t timeoutMs) {
     std::fill_n(records, KESTREL_MAX_ACCESS_POINTS, KestrelAccessPoint{});
-    std::vector<std::string> items;
+    opl::ListItems items;
     if (!QueryList(sdk, opl::Key::AccessPoints, items, timeoutMs)) return false;
-    return std::ranges::all_of(items, [&](const std::string& item) { return ReadItem(item, records); });
+    return std::ranges::all_of(items.views, [&](std::string_view item) { return ReadItem(item, records); });
 }
 
 }  // namespace settings

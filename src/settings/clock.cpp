@@ -1,7 +1,7 @@
 // The five fields of the time come in one list and go in one request.
 #include "settings/clock.h"
 
-#include <vector>
+#include <algorithm>
 
 #include "host/host_identity.h"
 #include "session/remaining_time.h"
@@ -23,9 +23,9 @@ constexpr ClockField kClockFields[] = {
     {opl::Key::DeviceTimeMinute, &DeviceTime::minute},
 };
 
-bool ReadItem(const std::string& item, DeviceTime& time) {
+bool ReadItem(std::string_view item, DeviceTime& time) {
     for (const ClockField& field : kClockFields) {
-        if (item.find(opl::KeyText(field.key)) == std::string::npos) continue;
+        if (item.find(opl::KeyText(field.key)) == std::string_view::npos) continue;
         int32_t number = 0;
         const bool read = opl::OPLParser::GetIntValue(item, number);
         time.*field.value = static_cast<uint32_t>(number);
@@ -40,12 +40,9 @@ bool GetDeviceTime(session::KestrelSDK& sdk, DeviceTime& time, uint32_t timeoutM
     time = {};
     std::string_view reply;
     if (!sdk.Query(opl::Key::DeviceTime, reply, timeoutMs)) return false;
-    std::vector<std::string> items;
-    if (!sdk.parser.SplitList(reply, items) || items.size() != std::size(kClockFields)) return false;
-    for (const std::string& item : items) {
-        if (!ReadItem(item, time)) return false;
-    }
-    return true;
+    opl::ListItems items;
+    if (!sdk.parser.SplitList(reply, items) || items.views.size() != std::size(kClockFields)) return false;
+    return std::ranges::all_of(items.views, [&](std::string_view item) { return ReadItem(item, time); });
 }
 
 bool SetDeviceTime(session::KestrelSDK& sdk, const DeviceTime& time, uint32_t timeoutMs) {

@@ -12,7 +12,7 @@ namespace {
 
 static_assert(sizeof(KestrelHost) == 512);
 
-bool ReadItem(const std::string& item, KestrelHost* hosts) {
+bool ReadItem(std::string_view item, KestrelHost* hosts) {
     uint32_t index = 0;
     if (!ReadItemIndex(item, KESTREL_MAX_HOSTS, index)) return false;
     std::string name;
@@ -34,9 +34,9 @@ bool SetPing(session::KestrelSDK& sdk, uint32_t address, uint8_t count, uint8_t 
 
 bool GetMDNSHostList(session::KestrelSDK& sdk, KestrelHost* hosts, uint32_t timeoutMs) {
     std::fill_n(hosts, KESTREL_MAX_HOSTS, KestrelHost{});
-    std::vector<std::string> items;
+    opl::ListItems items;
     if (!QueryList(sdk, opl::Key::MDNSHostList, items, timeoutMs)) return false;
-    return std::ranges::all_of(items, [&](const std::string& item) { return ReadItem(item, hosts); });
+    return std::ranges::all_of(items.views, [&](std::string_view item) { return ReadItem(item, hosts); });
 }
 
 }  // namespace settings

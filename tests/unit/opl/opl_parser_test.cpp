@@ -97,6 +97,13 @@ std::function<std::string(std::string_view)> Reader(bool (*get)(std::string_view
     };
 }
 
+bool SplitList(std::string_view message, Messages& items) {
+    ListItems cut{{"left from an earlier list", "and another"}, {"and its copy"}};
+    const bool found = OPLParser::SplitList(message, cut);
+    items.assign(cut.views.begin(), cut.views.end());
+    return found;
+}
+
 TEST(Messages, Are_cut_and_read_as_the_device_language_says) {
     const std::map<std::string, std::function<std::string(std::string_view)>> readers = {
         {"Stream", Framed},
@@ -107,7 +114,7 @@ TEST(Messages, Are_cut_and_read_as_the_device_language_says) {
         {"Number", Reader<int32_t>(OPLParser::GetIntValue, 77)},
         {"Boolean", Reader<uint8_t>(OPLParser::GetBoolValue, 77)},
         {"Block", Reader<std::vector<uint8_t>>(OPLParser::GetBinaryValue, {1, 2, 3})},
-        {"List", Reader<Messages>(OPLParser::SplitList, {"left from an earlier list", "and another"})},
+        {"List", Reader<Messages>(SplitList, {"before"})},
     };
     const std::vector<Section> sections = Sections(UNIT_TESTS "/opl/messages.txt");
     EXPECT_EQ(sections.size(), readers.size());
@@ -117,6 +124,19 @@ TEST(Messages, Are_cut_and_read_as_the_device_language_says) {
             const auto [message, expected] = CaseIn(line);
             EXPECT_EQ(readers.at(section.title)(opl::FromReadable(message).value()), expected);
         }
+}
+
+TEST(Messages, Are_cut_wherever_their_bytes_lie_in_what_is_scanned_at_once) {
+    for (size_t length = 1; length < 150; ++length) {
+        const std::string item(length, 'a');
+        for (const char end : {';', '?'}) {
+            const std::string message = "101," + item + "&&B#4=&;?#&" + item + end;
+            EXPECT_EQ(Framed(message + "C=1;"), Shown(Messages{message, "C=1;"}));
+            Messages items;
+            EXPECT_TRUE(SplitList(ExactCopy(message).View(), items));
+            EXPECT_EQ(items, (Messages{item + '&', "B#4=&;?#&", item + end}));
+        }
+    }
 }
 
 TEST(Framer, Takes_the_longest_message_and_not_a_byte_more) {

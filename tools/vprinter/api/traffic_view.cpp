@@ -57,9 +57,9 @@ std::string ValueText(std::string_view key, std::string_view item) {
 
 tools::Json Decoded(std::string_view reply) {
     tools::Json items = tools::Json::EmptyArray();
-    std::vector<std::string> parts;
+    opl::ListItems parts;
     if (!opl::OPLParser::SplitList(reply, parts)) return items;
-    for (const std::string& part : parts) {
+    for (const std::string_view part : parts.views) {
         std::string_view key;
         if (items.Items().size() == kShownItems) break;
         if (!opl::OPLParser::GetKey(part, key)) continue;
