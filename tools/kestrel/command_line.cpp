@@ -1,7 +1,8 @@
 // The options that every command takes, and the list of the commands.
 #include "kestrel/command_line.h"
 
-#include <array>
+#include <algorithm>
+#include <string_view>
 
 #include "kestrel/commands/commands.h"
 #include "kestrel/exit_codes.h"
@@ -10,6 +11,50 @@
 
 namespace cli {
 namespace {
+
+struct CommandRow final {
+    std::string_view name;
+    void (*add)(const tools::Command& app, Chosen& chosen);
+};
+
+// In the order of the help.
+constexpr CommandRow kCommands[] = {
+    {"setup", AddSetup},
+    {"printers", AddPrinters},
+    {"status", AddStatus},
+    {"get", AddGet},
+    {"set", AddSet},
+    {"list", AddList},
+    {"addressbook", AddAddressBook},
+    {"raw", AddRaw},
+    {"maintenance", AddMaintenance},
+    {"lock", AddLock},
+    {"unlock", AddUnlock},
+    {"cancel", AddCancel},
+    {"cache", AddCache},
+    {"wifi", AddWifi},
+    {"ping", AddPing},
+    {"hosts", AddHosts},
+    {"clock", AddClock},
+    {"firmware", AddFirmware},
+    {"capabilities", AddCapabilities},
+    {"identity", AddIdentity},
+    {"supplies", AddSupplies},
+    {"metrics", AddMetrics},
+    {"apply", AddApply},
+    {"diff", AddDiff},
+    {"watch", AddWatch},
+    {"top", AddTop},
+    {"dump", AddDump},
+    {"record", AddRecord},
+    {"log", AddLog},
+    {"monitor", AddMonitor},
+    {"install", AddInstall},
+    {"run", AddRun},
+    {"version", AddVersion},
+    {"completion", AddCompletion},
+    {"complete", AddComplete},
+};
 
 void DeclareGlobalOptions(const tools::Command& app, GlobalOptions& options) {
     app.AddOption("-p,--printer", options.printers.written,
@@ -69,7 +114,20 @@ const Printer& Context::GetPrinter() {
     return *printer_;
 }
 
-void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chosen& chosen) {
+bool NamesItsCommand(const std::vector<std::string>& arguments) {
+    // Help and completion tell of all commands.
+    const auto wantsAll = [](const std::string& argument) {
+        return argument == "complete" ||
+               (argument.starts_with('-') && argument.find('h') != std::string::npos);
+    };
+    const auto isCommand = [](const std::string& argument) {
+        return std::ranges::find(kCommands, argument, &CommandRow::name) != std::end(kCommands);
+    };
+    return std::ranges::none_of(arguments, wantsAll) && std::ranges::any_of(arguments, isCommand);
+}
+
+void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chosen& chosen,
+                        const std::vector<std::string>& among) {
     app.Description("Reads and changes the settings of a printer");
     app.Example("kestrel setup", "install the product configuration and the driver");
     app.Example("kestrel printers add Office --port USB001", "install a printer");
@@ -88,14 +146,8 @@ void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chose
     app.PassOptionsOn();
     DeclareGlobalOptions(app, options);
 
-    constexpr std::array kCommands = {
-        AddSetup,   AddPrinters,    AddStatus,  AddGet,      AddSet,          AddList,       AddAddressBook,
-        AddRaw,     AddMaintenance, AddLock,    AddUnlock,   AddCancel,       AddCache,      AddWifi,
-        AddPing,    AddHosts,       AddClock,   AddFirmware, AddCapabilities, AddIdentity,   AddSupplies,
-        AddMetrics, AddApply,       AddDiff,    AddWatch,    AddTop,          AddDump,       AddRecord,
-        AddLog,     AddMonitor,     AddInstall, AddRun,      AddVersion,      AddCompletion, AddComplete};
-    for (const auto add : kCommands)
-        add(app, chosen);
+    for (const CommandRow& row : kCommands)
+        if (among.empty() || std::ranges::find(among, row.name) != among.end()) row.add(app, chosen);
 }
 
 }  // namespace cli

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "kestrel/fleet/choice.h"
 #include "kestrel/output/output.h"
@@ -67,7 +68,12 @@ tools::Option AddTimeOption(const tools::Command& command, const std::string& na
 // The installed printers, for an option or argument that names one.
 [[nodiscard]] tools::Offer OfferPrinters(const std::vector<std::string>& before);
 
-// Declares the global options and every command.
-void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chosen& chosen);
+// Declares the global options and every command, or the commands alone whose names are `among` some words.
+void DeclareCommandLine(const tools::Command& app, GlobalOptions& options, Chosen& chosen,
+                        const std::vector<std::string>& among = {});
+
+// Whether the commands among the arguments are all that is needed to read them. A word that is no command's
+// name chooses none, so what is read is the same; not so what is wrong with a line.
+[[nodiscard]] bool NamesItsCommand(const std::vector<std::string>& arguments);
 
 }  // namespace cli

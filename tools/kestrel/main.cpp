@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -110,22 +111,42 @@ int RunForOne(const Chosen& chosen, const GlobalOptions& options) {
     return exitStatus;
 }
 
-int Run(int argc, char** argv) {
-    platform::KeepLineEnds();
-    tools::CommandLine line("", "kestrel");
+// A line and what it says. The declared options fill the members: it stays where it is.
+struct ReadLine final {
+    ReadLine(const std::vector<std::string>& arguments, const std::vector<std::string>& commands) {
+        DeclareCommandLine(line.Root(), options, chosen, commands);
+        outcome = line.Read(arguments);
+    }
+
+    tools::CommandLine line{"", "kestrel"};
     GlobalOptions options;
     Chosen chosen;
-    DeclareCommandLine(line.Root(), options, chosen);
+    tools::CommandLine::Outcome outcome;
+};
 
+// To declare all commands takes a quarter of the instructions of a short one. What is wrong with a line is
+// told with all of them known.
+void Read(const std::vector<std::string>& arguments, std::optional<ReadLine>& read) {
+    if (NamesItsCommand(arguments)) read.emplace(arguments, arguments);
+    const bool isRead = read && read->outcome != tools::CommandLine::Outcome::Wrong;
+    if (!isRead) read.emplace(arguments, std::vector<std::string>());
+}
+
+int Run(int argc, char** argv) {
+    platform::KeepLineEnds();
     const std::vector<std::string> arguments = tools::Arguments(argc, argv);
-    switch (line.Read(arguments)) {
+    std::optional<ReadLine> read;
+    Read(arguments, read);
+    const GlobalOptions& options = read->options;
+    const Chosen& chosen = read->chosen;
+    switch (read->outcome) {
         case tools::CommandLine::Outcome::Read:
             break;
         case tools::CommandLine::Outcome::HelpShown:
             return static_cast<int>(ExitCode::Done);
         case tools::CommandLine::Outcome::Wrong:
             // A line that cannot be read still says how it wants its error.
-            return ReportFailure(UsageFailure(line.Problem(), kHelpAdvice),
+            return ReportFailure(UsageFailure(read->line.Problem(), kHelpAdvice),
                                  std::ranges::find(arguments, "--json") != arguments.end(), options.noColour);
     }
     if (!chosen.work)
