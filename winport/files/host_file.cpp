@@ -52,6 +52,8 @@ Descriptor OpenForReading(std::u16string_view path, DWORD& error) {
 }
 
 int MakeFolders(const std::string& path, mode_t mode) {
+    struct stat found = {};
+    if (::stat(path.c_str(), &found) == 0) return 0;
     std::size_t end = 0;
     do {
         end = path.find('/', end + 1);

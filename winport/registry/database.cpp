@@ -12,6 +12,7 @@ namespace winport {
 namespace {
 
 constexpr int kBusyTimeoutMs = 5000;
+constexpr int kMaxJournalPages = 32;
 constexpr int kSchemaVersion = 1;
 constexpr const char* kFile = "registry.db";
 
@@ -96,6 +97,17 @@ constexpr SqliteStatus kStatuses[] = {
     {SQLITE_CONSTRAINT, ERROR_KEY_DELETED},
 };
 
+// Whoever opens the registry while nobody else has it open reads the whole journal first. SQLite's own
+// checkpoints let it grow: processes that write and end know nothing of each other's, and none begins the
+// journal anew.
+int KeepJournalShort(void*, sqlite3* connection, const char* database, int pages) {
+    if (pages < kMaxJournalPages) return SQLITE_OK;
+    sqlite3_busy_timeout(connection, 0);  // while somebody reads, it stays for the next write
+    sqlite3_wal_checkpoint_v2(connection, database, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+    sqlite3_busy_timeout(connection, kBusyTimeoutMs);
+    return SQLITE_OK;  // what was committed is so in either case
+}
+
 }  // namespace
 
 LSTATUS StatusFromSqlite(int result) {
@@ -133,6 +145,7 @@ LSTATUS RegistryDatabase::Prepare() {
     // Emptying the journal at every close would make each fork and each short-lived process wait for the
     // disk.
     sqlite3_db_config(connection_.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    sqlite3_wal_hook(connection_.get(), KeepJournalShort, nullptr);
     constexpr const char* kSettings[] = {"PRAGMA journal_mode = WAL", "PRAGMA synchronous = FULL",
                                          "PRAGMA foreign_keys = ON"};
     for (const char* setting : kSettings) {

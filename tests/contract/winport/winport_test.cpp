@@ -156,6 +156,18 @@ TEST(RegistryStore, Processes_that_start_together_make_one_registry) {
     }
 }
 
+TEST(RegistryStore, The_journal_that_each_process_reads_at_its_start_stays_short) {
+    const TempFolder folder;
+    const fs::path home = folder.MakeFolder(TEXT("fresh"));
+    for (int process = 0; process < 6; ++process) {
+        ChildProcess probe = StartProbe("count", "WINPORT_HOME=" + home.string());
+        EXPECT_GE(ReadNumbers(probe, 50), 50u);
+        probe.Kill();
+        probe.Wait();
+    }
+    EXPECT_LT(fs::file_size(home / "state/registry.db-wal"), 300'000u);
+}
+
 TEST(RegistryStore, A_forked_child_outlives_its_parent_while_others_open_the_registry) {
     const TempFolder folder;
     const std::string home = Home(folder.MakeFolder(TEXT("fresh")));
