@@ -1,5 +1,6 @@
 // checks                what is counted rather than compared, as lines of JSON: allocations, processor time
-//                       while idle, the time to open a printer; and what sdk.hpp adds to a call
+//                       while idle, the time to open a printer and to start the client; and what sdk.hpp adds
+//                       to a call
 // checks exchanges N    N hot exchanges and no more, for a tracer of system calls
 #include <time.h>
 #include <unistd.h>
@@ -54,6 +55,7 @@ namespace {
 constexpr int kCountedExchanges = 1000;
 constexpr int kOpenings = 50;
 constexpr int kTurns = 2000;
+constexpr int kStarts = 60;
 constexpr int kExchangesOfTurn = 20;
 constexpr unsigned kIdleSeconds = 10;
 
@@ -148,6 +150,19 @@ double WithPanelOfWithout(const Place& place) {
     return Median(std::move(with)) / Median(std::move(without));
 }
 
+// The client asks for a value in a process of its own, by turns with a program that does nothing.
+void TellColdClient() {
+    std::vector<double> client;
+    std::vector<double> nothing;
+    for (int i = 0; i < kStarts; ++i) {
+        client.push_back(Timed([] { Run({KESTREL_CLIENT, "--printer", "Bench", "get", "fax.redials"}); }));
+        nothing.push_back(Timed([] { Run({"/bin/true"}); }));
+    }
+    const double medianUs = Median(std::move(client));
+    Tell("cold kestrel get, ms", medianUs / 1000);
+    Tell("cold kestrel get, x of /bin/true", medianUs / Median(std::move(nothing)));
+}
+
 void CheckAll(const Server& printer, const Place& place) {
     ExchangeTimes(1);
     const uint64_t before = allocations.load();
@@ -161,6 +176,7 @@ void CheckAll(const Server& printer, const Place& place) {
     Tell("first selection on a new thread, us",
          MedianUs([&] { return TimedOnNewThread([&] { SelectInstalledPrinter(place); }); }));
 
+    TellColdClient();
     ExchangeTimes(kCountedExchanges);
     usleep(200'000);
     const uint64_t ownBefore = ProcessorTime(getpid());
