@@ -16,20 +16,4 @@ std::optional<std::string> ReadFile(const std::filesystem::path& path) {
     return text;
 }
 
-bool RewriteFile(const std::filesystem::path& path, std::string_view text, Readers readers) {
-    namespace fs = std::filesystem;
-    const fs::perms others =
-        readers == Readers::All ? fs::perms::group_read | fs::perms::others_read : fs::perms::none;
-    fs::path temporary = path;
-    temporary += ".new";
-    std::error_code error;
-    {
-        std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
-        fs::permissions(temporary, fs::perms::owner_read | fs::perms::owner_write | others, error);
-        if (!file.write(text.data(), static_cast<std::streamsize>(text.size())).flush()) return false;
-    }
-    fs::rename(temporary, path, error);
-    return !error;
-}
-
 }  // namespace tools

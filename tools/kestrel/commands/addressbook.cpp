@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 #include "kestrel/commands/commands.h"
 #include "kestrel/printer/address_book.h"
@@ -76,11 +75,8 @@ Report Export(Context& context, const FileOptions& options) {
     const std::string text = CsvFromRecords(ReadList(context, list));
     if (options.file.empty()) return {text, {{"list", list.name}, {"csv", text}}, {}};
 
-    std::ofstream file(std::filesystem::path(options.file), std::ios::binary);
-    file << text;
-    file.close();
-    if (!file) {
-        throw ValueFailure(fmt::format("the file {} cannot be written", options.file),
+    if (const auto error = tools::RewriteFile(options.file, text)) {
+        throw ValueFailure(fmt::format("the file {} cannot be written: {}", options.file, error.message()),
                            "check the folder and the free space");
     }
     return {{}, {{"list", list.name}, {"file", options.file}}, {}};

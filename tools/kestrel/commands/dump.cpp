@@ -25,9 +25,10 @@ Report Dump(Context& context, const DumpOptions& options) {
         report.text = text;
         report.data["dump"] = dump.document;
     } else {
-        if (!tools::RewriteFile(options.file, text)) {
-            throw ValueFailure(fmt::format("the file {} cannot be written", options.file),
-                               "check the folder and the free space");
+        if (const auto error = tools::RewriteFile(options.file, text)) {
+            throw ValueFailure(
+                fmt::format("the file {} cannot be written: {}", options.file, error.message()),
+                "check the folder and the free space");
         }
         report.text =
             fmt::format("{} answers kept in {}, {} of them errors\n", dump.asked, options.file, dump.failed);

@@ -56,9 +56,10 @@ Report Once(Context& context, const MetricsOptions& options) {
         report.text = text;
         report.data["metrics"] = text;
     } else {
-        if (!tools::RewriteFile(options.file, text, tools::Readers::All)) {
-            throw ValueFailure(fmt::format("the file {} cannot be written", options.file),
-                               "check the folder and the free space");
+        if (const auto error = tools::RewriteFile(options.file, text, tools::Readers::All)) {
+            throw ValueFailure(
+                fmt::format("the file {} cannot be written: {}", options.file, error.message()),
+                "check the folder and the free space");
         }
         report.data["file"] = options.file;
     }

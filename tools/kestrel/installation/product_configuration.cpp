@@ -6,7 +6,7 @@
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <fstream>
+#include <optional>
 #include <system_error>
 
 #include "kestrel/failure.h"
@@ -141,28 +141,22 @@ std::string ConfigurationText(const std::string& product, const std::vector<std:
 Written WriteConfiguration(const fs::path& path, const std::string& text) {
     std::error_code error;
     const bool existed = fs::exists(path, error);
-    if (existed && tools::ReadFile(path) == text) return Written::Unchanged;
+    const std::optional<std::string> old = tools::ReadFile(path);
+    if (old == text) return Written::Unchanged;
 
     fs::create_directories(path.parent_path(), error);
     if (error) ThrowUnwritable(path, error.message());
-    fs::path fresh = path;
-    fresh += ".new";
-    {
-        std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
-        file << text;
-        file.flush();
-        if (!file) ThrowUnwritable(fresh, "the folder refuses the file, or the disk is full");
-    }
-    if (existed) {
+    if (existed && !old) ThrowUnwritable(path, "the one that is there cannot be read and kept");
+    const auto write = [](const fs::path& file, const std::string& content) {
+        if (const auto failure = tools::RewriteFile(file, content, tools::Readers::All))
+            ThrowUnwritable(file, failure.message());
+    };
+    if (old) {
         fs::path kept = path;
         kept += ".bak";
-        // Overwriting takes any two files for the same one in the C++ library of the Windows build.
-        fs::remove(kept, error);
-        fs::copy_file(path, kept, error);
-        if (error) ThrowUnwritable(kept, error.message());
+        write(kept, *old);
     }
-    fs::rename(fresh, path, error);
-    if (error) ThrowUnwritable(path, error.message());
+    write(path, text);
     return existed ? Written::Replaced : Written::New;
 }
 

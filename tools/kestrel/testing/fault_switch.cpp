@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include "kestrel/failure.h"
@@ -28,12 +27,8 @@ fs::path PathWith(const std::string& utf8, std::string_view ending = {}) {
 
 bool Write(const std::string& path, const tools::Json& rules) {
     const std::string text = tools::Json{{"*", {{"faults", rules}}}}.Dump() + '\n';
-    const fs::path temporary = PathWith(path, ".new");
-    if (!(std::ofstream(temporary, std::ios::binary) << text).flush()) return false;
-    std::error_code error;
     for (int i = 0; i < kTries; ++i) {
-        fs::rename(temporary, PathWith(path), error);
-        if (!error) return true;
+        if (!tools::RewriteFile(PathWith(path), text, tools::Readers::All)) return true;
         std::this_thread::sleep_for(kPause);
     }
     return false;

@@ -3,7 +3,6 @@
 
 #include <fmt/core.h>
 
-#include <fstream>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -90,7 +89,7 @@ std::string ControlFile::Apply(DeviceModel& model, FaultScript& faults, uint64_t
 }
 
 std::string ControlFile::Refuse(std::string problem) {
-    std::ofstream(path_ + kRefusedEnding, std::ios::binary) << problem << '\n';
+    static_cast<void>(tools::RewriteFile(path_ + kRefusedEnding, problem + '\n', tools::Readers::All));
     hasRefused_ = true;
     return problem;
 }

@@ -70,7 +70,7 @@ bool StateFile::Replace() const {
             printer[key] = ToUtf8(value);
     }
     const std::string text = tools::Json{{"version", kVersion}, {"printers", printers}}.Dump(2) + '\n';
-    return tools::RewriteFile(path_, text);
+    return !tools::RewriteFile(path_, text);
 }
 
 }  // namespace vprinter
