@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <iterator>
 #include <string>
 
 #include "shared/file.h"
@@ -15,8 +16,12 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kEnding = ".new";
 
-// Where another writer sweeps between the closing and the move: how often it is begun again.
-constexpr int kTries = 5;
+// A file that somebody reads or puts in place at this moment is not replaced, and one that is closed but not
+// yet moved is swept away by another writer: how often and how long that is waited for.
+constexpr int kTries = 50;
+constexpr DWORD kPauseMs = 10;
+constexpr DWORD kPassing[] = {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_FILE_NOT_FOUND,
+                              ERROR_FILE_EXISTS};
 
 std::error_code Reason() {
     return {static_cast<int>(GetLastError()), std::system_category()};
@@ -83,7 +88,8 @@ std::error_code RewriteFile(const fs::path& path, std::string_view text, Readers
     SweepLeftovers(path);
     for (int i = 0; i < kTries; ++i) {
         error = PutInPlace(path, text);
-        if (error != std::errc::no_such_file_or_directory && error != std::errc::file_exists) break;
+        if (std::ranges::find(kPassing, static_cast<DWORD>(error.value())) == std::end(kPassing)) break;
+        Sleep(kPauseMs);
     }
     return error;
 }

@@ -3,9 +3,7 @@
 
 #include <fmt/core.h>
 
-#include <chrono>
 #include <filesystem>
-#include <thread>
 
 #include "kestrel/failure.h"
 #include "shared/file.h"
@@ -15,10 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Where a file that is open cannot be replaced: how often and how long the printer's reading is waited for.
-constexpr int kTries = 50;
-constexpr std::chrono::milliseconds kPause{10};
-
 fs::path PathWith(const std::string& utf8, std::string_view ending = {}) {
     std::u8string text(utf8.begin(), utf8.end());
     text.append(ending.begin(), ending.end());
@@ -27,11 +21,7 @@ fs::path PathWith(const std::string& utf8, std::string_view ending = {}) {
 
 bool Write(const std::string& path, const tools::Json& rules) {
     const std::string text = tools::Json{{"*", {{"faults", rules}}}}.Dump() + '\n';
-    for (int i = 0; i < kTries; ++i) {
-        if (!tools::RewriteFile(PathWith(path), text, tools::Readers::All)) return true;
-        std::this_thread::sleep_for(kPause);
-    }
-    return false;
+    return !tools::RewriteFile(PathWith(path), text, tools::Readers::All);
 }
 
 }  // namespace
