@@ -20,7 +20,8 @@ namespace {
 
 class ListingClient final : public Client {
   public:
-    explicit ListingClient(const Place& place) : printers_(FleetPrinters(place)) {
+    explicit ListingClient(const Place& place) {
+        UseHome(place);
         cli::DeclareCommandLine(line_.Root(), options_, chosen_);
         if (line_.Read({"list", "--json"}) != tools::CommandLine::Outcome::Read)
             throw std::runtime_error("the client has no such command");
@@ -49,7 +50,7 @@ class ListingClient final : public Client {
     }
 
   private:
-    std::vector<std::string> printers_;
+    std::vector<std::string> printers_ = FleetPrinters();
     tools::CommandLine line_{"", "kestrel"};
     cli::GlobalOptions options_;
     cli::Chosen chosen_;
@@ -60,7 +61,8 @@ class ListingClient final : public Client {
 
 class RawClient final : public Client {
   public:
-    explicit RawClient(const Place& place) : printers_(FleetPrinters(place)) {
+    explicit RawClient(const Place& place) {
+        UseHome(place);
         for (const catalogue::Row& row : catalogue::Rows())
             if (row.CanRead() && row.id) requests_.push_back(std::string(row.key) + '?');
     }
@@ -92,7 +94,7 @@ class RawClient final : public Client {
         return right;
     }
 
-    std::vector<std::string> printers_;
+    std::vector<std::string> printers_ = FleetPrinters();
     std::vector<std::string> requests_;
     std::atomic<size_t> next_ = 0;
     std::atomic<size_t> right_ = 0;

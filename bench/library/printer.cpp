@@ -9,15 +9,15 @@
 
 namespace {
 
-void UseHome(const Place& place) {
-    setenv("WINPORT_HOME", place.folder.c_str(), 1);
-}
-
 void Select(const char16_t* name) {
     if (!SelectPrinter(name)) throw std::runtime_error("the printer cannot be selected");
 }
 
 }  // namespace
+
+void UseHome(const Place& place) {
+    setenv("WINPORT_HOME", place.folder.c_str(), 1);
+}
 
 void InstallPrinter(const Place& place) {
     UseHome(place);
@@ -40,16 +40,15 @@ void ServeFleet(const Place& place) {
     UseHome(place);
     Run({KESTREL_CLIENT, "setup"});
     std::vector<std::string> program = {KESTREL_VPRINTER, "--trace", "none"};
-    for (const std::string& name : FleetPrinters(place)) {
+    for (const std::string& name : FleetPrinters()) {
         Run({KESTREL_CLIENT, "printers", "add", name, "--port", name});
         program.insert(program.end(), {"--port", name});
     }
     Become(program);
 }
 
-std::vector<std::string> FleetPrinters(const Place& place) {
+std::vector<std::string> FleetPrinters() {
     constexpr int kPrinters = 200;
-    UseHome(place);
     std::vector<std::string> names;
     for (int i = 0; i < kPrinters; ++i)
         names.push_back("FLEET" + std::to_string(i));
