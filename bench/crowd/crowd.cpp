@@ -155,6 +155,9 @@ class Crowd final {
 
     [[nodiscard]] double FirstUs() const { return Median(first_); }
     [[nodiscard]] double ExchangeUs() const { return Median(exchange_); }
+    [[nodiscard]] double CountedPercent() const {
+        return 100 * static_cast<double>(exchange_.size()) / static_cast<double>(first_.size());
+    }
 
   private:
     void SeatThreads() {
@@ -177,9 +180,12 @@ class Crowd final {
     std::vector<double> exchange_;
 };
 
-void Tell(const std::string& what, double one, double many) {
-    std::printf("{\"check\": \"%s, one thread, us\", \"value\": %.3f}\n", what.c_str(), one);
-    std::printf("{\"check\": \"%s, 1,000 threads, us\", \"value\": %.3f}\n", what.c_str(), many);
+void Tell(const std::string& what, const char* unit, double one, double many) {
+    const auto tell = [&](const char* whose, double value) {
+        std::printf("{\"check\": \"%s, %s, %s\", \"value\": %.3f}\n", what.c_str(), whose, unit, value);
+    };
+    tell("one thread", one);
+    tell("1,000 threads", many);
 }
 
 void Compare(const std::string& what, bool oneProcessor) {
@@ -191,8 +197,9 @@ void Compare(const std::string& what, bool oneProcessor) {
         one.GiveTurn(i);
         many.GiveTurn(i);
     }
-    Tell("exchange" + what, one.ExchangeUs(), many.ExchangeUs());
-    Tell("first of a turn" + what, one.FirstUs(), many.FirstUs());
+    Tell("exchange" + what, "us", one.ExchangeUs(), many.ExchangeUs());
+    Tell("first of a turn" + what, "us", one.FirstUs(), many.FirstUs());
+    if (!oneProcessor) Tell("turns without a sleep", "per cent", one.CountedPercent(), many.CountedPercent());
 }
 
 }  // namespace
