@@ -57,11 +57,17 @@ Views& AllViews() {
 }
 
 // A second mapping of the same pages, without a descriptor: an old size of zero duplicates a shared mapping.
+// With the object's first page, since the data need not begin where one of the kernel's does.
 void* MapReadOnly(const SectionObject& section) {
-    void* copy = mremap(section.Data(), 0, section.DataSize(), MREMAP_MAYMOVE);
+    const size_t size = kPageSize + section.DataSize();
+    void* copy = mremap(section.Data() - kPageSize, 0, size, MREMAP_MAYMOVE);
     if (copy == MAP_FAILED) return nullptr;
-    mprotect(copy, section.DataSize(), PROT_READ);
-    return copy;
+    mprotect(copy, size, PROT_READ);
+    return static_cast<char*>(copy) + kPageSize;
+}
+
+void UnmapReadOnly(uintptr_t address, const View& view) {
+    munmap(reinterpret_cast<void*>(address - kPageSize), kPageSize + view.size);
 }
 
 LPVOID MapView(SectionObject& section, bool writable) {
@@ -138,8 +144,7 @@ BOOL UnmapViewOfFile(LPCVOID address) {
             return FALSE;
         }
         section = view->second.section;
-        if (view->second.protection == PAGE_READONLY)
-            munmap(reinterpret_cast<void*>(view->first), view->second.size);
+        if (view->second.protection == PAGE_READONLY) UnmapReadOnly(view->first, view->second);
         if (--view->second.uses == 0) views.byAddress.erase(view);
     }
     section->Release();

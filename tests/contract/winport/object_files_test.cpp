@@ -1,4 +1,5 @@
 // What lies in the object folder is not always what winport put there.
+#include <cstdio>
 #include <cstdlib>
 #include <iterator>
 #include <vector>
@@ -52,6 +53,29 @@ TEST(Object_files, A_planted_link_a_folder_and_a_loose_mode_are_refused_with_5_a
     for (const char* name : {"Link", "Folder", "Loose", "Hard"})
         fs::remove(FileOf(name));
     fs::remove(target);
+}
+
+// The offset in its file of the mapping that an address lies in.
+unsigned long OffsetOfMappingAt(const void* address) {
+    const auto asked = reinterpret_cast<uintptr_t>(address);
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);) {
+        unsigned long begin = 0, end = 0, offset = 0;
+        std::sscanf(line.c_str(), "%lx-%lx %*s %lx", &begin, &end, &offset);
+        if (begin <= asked && asked < end) return offset;
+    }
+    return ~0ul;
+}
+
+// A kernel whose pages have 16 or 64 KiB maps no file from its fourth kibibyte.
+TEST(Object_files, Are_mapped_from_their_beginning_whatever_the_view_is_for) {
+    const Handle section = Section(100, FreshName());
+    for (const DWORD access : {DWORD{FILE_MAP_ALL_ACCESS}, DWORD{FILE_MAP_READ}}) {
+        const void* view = MapViewOfFile(section.Get(), access, 0, 0, 0);
+        EXPECT_EQ(0u, OffsetOfMappingAt(view));
+        EXPECT_TRUE(UnmapViewOfFile(view));
+        EXPECT_FALSE(UnmapViewOfFile(view));
+    }
 }
 
 TEST(Object_files, Without_a_free_handle_4_is_told_and_the_name_is_as_it_was) {
