@@ -2,7 +2,8 @@
 # Builds and runs the tests. Everything that it needs is installed first.
 #   ./test.sh            quick: the Linux build, without its slow cases
 #   ./test.sh --windows  besides, both Windows builds under Wine
-#   ./test.sh --all      besides, the slow cases, and the Linux suites under sanitizers: addresses and undefined
+#   ./test.sh --arm64    besides the quick form, the Linux build for another processor, in QEMU
+#   ./test.sh --all      all of these, the slow cases, and the Linux suites under sanitizers: addresses and undefined
 #                        behaviour, threads
 set -euo pipefail
 cd "$(dirname "$0")"
@@ -11,8 +12,9 @@ source scripts/prepare.sh
 case "${1:-}" in
     "") form=quick ;;
     --windows) form=windows ;;
+    --arm64) form=arm64 ;;
     --all) form=all ;;
-    *) echo "usage: ./test.sh [--windows | --all]" >&2; exit 2 ;;
+    *) echo "usage: ./test.sh [--windows | --arm64 | --all]" >&2; exit 2 ;;
 esac
 
 results=() left_out=()
@@ -68,6 +70,7 @@ build_meanwhile() {
     (
         chrt --idle --pid 0 $BASHPID
         for preset in asan tsan; do build_preset "$preset"; done
+        ! $arm64_runs || build_arm64
         run_suites recipes native -L builds
     ) >build/meanwhile.log 2>&1 &
     meanwhile=$!
@@ -85,14 +88,25 @@ else
     left_out+=("$slow slow cases, and the suites under sanitizers: ./test.sh --all")
 fi
 
-if [ $form = quick ]; then
+at_end=() arm64_runs=false
+trap 'for what in "${at_end[@]}"; do "$what"; done' EXIT
+if [ $form = arm64 ] || [ $form = all ]; then
+    source scripts/arm64.sh
+    at_end+=(stop_arm64)
+    find_arm64
+    $arm64_runs || left_out+=("the build for arm64: this machine cannot have it (see above)")
+else
+    left_out+=("the build for arm64, in QEMU: ./test.sh --arm64")
+fi
+
+if [ $form = quick ] || [ $form = arm64 ]; then
     left_out+=("the Windows builds, 64 and 32 bits, under Wine: ./test.sh --windows")
 else
     source scripts/windows.sh
     install_packages "${WINDOWS_BUILD_PACKAGES[@]}"
     for preset in win64 win32; do build_preset "$preset"; done
     find_runnable
-    trap stop_wine EXIT
+    at_end+=(stop_wine)
     start_wine
     [ $form != all ] || build_meanwhile
     run_windows_suites
@@ -103,6 +117,11 @@ if [ $form = all ]; then
     wait $meanwhile || { cat build/meanwhile.log; exit 1; }
     results+=("recipes=$PWD/build/native/recipes.xml")
     for preset in asan tsan; do run_suites $preset $preset -j2; done
+fi
+
+if $arm64_runs; then
+    build_arm64
+    run_arm64_suites
 fi
 
 say "All suites"

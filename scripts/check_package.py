@@ -2,6 +2,7 @@
 """Packs a build and looks into the zip: check_package.py BUILD_FOLDER. What a user needs is there, and nothing that only
 tests need."""
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -34,7 +35,7 @@ def main():
             files = {name.split("/", 1)[1] for name in archive.namelist() if not name.endswith("/")}
     wanted = WINDOWS if "windows" in package.name else LINUX
     # Libraries on Linux lie below the folder of the machine's kind.
-    files = {name.replace("lib/x86_64-linux-gnu/", "lib/") for name in files}
+    files = {re.sub("^lib/[a-z0-9_]+-linux-gnu/", "lib/", name) for name in files}
     strangers = {name for name in files - wanted if not name.startswith(OPEN)}
     for name in sorted(wanted - files):
         print(f"{package.name}: {name} is missing", file=sys.stderr)

@@ -4,6 +4,8 @@
 # With the minutes and seconds since the script began.
 say() { printf '\n== %s  [%d:%02d]\n' "$*" $((SECONDS / 60)) $((SECONDS % 60)); }
 
+warn() { printf '\n!! %s\n' "$*" >&2; }
+
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then "$@"
     elif command -v sudo >/dev/null; then sudo "$@"

@@ -14,8 +14,6 @@ WINE32=/usr/lib/wine/wine
 BINFMT=/proc/sys/fs/binfmt_misc
 EMULATION="$PWD/build/emulation"
 
-warn() { printf '\n!! %s\n' "$*" >&2; }
-
 apt_install() {
     as_root env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=300 install -y -qq --no-install-recommends "$@" >/dev/null 2>&1
 }

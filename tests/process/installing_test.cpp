@@ -17,7 +17,11 @@ std::string Utf16(const std::string& text) {
 }
 
 const WideText kPrintKey = TEXT("SYSTEM\\CurrentControlSet\\Control\\Print\\");
+#ifdef __aarch64__
+const WideText kDrivers = TEXT("Environments\\Linux ARM64\\Drivers");
+#else
 const WideText kDrivers = TEXT("Environments\\Linux x64\\Drivers");
+#endif
 
 // What the spooler keeps, of plain characters.
 std::string SpoolerText(const WideText& path, const WCHAR* name) {
