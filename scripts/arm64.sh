@@ -40,12 +40,12 @@ fetch_arm64_libraries() {
     [ ! -e "$ARM64_LIBRARIES/usr/include" ] || return 0
     say "Fetching the libraries for arm64"
     rm -rf "$ARM64_LIBRARIES" "$ARM64_LIBRARIES.new"
-    mkdir -p build
-    mmdebstrap --quiet --arch=arm64 --variant=extract bookworm "$ARM64_LIBRARIES.new" \
-        "deb http://deb.debian.org/debian bookworm main" --include=libc6-dev,libstdc++-12-dev,libsqlite3-dev,libcli11-dev \
-        --include=nlohmann-json3-dev,libfmt-dev,libcpp-httplib-dev,libncurses-dev,libgtest-dev || return 1
-    # The emulated programs would find these instead of the system's own.
-    rm -rf "$ARM64_LIBRARIES.new"/{dev,etc,tmp,var}
+    mkdir -p "$ARM64_LIBRARIES.new"
+    # Of the rest, the emulated programs would find this instead of the system's own.
+    as_root mmdebstrap --quiet --arch=arm64 --variant=extract --format=tar bookworm - \
+        "deb http://deb.debian.org/debian bookworm main" --include=libc6-dev,libstdc++-12-dev,libsqlite3-dev \
+        --include=libcli11-dev,nlohmann-json3-dev,libfmt-dev,libcpp-httplib-dev,libncurses-dev,libgtest-dev |
+        tar -x --no-same-owner -C "$ARM64_LIBRARIES.new" ./lib ./usr || return 1
     # A library whose link leads out of the folder is not found, and its static form is linked in silence.
     find "$ARM64_LIBRARIES.new" -type l -lname '/*' -printf '%P\t%l\n' | while IFS=$'\t' read -r link target; do
         ln -sfr "$ARM64_LIBRARIES.new$target" "$ARM64_LIBRARIES.new/$link"

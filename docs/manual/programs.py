@@ -1,8 +1,11 @@
 #!/usr/bin/env python3
 """Makes the manual pages of the programs, each from what the program tells of its own command line.
 
-    programs.py VERSION FOLDER PROGRAM..."""
+    programs.py VERSION FOLDER PROGRAM...
+
+Programs for another processor are run by what EMULATOR of the environment says."""
 import json
+import os
 import pathlib
 import subprocess
 import sys
@@ -14,7 +17,8 @@ DESCRIBE = "--describe-command-line"
 
 
 def described(program):
-    return json.loads(subprocess.run([program, DESCRIBE], stdout=subprocess.PIPE, check=True).stdout)
+    command = [*os.environ.get("EMULATOR", "").split(), program, DESCRIBE]
+    return json.loads(subprocess.run(command, stdout=subprocess.PIPE, check=True).stdout)
 
 
 def form(option):
