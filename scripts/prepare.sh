@@ -34,6 +34,7 @@ TEST_PACKAGES=(libgtest-dev clang mono-mcs mono-runtime mypy python3-pytest pyth
     scdoc doxygen man-db zsh fish abigail-tools pkg-config python3-jsonschema tmux)
 SLOW_TEST_PACKAGES=(chromium chromium-driver python3-selenium python3-prometheus-client python3-seccomp systemd ansible-core)
 MODEL_PACKAGES=(spin gcc libc6-dev python3)
+MUTANT_PACKAGES=(python3-clang-14 util-linux)
 
 # build_preset PRESET [TARGET...]
 build_preset() {

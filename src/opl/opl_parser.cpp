@@ -64,7 +64,6 @@ ParseResult OPLParser::ParseStream(const char* input, uint32_t length, const cha
         return ParseResult::MessageReady;
     }
     input_ = nullptr;
-    inputLength_ = inputOffset_ = 0;
     return ParseResult::MoreInput;
 }
 

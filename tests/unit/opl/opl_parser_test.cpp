@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <concepts>
 #include <functional>
 #include <map>
@@ -101,6 +102,7 @@ bool SplitList(std::string_view message, Messages& items) {
     ListItems cut{{"left from an earlier list", "and another"}, {"and its copy"}};
     const bool found = OPLParser::SplitList(message, cut);
     items.assign(cut.views.begin(), cut.views.end());
+    EXPECT_EQ(std::ranges::find(cut.copies, "and its copy"), cut.copies.end());
     return found;
 }
 
@@ -137,6 +139,16 @@ TEST(Messages, Are_cut_wherever_their_bytes_lie_in_what_is_scanned_at_once) {
             EXPECT_EQ(items, (Messages{item + '&', "B#4=&;?#&", item + end}));
         }
     }
+}
+
+TEST(Framer, Goes_on_in_the_same_buffer_filled_anew) {
+    char buffer[] = "A=12";
+    OPLParser parser;
+    Messages messages;
+    EXPECT_EQ(Feed(parser, {buffer, 4}, messages), kMoreInput);
+    std::ranges::copy("3;B?", buffer);
+    EXPECT_EQ(Feed(parser, {buffer, 4}, messages), kMoreInput);
+    EXPECT_EQ(messages, (Messages{"A=123;", "B?"}));
 }
 
 TEST(Framer, Takes_the_longest_message_and_not_a_byte_more) {

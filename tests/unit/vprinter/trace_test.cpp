@@ -29,10 +29,13 @@ TEST(VprinterTrace, Messages_are_shown_readably) {
         {"Key#9=\x01\x02"s, "Key#9=<01 02>"},  // cut
         {"a#b=c", "a#b=c"},
         {"Key#99999999999999999999=x", "Key#99999999999999999999=x"},
+        {"Key#18446744073709551615=x;", "Key#18446744073709551615=<78 3B>"},
     };
     for (const auto& [message, shown] : cases)
         EXPECT_EQ(Shown(message), shown);
     EXPECT_EQ(opl::MessageText(std::string(5000, 'x'), {.maxBytes = 3}), "xxx ... (5000 bytes)");
+    EXPECT_EQ(opl::MessageText("Key=1;", {.maxBytes = 2}), "Ke ... (6 bytes)");
+    EXPECT_EQ(opl::MessageText("K#2=ab", {.maxBytes = 6}), "K#2=<61 62>");
     EXPECT_EQ(opl::MessageText("K#5=abcde;", {.maxBytes = 6}), "K#5=<61 62 ...> ... (10 bytes)");
 }
 
@@ -76,6 +79,10 @@ TEST(VprinterTrace, What_a_trace_shows_can_be_written_into_a_script) {
     std::string shown;
     opl::AppendReadable(shown, all);
     EXPECT_EQ(opl::FromReadable(shown), all);
+    EXPECT_NE(shown.find("~\\x7F\\x80"), std::string::npos) << shown;
+    EXPECT_EQ(opl::FromReadable("\\xaf\\xAF"), "\xAF\xAF");
+    for (const char* wrong : {"\\", "\\x", "\\x1", "\\xG1", "\\x1G", "\\x`1", "\\x1@", "\\q"})
+        EXPECT_FALSE(opl::FromReadable(wrong)) << wrong;
 }
 
 }  // namespace
