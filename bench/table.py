@@ -9,10 +9,10 @@ EXCHANGE_FIGURES = ("median_us", "p99_us", "ops_per_s", "cpu_us", "x_poll", "x_s
 VERDICT = {True: "met", False: "**missed**", None: ""}
 
 
-def number(value):
+def number(value, digits=3):
     if value is None:
         return ""
-    return f"{value:,.0f}" if value >= 1000 else f"{value:.3g}"
+    return f"{value:,.0f}" if value >= 1000 else f"{value:.{digits}g}"
 
 
 def line(cells):
@@ -21,7 +21,7 @@ def line(cells):
 
 def verdicts(row):
     told = (f"{judgement.get('figure', '').removesuffix('_us')} {judgement['target']}: "
-            f"{number(judgement['measured'])}".strip() for judgement in row["judged"])
+            f"{number(judgement['measured'], 4)}".strip() for judgement in row["judged"])
     return ["<br>".join(told), "<br>".join(VERDICT[judgement["met"]] for judgement in row["judged"])]
 
 
@@ -40,7 +40,7 @@ def simple_table(rows, title, figure):
     yield line((*title, "target: measured", ""))
     yield line(("---", "--:", "---", "---"))
     for row in rows:
-        yield line((row["name"].replace("/", ", "), number(row[figure]), *verdicts(row)))
+        yield line((row["name"].replace("/", ", ", 1 if row["case"] == "parser" else 0), number(row[figure]), *verdicts(row)))
 
 
 def section(results):

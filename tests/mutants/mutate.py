@@ -6,7 +6,9 @@ import json
 import re
 import shlex
 from collections.abc import Iterator
+from concurrent.futures import ProcessPoolExecutor
 from dataclasses import dataclass, field
+from functools import partial
 from pathlib import Path
 
 from clang.cindex import Cursor, CursorKind, Index, TypeKind
@@ -322,18 +324,26 @@ def compile_options(database: Path) -> dict[str, list[str]]:
     return options
 
 
-def find(root: Path, database: Path, folders: list[str]) -> dict[str, Source]:
-    """Everything below the folders, by the name of its file."""
+def found_in(root: Path, folders: list[str], path: str, options: list[str]) -> dict[str, Source]:
+    """In one translation unit, its headers among them."""
     sources: dict[str, Source] = {}
     finder = Finder(root, folders, sources)
-    for path, options in sorted(compile_options(database).items()):
-        if not any(Path(path).is_relative_to(root / folder) for folder in folders):
-            continue
-        unit = Index.create().parse(path, args=options)
-        for cursor in unit.cursor.get_children():
-            file = cursor.location.file
-            if file is not None and Path(file.name).resolve().is_relative_to(root):
-                finder.walk(cursor, "", None)
+    for cursor in Index.create().parse(path, args=options).cursor.get_children():
+        file = cursor.location.file
+        if file is not None and Path(file.name).resolve().is_relative_to(root):
+            finder.walk(cursor, "", None)
+    return sources
+
+
+def find(root: Path, database: Path, folders: list[str]) -> dict[str, Source]:
+    """Everything below the folders, by the name of its file."""
+    units = {path: options for path, options in sorted(compile_options(database).items())
+             if any(Path(path).is_relative_to(root / folder) for folder in folders)}
+    sources: dict[str, Source] = {}
+    with ProcessPoolExecutor() as pool:
+        for found in pool.map(partial(found_in, root, folders), units.keys(), units.values()):
+            for name, source in found.items():
+                sources.setdefault(name, source).faults.update(source.faults)
     for source in sources.values():
         seen: dict[str, int] = {}
         for fault in sorted(source.faults.values(), key=lambda each: (each.start, each.end, each.what)):
