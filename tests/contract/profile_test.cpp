@@ -89,6 +89,9 @@ TEST(Profile, A_missing_or_empty_section_has_no_lines_and_is_no_error) {
         EXPECT_TRUE(Lines(path, section).empty());
         EXPECT_EQ(GetLastError(), 0u);
     }
+    WCHAR buffer[4];
+    EXPECT_EQ(GetPrivateProfileSectionW(nullptr, buffer, 4, path.c_str()), 0u);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
 }
 
 TEST(Profile, Values_lose_their_blanks_and_one_pair_of_quotes) {
@@ -106,6 +109,9 @@ TEST(Profile, Values_lose_their_blanks_and_one_pair_of_quotes) {
     };
     for (const auto& [key, value] : rows)
         EXPECT_EQ(Value(path, TEXT("PRINTERS"), key), value);
+    WCHAR fallback[16];
+    EXPECT_EQ(GetPrivateProfileStringW(TEXT("S"), TEXT("k"), TEXT(" a b  "), fallback, 16, path.c_str()), 4u);
+    EXPECT_EQ(WideText(fallback), TEXT(" a b"));
 }
 
 TEST(Profile, Every_line_ending_and_byte_order_mark_is_read) {
@@ -163,11 +169,18 @@ TEST(Profile, A_list_that_does_not_fit_is_cut_inside_a_line_and_doubly_terminate
     EXPECT_EQ(buffer[kSectionCapacity - 1], WCHAR(0));
     // Each line takes 13 units: 199 whole ones and 11 units of the next.
     EXPECT_EQ(WideText(buffer + 199 * 13), TEXT("Printer 119"));
+    for (const DWORD capacity : {12u, 13u, 14u}) {
+        const WideText line = folder.WriteFile(TEXT("line.ini"), "[L]\r\nPrinter 1000\r\n");
+        buffer[capacity] = '#';
+        GetPrivateProfileSectionW(TEXT("L"), buffer, capacity, line.c_str());
+        EXPECT_EQ(buffer[capacity], '#') << capacity;
+    }
 }
 
 TEST(Profile, A_long_value_is_cut_to_the_buffer) {
     const TempFolder folder;
     const WideText path = folder.WriteFile(TEXT("p.ini"), "[S]\nk=" + std::string(5000, 'x') + "\n");
+    EXPECT_EQ(Value(path, TEXT("S"), TEXT("k"), 1).size(), 0u);
     EXPECT_EQ(Value(path, TEXT("S"), TEXT("k"), 260).size(), 259u);
     EXPECT_EQ(Value(path, TEXT("S"), TEXT("k"), 6000).size(), 5000u);
 }
@@ -190,11 +203,12 @@ TEST(Profile, A_file_that_cannot_be_read_gives_nothing_and_the_reason) {
 TEST(Profile, Numbers_are_read_as_far_as_they_go) {
     const TempFolder folder;
     const std::pair<const char*, UINT> rows[] = {
-        {"12", 12},  {"-5", 0xFFFFFFFBu},    {"+7", 7},
-        {"  9 ", 9}, {"12abc", 12},          {"abc", 0},
-        {"", 1024},  {"0x10", 16},           {"0X1F", 0},
-        {"010", 10}, {"-0x10", 0xFFFFFFF0u}, {"4294967295", 0xFFFFFFFFu},
-        {"- 4", 0},  {"4294967296", 0},      {"\"33\"", 33},
+        {"12", 12},     {"-5", 0xFFFFFFFBu},    {"+7", 7},
+        {"  9 ", 9},    {"12abc", 12},          {"abc", 0},
+        {"", 1024},     {"0x10", 16},           {"0X1F", 0},
+        {"010", 10},    {"-0x10", 0xFFFFFFF0u}, {"4294967295", 0xFFFFFFFFu},
+        {"- 4", 0},     {"4294967296", 0},      {"\"33\"", 33},
+        {"0xAf", 0xAF}, {"0xbC9G", 0xBC9},
     };
     for (const auto& [text, number] : rows) {
         const WideText path = folder.WriteFile(TEXT("p.ini"), std::string("[S]\nk=") + text + "\n");

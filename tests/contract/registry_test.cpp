@@ -60,6 +60,10 @@ TEST_F(Registry, A_value_is_read_as_it_was_written) {
     EXPECT_EQ(size, 8u);
     EXPECT_EQ(RegQueryValueExW(key_, TEXT("Other"), nullptr, nullptr, nullptr, &size), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(size, 0u);
+    type = 0;
+    EXPECT_EQ(RegQueryValueExW(key_, TEXT("HostID"), nullptr, &type, nullptr, nullptr), ERROR_SUCCESS);
+    EXPECT_EQ(type, static_cast<DWORD>(REG_BINARY));
+    EXPECT_EQ(RegQueryValueExW(key_, TEXT("HostID"), nullptr, &type, data, nullptr), ERROR_INVALID_PARAMETER);
     DWORD both = sizeof data;
     EXPECT_EQ(RegQueryValueExW(key_, TEXT("HostID"), nullptr, &both, data, &both), ERROR_SUCCESS);
     EXPECT_EQ(both, 8u);
@@ -73,6 +77,7 @@ TEST_F(Registry, A_text_counted_without_its_terminator_is_stored_with_it) {
         DWORD stored;
     } rows[] = {{REG_SZ, TEXT("abc"), 6, 8},       {REG_EXPAND_SZ, TEXT("abc"), 6, 8},
                 {REG_MULTI_SZ, TEXT("abc"), 6, 8}, {REG_BINARY, TEXT("abc"), 6, 6},
+                {REG_SZ, TEXT("a"), 2, 4},         {REG_SZ, TEXT("ab"), 4, 6},
                 {REG_SZ, TEXT("abc"), 8, 8},       {REG_SZ, TEXT("abcd"), 6, 6},
                 {REG_SZ, TEXT("abc"), 5, 5},       {REG_SZ, TEXT("abc"), 0, 0}};
     for (const auto& row : rows) {
@@ -121,8 +126,9 @@ TEST_F(Registry, Key_names_are_found_without_case_through_nested_paths) {
 }
 
 TEST_F(Registry, What_is_not_there_or_badly_named_is_refused) {
-    HKEY other = nullptr;
+    HKEY other = key_;
     EXPECT_EQ(RegOpenKeyW(key_, TEXT("None"), &other), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(other, nullptr);
     EXPECT_EQ(RegOpenKeyExW(key_, TEXT("None\\Deeper"), 0, KEY_READ, &other), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegCreateKeyExW(HKEY_USERS, TEXT("\\Leading"), 0, nullptr, REG_OPTION_NON_VOLATILE,
                               KEY_ALL_ACCESS, nullptr, &other, nullptr),
@@ -187,9 +193,22 @@ TEST_F(Registry, A_deleted_tree_takes_its_subkeys_along_and_a_new_key_is_empty) 
     // The handle of before does not reach the key that took the name.
     EXPECT_EQ(Set(old, TEXT("v"), "late"), ERROR_KEY_DELETED);
     EXPECT_EQ(Get(old, TEXT("v")), "error " + std::to_string(ERROR_KEY_DELETED));
+    HKEY below = nullptr;
+    EXPECT_EQ(RegOpenKeyW(old, TEXT("C"), &below), ERROR_KEY_DELETED);
     EXPECT_EQ(Get(fresh, TEXT("v")), "error " + std::to_string(ERROR_FILE_NOT_FOUND));
     RegCloseKey(old);
     RegCloseKey(fresh);
+}
+
+TEST_F(Registry, A_tree_without_a_name_is_what_the_key_holds) {
+    HKEY child = nullptr;
+    ASSERT_EQ(RegCreateKeyW(key_, TEXT("A\\B"), &child), ERROR_SUCCESS);
+    RegCloseKey(child);
+    Set(key_, TEXT("v"), "x");
+    EXPECT_EQ(RegDeleteTreeW(key_, nullptr), ERROR_SUCCESS);
+    EXPECT_EQ(RegOpenKeyW(key_, TEXT("A"), &child), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(Get(key_, TEXT("v")), "error " + std::to_string(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(Set(key_, TEXT("v"), "y"), ERROR_SUCCESS);
 }
 
 TEST_F(Registry, The_calls_leave_the_last_error_alone) {

@@ -29,6 +29,8 @@ TEST_F(Spooler, The_list_is_in_order_of_the_names_and_asks_for_its_size_first) {
         EXPECT_GT(needed, 0u);
         EXPECT_EQ(count, 0u);
     }
+    EXPECT_TRUE(EnumPrintersW(PRINTER_ENUM_CONNECTIONS, nullptr, 2, nullptr, 0, &needed, &count));
+    EXPECT_EQ(count, 0u);
     EXPECT_EQ(Names(), (std::vector<WideText>{TEXT("ZR One"), TEXT("ZR Two")}));
 }
 

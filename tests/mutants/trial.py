@@ -1,5 +1,5 @@
 """Runs cases of the suites with one fault awake, each case in a machine of its own: its processes, its shared memory
-and its temporary files end with it."""
+and its temporary files end with it, and whatever the fault makes of a path, nothing outside is changed."""
 
 import json
 import os
@@ -10,12 +10,13 @@ from dataclasses import dataclass
 from pathlib import Path
 
 ALONE = ["unshare", "--mount", "--pid", "--fork", "--kill-child", "--mount-proc", "sh", "-c",
-         'mount -t tmpfs tmpfs /dev/shm && mount -t tmpfs tmpfs /tmp && "$@"; exit $?', "sh"]
+         'mount --bind "$0" "$0" && mount -t tmpfs tmpfs /dev/shm && mount -t tmpfs tmpfs /tmp &&'
+         ' mount -o remount,bind,ro / && mount -o remount,bind,ro /dev && "$@"; exit $?']
 SUITES = re.compile(r"^(unit|contract|process|data|robust|crash)\.")
 LEAST_SECONDS = 5
 
 
-@dataclass
+@dataclass(eq=False)
 class Case:
     name: str
     command: list[str]
@@ -23,7 +24,8 @@ class Case:
     seconds: float = 0.0
     reached: bytes = b""
 
-    def run(self, fault: int = 0, reached: Path | None = None) -> bool:
+    def run(self, notes: Path, fault: int = 0, reached: Path | None = None) -> bool:
+        """`notes` is the one folder that stays writable."""
         environment = {**os.environ, **self.environment, "KESTREL_FAULT": str(fault)}
         environment.pop("KESTREL_PRINTER", None)
         if reached is not None:
@@ -32,7 +34,7 @@ class Case:
         # A fault that makes it wait is caught by the time that it takes.
         limit = 120.0 if reached is not None else LEAST_SECONDS + 4 * self.seconds
         try:
-            done = subprocess.run([*alone, *self.command], env=environment, stdin=subprocess.DEVNULL,
+            done = subprocess.run([*alone, str(notes), *self.command], env=environment, stdin=subprocess.DEVNULL,
                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=limit, check=False)
         except subprocess.TimeoutExpired:
             return False
@@ -42,7 +44,7 @@ class Case:
         """Notes how long the case takes and which faults it comes by."""
         reached.write_bytes(bytes(count + 1))
         start = time.monotonic()
-        passed = self.run(reached=reached)
+        passed = self.run(reached.parent, reached=reached)
         self.seconds = time.monotonic() - start
         self.reached = reached.read_bytes()
         return passed

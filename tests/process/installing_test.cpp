@@ -89,6 +89,9 @@ TEST_F(Installing, Driver_printer_and_default_printer_are_asked_of_the_system) {
         DWORD size = 64;
         GetDefaultPrinterW(chosen, &size);
         EXPECT_EQ(isDefault, chosen == WideText(name));
+        if (isDefault) {
+            EXPECT_EQ(size, std::size(L"Office"));
+        }
     }
 }
 

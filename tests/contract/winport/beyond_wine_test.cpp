@@ -17,6 +17,9 @@ TEST_F(Spooler, Deleting_printer_data_says_whether_there_was_any) {
     const LPWSTR name = Writable(TEXT("WakeUpLangMon"));
     BYTE byte = 1;
     EXPECT_EQ(DeletePrinterDataW(printer, name), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+    const DWORD refused = ERROR_INVALID_PARAMETER;
+    EXPECT_EQ(SetPrinterDataW(printer, nullptr, REG_BINARY, &byte, 1), refused);
+    EXPECT_EQ(SetPrinterDataW(printer, name, REG_BINARY, nullptr, 1), refused);
     EXPECT_EQ(SetPrinterDataW(printer, name, REG_BINARY, &byte, 1), 0u);
     EXPECT_EQ(DeletePrinterDataW(printer, name), 0u);
     EXPECT_EQ(DeletePrinterDataW(printer, name), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
