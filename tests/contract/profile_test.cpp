@@ -108,6 +108,17 @@ TEST(Profile, Values_lose_their_blanks_and_one_pair_of_quotes) {
         EXPECT_EQ(Value(path, TEXT("PRINTERS"), key), value);
 }
 
+TEST(Profile, A_fallback_loses_its_trailing_blank_and_a_list_needs_a_section_and_a_buffer) {
+    const TempFolder folder;
+    const WideText path = folder.WriteFile(TEXT("p.ini"), kFile);
+    WCHAR buffer[8];
+    EXPECT_EQ(GetPrivateProfileStringW(TEXT("S"), TEXT("k"), TEXT("ab "), buffer, 8, path.c_str()), 2u);
+    EXPECT_EQ(ErrorOf([&] { return GetPrivateProfileSectionW(nullptr, buffer, 8, path.c_str()); }),
+              ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf([&] { return GetPrivateProfileSectionW(TEXT("S"), nullptr, 8, path.c_str()); }),
+              ERROR_INVALID_PARAMETER);
+}
+
 TEST(Profile, Every_line_ending_and_byte_order_mark_is_read) {
     const TempFolder folder;
     const auto wide = [](const std::string& text, bool bigEndian) {
@@ -168,6 +179,7 @@ TEST(Profile, A_list_that_does_not_fit_is_cut_inside_a_line_and_doubly_terminate
 TEST(Profile, A_long_value_is_cut_to_the_buffer) {
     const TempFolder folder;
     const WideText path = folder.WriteFile(TEXT("p.ini"), "[S]\nk=" + std::string(5000, 'x') + "\n");
+    EXPECT_EQ(Value(path, TEXT("S"), TEXT("k"), 1).size(), 0u);
     EXPECT_EQ(Value(path, TEXT("S"), TEXT("k"), 260).size(), 259u);
     EXPECT_EQ(Value(path, TEXT("S"), TEXT("k"), 6000).size(), 5000u);
 }
@@ -190,11 +202,12 @@ TEST(Profile, A_file_that_cannot_be_read_gives_nothing_and_the_reason) {
 TEST(Profile, Numbers_are_read_as_far_as_they_go) {
     const TempFolder folder;
     const std::pair<const char*, UINT> rows[] = {
-        {"12", 12},  {"-5", 0xFFFFFFFBu},    {"+7", 7},
-        {"  9 ", 9}, {"12abc", 12},          {"abc", 0},
-        {"", 1024},  {"0x10", 16},           {"0X1F", 0},
-        {"010", 10}, {"-0x10", 0xFFFFFFF0u}, {"4294967295", 0xFFFFFFFFu},
-        {"- 4", 0},  {"4294967296", 0},      {"\"33\"", 33},
+        {"12", 12},     {"-5", 0xFFFFFFFBu},    {"+7", 7},
+        {"  9 ", 9},    {"12abc", 12},          {"abc", 0},
+        {"", 1024},     {"0x10", 16},           {"0X1F", 0},
+        {"010", 10},    {"-0x10", 0xFFFFFFF0u}, {"4294967295", 0xFFFFFFFFu},
+        {"- 4", 0},     {"4294967296", 0},      {"\"33\"", 33},
+        {"0xAf", 0xAF},
     };
     for (const auto& [text, number] : rows) {
         const WideText path = folder.WriteFile(TEXT("p.ini"), std::string("[S]\nk=") + text + "\n");

@@ -63,6 +63,11 @@ TEST_F(Registry, A_value_is_read_as_it_was_written) {
     DWORD both = sizeof data;
     EXPECT_EQ(RegQueryValueExW(key_, TEXT("HostID"), nullptr, &both, data, &both), ERROR_SUCCESS);
     EXPECT_EQ(both, 8u);
+    type = 0;
+    EXPECT_EQ(RegQueryValueExW(key_, TEXT("HostID"), nullptr, &type, nullptr, nullptr), ERROR_SUCCESS);
+    EXPECT_EQ(type, static_cast<DWORD>(REG_BINARY));
+    EXPECT_EQ(RegQueryValueExW(key_, TEXT("HostID"), nullptr, nullptr, data, nullptr),
+              ERROR_INVALID_PARAMETER);
 }
 
 TEST_F(Registry, A_text_counted_without_its_terminator_is_stored_with_it) {
@@ -74,7 +79,9 @@ TEST_F(Registry, A_text_counted_without_its_terminator_is_stored_with_it) {
     } rows[] = {{REG_SZ, TEXT("abc"), 6, 8},       {REG_EXPAND_SZ, TEXT("abc"), 6, 8},
                 {REG_MULTI_SZ, TEXT("abc"), 6, 8}, {REG_BINARY, TEXT("abc"), 6, 6},
                 {REG_SZ, TEXT("abc"), 8, 8},       {REG_SZ, TEXT("abcd"), 6, 6},
-                {REG_SZ, TEXT("abc"), 5, 5},       {REG_SZ, TEXT("abc"), 0, 0}};
+                {REG_SZ, TEXT("abc"), 5, 5},       {REG_SZ, TEXT("abc"), 0, 0},
+                {REG_SZ, TEXT("a"), 2, 4},         {REG_SZ, TEXT("a\u0100"), 4, 6},
+                {REG_BINARY, nullptr, 0, 0}};
     for (const auto& row : rows) {
         const auto* bytes = reinterpret_cast<const BYTE*>(row.text);
         EXPECT_EQ(RegSetValueExW(key_, TEXT("v"), 0, row.type, bytes, row.size), ERROR_SUCCESS);
@@ -121,8 +128,9 @@ TEST_F(Registry, Key_names_are_found_without_case_through_nested_paths) {
 }
 
 TEST_F(Registry, What_is_not_there_or_badly_named_is_refused) {
-    HKEY other = nullptr;
+    HKEY other = key_;
     EXPECT_EQ(RegOpenKeyW(key_, TEXT("None"), &other), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(other, nullptr);
     EXPECT_EQ(RegOpenKeyExW(key_, TEXT("None\\Deeper"), 0, KEY_READ, &other), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegCreateKeyExW(HKEY_USERS, TEXT("\\Leading"), 0, nullptr, REG_OPTION_NON_VOLATILE,
                               KEY_ALL_ACCESS, nullptr, &other, nullptr),
@@ -137,6 +145,7 @@ TEST_F(Registry, A_key_opened_for_reading_refuses_writes) {
     ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, name_.c_str(), 0, KEY_READ, &readOnly), ERROR_SUCCESS);
     EXPECT_EQ(Set(readOnly, TEXT("v"), "y"), ERROR_ACCESS_DENIED);
     EXPECT_EQ(RegDeleteValueW(readOnly, TEXT("v")), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(RegDeleteTreeW(readOnly, nullptr), ERROR_ACCESS_DENIED);
     EXPECT_EQ(Get(readOnly, TEXT("v")), "x");
     RegCloseKey(readOnly);
 }
@@ -187,9 +196,14 @@ TEST_F(Registry, A_deleted_tree_takes_its_subkeys_along_and_a_new_key_is_empty) 
     // The handle of before does not reach the key that took the name.
     EXPECT_EQ(Set(old, TEXT("v"), "late"), ERROR_KEY_DELETED);
     EXPECT_EQ(Get(old, TEXT("v")), "error " + std::to_string(ERROR_KEY_DELETED));
+    EXPECT_EQ(RegOpenKeyW(old, TEXT("C"), &old), ERROR_KEY_DELETED);
     EXPECT_EQ(Get(fresh, TEXT("v")), "error " + std::to_string(ERROR_FILE_NOT_FOUND));
-    RegCloseKey(old);
     RegCloseKey(fresh);
+    // Without a path it is what the key holds that goes.
+    Set(key_, TEXT("v"), "x");
+    EXPECT_EQ(RegDeleteTreeW(key_, nullptr), ERROR_SUCCESS);
+    EXPECT_EQ(RegOpenKeyW(key_, TEXT("A"), &fresh), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(Get(key_, TEXT("v")), "error " + std::to_string(ERROR_FILE_NOT_FOUND));
 }
 
 TEST_F(Registry, The_calls_leave_the_last_error_alone) {

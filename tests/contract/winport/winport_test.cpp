@@ -16,6 +16,7 @@
 #include "forked.h"
 #include "registry_value.h"
 #include "support.h"
+#include "winport/registry/slot_table.h"
 
 namespace {
 
@@ -180,6 +181,24 @@ TEST(RegistryStore, A_forked_child_outlives_its_parent_while_others_open_the_reg
     EXPECT_GT(ReadNumbers(probe, 100), 0u);
 }
 
+TEST(RegistryStore, A_process_forks_while_its_threads_use_the_registry) {
+    const auto read = [] {
+        HKEY key = nullptr;
+        const LSTATUS status = RegOpenKeyW(HKEY_CURRENT_USER, TEXT("None"), &key);
+        return status == ERROR_FILE_NOT_FOUND;
+    };
+    std::atomic<bool> stop{false};
+    std::thread reader([&] {
+        while (!stop && read()) {
+        }
+        EXPECT_TRUE(stop);
+    });
+    for (int i = 0; i < 50; ++i)
+        EXPECT_TRUE(HoldsInChild(read));
+    stop = true;
+    reader.join();
+}
+
 TEST(RegistryStore, A_damaged_file_is_reported_and_left_alone) {
     const TempFolder folder;
     folder.MakeFolder(TEXT("home/state"));
@@ -224,6 +243,16 @@ TEST(Handles, A_forked_child_closes_what_a_thread_of_its_parent_is_waiting_for) 
     EXPECT_TRUE(CloseHandle(event));
 }
 
+TEST(Handles, Of_keys_or_printers_are_four_million_at_most_and_a_closed_one_makes_room) {
+    winport::SlotTable<char> table(1);
+    std::uint64_t last = 0;
+    for (int i = 0; i < 1 << 22; ++i)
+        ASSERT_NE(last = table.Add('x'), 0u);
+    EXPECT_EQ(table.Add('x'), 0u);
+    EXPECT_TRUE(table.Remove(last));
+    EXPECT_NE(table.Add('x'), 0u);
+}
+
 TEST(Differences, A_text_that_looks_like_another_is_not_turned_into_it) {
     for (const WCHAR* text : {TEXT("\u0100"), TEXT("\uFF21"), TEXT("\u2212"), TEXT("\u03B1")}) {
         char buffer[2] = {};
@@ -238,6 +267,42 @@ TEST(Differences, A_UTF8_mark_is_ANSI_text_and_hides_the_first_section) {
     EXPECT_EQ(GetPrivateProfileIntW(TEXT("S"), TEXT("k"), 7, path.c_str()), 7u);
     WCHAR value[8];
     EXPECT_EQ(GetPrivateProfileStringW(TEXT("T"), TEXT("k"), TEXT(""), value, 8, path.c_str()), 2u);
+}
+
+TEST(Differences, A_file_above_4_MiB_was_named_by_mistake) {
+    const TempFolder folder;
+    std::string text = "[S]\nk=1\n" + std::string(4'194'304 - 8, '\n');
+    EXPECT_EQ(GetPrivateProfileIntW(TEXT("S"), TEXT("k"), 7, folder.WriteFile(TEXT("p.ini"), text).c_str()),
+              1u);
+    text += '\n';
+    EXPECT_EQ(GetPrivateProfileIntW(TEXT("S"), TEXT("k"), 7, folder.WriteFile(TEXT("p.ini"), text).c_str()),
+              7u);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
+}
+
+TEST(Differences, A_list_that_fits_ends_twice_where_there_is_room) {
+    const TempFolder folder;
+    const WideText path = folder.WriteFile(TEXT("p.ini"), "[S]\ns=1\n[Empty]\n");
+    for (const WCHAR* section : {TEXT("S"), TEXT("Empty")}) {
+        WCHAR buffer[] = TEXT("######");
+        const DWORD count = GetPrivateProfileSectionW(section, buffer, 5, path.c_str());
+        EXPECT_EQ(buffer[count], 0);
+        EXPECT_EQ(buffer[count + 1], count < 4 ? 0 : '#');
+    }
+}
+
+TEST(Differences, Neither_classes_nor_times_of_keys_are_told) {
+    WCHAR name[16];
+    WCHAR className[16];
+    DWORD length = 16;
+    DWORD classLength = 16;
+    FILETIME written = {};
+    const auto ask = [&](LPWSTR text, LPDWORD size, FILETIME* time) {
+        return RegEnumKeyExW(HKEY_LOCAL_MACHINE, 0, name, &length, nullptr, text, size, time);
+    };
+    EXPECT_EQ(ask(className, nullptr, nullptr), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ask(nullptr, &classLength, nullptr), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ask(nullptr, nullptr, &written), ERROR_INVALID_PARAMETER);
 }
 
 TEST(Differences, A_pipe_in_a_files_place_does_not_hold_the_reader) {
