@@ -7,6 +7,12 @@ TEST(Files, Attributes_tell_files_from_folders_and_say_what_is_missing) {
     const WideText file = folder.WriteFile(TEXT("file.ini"), "x");
     EXPECT_EQ(GetFileAttributesW(file.c_str()) & FILE_ATTRIBUTE_DIRECTORY, 0u);
     EXPECT_NE(GetFileAttributesW(folder.MakeFolder(TEXT("sub")).c_str()) & FILE_ATTRIBUTE_DIRECTORY, 0u);
+    for (const bool writable : {false, true}) {
+        constexpr auto kWrite = std::filesystem::perms::owner_write;
+        using Options = std::filesystem::perm_options;
+        std::filesystem::permissions(file, kWrite, writable ? Options::add : Options::remove);
+        EXPECT_EQ((GetFileAttributesW(file.c_str()) & FILE_ATTRIBUTE_READONLY) == 0, writable);
+    }
 
     const std::pair<WideText, LONG> missing[] = {
         {folder.Path(TEXT("none.ini")), ERROR_FILE_NOT_FOUND},
@@ -14,6 +20,7 @@ TEST(Files, Attributes_tell_files_from_folders_and_say_what_is_missing) {
         {folder.Path(TEXT("file.ini/below")), ERROR_PATH_NOT_FOUND},
         {folder.Path(TEXT("wild*card")), ERROR_INVALID_NAME},
         {WideText(), ERROR_PATH_NOT_FOUND},
+        {TEXT("/kestrel none"), ERROR_FILE_NOT_FOUND},
     };
     for (const auto& [path, error] : missing)
         EXPECT_EQ(error,

@@ -26,7 +26,12 @@ TEST(Modules, What_is_no_module_has_no_name_and_no_functions) {
         EXPECT_EQ(ErrorOf([&] { return GetProcAddress(module, "GetTickCount"); }), ERROR_MOD_NOT_FOUND);
         EXPECT_EQ(ErrorOf([&] { return FreeLibrary(module); }), ERROR_MOD_NOT_FOUND);
     }
+    WCHAR name[1];
+    EXPECT_EQ(ErrorOf([&] { return GetModuleFileNameW(nullptr, name, 0); }), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_NE(GetModuleHandleW(TEXT("ADVAPI32.DLL")), nullptr);
     const HMODULE system = GetModuleHandleW(TEXT("kernel32.dll"));
+    for (int uses = 0; uses < 2; ++uses)
+        EXPECT_TRUE(FreeLibrary(LoadLibraryW(TEXT("kernel32.dll"))));
     EXPECT_NE(GetProcAddress(system, "GetTickCount"), nullptr);
     EXPECT_EQ(ErrorOf([&] { return GetProcAddress(system, nullptr); }), ERROR_PROC_NOT_FOUND);
 }
@@ -41,9 +46,10 @@ TEST(Process, The_list_holds_the_caller_once) {
 }
 
 TEST(Process, A_list_that_is_too_small_is_filled_and_says_so_by_its_size) {
-    DWORD ids[2] = {0, 0xFFFFFFFF};
+    DWORD ids[2] = {0xFFFFFFFF, 0xFFFFFFFF};
     DWORD needed = 99;
     EXPECT_TRUE(EnumProcesses(ids, sizeof(DWORD) + 3, &needed));
     EXPECT_EQ(needed, sizeof(DWORD));
+    EXPECT_NE(ids[0], 0xFFFFFFFFu);
     EXPECT_EQ(ids[1], 0xFFFFFFFFu);
 }

@@ -89,9 +89,6 @@ TEST(Profile, A_missing_or_empty_section_has_no_lines_and_is_no_error) {
         EXPECT_TRUE(Lines(path, section).empty());
         EXPECT_EQ(GetLastError(), 0u);
     }
-    WCHAR buffer[4];
-    EXPECT_EQ(GetPrivateProfileSectionW(nullptr, buffer, 4, path.c_str()), 0u);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
 }
 
 TEST(Profile, Values_lose_their_blanks_and_one_pair_of_quotes) {
@@ -109,9 +106,17 @@ TEST(Profile, Values_lose_their_blanks_and_one_pair_of_quotes) {
     };
     for (const auto& [key, value] : rows)
         EXPECT_EQ(Value(path, TEXT("PRINTERS"), key), value);
-    WCHAR fallback[16];
-    EXPECT_EQ(GetPrivateProfileStringW(TEXT("S"), TEXT("k"), TEXT(" a b  "), fallback, 16, path.c_str()), 4u);
-    EXPECT_EQ(WideText(fallback), TEXT(" a b"));
+}
+
+TEST(Profile, A_fallback_loses_its_trailing_blanks_and_a_list_needs_a_section_and_a_buffer) {
+    const TempFolder folder;
+    const WideText path = folder.WriteFile(TEXT("p.ini"), kFile);
+    WCHAR buffer[8];
+    EXPECT_EQ(GetPrivateProfileStringW(TEXT("S"), TEXT("k"), TEXT("ab  "), buffer, 8, path.c_str()), 2u);
+    EXPECT_EQ(ErrorOf([&] { return GetPrivateProfileSectionW(nullptr, buffer, 8, path.c_str()); }),
+              ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf([&] { return GetPrivateProfileSectionW(TEXT("S"), nullptr, 8, path.c_str()); }),
+              ERROR_INVALID_PARAMETER);
 }
 
 TEST(Profile, Every_line_ending_and_byte_order_mark_is_read) {

@@ -92,6 +92,8 @@ TEST(Accounts, A_thread_has_a_token_only_while_it_impersonates) {
     DWORD size = 260;
     ASSERT_TRUE(GetUserNameW(user, &size));
     EXPECT_EQ(size, WideText(user).size() + 1);
+    size = 1;
+    EXPECT_EQ(ErrorOf([&] { return GetUserNameW(user, &size); }), ERROR_INSUFFICIENT_BUFFER);
     PROFILEINFOW profile = {};
     profile.dwSize = sizeof profile;
     profile.lpUserName = user;

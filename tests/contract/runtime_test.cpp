@@ -44,6 +44,14 @@ TEST(Identifiers, Have_five_groups_of_lower_case_digits_and_differ) {
     for (const std::size_t dash : {8, 13, 18, 23})
         EXPECT_EQ(text[dash], '-');
     EXPECT_NE(text, FreshGuidText());
+    bool ownDigits = false;
+    for (int i = 0; i < 16; ++i) {
+        const std::string random = FreshGuidText();
+        EXPECT_EQ(random[14], '4');
+        EXPECT_NE(std::string("89ab").find(random[19]), std::string::npos);
+        ownDigits = ownDigits || random[20] != random[22];
+    }
+    EXPECT_TRUE(ownDigits);
 
     GUID known = {0x0123ABCD, 0x4567, 0x89EF, {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0xF8}};
     RPC_WSTR wide = nullptr;
@@ -66,5 +74,7 @@ TEST(Clock, Calendar_times_without_a_zone_are_seconds_since_1970) {
     EXPECT_EQ(_localtime64_s(&early, &before), EINVAL);
     EXPECT_EQ(errno, EINVAL);
     EXPECT_EQ(early.tm_mday, -1);
+    const __time64_t late3000 = 32'535'216'000;
+    EXPECT_EQ(_localtime64_s(&early, &late3000), EINVAL);
     EXPECT_GT(_time64(nullptr), kNoon);
 }

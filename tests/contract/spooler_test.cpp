@@ -11,8 +11,6 @@ TEST_F(Spooler, Without_printers_the_list_is_empty_and_a_success) {
     EXPECT_TRUE(EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, nullptr, 0, &needed, &count));
     EXPECT_EQ(needed, 0u);
     EXPECT_EQ(count, 0u);
-    EXPECT_TRUE(EnumPrintersW(PRINTER_ENUM_CONNECTIONS, nullptr, 2, nullptr, 0, &needed, &count));
-    EXPECT_EQ(needed, 0u);
 }
 
 TEST_F(Spooler, The_list_is_in_order_of_the_names_and_asks_for_its_size_first) {
@@ -29,9 +27,9 @@ TEST_F(Spooler, The_list_is_in_order_of_the_names_and_asks_for_its_size_first) {
         EXPECT_GT(needed, 0u);
         EXPECT_EQ(count, 0u);
     }
-    EXPECT_TRUE(EnumPrintersW(PRINTER_ENUM_CONNECTIONS, nullptr, 2, nullptr, 0, &needed, &count));
-    EXPECT_EQ(count, 0u);
     EXPECT_EQ(Names(), (std::vector<WideText>{TEXT("ZR One"), TEXT("ZR Two")}));
+    EXPECT_TRUE(EnumPrintersW(PRINTER_ENUM_CONNECTIONS, nullptr, 2, nullptr, 0, &needed, &count));
+    EXPECT_EQ(needed, 0u);
 }
 
 TEST_F(Spooler, A_printer_keeps_what_it_was_added_with_and_takes_another_port) {
@@ -82,6 +80,17 @@ TEST_F(Spooler, Handles_that_are_no_open_printer_are_refused) {
         DWORD needed = 9;
         EXPECT_EQ(ErrorOf([&] { return GetPrinterW(handle, 2, nullptr, 0, &needed); }), ERROR_INVALID_HANDLE);
     }
+}
+
+TEST_F(Spooler, The_default_printer_is_told_with_the_size_that_its_name_takes) {
+    AddForTest(TEXT("ZR Default"), TEXT("USB001"));
+    ASSERT_TRUE(SetDefaultPrinterW(TEXT("ZR Default")));
+    WCHAR name[16] = {};
+    DWORD size = 10;
+    EXPECT_EQ(ErrorOf([&] { return GetDefaultPrinterW(name, &size); }), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(size, 11u);
+    EXPECT_TRUE(GetDefaultPrinterW(name, &size));
+    EXPECT_EQ(WideText(name), TEXT("ZR Default"));
 }
 
 TEST_F(Spooler, A_printer_needs_an_installed_driver) {

@@ -75,6 +75,9 @@ TEST(Text, The_callers_default_character_and_its_use_are_honoured) {
     EXPECT_EQ(WideCharToMultiByte(CP_ACP, 0, TEXT("a\u3042c"), -1, buffer, 4, "#", &used), 4);
     EXPECT_STREQ(buffer, "a#c");
     EXPECT_TRUE(used);
+    used = FALSE;
+    EXPECT_EQ(WideCharToMultiByte(CP_ACP, 0, TEXT("a\u3042c"), -1, nullptr, 0, nullptr, &used), 4);
+    EXPECT_TRUE(used);
 }
 
 TEST(Text, A_length_of_minus_one_counts_the_terminator_and_an_explicit_one_does_not) {

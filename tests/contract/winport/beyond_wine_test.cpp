@@ -21,8 +21,15 @@ TEST_F(Spooler, Deleting_printer_data_says_whether_there_was_any) {
     EXPECT_EQ(SetPrinterDataW(printer, nullptr, REG_BINARY, &byte, 1), refused);
     EXPECT_EQ(SetPrinterDataW(printer, name, REG_BINARY, nullptr, 1), refused);
     EXPECT_EQ(SetPrinterDataW(printer, name, REG_BINARY, &byte, 1), 0u);
+    EXPECT_EQ(SetPrinterDataW(printer, name, REG_BINARY, nullptr, 0), 0u);
     EXPECT_EQ(DeletePrinterDataW(printer, name), 0u);
     EXPECT_EQ(DeletePrinterDataW(printer, name), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+}
+
+TEST_F(Spooler, A_printers_name_has_255_units_at_most) {
+    AddForTest(WideText(255, 'x').c_str(), TEXT("USB001"));
+    EXPECT_EQ(ErrorOf([&] { return Add(Info(WideText(256, 'x').c_str(), TEXT("USB001"))); }),
+              ERROR_INVALID_PRINTER_NAME);
 }
 
 TEST_F(Spooler, A_second_printer_of_one_name_is_refused) {

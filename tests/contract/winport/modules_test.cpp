@@ -1,7 +1,9 @@
 // Libraries with and without version numbers behind their names, and links to them.
 #include <filesystem>
+#include <thread>
 #include <vector>
 
+#include "child_process.h"
 #include "support.h"
 
 namespace {
@@ -28,6 +30,8 @@ TEST(Modules, Show_the_name_that_the_linker_knows_them_by_without_version_number
         {"libA.so.1.0.0", {}, TEXT("libA.so.1.0.0"), TEXT("A.dll")},
         {"libA.so.1.0.0", {"libB.so.1"}, TEXT("libB.so.1"), TEXT("B.dll")},
         {"libA.so.10.2", {"libA.so.9", "libA.so.10", "libA.so.x"}, TEXT("A"), TEXT("A.dll")},
+        {"libA.so.10.2", {"libA.so.9"}, TEXT("A"), TEXT("A.dll")},
+        {"libA.so", {}, TEXT("A.DLL"), TEXT("A.dll")},
         {"libA.1.so", {}, TEXT("A.1.dll"), TEXT("A.1.dll")},
         {"libA.so.1a", {}, TEXT("libA.so.1a"), TEXT("libA.so.1a")},
         {"libA.so.1.0.0", {"libA.so.x"}, TEXT("A.dll"), nullptr},
@@ -47,6 +51,24 @@ TEST(Modules, Show_the_name_that_the_linker_knows_them_by_without_version_number
         EXPECT_TRUE(FreeLibrary(module));
         EXPECT_EQ(GetModuleHandleW(row.shown), nullptr);
     }
+}
+
+TEST(Modules, Without_load_notices_are_told_of_no_thread) {
+    for (const std::string file : {MODULE_PROBE, "libm.so.6"}) {
+        const HMODULE module = LoadLibraryW(fs::path(file).string<WCHAR>().c_str());
+        ASSERT_NE(module, nullptr);
+        std::thread([] { TlsGetValue(0); }).join();
+        EXPECT_TRUE(FreeLibrary(module));
+    }
+}
+
+TEST(Modules, Are_found_beside_the_program) {
+    const TempFolder folder;
+    const fs::path program = folder.Path(TEXT("probe"));
+    fs::copy_file(REGISTRY_PROBE, program);
+    fs::copy_file(MODULE_PROBE, folder.Path(TEXT("libBeside.so")));
+    const Environment libraries = {{"LD_LIBRARY_PATH", fs::path(REGISTRY_PROBE).parent_path().string()}};
+    EXPECT_EQ(ChildProcess({program.string(), "load"}, libraries).Wait(), 0);
 }
 
 }  // namespace

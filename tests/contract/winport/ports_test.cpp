@@ -9,9 +9,12 @@
 #include <utility>
 #include <vector>
 
-#include "support.h"
+#include "registry_value.h"
+#include "spooler.h"
 
 namespace {
+
+const WideText kPrint = TEXT("SYSTEM\\CurrentControlSet\\Control\\Print\\");
 
 PORT_DATA_1 Port(const WideText& name) {
     PORT_DATA_1 port = {};
@@ -67,7 +70,46 @@ TEST(Ports, A_network_port_is_added_once_and_kept) {
     EXPECT_EQ(Ask(monitor, TEXT("AddPort"), Port(TEXT("ZRIJT_192.168.0.20"))), 0u);
     EXPECT_EQ(Ask(monitor, TEXT("AddPort"), Port(TEXT("zrijt_192.168.0.20"))), 183u);
     EXPECT_EQ(PortNames().back(), TEXT("ZRIJT_192.168.0.20"));
+    EXPECT_EQ(RegistryNumber(HKEY_LOCAL_MACHINE,
+                             kPrint + TEXT("Monitors\\Standard TCP/IP Port\\Ports\\ZRIJT_192.168.0.20"),
+                             TEXT("Version")),
+              1);
     ClosePrinter(monitor);
+}
+
+TEST_F(Spooler, A_driver_of_another_machine_is_kept_with_its_version) {
+    DRIVER_INFO_3W driver = {};
+    driver.cVersion = 3;
+    driver.pName = Writable(TEXT("Elsewhere"));
+    driver.pEnvironment = Writable(TEXT("linux arm64"));
+    driver.pDriverPath = driver.pDataFile = driver.pConfigFile = Writable(TEXT("x"));
+    EXPECT_TRUE(AddPrinterDriverExW(nullptr, 3, reinterpret_cast<LPBYTE>(&driver),
+                                    APD_COPY_NEW_FILES | APD_COPY_FROM_DIRECTORY));
+    EXPECT_EQ(RegistryNumber(HKEY_LOCAL_MACHINE,
+                             kPrint + TEXT("Environments\\Linux ARM64\\Drivers\\Version-3\\Elsewhere"),
+                             TEXT("Version")),
+              3);
+}
+
+TEST_F(Spooler, What_a_hand_spoiled_in_the_registry_is_read_as_if_it_were_not_there) {
+    const HANDLE printer = AddForTest(TEXT("ZR Hand"), TEXT("USB001"));
+    HKEY key = nullptr;
+    ASSERT_EQ(RegOpenKeyW(HKEY_LOCAL_MACHINE, (kPrint + TEXT("Printers\\ZR Hand")).c_str(), &key),
+              ERROR_SUCCESS);
+    const auto write = [&](const WCHAR* name, DWORD type, const WCHAR* text, DWORD size) {
+        EXPECT_EQ(RegSetValueExW(key, name, 0, type, reinterpret_cast<const BYTE*>(text), size), 0);
+    };
+    write(TEXT("Description"), REG_SZ, TEXT("abc"), 4);  // without its end
+    write(TEXT("Location"), REG_SZ, TEXT(""), 0);
+    write(TEXT("Parameters"), REG_BINARY, TEXT("abc"), 8);
+    write(TEXT("Attributes"), REG_BINARY, TEXT("abc"), 4);
+    write(TEXT("StartTime"), REG_DWORD, TEXT("abc"), 2);
+    EXPECT_EQ(RegDeleteValueW(key, TEXT("Priority")), 0);
+    RegCloseKey(key);
+    const Record record = Read(printer);
+    EXPECT_EQ(WideText((*record).pComment), TEXT("ab"));
+    EXPECT_EQ(WideText((*record).pLocation) + (*record).pParameters, WideText());
+    EXPECT_EQ((*record).Attributes | (*record).StartTime | (*record).Priority, 0u);
 }
 
 TEST(Ports, What_describes_no_port_is_refused_by_the_status) {

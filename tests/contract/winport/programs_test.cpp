@@ -1,12 +1,18 @@
 // How programs are found, called and left alone.
+#include <pwd.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <windows.h>
+// The headers below need the one above.
+#include <userenv.h>
+#include <wtsapi32.h>
 
 #include <cerrno>
 #include <filesystem>
 #include <iterator>
 
 #include "forked.h"
+#include "handle_support.h"
 #include "program.h"
 
 namespace {
@@ -48,6 +54,7 @@ TEST_F(FoundPrograms, Arguments_arrive_as_the_run_time_of_Windows_takes_them_apa
         {TEXT("a\\\\\\\"b c d"), "[a\\\"b][c][d]"},
         {TEXT("a\\\\\\\\\"b c\" d e"), "[a\\\\b c][d][e]"},
         {TEXT("\"\" x"), "[][x]"},
+        {TEXT("\"a\"\"b\" \"c\"\""), "[a\"b][c\"]"},
         {TEXT("/f \"C:\\my drivers\\a.inf\" /m \"ZR IJ\""), "[/f][C:\\my drivers\\a.inf][/m][ZR IJ]"},
     };
     for (const auto& [arguments, expected] : rows) {
@@ -70,6 +77,7 @@ TEST_F(FoundPrograms, A_path_with_blanks_needs_no_quotes_and_the_ending_may_be_m
         EXPECT_EQ(Run(line), 0u);
         EXPECT_EQ(Output(), expected);
     }
+    EXPECT_EQ(Run(TEXT("[ a = a ]")), 0u) << "a name of one letter";
 }
 
 TEST_F(FoundPrograms, A_detached_one_has_its_own_session_and_no_descriptor_of_its_starter) {
@@ -94,6 +102,92 @@ TEST_F(FoundPrograms, What_cannot_be_run_is_refused_at_once) {
     EXPECT_EQ(Run(folder_.Path(TEXT("text"))), static_cast<DWORD>(ERROR_BAD_EXE_FORMAT));
     EXPECT_EQ(Run(folder_.Path(TEXT("fine")), 0x4), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
     EXPECT_EQ(Run(folder_.Path(TEXT("fine"))), 128u + 9u);
+
+    WideText line = folder_.Path(TEXT("fine"));
+    STARTUPINFOW startup = {};
+    PROCESS_INFORMATION info = {};
+    const auto create = [&](LPWSTR text, STARTUPINFOW* how, PROCESS_INFORMATION* program) {
+        return ErrorOf([&] {
+            return CreateProcessW(nullptr, text, nullptr, nullptr, FALSE, 0, nullptr, nullptr, how, program);
+        });
+    };
+    EXPECT_EQ(create(nullptr, &startup, &info), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(create(line.data(), nullptr, &info), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(create(line.data(), &startup, nullptr), ERROR_INVALID_PARAMETER);
+    // The last handle is for the process; there is none for its thread.
+    std::vector<Handle> many;
+    while (many.empty() || many.back())
+        many.push_back(AutoEvent());
+    many.resize(many.size() - 2);
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(create(line.data(), &startup, &info), ERROR_TOO_MANY_OPEN_FILES);
+    EXPECT_EQ(info.hProcess, nullptr);
+}
+
+TEST_F(FoundPrograms, For_a_user_need_a_primary_token_with_three_rights) {
+    HANDLE opened = nullptr;
+    ASSERT_TRUE(WTSQueryUserToken(WTSGetActiveConsoleSessionId(), &opened));
+    const Handle token(opened);
+    constexpr DWORD kRights[] = {TOKEN_QUERY, TOKEN_DUPLICATE, TOKEN_ASSIGN_PRIMARY};
+    for (const DWORD missing : kRights) {
+        HANDLE weak = nullptr;
+        ASSERT_TRUE(DuplicateTokenEx(token.Get(), (kRights[0] | kRights[1] | kRights[2]) & ~missing, nullptr,
+                                     SecurityImpersonation, TokenPrimary, &weak));
+        const Handle closing(weak);
+        WideText line = TEXT("[ a = a ]");
+        STARTUPINFOW startup = {};
+        PROCESS_INFORMATION info = {&info, &info, 1, 1};
+        EXPECT_EQ(ErrorOf([&] {
+                      return CreateProcessAsUserW(weak, nullptr, line.data(), nullptr, nullptr, FALSE, 0,
+                                                  nullptr, nullptr, &startup, &info);
+                  }),
+                  ERROR_ACCESS_DENIED);
+        EXPECT_EQ(info.hProcess, nullptr);
+    }
+}
+
+TEST(Accounts, A_weak_impersonation_does_not_become_a_stronger_one) {
+    const struct {
+        SECURITY_IMPERSONATION_LEVEL has;
+        TOKEN_TYPE type;
+        SECURITY_IMPERSONATION_LEVEL wanted;
+        LONG error;
+    } rows[] = {
+        {SecurityIdentification, TokenPrimary, SecurityIdentification, ERROR_BAD_IMPERSONATION_LEVEL},
+        {SecurityImpersonation, TokenImpersonation, SecurityDelegation, ERROR_BAD_IMPERSONATION_LEVEL},
+        {SecurityImpersonation, TokenPrimary, SecurityDelegation, -1}};
+    for (const auto& row : rows) {
+        HANDLE token = nullptr;
+        ImpersonateSelf(row.has);
+        EXPECT_TRUE(OpenThreadToken(GetCurrentThread(), TOKEN_ALL_ACCESS, TRUE, &token));
+        RevertToSelf();
+        const Handle closing(token);
+        HANDLE copy = nullptr;
+        EXPECT_EQ(ErrorOf([&] { return DuplicateTokenEx(token, 0, nullptr, row.wanted, row.type, &copy); }),
+                  row.error);
+        CloseHandle(copy);
+    }
+}
+
+TEST(Accounts, Are_named_as_in_the_list_of_accounts_or_else_by_their_number) {
+    const auto isNamed = [](const std::string& expected) {
+        WCHAR name[64];
+        DWORD size = 64;
+        return GetUserNameW(name, &size) && WideText(name) == WideText(expected.begin(), expected.end());
+    };
+    EXPECT_TRUE(isNamed(::getpwuid(::geteuid())->pw_name));
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can become another account";
+    EXPECT_TRUE(HoldsInChild([&] { return ::setuid(64'323) == 0 && isNamed("64323"); }));
+}
+
+TEST(Accounts, Unload_no_profile_but_their_own_and_need_a_place_for_an_environment) {
+    HANDLE opened = nullptr;
+    ASSERT_TRUE(WTSQueryUserToken(WTSGetActiveConsoleSessionId(), &opened));
+    const Handle token(opened);
+    EXPECT_TRUE(UnloadUserProfile(token.Get(), HKEY_CURRENT_USER));
+    EXPECT_EQ(ErrorOf([&] { return UnloadUserProfile(token.Get(), HKEY_USERS); }), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(ErrorOf([&] { return CreateEnvironmentBlock(nullptr, token.Get(), FALSE); }),
+              ERROR_INVALID_PARAMETER);
 }
 
 // Nobody else runs anything as this account: it may have one process more, and a thread counts as one.

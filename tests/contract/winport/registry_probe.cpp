@@ -5,11 +5,15 @@
 //   registry_probe together   the same in several processes that begin at one moment, with the worst result
 //   registry_probe count      writes a growing number again and again, printing each after it was written
 //   registry_probe orphan     the same in a forked child whose parent, which used the registry, has ended
+//   registry_probe drivers    exits with the result of making the drivers' folder
+//   registry_probe load       the same of loading Beside.dll
 //   registry_probe objects    makes an event and a mutex of its own, prints both error values, and keeps them
 #include <sched.h>
 #include <sys/mman.h>
 #include <unistd.h>
 #include <windows.h>
+// The header below needs the one above.
+#include <winspool.h>
 
 #include <algorithm>
 #include <array>
@@ -72,6 +76,13 @@ int CreateTogether() {
     return worst;
 }
 
+DWORD MakeDriversFolder() {
+    BYTE path[1024];
+    DWORD needed = 0;
+    GetPrinterDriverDirectoryW(nullptr, nullptr, 1, path, sizeof path, &needed);
+    return GetLastError();
+}
+
 int KeepObjects() {
     CreateEventW(nullptr, TRUE, FALSE, TEXT("Global\\Probe"));
     const DWORD event = GetLastError();
@@ -87,6 +98,8 @@ int main(int argc, char** argv) {
     const std::string_view command = argc > 1 ? argv[1] : "create";
     if (command == "together") return CreateTogether();
     if (command == "objects") return KeepObjects();
+    if (command == "drivers") return static_cast<int>(MakeDriversFolder());
+    if (command == "load") return LoadLibraryW(TEXT("Beside.dll")) != nullptr ? EXIT_SUCCESS : EXIT_FAILURE;
     HKEY key = nullptr;
     const LSTATUS status = Create(key);
     if (status != ERROR_SUCCESS || command == "create") return status;

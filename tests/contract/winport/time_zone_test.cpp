@@ -29,7 +29,15 @@ TEST(Clock, The_zone_moves_local_time_and_says_whether_it_knows_daylight_saving)
         EXPECT_EQ(local.tm_isdst > 0, row.observes);
         tm asUtc = local;
         EXPECT_EQ(_mkgmtime64(&asUtc) - _mktime64(&local), row.eastOfUtc);
+        // 1970-01-01 0:00 UTC, in the east and in the west of it.
+        tm first = {};
+        first.tm_year = 69;
+        first.tm_mon = 11;
+        first.tm_mday = 31;
+        first.tm_sec = 24 * 3600 + (row.observes ? row.eastOfUtc - 3600 : row.eastOfUtc);
+        EXPECT_EQ(_mktime64(&first), 0);
     }
+    EXPECT_EQ(_mktime64(nullptr), -1);
     SetVariable("TZ", "UTC0");
     _tzset();
 }

@@ -3,7 +3,9 @@
 #include <fcntl.h>
 #include <psapi.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <windows.h>
 #include <winspool.h>
 
@@ -16,6 +18,7 @@
 #include "forked.h"
 #include "registry_value.h"
 #include "support.h"
+#include "winport/registry/slot_table.h"
 
 namespace {
 
@@ -54,8 +57,11 @@ class State : public testing::Test {
 
 TEST_F(State, Folders_are_made_closed_to_others) {
     const fs::path home = Host(TEXT("a/b"));
-    EXPECT_EQ(RunIn(home), 0);
     struct stat status = {};
+    ::mkdir(home.parent_path().c_str(), 0755);
+    EXPECT_EQ(RunIn(home), 0);
+    ASSERT_EQ(::stat(home.parent_path().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0755u) << "it was there before";
     ASSERT_EQ(::stat((home / "winport").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0700u);
 }
@@ -94,6 +100,24 @@ TEST_F(State, A_chosen_home_may_be_shared_and_its_files_follow_its_mode) {
     EXPECT_EQ(status.st_mode & 0777, 0770u);
     ASSERT_EQ(::stat((home / "state/registry.db").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0660u);
+    EXPECT_EQ(RunProbe("WINPORT_HOME=" + home.string(), "drivers"), 0);
+    ASSERT_EQ(::stat((home / "state/spool/drivers").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0770u);
+}
+
+TEST_F(State, Without_a_chosen_home_objects_lie_in_the_sessions_folder) {
+    const fs::path session = folder_.MakeFolder(TEXT("session"));
+    ChildProcess probe = StartProbe("objects", "XDG_RUNTIME_DIR=" + session.string());
+    EXPECT_EQ(probe.ReadLine(), "0 0");
+    EXPECT_TRUE(fs::exists(session / "winport/global.Probe"));
+    probe.Kill();
+}
+
+TEST_F(State, An_account_that_is_on_no_list_has_no_home_but_the_root) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can become another account";
+    EXPECT_EQ(
+        ChildProcess({"/usr/bin/setpriv", "--reuid", "64321", "/usr/bin/env", "-i", REGISTRY_PROBE}).Wait(),
+        ERROR_ACCESS_DENIED);
 }
 
 TEST_F(State, A_shared_home_serves_every_account_it_is_open_to_whatever_the_umask) {
@@ -180,6 +204,44 @@ TEST(RegistryStore, A_forked_child_outlives_its_parent_while_others_open_the_reg
     EXPECT_GT(ReadNumbers(probe, 100), 0u);
 }
 
+TEST(RegistryStore, A_process_forks_while_its_threads_use_the_registry) {
+    const auto read = [] {
+        HKEY key = nullptr;
+        const LSTATUS status = RegOpenKeyW(HKEY_CURRENT_USER, TEXT("None"), &key);
+        return status == ERROR_FILE_NOT_FOUND;
+    };
+    std::atomic<bool> stop{false};
+    std::thread reader([&] {
+        while (!stop && read()) {
+        }
+        EXPECT_TRUE(stop);
+    });
+    for (int i = 0; i < 50; ++i)
+        EXPECT_TRUE(HoldsInChild(read));
+    stop = true;
+    reader.join();
+}
+
+TEST(RegistryStore, A_call_that_found_no_free_descriptor_spoils_none_after_it) {
+    for (rlim_t more = 0; more < 8; ++more)
+        EXPECT_TRUE(HoldsInChild([more] {
+            const auto create = [] {
+                HKEY key = nullptr;
+                return RegCreateKeyW(HKEY_CURRENT_USER, TEXT("Descriptors\\New"), &key);
+            };
+            const int free = ::dup(STDIN_FILENO);
+            ::close(free);
+            rlimit usual = {};
+            ::getrlimit(RLIMIT_NOFILE, &usual);
+            const rlimit few = {static_cast<rlim_t>(free) + more, usual.rlim_max};
+            ::setrlimit(RLIMIT_NOFILE, &few);
+            create();
+            ::setrlimit(RLIMIT_NOFILE, &usual);
+            return create() == ERROR_SUCCESS &&
+                   RegDeleteTreeW(HKEY_CURRENT_USER, TEXT("Descriptors")) == ERROR_SUCCESS;
+        }));
+}
+
 TEST(RegistryStore, A_damaged_file_is_reported_and_left_alone) {
     const TempFolder folder;
     folder.MakeFolder(TEXT("home/state"));
@@ -194,7 +256,38 @@ TEST(Ids, A_forked_child_has_ids_of_its_own) {
     const DWORD thread = GetCurrentThreadId();
     EXPECT_TRUE(HoldsInChild([&] {
         return GetCurrentProcessId() == static_cast<DWORD>(::getpid()) && GetCurrentProcessId() != process &&
-               GetCurrentThreadId() != thread;
+               GetCurrentThreadId() != thread && GetCurrentThreadId() == GetCurrentProcessId();
+    }));
+}
+
+bool IsListed(pid_t process) {
+    std::array<DWORD, 16384> ids;
+    DWORD needed = 0;
+    EXPECT_TRUE(EnumProcesses(ids.data(), sizeof ids, &needed));
+    return std::count(ids.begin(), ids.begin() + needed / sizeof(DWORD), static_cast<DWORD>(process)) == 1;
+}
+
+TEST(Ids, A_process_is_on_the_list_while_any_of_its_threads_runs) {
+    Forked child([] {
+        std::thread([] { ::pause(); }).detach();
+        return static_cast<int>(::syscall(SYS_exit, 0));
+    });
+    std::string status;
+    const std::string path = "/proc/" + std::to_string(child.Id()) + "/stat";
+    while (status.find(") Z") == std::string::npos)
+        std::getline(std::ifstream(path), status);
+    EXPECT_TRUE(IsListed(child.Id()));
+}
+
+TEST(Ids, A_list_needs_a_descriptor_and_may_be_of_none) {
+    DWORD needed = 9;
+    EXPECT_TRUE(EnumProcesses(nullptr, 0, &needed));
+    EXPECT_EQ(needed, 0u);
+    EXPECT_EQ(ErrorOf([&] { return EnumProcesses(nullptr, 4, &needed); }), ERROR_INVALID_PARAMETER);
+    EXPECT_TRUE(HoldsInChild([&] {
+        const rlimit none = {0, 0};
+        ::setrlimit(RLIMIT_NOFILE, &none);
+        return ErrorOf([&] { return EnumProcesses(nullptr, 0, &needed); }) == ERROR_TOO_MANY_OPEN_FILES;
     }));
 }
 
@@ -202,11 +295,7 @@ TEST(Ids, An_ended_process_is_off_the_list_before_its_parent_has_asked_for_it) {
     Forked child([] { return 0; });
     siginfo_t info = {};
     ASSERT_EQ(::waitid(P_PID, child.Id(), &info, WEXITED | WNOWAIT), 0);
-    std::array<DWORD, 16384> ids;
-    DWORD needed = 0;
-    ASSERT_TRUE(EnumProcesses(ids.data(), sizeof ids, &needed));
-    EXPECT_EQ(std::count(ids.begin(), ids.begin() + needed / sizeof(DWORD), static_cast<DWORD>(child.Id())),
-              0);
+    EXPECT_FALSE(IsListed(child.Id()));
 }
 
 // The other threads of the parent are not there in the child, whatever they were waiting for.
@@ -222,6 +311,16 @@ TEST(Handles, A_forked_child_closes_what_a_thread_of_its_parent_is_waiting_for) 
     stop = true;
     waiter.join();
     EXPECT_TRUE(CloseHandle(event));
+}
+
+TEST(Handles, Of_keys_or_printers_are_four_million_at_most_and_a_closed_one_makes_room) {
+    winport::SlotTable<char> table(1);
+    std::uint64_t last = 0;
+    for (int i = 0; i < 1 << 22; ++i)
+        ASSERT_NE(last = table.Add('x'), 0u);
+    EXPECT_EQ(table.Add('x'), 0u);
+    EXPECT_TRUE(table.Remove(last));
+    EXPECT_NE(table.Add('x'), 0u);
 }
 
 TEST(Differences, A_text_that_looks_like_another_is_not_turned_into_it) {
@@ -240,12 +339,76 @@ TEST(Differences, A_UTF8_mark_is_ANSI_text_and_hides_the_first_section) {
     EXPECT_EQ(GetPrivateProfileStringW(TEXT("T"), TEXT("k"), TEXT(""), value, 8, path.c_str()), 2u);
 }
 
+TEST(Differences, A_file_above_4_MiB_was_named_by_mistake) {
+    const TempFolder folder;
+    std::string text = "[S]\nk=1\n" + std::string(4'194'304 - 8, '\n');
+    EXPECT_EQ(GetPrivateProfileIntW(TEXT("S"), TEXT("k"), 7, folder.WriteFile(TEXT("p.ini"), text).c_str()),
+              1u);
+    text += '\n';
+    EXPECT_EQ(GetPrivateProfileIntW(TEXT("S"), TEXT("k"), 7, folder.WriteFile(TEXT("p.ini"), text).c_str()),
+              7u);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
+}
+
+TEST(Differences, A_list_that_fits_ends_twice_where_there_is_room) {
+    const TempFolder folder;
+    const WideText path = folder.WriteFile(TEXT("p.ini"), "[S]\ns=1\n[Empty]\n");
+    for (const WCHAR* section : {TEXT("S"), TEXT("Empty")}) {
+        WCHAR buffer[] = TEXT("######");
+        const DWORD count = GetPrivateProfileSectionW(section, buffer, 5, path.c_str());
+        EXPECT_EQ(buffer[count], 0);
+        EXPECT_EQ(buffer[count + 1], count < 4 ? 0 : '#');
+    }
+}
+
+TEST(Differences, Neither_classes_nor_times_of_keys_are_told) {
+    WCHAR name[16];
+    WCHAR className[16];
+    DWORD length = 16;
+    DWORD classLength = 16;
+    FILETIME written = {};
+    const auto ask = [&](LPWSTR text, LPDWORD size, FILETIME* time) {
+        return RegEnumKeyExW(HKEY_LOCAL_MACHINE, 0, name, &length, nullptr, text, size, time);
+    };
+    EXPECT_EQ(ask(className, nullptr, nullptr), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ask(nullptr, &classLength, nullptr), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ask(nullptr, nullptr, &written), ERROR_INVALID_PARAMETER);
+}
+
+TEST(Differences, A_file_may_get_the_descriptor_of_a_closed_input) {
+    const TempFolder folder;
+    const WideText path = folder.WriteFile(TEXT("p.ini"), "[S]\nk=1\n");
+    EXPECT_TRUE(HoldsInChild([&] {
+        ::close(STDIN_FILENO);
+        return GetPrivateProfileIntW(TEXT("S"), TEXT("k"), 7, path.c_str()) == 1;
+    }));
+}
+
+TEST(Messages, A_thread_keeps_10000_and_they_come_from_nowhere) {
+    MSG message = {};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+    }
+    int posted = 0;
+    while (PostThreadMessageW(GetCurrentThreadId(), WM_USER, 0, 0))
+        ++posted;
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_QUOTA));
+    EXPECT_EQ(posted, 10'000);
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+        ASSERT_EQ(message.pt.x | message.pt.y, 0);
+}
+
 TEST(Differences, A_pipe_in_a_files_place_does_not_hold_the_reader) {
     const TempFolder folder;
     const fs::path pipe = folder.Path(TEXT("p.ini"));
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_EQ(GetPrivateProfileIntW(TEXT("S"), TEXT("k"), 7, folder.Path(TEXT("p.ini")).c_str()), 7u);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+}
+
+TEST(Code_page_932, What_is_no_character_becomes_a_dot_between_words) {
+    WCHAR wide = 0;
+    EXPECT_EQ(MultiByteToWideChar(CP_ACP, 0, "\x81", 1, &wide, 1), 1);
+    EXPECT_EQ(wide, u'\u30FB');
 }
 
 TEST(Code_page_65001, Surrogates_pair_up_and_lone_ones_are_replaced) {
@@ -256,6 +419,9 @@ TEST(Code_page_65001, Surrogates_pair_up_and_lone_ones_are_replaced) {
     const WCHAR lone[] = {0xD800, 0};
     EXPECT_EQ(WideCharToMultiByte(CP_ACP, 0, lone, -1, buffer, 16, nullptr, nullptr), 4);
     EXPECT_STREQ(buffer, "\xEF\xBF\xBD");
+    BOOL used = FALSE;
+    EXPECT_EQ(WideCharToMultiByte(CP_ACP, 0, TEXT("x"), -1, buffer, 16, "?", nullptr), 0);
+    EXPECT_EQ(WideCharToMultiByte(CP_ACP, 0, TEXT("x"), -1, buffer, 16, nullptr, &used), 0);
     WCHAR wide[16] = {};
     EXPECT_EQ(MultiByteToWideChar(CP_ACP, 0, "\xF0\x9F\x98\x80\xC0\xAF", -1, wide, 16), 5);
     EXPECT_EQ(WideText(wide), TEXT("\U0001F600\uFFFD\uFFFD"));
