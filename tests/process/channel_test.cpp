@@ -5,10 +5,14 @@
 #include <array>
 #include <atomic>
 #include <cstring>
+#include <functional>
+#include <memory>
 #include <thread>
 
 #include "channel_puppet.h"
+#include "ipc/late_reply.h"
 #include "ipc/opl_channel.h"
+#include "ipc/remote_control_channel.h"
 #include "widened.h"
 
 namespace {
@@ -60,6 +64,7 @@ class Channel : public testing::Test {
             nullptr, TRUE, FALSE, (TEXT("Global\\") + client_.GetName() + TEXT("ServerIdleEvent")).c_str());
         EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(idle, kPatience));
         CloseHandle(idle);
+        Sleep(50);  // until it sleeps: whoever closes an object needs a lock that it takes before
         server_.Process().Stop();
         EXPECT_EQ(request.size(), Send(request));
     }
@@ -68,6 +73,15 @@ class Channel : public testing::Test {
         server_.Begin("receive 5000");
         ASSERT_EQ(request.size(), Send(request));
         ASSERT_EQ(request, server_.End().text);
+    }
+    // In no process.
+    void ExpectNoSection() {
+        for (const WCHAR* ending : {TEXT("Cmd"), TEXT("Resp")}) {
+            const HANDLE section = CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 100,
+                                                      (TEXT("Global\\") + Widened(name_) + ending).c_str());
+            EXPECT_EQ(0u, GetLastError()) << "it is a new one";
+            CloseHandle(section);
+        }
     }
     // One whole exchange whose reply is `reply`.
     void ExpectExchange(const std::string& request, const std::string& reply) {
@@ -100,21 +114,80 @@ TEST_F(Channel, Nobody_serves_gives_1460_after_the_time_out_and_frees_the_transa
     const auto start = Clock::now();
     EXPECT_EQ(1460u, ErrorOfSend("x", kBrief));
     EXPECT_GE(Clock::now() - start, milliseconds(kBrief));
+    std::thread sender([this] { EXPECT_EQ(1460u, ErrorOfSend("x", 3 * kBrief)); });
+    Sleep(kBrief);
+    EXPECT_EQ(1460u, ErrorOfSend("y", kBrief)) << "not before the other thread has sent";
+    sender.join();
     OpenBoth();
     ExpectExchange("now", "served");
 }
 
-TEST_F(Channel, A_closed_channel_gives_110) {
-    EXPECT_EQ(110u, ErrorOfSend("x", kBrief));
-    EXPECT_EQ(110u, Receive(kBrief).error);
-    client_.Cancel();
-    EXPECT_EQ(110u, GetLastError());
+TEST_F(Channel, A_closed_channel_gives_110_and_remembers_nothing) {
+    const auto expectClosed = [this] {
+        SetLastError(ERROR_ACCESS_DENIED);
+        client_.Close();
+        EXPECT_EQ(0u, GetLastError());
+        EXPECT_FALSE(client_.IsOpen());
+        EXPECT_EQ(TEXT(""), client_.GetName());
+        EXPECT_TRUE(client_.IsServer());
+        EXPECT_EQ(0u, client_.LastClientProcessId());
+        EXPECT_FALSE(client_.StartServerThread());
+        EXPECT_EQ(110u, ErrorOfSend("x", kBrief));
+        const Received received = Receive(kBrief);
+        EXPECT_EQ("", received.text);
+        EXPECT_EQ(110u, received.error);
+        client_.Cancel();
+        EXPECT_EQ(110u, GetLastError());
+    };
+    expectClosed();
+    OpenBoth();
+    EXPECT_FALSE(client_.StartServerThread());
+    expectClosed();
+    server_.Do("close");
+    ExpectNoSection();
+    name_ += "Again";  // the events stay, and with them what the closings cancelled
+    ASSERT_TRUE(client_.Open(ChannelRole::Server, Widened(name_).c_str(), 200));
+    ChannelPuppet other;
+    other.Do("open client " + name_ + " 200");
+    other.Begin("send x 5000");
+    EXPECT_EQ("x", Receive().text);
+    EXPECT_EQ(other.Process().Id(), client_.LastClientProcessId());
+    expectClosed();
+}
+
+TEST_F(Channel, An_opening_keeps_what_lies_there_and_a_server_s_takes_back_old_signals) {
+    OpenBoth();
+    Ask("question");
+    server_.Do("send answer 1000");
+    ChannelPuppet other;
+    other.Do("open client " + name_ + " 200");
+    EXPECT_EQ("answer", Receive().text);
+    server_.Do("close");
+    for (const WCHAR* ending : {TEXT("CmdNotifyEvent"), TEXT("RespNotifyEvent")}) {
+        const HANDLE stale =
+            CreateEventW(nullptr, FALSE, FALSE, (TEXT("Global\\") + Widened(name_) + ending).c_str());
+        server_.Begin("open server " + name_ + " 200");
+        Sleep(50);  // half of the time that a server leaves for old signals
+        SetEvent(stale);
+        EXPECT_EQ(1u, server_.End().number);
+        EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(stale, 0));
+        CloseHandle(stale);
+    }
 }
 
 TEST_F(OpenChannel, A_second_send_without_receive_gives_776_and_the_third_works) {
-    Ask("a");
-    EXPECT_EQ(776u, ErrorOfSend("b"));
-    ExpectExchange("c", "done");
+    ChannelPuppet other;
+    other.Do("open client " + name_ + " 200");
+    server_.Begin("receive 5000");
+    for (const char* text : {"", "a"}) {
+        EXPECT_EQ(std::strlen(text), Send(text));
+        EXPECT_EQ(1460u, other.Do("send x 100").error) << "while the transaction lasts";
+        EXPECT_EQ(776u, ErrorOfSend("b"));
+        EXPECT_EQ(text, server_.End().text);
+        server_.Begin("receive 5000");
+    }
+    Send("c");
+    EXPECT_EQ("c", server_.End().text);
 }
 
 TEST_F(OpenChannel, A_receive_takes_what_is_for_its_process_as_far_as_its_buffer_reaches) {
@@ -142,11 +215,37 @@ TEST_F(OpenChannel, A_receive_takes_what_is_for_its_process_as_far_as_its_buffer
     EXPECT_EQ(1u, server_.Do("send x 200").number) << "the message of a process that is gone is overwritten";
 }
 
+TEST_F(OpenChannel, A_foreign_reply_costs_a_pause_and_all_of_them_the_time_out) {
+    const auto receive = [this](uint32_t timeout, int more, DWORD every, const char* last) {
+        const std::string foreign = "sendto 4194303 0 alien 1000";
+        Ask("question");
+        server_.Do(foreign);
+        std::thread replies([&] {
+            for (int i = 0; i < more; ++i, server_.Do(foreign))
+                Sleep(every);
+            Sleep(every);
+            server_.Do(last);
+        });
+        const auto start = Clock::now();
+        const Received received = Receive(timeout);
+        const auto took = Clock::now() - start;
+        replies.join();
+        return std::pair(received.text + std::to_string(received.error), took);
+    };
+    const auto [answer, untilAnswer] = receive(kPatience, 0, 150, "send answer 1000");
+    EXPECT_EQ("answer0", answer) << "it comes when the pause is over";
+    const auto [none, untilPause] = receive(10, 0, 0, "idle");
+    EXPECT_EQ("1460", none);
+    EXPECT_GE(untilPause, milliseconds(50));
+    const auto [late, untilTimeout] = receive(kBrief, 20, 40, "idle");
+    EXPECT_EQ("1460", late);
+    EXPECT_LT(untilTimeout, milliseconds(600));
+}
+
 TEST_F(OpenChannel, A_reply_to_another_living_process_blocks_the_section_with_32_until_it_is_cancelled) {
     ChannelPuppet other;
     Ask("question");
-    const std::string late = "sendto " + std::to_string(other.Process().Id()) + " 0 late 1000";
-    EXPECT_EQ(4u, server_.Do(late).number);
+    EXPECT_EQ(1u, server_.Do("sendto " + std::to_string(other.Process().Id()) + " 0 x 1000").number);
     for (int i = 0; i < 2; ++i) {
         const PuppetAnswer refused = server_.Do("send answer 500");
         EXPECT_EQ(0u, refused.number);
@@ -155,6 +254,26 @@ TEST_F(OpenChannel, A_reply_to_another_living_process_blocks_the_section_with_32
     server_.Do("cancel");
     EXPECT_EQ(6u, server_.Do("send answer 500").number);
     EXPECT_EQ("answer", Receive().text);
+}
+
+TEST_F(Channel, A_late_reply_in_the_way_is_taken_back_and_the_next_one_sent_after_a_pause) {
+    ASSERT_TRUE(client_.Open(ChannelRole::Server, Widened(name_).c_str(), 200));
+    const auto sendTo = [this](uint32_t process) { return client_.SendTo(process, false, "x", 1, kBrief); };
+    const auto noPause = [](uint32_t) { FAIL(); };
+    std::vector<uint32_t> pauses;
+    const auto pause = [&](uint32_t milliseconds) {
+        pauses.push_back(milliseconds);
+        EXPECT_EQ(1u, sendTo(GetCurrentProcessId())) << "the late one is gone";
+    };
+    const auto sent = [&](uint32_t process) { return [=] { return sendTo(process) != 0; }; };
+    EXPECT_EQ(ipc::ReplySent::AtOnce, SendPastLateReply(client_, sent(server_.Process().Id()), noPause));
+    EXPECT_EQ(ipc::ReplySent::PastLateReply, SendPastLateReply(client_, sent(GetCurrentProcessId()), pause));
+    EXPECT_EQ(ipc::ReplySent::Never, SendPastLateReply(client_, sent(server_.Process().Id()), pause));
+    EXPECT_EQ(32u, GetLastError());
+    EXPECT_EQ((std::vector<uint32_t>{75, 75}), pauses);
+    client_.Close();
+    EXPECT_EQ(ipc::ReplySent::Never, SendPastLateReply(client_, sent(GetCurrentProcessId()), noPause));
+    EXPECT_EQ(110u, GetLastError());
 }
 
 TEST_F(OpenChannel, Cancel_of_another_thread_ends_a_waiting_receive_with_995) {
@@ -178,12 +297,20 @@ TEST_F(OpenChannel, A_cancel_without_a_waiting_receive_ends_the_next_one_once) {
 }
 
 TEST_F(OpenChannel, Cancel_withdraws_an_unread_request_of_whoever_posted_it) {
-    SendUnread("unread");
     ChannelPuppet other;
     other.Do("open client " + name_ + " 200");  // opening closes first, but a closed channel cancels nothing
-    other.Do("cancel");
-    server_.Process().Continue();
-    EXPECT_EQ("", server_.End().text);
+    const std::function<void()> ways[] = {[&] { other.Do("cancel"); }, [&] { other.Do("close"); },
+                                          [&] {
+                                              ipc::OPLChannel destroyed;
+                                              Open(destroyed, 200);
+                                          }};
+    for (const auto& cancel : ways) {
+        SendUnread("unread");
+        cancel();
+        server_.Process().Continue();
+        EXPECT_EQ("", server_.End().text);
+        client_.Cancel();
+    }
 }
 
 TEST_F(OpenChannel, A_late_reply_is_taken_for_an_answer_once_the_next_request_is_out) {
@@ -200,14 +327,20 @@ TEST_F(OpenChannel, A_late_reply_is_taken_for_an_answer_once_the_next_request_is
 }
 
 TEST_F(OpenChannel, The_dispatch_thread_serves_and_others_are_refused_with_32) {
-    EXPECT_EQ(1u, server_.Do("dispatch").number);
-    for (const char* text : {"one", "two", "three"}) {
+    for (const char* text : {"one", "two", "3"}) {
+        EXPECT_EQ(1u, server_.Do("dispatch").number) << "in place of the one before";
         ASSERT_EQ(std::strlen(text), Send(text));
         EXPECT_EQ(text, Receive().text);
     }
-    EXPECT_EQ(32u, server_.Do("receive 100").error);
+    EXPECT_EQ(0u, Send(""));
+    EXPECT_EQ(1460u, Receive(kBrief).error) << "nothing is no message";
+    const PuppetAnswer refused = server_.Do("receive 100");
+    EXPECT_EQ(0u, refused.number);
+    EXPECT_EQ(32u, refused.error);
     server_.Do("close");
     EXPECT_EQ(1460u, ErrorOfSend("gone", kBrief));
+    server_.Do("open server " + name_ + " 200");
+    EXPECT_NE(32u, server_.Do("receive 100").error) << "now anybody may";
 }
 
 // What both sides share, against numbers: a change here breaks every other module of the product.
@@ -241,30 +374,67 @@ TEST_F(Channel, The_eight_objects_have_the_names_sizes_and_offsets_that_the_prod
     EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(replied, 0))
         << "a request takes back what was signalled before";
     expectBlock(TEXT("Cmd"), {GetCurrentProcessId(), 3, 0}, "abc");
-    for (const WCHAR* ending :
-         {TEXT("CmdNotifyEvent"), TEXT("CmdCancelEvent"), TEXT("RespCancelEvent"), TEXT("ServerIdleEvent")})
+    const HANDLE asked = event(TEXT("CmdNotifyEvent"));
+    const HANDLE idle = event(TEXT("ServerIdleEvent"));
+    for (const WCHAR* ending : {TEXT("CmdCancelEvent"), TEXT("RespCancelEvent")})
         CloseHandle(event(ending));
     CloseHandle(existing(CreateMutexW(nullptr, FALSE, (base + TEXT("TransactionMutex")).c_str())));
     server_.Process().Continue();
     EXPECT_EQ("abc", server_.End().text);
+    SetEvent(asked);
     server_.Do("broadcast news 1000");
     expectBlock(TEXT("Resp"), {0, 4, 0x0100}, "news");
-    CloseHandle(replied);
+    server_.Do("sendto 4194303 1 gone 1000");
+    expectBlock(TEXT("Resp"), {4194303, 4, 1}, "gone");
+    SetEvent(idle);
+    server_.Do("cancel");
+    for (const HANDLE takenBack : {asked, replied, idle}) {
+        EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(takenBack, 0));
+        CloseHandle(takenBack);
+    }
 }
 
 TEST_F(Channel, An_opening_that_fails_leaves_none_of_its_objects) {
-    const WideText base = TEXT("Global\\") + Widened(name_);
-    const HANDLE squatter = CreateMutexW(nullptr, FALSE, (base + TEXT("ServerIdleEvent")).c_str());
+    const HANDLE squatter =
+        CreateMutexW(nullptr, FALSE, (TEXT("Global\\") + Widened(name_) + TEXT("ServerIdleEvent")).c_str());
     EXPECT_FALSE(Open(client_, 200));
     EXPECT_EQ(6u, GetLastError());
-    for (const WCHAR* ending : {TEXT("Cmd"), TEXT("Resp")}) {
-        const HANDLE section = CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 100,
-                                                  (base + ending).c_str());
-        EXPECT_EQ(0u, GetLastError()) << "it is a new one";
-        CloseHandle(section);
-    }
+    ExpectNoSection();
     CloseHandle(squatter);
     EXPECT_TRUE(Open(client_, 200));
+}
+
+TEST_F(Channel, A_command_travels_with_its_data_whole_or_not_at_all) {
+    const auto server = std::make_unique<ipc::RemoteControlChannel>();
+    const auto client = std::make_unique<ipc::RemoteControlChannel>();
+    const auto command = std::make_unique<ipc::RemoteCommand>();
+    const WideText name = Widened(name_);
+    ASSERT_TRUE(server->Open(ChannelRole::Server, name.c_str(), ipc::kMaxRemoteMessage));
+    ASSERT_TRUE(client->Open(ChannelRole::Client, name.c_str(), ipc::kMaxRemoteMessage));
+    EXPECT_FALSE(client->ReceiveCommand(*command));
+    const std::string data(ipc::kMaxRemoteData + 1, 'd');
+    for (const uint32_t length : {0u, 1u, ipc::kMaxRemoteData}) {
+        *command = {};
+        std::thread serving([&] {
+            EXPECT_TRUE(server->ReceiveCommand(*command));
+            EXPECT_TRUE(server->SendReply(length, kPatience));
+        });
+        EXPECT_TRUE(client->SendCommand(ipc::RemoteCode::UpSt, length, data.data(), kPatience));
+        uint32_t reply = 7;
+        EXPECT_TRUE(client->ReceiveReply(reply, kPatience));
+        serving.join();
+        EXPECT_EQ(length, reply);
+        EXPECT_EQ(0x55705374u, command->code);
+        EXPECT_EQ(length, command->length);
+        EXPECT_EQ(0, std::memcmp(data.data(), command->data, length));
+    }
+    SetLastError(ERROR_ACCESS_DENIED);
+    EXPECT_FALSE(client->SendCommand(ipc::RemoteCode::UpSt, ipc::kMaxRemoteData + 1, data.data(), kBrief));
+    EXPECT_FALSE(server->SendCommand(ipc::RemoteCode::UpSt, 0, nullptr, kBrief));
+    EXPECT_EQ(5u, GetLastError());
+    std::thread serving([&] { EXPECT_FALSE(server->ReceiveCommand(*command)) << "shorter than its head"; });
+    EXPECT_EQ(7u, client->Send("1234567", 7, kPatience));
+    serving.join();
 }
 
 }  // namespace

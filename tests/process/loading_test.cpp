@@ -62,6 +62,17 @@ TEST(Loading, Only_a_product_loads_under_its_name_and_is_gone_when_freed) {
     EXPECT_EQ(126u, GetLastError());
 }
 
+TEST(Loading, Without_a_slot_for_its_threads_objects_it_is_refused) {
+    const WideText path = CopyAs("ACMESDK");
+    std::vector<DWORD> slots;
+    for (DWORD slot = TlsAlloc(); slot != TLS_OUT_OF_INDEXES; slot = TlsAlloc())
+        slots.push_back(slot);
+    EXPECT_EQ(nullptr, LoadLibraryW(path.c_str()));
+    EXPECT_EQ(1114u, GetLastError());
+    for (const DWORD slot : slots)
+        EXPECT_TRUE(TlsFree(slot));
+}
+
 TEST(Loading, A_thread_that_used_the_library_may_outlive_it) {
     const HMODULE library = LoadLibraryW(CopyAs("ACMESDK").c_str());
     ASSERT_NE(nullptr, library);

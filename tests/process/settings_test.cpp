@@ -82,9 +82,11 @@ TEST_F(Wire, A_time_out_is_announced_once_by_its_95_percent) {
 TEST_F(Wire, Requests_are_the_literal_texts_of_the_device_language) {
     uint8_t byte = 0;
     uint32_t number = 0;
+    uint32_t count = 0;
     kestrel_char text[65];
     const std::string time = "DeviceSettings.System.Time.";
     const std::string ping = "DeviceNetwork.Network.SetPing.";
+    const std::string pinged = "DeviceNetwork.Network.GetPingResult.NumOfPing";
     const std::string security = "DeviceNetwork.WiFiSettings.Mac_Configuration.Security.";
     const std::string search = "DeviceNetwork.WiFiAccessPoints.SearchAccessPoints=YES;";
     const std::string address = "DeviceNetwork.WiFiSettings.TCP_Configuration.Static.IP_Address";
@@ -101,10 +103,18 @@ TEST_F(Wire, Requests_are_the_literal_texts_of_the_device_language) {
          {"DeviceSettings.Fax.UserInfo.Name=a\x1d"s + "b\x1e"s + "c;"}},
         {[] { return SetStaticIPAddress(0x0100A8C0, kLong); }, {address + "#4=\xC0\xA8\x00\x01;"s}},
         {[&] { return GetWirelessSecurityKey(2, text, kLong); }, {security + "Key2?"}},
-        {[] { return CleanHead(1); }, {"Maintenance=004?"}},
+        {[] { return CalibrateHead(); }, {"Maintenance=001?"}},
+        {[] { return PrintTestPage(); }, {"Maintenance=002?"}},
         {[] { return CleanHead(0); }, {"Maintenance=003?"}},
+        {[] { return CleanHead(1); }, {"Maintenance=004?"}},
+        {[] { return CheckNozzle(); }, {"Maintenance=005?"}},
+        {[] { return AlignHead(); }, {"Maintenance=006?"}},
         {[] { return VTOE(); }, {"Maintenance=007?"}},
         {[] { return StartSearchForAccessPoints(kLong); }, {search}},
+        {[&] { return GetNumOfPingExecuted(&count, kLong); }, {pinged + "Executed?"}},
+        {[&] { return GetNumOfPingSuccess(&count, kLong); }, {pinged + "Success?"}},
+        {[&] { return GetCapTOFEdgeOverride(&byte, kLong); },
+         {"DeviceCapabilities.HWConfiguration.TOFEdgeOverrideCapable?"}},
         {[] { return SetPing(0x0100000A, 4, 2, kLong); },
          {ping + "Ip_Addr[0]#4=\x0A\x00\x00\x01;"s + ping + "NumOfPing=4;" + ping + "TimeoutOfPing=2;"}},
         {[] { return SetDeviceTime(2012, 3, 9, 14, 5, kLong); },
@@ -113,6 +123,7 @@ TEST_F(Wire, Requests_are_the_literal_texts_of_the_device_language) {
     };
     monitor_.AnswerTo("Language?", "0000,X=CastilianSpanish;");
     monitor_.AnswerTo("Maintenance", "96,X;");
+    monitor_.AnswerTo("Capable", "0,X=TRUE;");
     for (const auto& [call, requests] : rows) {
         SCOPED_TRACE(requests[0]);
         EXPECT_EQ(kDone, Ended(call()));
@@ -201,6 +212,19 @@ TEST_F(Wire, Texts_are_cut_to_their_buffer_and_empty_when_there_is_none) {
     EXPECT_EQ(WideText(28, TEXT('y')), Text(clock.records));
 }
 
+TEST_F(Wire, A_bad_reply_is_kept_whole_and_cut_to_the_buffer_of_whoever_asks) {
+    const std::string longest = "3400," + std::string(65786, 'y');
+    monitor_.Answer(longest);
+    uint8_t value = 0;
+    EXPECT_EQ(22u, Ended(GetFaxRedials(&value, kLong)));
+    std::vector<kestrel_char> text(70000, TEXT('#'));
+    for (const auto& [capacity, letters] : {std::pair(0u, 70000), {1u, 0}, {2u, 1}, {70000u, 65791}}) {
+        GetLastBadResponse(text.data(), capacity);
+        EXPECT_EQ(letters, std::ranges::find(text, kestrel_char{0}) - text.begin());
+    }
+    GetLastBadResponse(nullptr, 1);
+}
+
 TEST_F(Wire, What_is_wrong_in_the_call_sends_nothing) {
     kestrel_char text[65];
     uint32_t number = 5;
@@ -208,8 +232,10 @@ TEST_F(Wire, What_is_wrong_in_the_call_sends_nothing) {
     EXPECT_EQ(87u, Ended(SetDisplayLanguage(15, kLong)));
     EXPECT_EQ(87u, Ended(GetFaxRedials(nullptr, kLong)));
     EXPECT_EQ(87u, Ended(SetFriendlyName(nullptr, kLong)));
+    EXPECT_EQ(87u, Ended(GetPhotoTrayState(nullptr, kLong)));
     EXPECT_EQ(kDone, Ended(GetPhotoTrayState(&number, kLong)));
     EXPECT_EQ(0u, number);
+    EXPECT_EQ(0u, GetLastError());
     EXPECT_TRUE(Sent().empty());
 }
 

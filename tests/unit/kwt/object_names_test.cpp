@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "kwt/open_security.h"
 #include "sections.h"
 #include "widened.h"
 
@@ -39,4 +40,29 @@ TEST(ObjectNames, The_kind_of_a_module_follows_the_order_of_the_search) {
     EXPECT_EQ(FindModuleKind(TEXT("ZRSDK.DLLMON.DLL")), ModuleKind::LanguageMonitor);
     EXPECT_EQ(FindModuleKind(TEXT("SDK.DLLMON.DLLMUI.EXE")), ModuleKind::StatusMonitor);
     EXPECT_EQ(FindModuleKind(TEXT("zrsdk.dll")), ModuleKind::None);
+}
+
+TEST(ObjectPaths, A_name_for_all_sessions_has_its_prefix_once_and_none_is_cut) {
+    const WideText longest(259, TEXT('n'));
+    struct Row {
+        WideText name;
+        bool global;
+        WideText path;  // empty: it does not fit
+    };
+    const Row rows[] = {{TEXT("Name"), false, TEXT("Name")},
+                        {TEXT("Name"), true, TEXT("Global\\Name")},
+                        {TEXT("glOBAL\\Name"), true, TEXT("glOBAL\\Name")},
+                        {TEXT("Globally"), true, TEXT("Global\\Globally")},
+                        {longest, false, longest},
+                        {longest.substr(6), true, {}}};
+    for (const Row& row : rows) {
+        SetLastError(0);
+        const ObjectPath path(row.name.c_str(), row.global);
+        EXPECT_EQ(!row.path.empty(), path.Fits());
+        if (path.Fits())
+            EXPECT_EQ(path.Get(), row.path);
+        else
+            EXPECT_EQ(206u, GetLastError());
+    }
+    EXPECT_EQ(ObjectPath(nullptr, true).Get(), nullptr);
 }

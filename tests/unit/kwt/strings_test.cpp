@@ -20,7 +20,7 @@ TEST(Strings, A_bounded_copy_is_cut_to_the_size_in_bytes_and_always_terminated) 
         std::array<WCHAR, 8> converted = wide;
         kwt::CopyBoundedWide(wide.data(), TEXT("Photo"), bytes);
         EXPECT_EQ(WideText(wide.data()), expected) << bytes;
-        EXPECT_EQ(wide[bytes / 2], kUntouched) << bytes;
+        EXPECT_EQ(wide[WideText(expected).size() + 1], kUntouched) << bytes;
         kwt::AsciiToWideBuffer(converted.data(), "Photo", bytes);
         EXPECT_EQ(converted, wide) << bytes;
     }
