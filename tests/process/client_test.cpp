@@ -93,6 +93,11 @@ TEST_F(Client, Every_family_of_the_library_has_its_commands) {
     std::ofstream(home_ / "control.json") << R"({"*":{"search.seconds":1,"upgrade.seconds":1}})";
     StartPrinter("[]", {"--control", (home_ / "control.json").string()});
     ExpectAll("Every family");
+    EXPECT_EQ(0, StopMonitor());
+    const std::string asked = monitor_.ReadAll();
+    for (const char* part : {"ShoM  shows the maintenance window \"P\": done",
+                             "SFWU  makes room for a firmware upgrade \"P\": done"})
+        EXPECT_NE(std::string::npos, asked.find(part)) << asked;
 }
 
 }  // namespace

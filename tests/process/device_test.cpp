@@ -44,6 +44,9 @@ TEST_F(Device, Quick_dial_records_are_read_field_by_field_and_cut_to_their_field
     EXPECT_EQ(kDone, Ended(GetQuickDialButton(7, out.records, kLong))) << "the device judges the index";
     EXPECT_EQ(0u, out.records[0].addressType);
     EXPECT_EQ(WideText(TEXT("(null)")), Text(out.records[0].name)) << "copied as it comes";
+    monitor_.Answer("0,X;");
+    EXPECT_EQ(kBadReply, Ended(GetQuickDialButton(7, out.records, kLong)));
+    EXPECT_TRUE(IsZero(out.records[0]));
 }
 
 TEST_F(Device, A_speed_dial_list_stops_at_the_first_record_that_cannot_be_read) {
@@ -78,6 +81,9 @@ TEST_F(Device, A_list_of_destinations_is_one_request_with_its_texts_escaped) {
     list[2].addressType = 77;
     EXPECT_FALSE(SetQuickDialButtons(list.data(), kLong));
     EXPECT_EQ(2u, Sent().size()) << "those before the wrong one";
+    list[2].addressType = 0;
+    EXPECT_EQ(kDone, Ended(SetQuickDialButtons(list.data(), kLong)));
+    EXPECT_EQ(5u, Sent().size());
 }
 
 TEST_F(Device, Access_points_are_read_item_by_item_and_malformed_ones_leave_no_trace) {
@@ -101,8 +107,12 @@ TEST_F(Device, Access_points_are_read_item_by_item_and_malformed_ones_leave_no_t
     EXPECT_EQ(11u, first.channel);
     EXPECT_EQ(0xFFFFFFFFu, first.encryption);
     EXPECT_TRUE(IsZero(out.records[29]));
-    monitor_.Answer("101,A[0].Colour=red;");
-    EXPECT_EQ(kUnexpectedReply, Ended(GetAccessPoints(out.records, kLong)));
+    for (const auto& [wrong, ends] : {std::pair("101,A[0].Colour=red;", kUnexpectedReply),
+                                      {"101,A[30].SSID=x;", kUnexpectedReply},
+                                      {"1999,X;", 170}}) {
+        monitor_.Answer(wrong);
+        EXPECT_EQ(ends, Ended(GetAccessPoints(out.records, kLong))) << wrong;
+    }
 }
 
 TEST_F(Device, Lists_that_are_none_or_name_foreign_records_fail_and_keep_what_was_read) {
@@ -196,11 +206,11 @@ TEST_F(Device, Several_requests_have_the_time_out_of_one) {
     monitor_.AnswerTo("Lagoon", "0,X=0x10;");
     monitor_.AnswerTo("Customer", "0,X=7;");
     monitor_.AnswerTo("Printer", "0,X=ZR 1;");
-    KestrelQuickDial records[KESTREL_ONE_TOUCH_RECORDS];
+    Guarded<KestrelQuickDial, KESTREL_ONE_TOUCH_RECORDS> buttons;
     std::array<uint32_t, 2> numbers = {9, 9};
     Guarded<kestrel_char, 64> out;
     const std::function<kestrel_bool(uint32_t)> calls[] = {
-        [&](uint32_t ms) { return GetQuickDialButtons(records, ms); },
+        [&](uint32_t ms) { return GetQuickDialButtons(buttons.records, ms); },
         [&](uint32_t ms) { return GetVendorProductIDs(&numbers[0], &numbers[1], ms); },
         [&](uint32_t ms) { return SetDeviceTime(2012, 3, 9, 14, 5, ms); },
         [&](uint32_t ms) { return GetFWVersion(&numbers[0], &numbers[1], out.records, ms); },
@@ -209,6 +219,8 @@ TEST_F(Device, Several_requests_have_the_time_out_of_one) {
         EXPECT_EQ(kDone, Ended(call(kLong)));
     EXPECT_EQ((std::array<uint32_t, 2>{16, 7}), numbers);
     EXPECT_EQ(WideText(TEXT("ZR 1")), Text(out.records));
+    for (const KestrelQuickDial& button : buttons.records)
+        EXPECT_EQ(1u, button.addressType);
     // A time-out unlike the last one is announced before each request, so two replies of four come in time.
     uint32_t timeout = 1000;
     monitor_.SetDelay(300);
@@ -216,8 +228,15 @@ TEST_F(Device, Several_requests_have_the_time_out_of_one) {
         EXPECT_FALSE(call(++timeout));
         Sleep(400);  // whatever comes late has come
     }
+    EXPECT_TRUE(IsZero(buttons.records[4]));
     EXPECT_EQ(0u, numbers[1]);
     EXPECT_EQ(0u, out.records[0]);
+    numbers = {9, 9};
+    EXPECT_EQ(1460u, Ended(GetFWVersion(&numbers[0], &numbers[1], out.records, 0)));
+    EXPECT_EQ((std::array<uint32_t, 2>{}), numbers);
+    monitor_.SetDelay(0);
+    monitor_.AnswerTo("Customer", "0,X;");
+    EXPECT_EQ(kBadReply, Ended(calls[3](kLong))) << "each of them must be answered";
 }
 
 TEST_F(Device, Capabilities_are_read_as_they_are_told) {
@@ -294,6 +313,7 @@ TEST_F(Device, An_upgrade_is_tried_where_it_can_be_done_and_judged_by_its_respon
 
 TEST_F(Device, Lock_and_unlock_follow_the_response_number) {
     const auto lock = [] { return Lock(kLong); };
+    const auto unlock = [] { return Unlock(kLong); };
     const auto select = [] { return SelectPrinter(kPrinter); };
     const auto asked = "UnlockPrinter?"s;
     const std::tuple<std::function<kestrel_bool()>, const char*, uint32_t, Requests> rows[] = {
@@ -302,11 +322,15 @@ TEST_F(Device, Lock_and_unlock_follow_the_response_number) {
         {[] { return EnableCache(1); }, "101,X;", kDone, {"ZRCache=TRUE;"}},
         {[] { return Unlock(1200); }, "101,X;", 1460, {asked, asked, asked}},  // unlocked all the same
         {select, "", kDone, {}},
-        {[] { return Unlock(kLong); }, "3,X;", kDone, {asked}},
+        {unlock, "3,X;", kDone, {asked}},
         {lock, "3,X;", kUnexpectedReply, {"LockPrinter?"}},
         {[] { return EnableCache(0); }, "3,X;", 0, {"ZRCache=FALSE;"}},
         {lock, "X;", kBadReply, {"LockPrinter?"}},
         {[] { return Cancel(); }, "X;", kDone, {"ZRCancel?"}},
+        {unlock, "1999,X;", 170, {asked}},
+        {lock, "2,X;", kDone, {"LockPrinter?"}},
+        {unlock, "1999,X;", 170, {asked, "ZRCancel?"}},  // what holds it may be a job of this thread
+        {[] { return EnableCache(1); }, "1999,X;", 170, {"ZRCache=TRUE;"}},
     };
     for (const auto& [call, reply, ends, requests] : rows) {
         SCOPED_TRACE(testing::PrintToString(requests) + " answered " + reply);
@@ -314,6 +338,9 @@ TEST_F(Device, Lock_and_unlock_follow_the_response_number) {
         EXPECT_EQ(ends, Ended(call()));
         EXPECT_EQ(requests, Sent());
     }
+    monitor_.Answer("X;");
+    EXPECT_FALSE(EnableCache(1));
+    EXPECT_EQ(0u, GetLastResponseNum());
 }
 
 }  // namespace

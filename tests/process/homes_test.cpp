@@ -44,4 +44,16 @@ TEST_F(FirstInAHome, Its_log_locks_no_account_out_of_a_home_that_they_share) {
     EXPECT_FALSE(fs::exists(fresh_ / "victim"));
 }
 
+TEST_F(InstalledStatusMonitor, Started_by_the_library_has_the_environment_of_its_account) {
+    fs::remove(program_);
+    std::ofstream(program_) << "#!/bin/sh\necho \"$USER,$PROBE,\" >'" << (home_ / "told").string() << "'\n";
+    fs::permissions(program_, fs::perms(0700));
+    setenv("USER", "nobody", 1);
+    setenv("PROBE", "the caller's", 1);
+    WithPrinter([] { EXPECT_EQ(1460u, Ended(ShowStatusMonitor())); });
+    const std::string told = FileText(home_ / "told");
+    EXPECT_TRUE(told.ends_with(",,\n") && !told.starts_with("nobody")) << told;
+    fs::remove(program_);
+}
+
 }  // namespace

@@ -63,6 +63,10 @@ TEST_F(Installing, A_network_port_is_named_for_its_address_and_added) {
         {TEXT(""), TEXT("192.168.0.20"), TEXT("ZRIJT_192.168.0.20")},
         {TEXT(""), TEXT("printer.example"), TEXT("printer.example")},
         {TEXT("Office port"), TEXT("192.168.0.21"), TEXT("Office port")},
+        {TEXT(""), TEXT("\t 1.+2.\r-3.4x"), TEXT("ZRIJT_\t 1.+2.\r-3.4x")},
+        {TEXT(""), TEXT("1.2.3"), TEXT("1.2.3")},
+        {TEXT(""), TEXT("1.2,3.4"), TEXT("1.2,3.4")},
+        {WideText(63, 'p'), WideText(48, 'h'), WideText(63, 'p')},
     };
     for (const auto& [wanted, host, name] : rows) {
         kestrel_char port[64] = {};
@@ -78,8 +82,15 @@ TEST_F(Installing, A_network_port_is_named_for_its_address_and_added) {
 TEST_F(Installing, Driver_printer_and_default_printer_are_asked_of_the_system) {
     const WideText inf = Widened(Write("with blank.inf", inf_));
     const WCHAR* const model = TEXT("Model 32");
+    const HCURSOR arrow = LoadCursorW(nullptr, IDC_ARROW);
+    SetCursor(arrow);
+    MSG message;
+    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+    PostThreadMessageW(GetCurrentThreadId(), 1024, 0, 0);
     EXPECT_TRUE(AddDriverFiles(inf.c_str(), model)) << GetLastError();
     EXPECT_EQ("Model_32", DriverText(model, TEXT("Driver")));
+    EXPECT_FALSE(PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) << "the wait dispatches messages";
+    EXPECT_EQ(arrow, SetCursor(arrow)) << "given back";
     for (const auto& [name, port, isDefault] :
          {std::tuple(TEXT("Home"), TEXT("LPT1:"), false), {TEXT("Office"), TEXT("LPT2:"), true}}) {
         EXPECT_TRUE(AddDriverInstance(name, inf.c_str(), model, port, isDefault));
@@ -93,6 +104,27 @@ TEST_F(Installing, Driver_printer_and_default_printer_are_asked_of_the_system) {
             EXPECT_EQ(size, std::size(L"Office"));
         }
     }
+}
+
+TEST_F(Installing, What_is_missing_or_too_long_has_its_code) {
+    const WideText file = Widened(Write("a.inf", inf_));
+    const WCHAR* const inf = file.c_str();
+    const WCHAR* const text = TEXT("x");
+    WCHAR port[64] = {};
+    const std::pair<uint32_t, std::function<kestrel_bool()>> rows[] = {
+        {87, [&] { return AddNetPort(nullptr, 1, port); }},
+        {87, [&] { return AddNetPort(text, 1, nullptr); }},
+        {87, [&] { return AddNetPort(WideText(49, 'h').c_str(), 1, port); }},
+        {87, [&] { return AddNetPort(text, 1, WideText(64, 'p').data()); }},
+        {87, [&] { return AddDriverFiles(nullptr, text); }},
+        {87, [&] { return AddDriverFiles(inf, TEXT("")); }},
+        {2, [&] { return AddDriverFiles(text, text); }},
+        {1801, [&] { return AddDriverInstance(TEXT(""), inf, text, text, 0); }},
+        {87, [&] { return AddDriverInstance(text, inf, text, nullptr, 0); }},
+        {2, [&] { return AddDriverInstance(text, text, text, text, 0); }},
+    };
+    for (const auto& [error, call] : rows)
+        EXPECT_EQ(error, Ended(call()));
 }
 
 TEST_F(Installing, A_driver_is_taken_from_every_encoding_and_from_shared_sections) {

@@ -1,4 +1,6 @@
 // Exchanges that the library keeps, the virtual printer that answers from them, and their page.
+#include <regex>
+
 #include "installed_printer.h"
 #include "shared/exchange_log.h"
 
@@ -68,11 +70,35 @@ TEST_F(Record, Secrets_are_left_out_unless_asked_for_and_failures_are_events) {
     EXPECT_EQ(0, Recorded("s.jsonl", {"set", "wireless.pass-phrase", "open sesame"}, {"--secrets"}).code);
     EXPECT_EQ(std::string::npos, FileText(Path("r.jsonl")).find("open sesame"));
     EXPECT_NE(std::string::npos, FileText(Path("s.jsonl")).find("PassPhrase=open sesame;"));
+    EXPECT_EQ(
+        0u,
+        FileText(Path("r.jsonl")).rfind(R"({"format":"kestrel-record","version":1,"secrets":"left out"})"));
+    EXPECT_TRUE(Log("s.jsonl").hasSecrets);
     const tools::LoggedExchange last = Log("r.jsonl").exchanges.back();
     EXPECT_EQ(kNoReply, last.error);
     EXPECT_FALSE(last.reply);
     EXPECT_LT(200, last.ms);
     EXPECT_EQ(2, RunClient({"record", Path("r.jsonl"), "--", "no-such-program"}).code);
+}
+
+TEST_F(Record, A_line_says_when_who_asked_what_and_how_it_ended) {
+    using namespace std::chrono;
+    AddPrinter("Q", "USB 2");
+    const auto before = floor<milliseconds>(system_clock::now());
+    RunClient({"record", Path("q.jsonl"), "--", KESTREL_CLIENT, "-p", "Q", "--timeout", "50ms", "get",
+               "fax.rings"});
+    static const std::regex kPing(
+        R"re(.*\n\{"time":"(\d{4})-(\d\d)-(\d\d)T(\d\d):(\d\d):(\d\d)\.(\d{3})Z","client":\d+,)re"
+        R"re("printer":"USB 2","timeoutMs":1000,"request":"ZRPing\?",)re"
+        R"re("ms":\d{4}\.\d{3},"error":3758096386\}\n.*\n)re");
+    const std::string text = FileText(Path("q.jsonl"));
+    std::smatch parts;
+    ASSERT_TRUE(std::regex_match(text, parts, kPing)) << text;
+    const auto number = [&](size_t i) { return std::stoi(parts[i]); };
+    const auto time = sys_days(year(number(1)) / number(2) / number(3)) + hours(number(4)) +
+                      minutes(number(5)) + seconds(number(6)) + milliseconds(number(7));
+    EXPECT_LE(before, time);
+    EXPECT_LE(time, system_clock::now());
 }
 
 TEST_F(Record, Programs_may_share_a_file_and_its_page_has_all_of_them) {

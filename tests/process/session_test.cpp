@@ -1,5 +1,7 @@
 // Selection and raw exchanges, with printers that do not do what they should.
 #include "installed_printer.h"
+// The spooler's header needs the one above.
+#include <winspool.h>
 
 namespace {
 
@@ -47,13 +49,29 @@ TEST_F(Selection, No_name_takes_the_last_printer_of_the_product_and_holds_for_it
     StartPrinter();
     AddPrinter("A", "USB009");
     OnFreshThread([] {
-        EXPECT_EQ(kDone, Ended(SelectPrinter(nullptr)));
+        for (const kestrel_char* const none : {TEXT(""), static_cast<const kestrel_char*>(nullptr)})
+            EXPECT_EQ(kDone, Ended(SelectPrinter(none)));
         EXPECT_EQ(kDone, EndedGet(kLong)) << "not the one that answers";
         OnFreshThread([] {
             EXPECT_EQ(100000u, GetLastResponseNum());
             EXPECT_EQ(0xE0000001u, EndedGet(kShort));
         });
     });
+}
+
+TEST_F(Selection, The_first_one_of_a_thread_wakes_the_language_monitor) {
+    WideText printer = kPrinter;
+    WideText value = TEXT("WakeUpLangMon");
+    PRINTER_DEFAULTSW access = {nullptr, nullptr, PRINTER_ALL_ACCESS};
+    HANDLE handle = nullptr;
+    ASSERT_TRUE(OpenPrinterW(printer.data(), &handle, &access));
+    BYTE byte = 1;
+    DWORD size = 0;
+    EXPECT_EQ(0u, SetPrinterDataW(handle, value.data(), REG_BINARY, &byte, 1));
+    WithPrinter([] {});
+    EXPECT_EQ(2u, GetPrinterDataW(handle, value.data(), nullptr, &byte, 1, &size))
+        << "the request is taken back";
+    ClosePrinter(handle);
 }
 
 TEST_F(Selection, A_configuration_that_is_missing_empty_or_half_written_fails_it) {
@@ -83,8 +101,9 @@ TEST_F(Exchange, A_raw_command_comes_back_judged) {
         const std::string request = "DeviceSettings.Fax.Redials?";
         EXPECT_EQ(kDone, send(request, reply, sizeof(reply), &length));
         EXPECT_EQ("0000,DeviceSettings.Fax.Redials=3;", std::string(reply, length));
+        reply[4] = '#';
         EXPECT_EQ(kDone, send(request, reply, 4, &length));
-        EXPECT_EQ(4u, length);
+        EXPECT_EQ("0000#", std::string(reply, length + 1));
         EXPECT_EQ(kDone, send(request, nullptr, 0, &length));
         EXPECT_EQ(0u, length);
         EXPECT_EQ(kDone, send(request, reply, sizeof(reply), nullptr));

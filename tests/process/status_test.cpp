@@ -41,6 +41,7 @@ TEST_F(Status, Comes_from_the_language_monitor_once_the_status_monitor_is_starte
         EXPECT_EQ(5u, out.records[0].state);
         EXPECT_EQ(1051 % 251, reinterpret_cast<const uint8_t*>(out.records)[1051]);
         EXPECT_EQ(87u, Ended(GetStatus(out.records, 1051)));
+        EXPECT_EQ(kDone, Ended(ShowAboutBox())) << "no answer is left from before";
     });
     EXPECT_EQ(1u, Count(Log(), "Ping")) << Log();
     EXPECT_EQ(1u, Count(Log(), "UpSt")) << Log();
@@ -83,6 +84,17 @@ TEST_F(Status, A_reply_without_a_block_fails_eight_times_and_clears_the_record) 
     });
 }
 
+TEST_F(Status, One_that_stays_unknown_is_delivered_with_the_eighth_answer) {
+    StartMonitor();
+    StartPrinter(R"([{"match":"ZRGetStatus?","times":7,"garbage":"?"},{"match":"ZRGetStatus?",
+        "garbage":"hex:30 2C 58 23 31 32 3D 00 00 00 00 00 00 00 00 A0 86 01 00 3B"}])");
+    WithPrinter([] {
+        Guarded<DeviceStatusRecord, 1> out;
+        EXPECT_EQ(kDone, Ended(GetStatus(out.records, sizeof(out.records))));
+        EXPECT_EQ(kNotKnownYet, out.records[0].state);
+    });
+}
+
 using Windows = Status;
 
 TEST_F(Windows, Open_on_a_status_monitor_that_answers_and_fail_by_reason_on_others) {
@@ -117,6 +129,18 @@ TEST_F(Windows, A_status_monitor_that_is_not_there_fails_them) {
         std::filesystem::remove(program_);
         EXPECT_EQ(1460u, Ended(ShowStatusMonitor()));
     });
+}
+
+TEST_F(Windows, Leave_the_start_of_a_status_monitor_to_the_process_that_is_at_it) {
+    RecordingMonitor language;
+    const HANDLE starting = CreateMutexW(nullptr, TRUE, TEXT("ZRIJ9900StatMonClass-01042005SMStartingMutex"));
+    WithPrinter([] { EXPECT_EQ(1460u, Ended(ShowStatusMonitor())); });
+    EXPECT_EQ(3, StopMonitor()) << "another one was started";
+    ReleaseMutex(starting);
+    CloseHandle(starting);
+    std::filesystem::remove(program_);
+    DeviceStatusRecord record;
+    WithPrinter([&] { EXPECT_EQ(6u, Ended(GetStatus(&record, sizeof(record)))) << "no program"; });
 }
 
 TEST_F(Windows, Wanted_by_several_processes_at_once_start_one_status_monitor) {

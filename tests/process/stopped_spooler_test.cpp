@@ -1,5 +1,6 @@
 // A spooler that is down: on winport a value in the registry stops it.
 #include "installed_status_monitor.h"
+#include "recording_monitor.h"
 
 namespace {
 
@@ -20,11 +21,15 @@ class StoppedSpooler : public InstalledStatusMonitor {
 
 TEST_F(StoppedSpooler, Starts_no_status_monitor_and_says_why) {
     Configure();
+    RecordingMonitor language;
     WithPrinter([] {
-        for (const auto& [stopped, error] : {std::pair(1u, 1722u), {1727u, 1727u}}) {
+        for (const auto& [stopped, error] : {std::pair(1u, 1722u), {1727u, 1727u}, {5u, 5u}}) {
             Stop(stopped);
             DeviceStatusRecord record;
             EXPECT_EQ(error, Ended(GetStatus(&record, sizeof(record))));
+            EXPECT_EQ(100000u, GetLastResponseNum()) << "what was before is forgotten";
+            kestrel_char port[64] = {};
+            EXPECT_EQ(error, Ended(AddNetPort(TEXT("host"), 9100, port)));
             EXPECT_EQ(1460u, Ended(ShowStatusMonitor())) << "the ping decides";
             Stop(0);
         }

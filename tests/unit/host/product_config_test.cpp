@@ -38,6 +38,7 @@ constexpr Line kCompleteFile[] = {
     {"Printers", "ZR One", true},
     {"Network Printers", "ZR Net=x", true},
     {"L-Path Printers", "ZR L", false},
+    {"L-Path Printers", "ZR M", false},
     {"C-Path Printers", "ZR C", false},
     {"Display Icons", "ZR One= -12abc", false},
     {"Printer Maintenance", "ZR One=1,2,3", false},
@@ -115,6 +116,7 @@ TEST_F(ProductConfig, Each_list_answers_for_its_own_section_letter_for_letter) {
     EXPECT_TRUE(config_->IsNetworkPrinterDriver(TEXT("ZR Net=x")));
     EXPECT_FALSE(config_->IsNetworkPrinterDriver(TEXT("ZR Net")));
     EXPECT_TRUE(config_->IsLPathPrinter(TEXT("ZR L")));
+    EXPECT_TRUE(config_->IsLPathPrinter(TEXT("ZR M")));
     EXPECT_TRUE(config_->IsCPathPrinter(TEXT("ZR C")));
     EXPECT_FALSE(config_->IsCPathPrinter(TEXT("ZR L")));
 }
@@ -173,7 +175,7 @@ TEST(ProductConfigValues,
     constexpr std::pair<const WCHAR*, std::array<int32_t, 8>> kCases[] = {
         {TEXT("1,2,3"), {1, 2, 60, 90, 290, 330, 35, 3}},
         {TEXT("0,20000,50,x,5,6,7,8,9"), {40, 70, 50, 90, 5, 6, 7, 8}},
-        {TEXT("77"), {40, 70, 60, 90, 290, 330, 35, 77}},
+        {TEXT("79"), {40, 70, 60, 90, 290, 330, 35, 79}},
         {TEXT(",,,,,,,10000"), {40, 70, 60, 90, 290, 330, 35, 10000}},
         {TEXT("1,10001"), {1, 70, 60, 90, 290, 330, 35, 55}},
         {TEXT("-1, 2 ,+3,"), {40, 2, 3, 90, 290, 330, 35, 55}},

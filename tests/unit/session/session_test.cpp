@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "kestrel/sdk_errors.h"
@@ -71,6 +72,8 @@ TEST(Session, Without_a_printer_a_request_fails_and_forgets_the_last_bad_reply) 
     EXPECT_FALSE(sdk->Query("A?", text, 100));
     EXPECT_EQ(GetLastError(), SDK_ERROR_CHANNEL_NOT_OPEN);
     EXPECT_EQ(text, "");
-    EXPECT_FALSE(sdk->SendCmd(nullptr, 1, nullptr, 0, nullptr, 100));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+    for (const auto& [size, error] : {std::pair(1u, 87u), {0u, SDK_ERROR_CHANNEL_NOT_OPEN}}) {
+        EXPECT_FALSE(sdk->SendCmd(nullptr, size, nullptr, 0, nullptr, 100));
+        EXPECT_EQ(GetLastError(), error);
+    }
 }

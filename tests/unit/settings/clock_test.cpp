@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <string>
 #include <utility>
 
@@ -56,6 +57,7 @@ TEST(ClockText, Holds_the_computer_the_time_and_the_zone) {
         {{summer, 120, kObserved}, "0123456789ABCDEF1782EA300078"},
         {{summer, 120, kNotObserved}, "0123456789ABCDEF1782F8400078"},
         {{summer, -300, kNotObserved}, "0123456789ABCDEF1782F840112C"},
+        {{summer, 0, kNotObserved}, "0123456789ABCDEF1782F8400000"},
         {{{2000, 1, 1, 6, 0, 0, 0}, -1, kObserved}, "0123456789ABCDEF000000001001"},
     };
     std::string text;
@@ -64,6 +66,17 @@ TEST(ClockText, Holds_the_computer_the_time_and_the_zone) {
         EXPECT_EQ(expected, text);
     }
     EXPECT_FALSE(FormatClockText(1, {{2137, 1, 1, 2, 0, 0, 0}, 0, kNotObserved}, text));
+}
+
+TEST(HostClock, Knows_whether_its_zone_has_a_daylight_saving_time_at_all) {
+    char observing[] = "TZ=EST5EDT";
+    char never[] = "TZ=JST-9";
+    for (const auto& [zone, observes] : {std::pair(observing, kObserved), {never, kNotObserved}}) {
+        putenv(zone);
+        HostClock clock = {};
+        EXPECT_TRUE(ReadHostClock(clock));
+        EXPECT_EQ(clock.observesDaylightSaving, observes) << zone;
+    }
 }
 
 }  // namespace
