@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
@@ -34,6 +35,16 @@ uint32_t CallNumber(HMODULE library, const char* name) {
     return reinterpret_cast<uint32_t (*)()>(function)();
 }
 
+// Each thread's object has the channel to the status monitor open.
+const WideText kChannel = TEXT("Global\\ACMEStatMonClass-01042005RemoteControlChannel");
+
+bool AnyObjectLives() {
+    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, (kChannel + TEXT("ServerIdleEvent")).c_str());
+    const bool existed = GetLastError() == ERROR_ALREADY_EXISTS;
+    CloseHandle(event);
+    return existed;
+}
+
 TEST(Loading, Only_a_product_loads_under_its_name_and_is_gone_when_freed) {
     for (const auto& [stem, isProduct] : {std::pair("foo", false),
                                           {"SDK", false},
@@ -62,15 +73,26 @@ TEST(Loading, Only_a_product_loads_under_its_name_and_is_gone_when_freed) {
     EXPECT_EQ(126u, GetLastError());
 }
 
-TEST(Loading, Without_a_slot_for_its_threads_objects_it_is_refused) {
+TEST(Loading, It_needs_a_slot_for_the_objects_of_its_threads_and_gives_it_back) {
+    const WideText foreign = CopyAs("foo");
     const WideText path = CopyAs("ACMESDK");
-    std::vector<DWORD> slots;
-    for (DWORD slot = TlsAlloc(); slot != TLS_OUT_OF_INDEXES; slot = TlsAlloc())
-        slots.push_back(slot);
-    EXPECT_EQ(nullptr, LoadLibraryW(path.c_str()));
-    EXPECT_EQ(1114u, GetLastError());
-    for (const DWORD slot : slots)
-        EXPECT_TRUE(TlsFree(slot));
+    std::array<std::vector<DWORD>, 2> taken;
+    for (std::vector<DWORD>& slots : taken) {
+        for (DWORD slot = TlsAlloc(); slot != TLS_OUT_OF_INDEXES; slot = TlsAlloc())
+            slots.push_back(slot);
+        EXPECT_EQ(nullptr, LoadLibraryW(path.c_str()));
+        EXPECT_EQ(1114u, GetLastError());
+        for (const DWORD slot : slots)
+            EXPECT_TRUE(TlsFree(slot));
+        LoadLibraryW(foreign.c_str());
+        const HMODULE library = LoadLibraryW(path.c_str());
+        ASSERT_NE(nullptr, library);
+        CallNumber(library, "GetLastResponseNum");
+        EXPECT_TRUE(AnyObjectLives());
+        EXPECT_TRUE(FreeLibrary(library));
+        EXPECT_FALSE(AnyObjectLives()) << "this thread's goes with the library";
+    }
+    EXPECT_EQ(taken[0].size(), taken[1].size());
 }
 
 TEST(Loading, A_thread_that_used_the_library_may_outlive_it) {
@@ -89,33 +111,25 @@ TEST(Loading, A_thread_that_used_the_library_may_outlive_it) {
     survivor.join();
 }
 
-// The threads know nothing of the library but one function; another program keeps the transaction of the
-// channel to the status monitor, which each thread's object has open. What would wait for it in a thread's
-// end would hold up the loader.
+// The threads know nothing of the library but one function; another program keeps the transaction of their
+// channel. What would wait for it in a thread's end would hold up the loader.
 TEST(Loading, A_thousand_threads_take_their_objects_along_and_wait_for_nobody) {
     const HMODULE library = LoadLibraryW(CopyAs("ACMESDK").c_str());
     ASSERT_NE(nullptr, library);
-    const WideText channel = TEXT("Global\\ACMEStatMonClass-01042005RemoteControlChannel");
-    const auto anyObjectLives = [&] {
-        const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, (channel + TEXT("ServerIdleEvent")).c_str());
-        const bool existed = GetLastError() == ERROR_ALREADY_EXISTS;
-        CloseHandle(event);
-        return existed;
-    };
-    const HANDLE transaction = CreateMutexW(nullptr, TRUE, (channel + TEXT("TransactionMutex")).c_str());
+    const HANDLE transaction = CreateMutexW(nullptr, TRUE, (kChannel + TEXT("TransactionMutex")).c_str());
     std::atomic<int> objects = 0;
     for (int round = 0; round < 125; ++round) {
         std::vector<std::thread> threads(8);
         for (std::thread& thread : threads)
             thread = std::thread([&] {
                 CallNumber(library, "GetLastResponseNum");
-                if (anyObjectLives()) ++objects;
+                if (AnyObjectLives()) ++objects;
             });
         const auto start = std::chrono::steady_clock::now();
         for (std::thread& thread : threads)
             thread.join();
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
-        ASSERT_FALSE(anyObjectLives()) << "an object outlived its thread, round " << round;
+        ASSERT_FALSE(AnyObjectLives()) << "an object outlived its thread, round " << round;
     }
     EXPECT_EQ(1000, objects);
     EXPECT_TRUE(FreeLibrary(library));

@@ -1,5 +1,6 @@
 // A spooler that is down: on winport a value in the registry stops it.
 #include "installed_status_monitor.h"
+#include "kwt/printer_handle.h"
 #include "recording_monitor.h"
 
 namespace {
@@ -44,6 +45,20 @@ TEST_F(StoppedSpooler, Selects_no_printer_until_it_runs_again) {
         Stop(0);
         EXPECT_EQ(kDone, Ended(SelectPrinter(kPrinter)));
     });
+}
+
+TEST_F(StoppedSpooler, That_runs_wakes_a_language_monitor_whose_last_answer_is_forgotten) {
+    WideText name = TEXT("WakeUpLangMon");
+    PRINTER_DEFAULTSW defaults{nullptr, nullptr, PRINTER_ALL_ACCESS};
+    HANDLE printer = nullptr;
+    ASSERT_TRUE(OpenPrinterW(WideText(kPrinter).data(), &printer, &defaults));
+    BYTE answer = 1;
+    EXPECT_EQ(0u, SetPrinterDataW(printer, name.data(), REG_BINARY, &answer, sizeof(answer)));
+    EXPECT_FALSE(kwt::WakeUpLanguageMonitor(kPrinter)) << "nobody answers";
+    DWORD type = 0;
+    DWORD needed = 0;
+    EXPECT_EQ(2u, GetPrinterDataW(printer, name.data(), &type, &answer, sizeof(answer), &needed));
+    ClosePrinter(printer);
 }
 
 }  // namespace

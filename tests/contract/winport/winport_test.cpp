@@ -317,7 +317,8 @@ TEST(Handles, Of_keys_or_printers_are_four_million_at_most_and_a_closed_one_make
     winport::SlotTable<char> table(1);
     std::uint64_t last = 0;
     for (int i = 0; i < 1 << 22; ++i)
-        ASSERT_NE(last = table.Add('x'), 0u);
+        last = table.Add('x');
+    ASSERT_NE(last, 0u);
     EXPECT_EQ(table.Add('x'), 0u);
     EXPECT_TRUE(table.Remove(last));
     EXPECT_NE(table.Add('x'), 0u);
