@@ -1,5 +1,7 @@
 // Names and handles of kernel objects. What plain calls give, one after the other, is in the random traces.
 #include <cstdint>
+#include <cstring>
+#include <vector>
 
 #include "handle_support.h"
 
@@ -32,8 +34,11 @@ TEST(Objects, Odd_characters_and_long_names_name_objects) {
         ASSERT_TRUE(first);
         const Handle again = AutoEvent(name);
         EXPECT_EQ(183u, GetLastError());
-        const Handle other = AutoEvent(name + TEXT("x"));
-        EXPECT_EQ(0u, GetLastError());
+        std::vector<Handle> others;
+        for (const WCHAR* ending : {TEXT("x"), TEXT("\u00E8"), TEXT("\u00E9")}) {
+            others.push_back(AutoEvent(name + ending));
+            EXPECT_EQ(0u, GetLastError());
+        }
     }
 }
 
@@ -96,6 +101,7 @@ TEST(Sections, A_view_counts_in_whole_pages_and_keeps_the_first_size) {
     MEMORY_BASIC_INFORMATION info;
     ASSERT_EQ(sizeof(info), VirtualQuery(view, &info, sizeof(info)));
     EXPECT_EQ(69632u, info.RegionSize);
+    EXPECT_EQ(ERROR_BAD_LENGTH, ErrorOf([&] { return VirtualQuery(view, &info, sizeof(info) - 1); }));
     auto* bytes = static_cast<char*>(view);
     EXPECT_FALSE(UnmapViewOfFile(bytes + 69632));
     EXPECT_EQ(487u, GetLastError());
@@ -133,6 +139,13 @@ TEST(Sections, A_view_keeps_the_memory_but_not_the_name) {
     EXPECT_TRUE(UnmapViewOfFile(kept));
     EXPECT_FALSE(UnmapViewOfFile(kept));
     EXPECT_EQ(487u, GetLastError());
+}
+
+TEST(Objects, A_security_descriptor_begins_empty) {
+    SECURITY_DESCRIPTOR descriptor;
+    std::memset(&descriptor, 0xFF, sizeof descriptor);
+    ASSERT_TRUE(InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION));
+    EXPECT_EQ(0, descriptor.Sbz1 | descriptor.Control);
 }
 
 TEST(Sections, An_empty_section_is_refused_with_87) {

@@ -26,8 +26,12 @@ TEST(Modules, What_is_no_module_has_no_name_and_no_functions) {
         EXPECT_EQ(ErrorOf([&] { return GetProcAddress(module, "GetTickCount"); }), ERROR_MOD_NOT_FOUND);
         EXPECT_EQ(ErrorOf([&] { return FreeLibrary(module); }), ERROR_MOD_NOT_FOUND);
     }
-    WCHAR name[1];
-    EXPECT_EQ(ErrorOf([&] { return GetModuleFileNameW(nullptr, name, 0); }), ERROR_INSUFFICIENT_BUFFER);
+    WCHAR name[2];
+    for (const DWORD capacity : {0u, 2u}) {
+        SetLastError(0);
+        EXPECT_EQ(GetModuleFileNameW(nullptr, name, capacity), capacity);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
+    }
     EXPECT_NE(GetModuleHandleW(TEXT("ADVAPI32.DLL")), nullptr);
     const HMODULE system = GetModuleHandleW(TEXT("kernel32.dll"));
     for (int uses = 0; uses < 2; ++uses)

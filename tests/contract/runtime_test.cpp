@@ -74,7 +74,5 @@ TEST(Clock, Calendar_times_without_a_zone_are_seconds_since_1970) {
     EXPECT_EQ(_localtime64_s(&early, &before), EINVAL);
     EXPECT_EQ(errno, EINVAL);
     EXPECT_EQ(early.tm_mday, -1);
-    const __time64_t late3000 = 32'535'216'000;
-    EXPECT_EQ(_localtime64_s(&early, &late3000), EINVAL);
     EXPECT_GT(_time64(nullptr), kNoon);
 }

@@ -216,15 +216,20 @@ TEST(Waits, What_is_given_back_was_not_taken) {
             WaitForSingleObject(event.Get(), 0);
         }
     });
-    const HANDLE both[] = {mutex.Get(), event.Get()};
-    for (int taken = 0, looks = 0; taken < 50 && looks < 20'000; ++looks) {
-        const DWORD result = WaitForMultipleObjects(2, both, TRUE, 0);
+    const Handle kept = AutoEvent();
+    SetEvent(kept.Get());
+    const HANDLE all[] = {mutex.Get(), kept.Get(), event.Get()};
+    const Clock::time_point enough = Clock::now() + milliseconds(100);
+    for (int taken = 0, looks = 0; (taken < 50 || Clock::now() < enough) && looks < 20'000; ++looks) {
+        const DWORD result = WaitForMultipleObjects(3, all, TRUE, 0);
         if (result == WAIT_TIMEOUT) continue;
         ASSERT_EQ(WAIT_ABANDONED, result) << looks;
         ++taken;
+        SetEvent(kept.Get());
         ReleaseMutex(mutex.Get());
         abandon();
     }
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(kept.Get(), 0));
 }
 
 TEST(Waits, Odd_arguments_are_refused_with_87) {
@@ -237,11 +242,20 @@ TEST(Waits, Odd_arguments_are_refused_with_87) {
 }
 
 TEST(Waits, Closing_a_handle_while_another_thread_waits_is_safe) {
-    HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-    std::thread waiter([&] { WaitForSingleObject(event, 100); });
-    Sleep(30);
-    EXPECT_TRUE(CloseHandle(event));
-    waiter.join();
+    // While it looks, and once it sleeps.
+    for (int round = 0; round < 100; ++round) {
+        HANDLE event = CreateEventW(nullptr, FALSE, FALSE, FreshName().c_str());
+        std::atomic<bool> begun{false};
+        std::thread waiter([&] {
+            begun = true;
+            WaitForSingleObject(event, round == 0 ? 100 : 1);
+        });
+        while (!begun)
+            std::this_thread::yield();
+        if (round == 0) Sleep(30);
+        EXPECT_TRUE(CloseHandle(event));
+        waiter.join();
+    }
 }
 
 TEST(Waits, Leave_the_last_error_value_alone) {
@@ -273,7 +287,13 @@ TEST(CriticalSections, Keep_threads_apart_and_count_levels) {
     EXPECT_EQ(20000, counted);
     EnterCriticalSection(&section);
     RunOnThread([&] { EXPECT_FALSE(TryEnterCriticalSection(&section)); });
+    auto sleepers = OnThreads(2, [&] {
+        EnterCriticalSection(&section);
+        LeaveCriticalSection(&section);
+    });
+    Sleep(50);
     LeaveCriticalSection(&section);
+    sleepers.clear();
     DeleteCriticalSection(&section);
 }
 
@@ -287,6 +307,20 @@ TEST(ThreadLocalSlots, Belong_to_one_thread_and_begin_empty) {
     EXPECT_EQ(&mine, TlsGetValue(index));
     EXPECT_EQ(0u, GetLastError());
     EXPECT_TRUE(TlsFree(index));
+}
+
+TEST(ThreadLocalSlots, Have_one_owner_at_a_time) {
+    std::vector<std::atomic<bool>> owned(1088);
+    std::atomic<int> twice{0};
+    OnThreads(2, [&] {
+        for (int i = 0; i < 20'000; ++i) {
+            const DWORD index = TlsAlloc();
+            twice += owned.at(index).exchange(true);
+            owned[index] = false;
+            TlsFree(index);
+        }
+    });
+    EXPECT_EQ(0, twice);
 }
 
 }  // namespace

@@ -13,7 +13,8 @@ constexpr int NotAsked = -1;
 constexpr int None = 0;
 
 inline int awake = NotAsked;
-inline unsigned char* reached = nullptr;  // a byte for each fault, in a file that all processes of a test share
+inline unsigned char* reached =
+    nullptr;  // a byte for each fault, in a file that all processes of a test share
 
 inline void Ask() {
     const char* number = getenv("KESTREL_FAULT");
@@ -21,7 +22,8 @@ inline void Ask() {
     const int descriptor = file == nullptr ? -1 : open(file, O_RDWR | O_CLOEXEC);
     struct stat status {};
     if (descriptor >= 0 && fstat(descriptor, &status) == 0) {
-        void* bytes = mmap(nullptr, static_cast<size_t>(status.st_size), PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
+        void* bytes = mmap(nullptr, static_cast<size_t>(status.st_size), PROT_READ | PROT_WRITE, MAP_SHARED,
+                           descriptor, 0);
         if (bytes != MAP_FAILED) reached = static_cast<unsigned char*>(bytes);
     }
     if (descriptor >= 0) close(descriptor);

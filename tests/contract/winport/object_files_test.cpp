@@ -1,7 +1,11 @@
 // What lies in the object folder is not always what winport put there.
+#include <pthread.h>
+
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
+#include <thread>
 #include <vector>
 
 #include "forked.h"
@@ -39,6 +43,7 @@ TEST(Object_files, What_a_dead_process_left_is_replaced_whatever_it_is) {
 TEST(Object_files, A_planted_link_a_folder_and_a_loose_mode_are_refused_with_5_and_left_alone) {
     const fs::path target = KernelFolder() / "target";
     std::ofstream(target) << "untouched";
+    fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write);
     fs::create_symlink(target, FileOf("Link"));
     fs::create_directory(FileOf("Folder"));
     std::ofstream(FileOf("Loose")) << "x";
@@ -86,9 +91,64 @@ TEST(Object_files, Without_a_free_handle_4_is_told_and_the_name_is_as_it_was) {
     EXPECT_FALSE(OpenGlobal("NoHandle"));
     EXPECT_EQ(4u, GetLastError());
     EXPECT_FALSE(fs::exists(fs::path(std::getenv("WINPORT_HOME")) / "kernel" / "global.NoHandle"));
+    many.pop_back();
+    many.pop_back();
+    EXPECT_TRUE(AutoEvent());
     many.clear();
     EXPECT_TRUE(OpenGlobal("NoHandle"));
     EXPECT_EQ(0u, GetLastError());
+}
+
+TEST(Object_files, Are_mapped_no_more_once_their_handles_are_closed) {
+    AutoEvent(TEXT("Global\\Mapped"));
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);)
+        EXPECT_EQ(std::string::npos, line.find("global.Mapped"));
+}
+
+TEST(Object_files, Have_names_of_260_units_at_most) {
+    const WideText name = TEXT("Global\\") + WideText(253, 'x');
+    EXPECT_TRUE(AutoEvent(name));
+    EXPECT_EQ(ERROR_FILENAME_EXCED_RANGE, ErrorOf([&] { return bool(AutoEvent(name + TEXT("x"))); }));
+}
+
+TEST(Sections, What_is_not_honoured_is_refused) {
+    const auto create = [](HANDLE file, DWORD protection, DWORD high, DWORD low) {
+        return ErrorOf(
+            [&] { return bool(Handle(CreateFileMappingW(file, nullptr, protection, high, low, nullptr))); });
+    };
+    int file = 0;
+    EXPECT_EQ(ERROR_NOT_SUPPORTED, create(&file, PAGE_READWRITE, 0, 100));
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, create(INVALID_HANDLE_VALUE, 0x10, 0, 100));
+    EXPECT_NE(ERROR_INVALID_PARAMETER, create(INVALID_HANDLE_VALUE, PAGE_READWRITE, 1, 0));
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, create(INVALID_HANDLE_VALUE, PAGE_READWRITE, 1, 1));
+    const Handle section = Section(100);
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf([&] { return MapViewOfFile(section.Get(), 0, 0, 0, 0); }));
+}
+
+// What failed before tells nothing of a call that succeeds.
+TEST(Mutexes, Are_taken_after_a_call_that_a_signal_interrupted) {
+    const Handle mutex = Mutex(FreshName());
+    std::jthread([&] {
+        errno = EINTR;
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex.Get(), 0));
+        EXPECT_TRUE(ReleaseMutex(mutex.Get()));
+    });
+}
+
+// By the destructor of a key of the host, which runs after that of winport.
+TEST(Mutexes, Taken_while_a_thread_ends_are_abandoned_too) {
+    static const Handle mutex = Mutex();
+    pthread_key_t key;
+    ASSERT_EQ(0, ::pthread_key_create(&key, [](void*) { WaitForSingleObject(mutex.Get(), 0); }));
+    std::jthread([&] {
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex.Get(), 0));
+        ReleaseMutex(mutex.Get());
+        ::pthread_setspecific(key, &key);
+    });
+    EXPECT_EQ(WAIT_ABANDONED, WaitForSingleObject(mutex.Get(), 0));
+    ReleaseMutex(mutex.Get());
+    ::pthread_key_delete(key);
 }
 
 TEST(Object_files, A_forked_child_shares_the_objects_and_keeps_them_alive) {

@@ -1,4 +1,4 @@
-// The network port monitor, and what the default printer is without its printer.
+// The network port monitor, and what the spooler keeps in the registry.
 #include <windows.h>
 // The headers below need the one above.
 #include <tcpxcv.h>

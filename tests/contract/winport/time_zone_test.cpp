@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <time.h>
 
+#include <cerrno>
+
 #include "own_folder.h"
 
 namespace {
@@ -38,6 +40,9 @@ TEST(Clock, The_zone_moves_local_time_and_says_whether_it_knows_daylight_saving)
         EXPECT_EQ(_mktime64(&first), 0);
     }
     EXPECT_EQ(_mktime64(nullptr), -1);
+    const __time64_t after3000 = 32'535'216'000;
+    tm none = {};
+    EXPECT_EQ(_localtime64_s(&none, &after3000), EINVAL);
     SetVariable("TZ", "UTC0");
     _tzset();
 }
