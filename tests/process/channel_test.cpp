@@ -348,6 +348,7 @@ TEST_F(Channel, The_eight_objects_have_the_names_sizes_and_offsets_that_the_prod
     const WideText base = TEXT("Global\\Wire") + Widened(name_) + TEXT("AbFcCdLeGfQgBhPi");
     name_ = "Wire" + name_ + "*b/c:d<e>f?g\\h|i";
     OpenBoth(65791);
+    ExpectExchange("known", "client");
     const auto existing = [](HANDLE handle) {
         EXPECT_EQ(183u, GetLastError());
         return handle;
@@ -379,8 +380,17 @@ TEST_F(Channel, The_eight_objects_have_the_names_sizes_and_offsets_that_the_prod
     for (const WCHAR* ending : {TEXT("CmdCancelEvent"), TEXT("RespCancelEvent")})
         CloseHandle(event(ending));
     CloseHandle(existing(CreateMutexW(nullptr, FALSE, (base + TEXT("TransactionMutex")).c_str())));
+    const HANDLE section = existing(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
+                                                       65803, (base + TEXT("Cmd")).c_str()));
+    void* const request = MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 0, 0);
+    std::memset(request, 0, 4);
+    UnmapViewOfFile(request);
+    CloseHandle(section);
     server_.Process().Continue();
     EXPECT_EQ("abc", server_.End().text);
+    server_.Do("send reply 1000");
+    expectBlock(TEXT("Resp"), {GetCurrentProcessId(), 5, 0}, "reply");  // the request was nobody's
+    server_.Do("cancel");
     SetEvent(asked);
     server_.Do("broadcast news 1000");
     expectBlock(TEXT("Resp"), {0, 4, 0x0100}, "news");

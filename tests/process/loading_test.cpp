@@ -74,7 +74,6 @@ TEST(Loading, Only_a_product_loads_under_its_name_and_is_gone_when_freed) {
 }
 
 TEST(Loading, It_needs_a_slot_for_the_objects_of_its_threads_and_gives_it_back) {
-    const WideText foreign = CopyAs("foo");
     const WideText path = CopyAs("ACMESDK");
     std::array<std::vector<DWORD>, 2> taken;
     for (std::vector<DWORD>& slots : taken) {
@@ -84,7 +83,6 @@ TEST(Loading, It_needs_a_slot_for_the_objects_of_its_threads_and_gives_it_back) 
         EXPECT_EQ(1114u, GetLastError());
         for (const DWORD slot : slots)
             EXPECT_TRUE(TlsFree(slot));
-        LoadLibraryW(foreign.c_str());
         const HMODULE library = LoadLibraryW(path.c_str());
         ASSERT_NE(nullptr, library);
         CallNumber(library, "GetLastResponseNum");

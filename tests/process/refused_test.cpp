@@ -39,6 +39,11 @@ TEST(Refused, No_function_does_anything_and_each_says_why) {
         EXPECT_EQ(expected.result, result & (expected.result == 0 ? 0xFF : 0xFFFFFFFF));
         EXPECT_TRUE(expected.errors.contains(GetLastError())) << GetLastError();
     }
+    WCHAR text[] = {TEXT('#'), TEXT('#')};
+    const auto copyBad = reinterpret_cast<void (*)(WCHAR*, uint32_t)>(dlsym(library, "GetLastBadResponse"));
+    copyBad(text, 2);
+    EXPECT_EQ(0, text[0]);
+    EXPECT_EQ(TEXT('#'), text[1]);
     dlclose(library);
 }
 

@@ -143,10 +143,10 @@ TEST(Transport, A_section_tells_the_other_side_only_what_it_is_asked_to) {
     EXPECT_EQ(1610u, GetLastError());
     EXPECT_FALSE(reader.IsValid());
     section.Init();
-    ASSERT_TRUE(section.Create(name, 100, true, false));
+    ASSERT_TRUE(reader.Create(name, 100, true, false));
     EXPECT_EQ(0u, GetLastError()) << "nobody had it any more";
-    section.Close();
-    EXPECT_FALSE(section.IsValid());
+    reader.Close();
+    EXPECT_FALSE(reader.IsValid());
 }
 
 TEST(Transport, A_printer_that_cannot_be_opened_leaves_the_reason_and_no_name_none) {
