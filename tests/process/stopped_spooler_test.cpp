@@ -1,6 +1,9 @@
-// A spooler that is down: on winport a value in the registry stops it.
+// What of the spooler winport alone shows: a value in the registry stops it, and the data of a printer can be
+// deleted.
 #include "installed_status_monitor.h"
 #include "recording_monitor.h"
+// The spooler's header needs the ones above.
+#include <winspool.h>
 
 namespace {
 
@@ -44,6 +47,21 @@ TEST_F(StoppedSpooler, Selects_no_printer_until_it_runs_again) {
         Stop(0);
         EXPECT_EQ(kDone, Ended(SelectPrinter(kPrinter)));
     });
+}
+
+TEST_F(InstalledPrinter, Selected_for_the_first_time_has_its_language_monitor_woken) {
+    WideText printer = kPrinter;
+    WideText value = TEXT("WakeUpLangMon");
+    PRINTER_DEFAULTSW access = {nullptr, nullptr, PRINTER_ALL_ACCESS};
+    HANDLE handle = nullptr;
+    ASSERT_TRUE(OpenPrinterW(printer.data(), &handle, &access));
+    BYTE byte = 1;
+    DWORD size = 0;
+    EXPECT_EQ(0u, SetPrinterDataW(handle, value.data(), REG_BINARY, &byte, 1));
+    WithPrinter([] {});
+    EXPECT_EQ(2u, GetPrinterDataW(handle, value.data(), nullptr, &byte, 1, &size))
+        << "the request is taken back";
+    ClosePrinter(handle);
 }
 
 }  // namespace
