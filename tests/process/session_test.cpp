@@ -1,7 +1,5 @@
 // Selection and raw exchanges, with printers that do not do what they should.
 #include "installed_printer.h"
-// The spooler's header needs the one above.
-#include <winspool.h>
 
 namespace {
 
@@ -57,21 +55,6 @@ TEST_F(Selection, No_name_takes_the_last_printer_of_the_product_and_holds_for_it
             EXPECT_EQ(0xE0000001u, EndedGet(kShort));
         });
     });
-}
-
-TEST_F(Selection, The_first_one_of_a_thread_wakes_the_language_monitor) {
-    WideText printer = kPrinter;
-    WideText value = TEXT("WakeUpLangMon");
-    PRINTER_DEFAULTSW access = {nullptr, nullptr, PRINTER_ALL_ACCESS};
-    HANDLE handle = nullptr;
-    ASSERT_TRUE(OpenPrinterW(printer.data(), &handle, &access));
-    BYTE byte = 1;
-    DWORD size = 0;
-    EXPECT_EQ(0u, SetPrinterDataW(handle, value.data(), REG_BINARY, &byte, 1));
-    WithPrinter([] {});
-    EXPECT_EQ(2u, GetPrinterDataW(handle, value.data(), nullptr, &byte, 1, &size))
-        << "the request is taken back";
-    ClosePrinter(handle);
 }
 
 TEST_F(Selection, A_configuration_that_is_missing_empty_or_half_written_fails_it) {

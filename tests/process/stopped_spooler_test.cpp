@@ -1,7 +1,10 @@
-// A spooler that is down: on winport a value in the registry stops it.
+// What of the spooler winport alone shows: a value in the registry stops it, and the data of a printer can be
+// deleted.
 #include "installed_status_monitor.h"
 #include "kwt/printer_handle.h"
 #include "recording_monitor.h"
+// The spooler's header needs the ones above.
+#include <winspool.h>
 
 namespace {
 
@@ -47,18 +50,24 @@ TEST_F(StoppedSpooler, Selects_no_printer_until_it_runs_again) {
     });
 }
 
-TEST_F(StoppedSpooler, That_runs_wakes_a_language_monitor_whose_last_answer_is_forgotten) {
-    WideText name = TEXT("WakeUpLangMon");
-    PRINTER_DEFAULTSW defaults{nullptr, nullptr, PRINTER_ALL_ACCESS};
-    HANDLE printer = nullptr;
-    ASSERT_TRUE(OpenPrinterW(WideText(kPrinter).data(), &printer, &defaults));
-    BYTE answer = 1;
-    EXPECT_EQ(0u, SetPrinterDataW(printer, name.data(), REG_BINARY, &answer, sizeof(answer)));
-    EXPECT_FALSE(kwt::WakeUpLanguageMonitor(kPrinter)) << "nobody answers";
-    DWORD type = 0;
-    DWORD needed = 0;
-    EXPECT_EQ(2u, GetPrinterDataW(printer, name.data(), &type, &answer, sizeof(answer), &needed));
-    ClosePrinter(printer);
+TEST_F(StoppedSpooler, That_runs_has_a_selection_wake_the_language_monitor_and_forget_its_last_answer) {
+    WideText printer = kPrinter;
+    WideText value = TEXT("WakeUpLangMon");
+    PRINTER_DEFAULTSW access = {nullptr, nullptr, PRINTER_ALL_ACCESS};
+    HANDLE handle = nullptr;
+    ASSERT_TRUE(OpenPrinterW(printer.data(), &handle, &access));
+    const std::function<void()> wakers[] = {
+        [] { EXPECT_FALSE(kwt::WakeUpLanguageMonitor(kPrinter)) << "nobody answers"; },
+        [] { WithPrinter([] {}); },
+    };
+    for (const auto& wake : wakers) {
+        BYTE answer = 1;
+        DWORD needed = 0;
+        EXPECT_EQ(0u, SetPrinterDataW(handle, value.data(), REG_BINARY, &answer, 1));
+        wake();
+        EXPECT_EQ(2u, GetPrinterDataW(handle, value.data(), nullptr, &answer, 1, &needed));
+    }
+    ClosePrinter(handle);
 }
 
 }  // namespace
