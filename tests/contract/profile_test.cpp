@@ -84,9 +84,11 @@ TEST(Profile, A_section_is_its_lines_without_blanks_and_comments) {
 TEST(Profile, A_missing_or_empty_section_has_no_lines_and_is_no_error) {
     const TempFolder folder;
     const WideText path = folder.WriteFile(TEXT("p.ini"), kFile);
-    for (const WCHAR* section : {TEXT("Absent"), TEXT("Nothing")}) {
+    const WideText empty = folder.WriteFile(TEXT("empty.ini"), "");
+    for (const auto& [file, section] :
+         {std::pair{path, TEXT("Absent")}, {path, TEXT("Nothing")}, {empty, TEXT("Absent")}}) {
         SetLastError(0);
-        EXPECT_TRUE(Lines(path, section).empty());
+        EXPECT_TRUE(Lines(file, section).empty());
         EXPECT_EQ(GetLastError(), 0u);
     }
 }

@@ -23,10 +23,11 @@ std::u16string DecodeUtf16(std::string_view bytes, bool bigEndian) {
 }
 
 std::u16string DecodeAnsi(std::string_view bytes) {
+    if (bytes.empty()) return {};  // of which a conversion would be an error
     const int length = static_cast<int>(bytes.size());
     const int count = MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, nullptr, 0);
     std::u16string text(count, u'\0');
-    if (count > 0) MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, text.data(), count);
+    MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, text.data(), count);
     return text;
 }
 
