@@ -166,10 +166,10 @@ TEST_F(Channel, An_opening_keeps_what_lies_there_and_a_server_s_takes_back_old_s
     for (const WCHAR* ending : {TEXT("CmdNotifyEvent"), TEXT("RespNotifyEvent")}) {
         const HANDLE stale =
             CreateEventW(nullptr, FALSE, FALSE, (TEXT("Global\\") + Widened(name_) + ending).c_str());
-        server_.Begin("open server " + name_ + " 200");
-        Sleep(50);  // half of the time that a server leaves for old signals
         SetEvent(stale);
-        EXPECT_EQ(1u, server_.End().number);
+        const auto start = Clock::now();
+        EXPECT_EQ(1u, server_.Do("open server " + name_ + " 200").number);
+        EXPECT_GE(Clock::now() - start, milliseconds(100)) << "old signals may be on their way";
         EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(stale, 0));
         CloseHandle(stale);
     }
@@ -232,14 +232,14 @@ TEST_F(OpenChannel, A_foreign_reply_costs_a_pause_and_all_of_them_the_time_out) 
         replies.join();
         return std::pair(received.text + std::to_string(received.error), took);
     };
-    const auto [answer, untilAnswer] = receive(kPatience, 0, 150, "send answer 1000");
+    const auto [answer, untilAnswer] = receive(kPatience, 0, 300, "send answer 1000");
     EXPECT_EQ("answer0", answer) << "it comes when the pause is over";
     const auto [none, untilPause] = receive(10, 0, 0, "idle");
     EXPECT_EQ("1460", none);
     EXPECT_GE(untilPause, milliseconds(50));
-    const auto [late, untilTimeout] = receive(kBrief, 20, 40, "idle");
+    const auto [late, untilTimeout] = receive(kBrief, 30, 40, "idle");
     EXPECT_EQ("1460", late);
-    EXPECT_LT(untilTimeout, milliseconds(600));
+    EXPECT_LT(untilTimeout, milliseconds(1000));
 }
 
 TEST_F(OpenChannel, A_reply_to_another_living_process_blocks_the_section_with_32_until_it_is_cancelled) {
