@@ -114,7 +114,7 @@ TEST(Profile, A_fallback_loses_its_trailing_blanks_and_a_list_needs_a_section_an
     const TempFolder folder;
     const WideText path = folder.WriteFile(TEXT("p.ini"), kFile);
     WCHAR buffer[8];
-    EXPECT_EQ(GetPrivateProfileStringW(TEXT("S"), TEXT("k"), TEXT("ab  "), buffer, 8, path.c_str()), 2u);
+    EXPECT_EQ(GetPrivateProfileStringW(TEXT("S"), TEXT("k"), TEXT("ab   "), buffer, 8, path.c_str()), 2u);
     EXPECT_EQ(ErrorOf([&] { return GetPrivateProfileSectionW(nullptr, buffer, 8, path.c_str()); }),
               ERROR_INVALID_PARAMETER);
     EXPECT_EQ(ErrorOf([&] { return GetPrivateProfileSectionW(TEXT("S"), nullptr, 8, path.c_str()); }),
