@@ -77,7 +77,7 @@ emulate_32_bit() {
     # A process in which two threads are at work beside the first crashes in the emulator, nearly every time; now and
     # then it fails elsewhere too.
     local process='Settings|Exchange\.A_raw'
-    local threads='Work_for_so_many_printers|wakes_all_who_wait|Each_set_of_an_auto_reset|One_thread_at_a_time|Keep_threads_apart|Threads_write_side_by_side'
+    local threads='Work_for_so_many_printers|wakes_all_who_wait|Each_set_of_an_auto_reset|One_thread_at_a_time|Keep_threads_apart|Have_one_owner_at_a_time|Threads_write_side_by_side'
     RUN_OPTIONS[win32]="--repeat until-pass:3 -E $threads
         -R ^(unit|contract|process\.($process)|api\.(header|package|library))"
     NOT_RUN[win32]="most of the process suite, and the cases of several threads at once (${threads//|/, }): \
