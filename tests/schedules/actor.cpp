@@ -70,7 +70,7 @@ uint64_t State() {
         hash = Mixed(hash, c.histories[actor]);
         hash = Mixed(hash, static_cast<uint64_t>(c.fates[actor]) << 1 | (waiting.waits ? 1 : 0));
         if (waiting.waits)
-            hash = Mixed(Mixed(hash, waiting.objects), waiting.pulsed), hash = Mixed(hash, waiting.deadline);
+            hash = Mixed(Mixed(Mixed(hash, waiting.objects), waiting.pulsed), waiting.deadline);
     }
     for (const Object& object : c.objects)
         hash = Mixed(hash, object.openers << 8 | (object.owner & 0x7F) << 1 | (object.isSet ? 1 : 0));
@@ -114,17 +114,16 @@ void Carry(const Decision& decision) {
     c.lastState = 0;
     switch (decision.kind) {
         case Kind::Switch:
-            GiveTurnTo(decision.actor);
-            break;
+            return GiveTurnTo(decision.actor);
         case Kind::Kill:
             c.verdict = Verdict::KillAsked;
             c.running = self;
             Wake(c, kScheduler);
             if (!WaitForGo(c, self)) End(Verdict::Stuck);
-            break;
+            return;
         case Kind::Timeout:
             // A line of another build may name one that has no time-out.
-            if (c.waitings[decision.actor].deadline == kNever) break;
+            if (c.waitings[decision.actor].deadline == kNever) return;
             c.now = std::max(c.now, c.waitings[decision.actor].deadline);
             GiveTurnTo(decision.actor);
     }
@@ -165,10 +164,7 @@ void Come(const char* place, bool isBlocked = false) {
         std::printf("%5u %6llu ms  %-7s%s%s\n", number, static_cast<unsigned long long>(c.now),
                     kActorNames[self], place, isBlocked ? ", waits" : "");
     if (c.prints) static_cast<void>(std::fflush(stdout));
-    if (decides) {
-        Carry(c.schedule.decisions[c.nextDecision]);
-        return;
-    }
+    if (decides) return Carry(c.schedule.decisions[c.nextDecision]);
     if (c.nextDecision < c.schedule.count || c.isFreshPhase || c.opensFirst) return;
     if (c.mergesSections && std::string_view(place).substr(0, 4) != "call") return;
     const uint64_t state = State();
@@ -184,14 +180,8 @@ bool Await(const char* place, uint32_t objects, uint32_t milliseconds) {
     Waiting& waiting = c.waitings[self];
     waiting = {objects, 0, milliseconds == INFINITE ? kNever : c.now + milliseconds, true};
     for (;;) {
-        const bool isTimeOver = waiting.deadline <= c.now;
-        waiting.waits = isTimeOver ? waiting.waits : true;
-        bool isThere = false;
-        const uint64_t deadline = waiting.deadline;
-        waiting.deadline = kNever;
-        isThere = CanRun(c, self);
-        waiting.deadline = deadline;
-        if (isThere || isTimeOver) {
+        const bool isThere = AnyIsAvailable(c, waiting);
+        if (isThere || waiting.deadline <= c.now) {
             waiting.waits = false;
             waiting.deadline = kNever;
             return isThere;
@@ -214,7 +204,7 @@ void NoteHandle(HANDLE handle, LPCWSTR name, bool isMutex, bool isManual) {
         if (!whole.ends_with(kNames[number])) continue;
         numbers[handle] = number;
         Object& object = control->objects[number];
-        if (object.openers == 0) object = {0, kNobody, isMutex, isManual, false};
+        if (object.openers == 0) object = {.isMutex = isMutex, .isManual = isManual};
         object.openers |= 1u << self;
     }
 }
@@ -224,14 +214,13 @@ uint32_t NumberOf(HANDLE handle) {
     return found == numbers.end() ? kNoObject : found->second;
 }
 
-// A call about one of the channel's objects is a place; that of another object is none of ours.
-uint32_t ComeTo(HANDLE handle, const char* call) {
+// A call about one of the channel's objects is a place; that of another object, null, is none of ours.
+Object* ComeTo(HANDLE handle, const char* call) {
     const uint32_t number = NumberOf(handle);
-    if (number != kNoObject) {
-        Come(call);
-        Learn(number);
-    }
-    return number;
+    if (number == kNoObject) return nullptr;
+    Come(call);
+    Learn(number);
+    return &control->objects[number];
 }
 
 void Check(bool holds, const char* what, uint32_t number) {
@@ -262,18 +251,17 @@ void kwt::Step(const char* place) {
 
 extern "C" {
 
-HANDLE __real_CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manualReset, BOOL initialState, LPCWSTR name);
-HANDLE __real_CreateMutexW(LPSECURITY_ATTRIBUTES security, BOOL initialOwner, LPCWSTR name);
-HANDLE __real_CreateFileMappingW(HANDLE file, LPSECURITY_ATTRIBUTES security, DWORD protection, DWORD high,
-                                 DWORD low, LPCWSTR name);
-LPVOID __real_MapViewOfFile(HANDLE mapping, DWORD access, DWORD high, DWORD low, SIZE_T size);
-BOOL __real_UnmapViewOfFile(LPCVOID view);
-BOOL __real_CloseHandle(HANDLE handle);
-BOOL __real_SetEvent(HANDLE event);
-BOOL __real_ResetEvent(HANDLE event);
-BOOL __real_ReleaseMutex(HANDLE mutex);
-DWORD __real_WaitForSingleObject(HANDLE handle, DWORD milliseconds);
-DWORD __real_WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll, DWORD milliseconds);
+decltype(CreateEventW) __real_CreateEventW;
+decltype(CreateMutexW) __real_CreateMutexW;
+decltype(CreateFileMappingW) __real_CreateFileMappingW;
+decltype(MapViewOfFile) __real_MapViewOfFile;
+decltype(UnmapViewOfFile) __real_UnmapViewOfFile;
+decltype(CloseHandle) __real_CloseHandle;
+decltype(SetEvent) __real_SetEvent;
+decltype(ResetEvent) __real_ResetEvent;
+decltype(ReleaseMutex) __real_ReleaseMutex;
+decltype(WaitForSingleObject) __real_WaitForSingleObject;
+decltype(WaitForMultipleObjects) __real_WaitForMultipleObjects;
 
 HANDLE __wrap_CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manualReset, BOOL initialState,
                            LPCWSTR name) {
@@ -311,38 +299,28 @@ BOOL __wrap_UnmapViewOfFile(LPCVOID view) {
 }
 
 BOOL __wrap_CloseHandle(HANDLE handle) {
-    const uint32_t number = ComeTo(handle, "call: close");
-    if (number != kNoObject) {
-        control->objects[number].openers &= ~(1u << self);
-        numbers.erase(handle);
-    }
+    if (Object* const object = ComeTo(handle, "call: close")) object->openers &= ~(1u << self);
+    numbers.erase(handle);
     return __real_CloseHandle(handle);
 }
 
 BOOL __wrap_SetEvent(HANDLE event) {
-    const uint32_t number = ComeTo(event, "call: set");
-    if (number != kNoObject) {
-        control->objects[number].isSet = true;
-        if (control->objects[number].isManual)
-            for (Waiting& waiting : control->waitings)
-                if (waiting.waits) waiting.pulsed |= waiting.objects & 1u << number;
+    if (Object* const object = ComeTo(event, "call: set")) {
+        object->isSet = true;
+        for (Waiting& waiting : control->waitings)
+            if (object->isManual && waiting.waits) waiting.pulsed |= waiting.objects & 1u << NumberOf(event);
     }
     return __real_SetEvent(event);
 }
 
 BOOL __wrap_ResetEvent(HANDLE event) {
-    const uint32_t number = ComeTo(event, "call: reset");
-    if (number != kNoObject) {
-        control->objects[number].isSet = false;
-    }
+    if (Object* const object = ComeTo(event, "call: reset")) object->isSet = false;
     return __real_ResetEvent(event);
 }
 
 BOOL __wrap_ReleaseMutex(HANDLE mutex) {
-    const uint32_t number = ComeTo(mutex, "call: release");
-    if (number != kNoObject) {
-        if (control->objects[number].owner == self) control->objects[number].owner = kNobody;
-    }
+    Object* const object = ComeTo(mutex, "call: release");
+    if (object != nullptr && object->owner == self) object->owner = kNobody;
     return __real_ReleaseMutex(mutex);
 }
 
@@ -353,12 +331,10 @@ DWORD __wrap_WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL, DW
     if (wanted == 0) return __real_WaitForMultipleObjects(count, handles, FALSE, 0);
     Come("call: wait");
     const bool isThere = Await("call: wait", wanted, milliseconds);
-    const uint32_t pulsed = control->waitings[self].pulsed;
     for (DWORD i = 0; isThere && i < count; ++i) {
         const uint32_t number = NumberOf(handles[i]);
         Object& object = control->objects[number];
-        if (!(object.isMutex ? object.owner == kNobody : object.isSet || (pulsed & 1u << number) != 0))
-            continue;
+        if (!IsAvailable(*control, number, control->waitings[self])) continue;
         const DWORD real = __real_WaitForSingleObject(handles[i], 0);
         const bool isLevel = object.isMutex || object.isSet;
         Check((real != WAIT_TIMEOUT) == isLevel, "not to be had, though it should be", number);

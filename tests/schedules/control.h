@@ -54,15 +54,15 @@ enum class Fate : uint32_t { NotStarted, Running, Finished, Killed };
 enum class Verdict : uint32_t { None, Opened, Over, Pruned, Stuck, Endless, Mismatch, KillAsked };
 
 struct Object {
-    uint32_t openers;  // bit of each actor
-    uint32_t owner;    // mutexes
-    bool isMutex, isManual, isSet;
+    uint32_t openers = 0;      // bit of each actor
+    uint32_t owner = kNobody;  // mutexes
+    bool isMutex = false, isManual = false, isSet = false;
 };
 
 struct Waiting {
     uint32_t objects;  // bit of each; none when it sleeps
     uint32_t pulsed;   // set since the wait began, which counts even when it has been reset
-    uint64_t deadline;
+    uint64_t deadline = kNever;
     bool waits;
 };
 
@@ -73,11 +73,11 @@ struct Exchange {
     int32_t got;  // number of the exchange whose reply came, -1 none, -2 nobody's
 };
 
-struct Control {
-    std::array<std::atomic<uint32_t>, kActors + 1> go;
+// Of one schedule.
+struct Progress {
     uint32_t point;
     uint32_t running;
-    uint64_t now;  // milliseconds
+    uint64_t now = 1000;  // milliseconds
     Verdict verdict;
     bool prints, checksVisited, isFreshPhase;
     bool opensFirst;      // nothing is decided before all have opened the channel
@@ -95,14 +95,21 @@ struct Control {
     uint32_t points;
     std::array<Point, kMaxPoints> trace;
     std::array<const char*, kActors> places;
+    char mismatch[128];
+};
+
+struct Control : Progress {
+    std::array<std::atomic<uint32_t>, kActors + 1> go;
     uint64_t visitedMask;
     std::atomic<uint64_t>* visited;
     std::atomic<uint64_t>* states;
-    char mismatch[128];
 };
 
 // ---- of both sides ----
 
+// Of an object, to one who waits.
+[[nodiscard]] bool IsAvailable(const Control& control, uint32_t object, const Waiting& waiting);
+[[nodiscard]] bool AnyIsAvailable(const Control& control, const Waiting& waiting);
 [[nodiscard]] bool CanRun(const Control& control, uint32_t actor);
 // The next in turn after `from` that can run; when none can, the clock goes on to the first deadline. kNobody
 // when nobody ever will.

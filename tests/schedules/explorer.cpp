@@ -15,6 +15,7 @@
 #include <iterator>
 #include <map>
 #include <new>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -33,8 +34,7 @@ struct Bounds {
     int switches = 1, kills = 1, timeouts = 1, choices = 1, actions = 6;
     bool opening = false, merge = false, listsLate = false;
     double seconds = 1e9;
-    std::string replay;
-    bool replays = false;
+    std::optional<std::string> replay;
 };
 
 template <typename T>
@@ -104,24 +104,13 @@ class Runner final {
         Control& c = control_;
         for (auto& go : c.go)
             go = 0;
-        c.point = c.points = c.nextDecision = 0;
-        c.now = 1000;
-        c.verdict = Verdict::None;
+        static_cast<Progress&>(c) = {};
+        c.places.fill("");
         c.prints = prints;
         c.checksVisited = checksVisited;
-        c.isFreshPhase = false;
         c.opensFirst = !bounds_.opening;
         c.mergesSections = bounds_.merge;
-        c.fates.fill(Fate::NotStarted);
-        c.processIds.fill(0);
-        c.histories.fill(0);
-        c.waitings.fill({0, 0, kNever, false});
-        c.objects.fill({0, kNobody, false, false, false});
-        c.blocks = {};
-        c.exchanges = {};
-        c.places.fill("");
         c.schedule = schedule;
-        c.lastState = 0;
         for (const uint32_t actor : {kServer, kClientA, kClientB}) {
             Start(actor);
             if (!c.opensFirst) continue;
@@ -183,17 +172,15 @@ class Runner final {
     }
 
     void Kill(uint32_t actor) {
-        if (control_.processIds[actor] == 0) return;
+        if (control_.processIds[actor] == 0 || control_.fates[actor] == Fate::Killed) return;
         const auto process = static_cast<pid_t>(control_.processIds[actor]);
         ::kill(process, SIGKILL);
         ::waitpid(process, nullptr, 0);
     }
 
     void EndAll() {
-        for (uint32_t actor = 0; actor < kActors; ++actor) {
-            if (control_.processIds[actor] == 0 || control_.fates[actor] == Fate::Killed) continue;
+        for (uint32_t actor = 0; actor < kActors; ++actor)
             Kill(actor);
-        }
         std::error_code error;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(home_, error))
             if (entry.is_regular_file(error)) std::filesystem::remove(entry.path(), error);
@@ -276,12 +263,12 @@ class Explorer final {
             const std::string fault = runner_.Run(schedule, true, false);
             ++schedules_;
             pruned_ += runner_.Seen().verdict == Verdict::Pruned ? 1 : 0;
-            if (!fault.empty()) {
+            if (fault.empty()) {
+                Note(schedule);
+            } else {
                 ++faults_;
                 std::printf("FAULT  %s\n       tests/schedules/run --replay '%s'\n", fault.c_str(),
                             Line(schedule).c_str());
-            } else {
-                Note(schedule);
             }
             AddFollowers(schedule);
         }
@@ -410,6 +397,8 @@ bool ReadArguments(int argc, char** argv, Bounds& bounds) {
                                                  {"--timeouts", &bounds.timeouts},
                                                  {"--choices", &bounds.choices},
                                                  {"--decisions", &bounds.actions}};
+    const std::map<std::string, bool*> flags = {
+        {"--opening", &bounds.opening}, {"--merge", &bounds.merge}, {"--late", &bounds.listsLate}};
     for (int i = 1; i < argc; ++i) {
         const std::string word = argv[i];
         const bool hasValue = i + 1 < argc;
@@ -418,13 +407,9 @@ bool ReadArguments(int argc, char** argv, Bounds& bounds) {
         else if (word == "--seconds" && hasValue)
             bounds.seconds = std::strtod(argv[++i], nullptr);
         else if (word == "--replay" && hasValue)
-            bounds.replay = argv[++i], bounds.replays = true;
-        else if (word == "--opening")
-            bounds.opening = true;
-        else if (word == "--merge")
-            bounds.merge = true;
-        else if (word == "--late")
-            bounds.listsLate = true;
+            bounds.replay = argv[++i];
+        else if (const auto flag = flags.find(word); flag != flags.end())
+            *flag->second = true;
         else
             return false;
     }
@@ -451,8 +436,8 @@ int main(int argc, char** argv) {
     int result = 2;
     {
         schedules::Runner runner(bounds, home);
-        result = bounds.replays ? schedules::Replay(runner, bounds.replay)
-                                : schedules::Explorer(bounds, runner).Explore();
+        result = bounds.replay ? schedules::Replay(runner, *bounds.replay)
+                               : schedules::Explorer(bounds, runner).Explore();
     }
     std::error_code error;
     std::filesystem::remove_all(home, error);
