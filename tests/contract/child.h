@@ -1,10 +1,6 @@
-// The test program started by its own tests: "--child exit 7", "--child has VARIABLE", "--child wait EVENT",
-// "--child take MUTEX".
+// The test program started by its own tests: "--child has VARIABLE", "--child wait EVENT", "--child take
+// MUTEX".
 #pragma once
-
-#include <windows.h>
-
-#include <optional>
 
 #include "program.h"
 

@@ -1,6 +1,13 @@
-#include <utility>
-
 #include "support.h"
+
+namespace {
+
+HANDLE OpenForReading(const WideText& path) {
+    return CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                       FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+}  // namespace
 
 TEST(Files, Attributes_tell_files_from_folders_and_say_what_is_missing) {
     const TempFolder folder;
@@ -23,30 +30,26 @@ TEST(Files, Attributes_tell_files_from_folders_and_say_what_is_missing) {
         {TEXT("/kestrel none"), ERROR_FILE_NOT_FOUND},
     };
     for (const auto& [path, error] : missing)
-        EXPECT_EQ(error,
-                  ErrorOf([&] { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }));
+        EXPECT_REFUSED(error, GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES);
 }
 
 TEST(Files, Both_separators_lead_to_the_file) {
     const TempFolder folder;
     folder.MakeFolder(TEXT("3"));
     folder.WriteFile(TEXT("3/A.INI"), "x");
-    EXPECT_NE(GetFileAttributesW((folder.Path(TEXT("")) + TEXT("\\3\\A.INI")).c_str()),
-              INVALID_FILE_ATTRIBUTES);
-    EXPECT_NE(GetFileAttributesW((folder.Path(TEXT("")) + TEXT("/3\\A.INI")).c_str()),
-              INVALID_FILE_ATTRIBUTES);
+    for (const WCHAR* file : {TEXT("\\3\\A.INI"), TEXT("/3\\A.INI")})
+        EXPECT_NE(GetFileAttributesW((folder.Path(TEXT("")) + file).c_str()), INVALID_FILE_ATTRIBUTES);
 }
 
 TEST(Files, An_existing_file_opens_for_reading_and_its_handle_closes_once) {
     const TempFolder folder;
     const WideText path = folder.WriteFile(TEXT("driver \u00E9.inf"), "x");
     SetLastError(77);
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE file = OpenForReading(path);
     ASSERT_NE(file, INVALID_HANDLE_VALUE);
     EXPECT_EQ(GetLastError(), 0u);
     EXPECT_TRUE(CloseHandle(file));
-    EXPECT_EQ(ErrorOf([&] { return CloseHandle(file); }), ERROR_INVALID_HANDLE);
+    EXPECT_REFUSED(ERROR_INVALID_HANDLE, CloseHandle(file));
 }
 
 TEST(Files, What_cannot_be_opened_gives_the_invalid_handle_and_the_reason) {
@@ -57,8 +60,5 @@ TEST(Files, What_cannot_be_opened_gives_the_invalid_handle_and_the_reason) {
         {folder.MakeFolder(TEXT("sub")), ERROR_ACCESS_DENIED},
     };
     for (const auto& [path, error] : rows)
-        EXPECT_EQ(error, ErrorOf([&] {
-                      return CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                         0, nullptr) != INVALID_HANDLE_VALUE;
-                  }));
+        EXPECT_REFUSED(error, OpenForReading(path) != INVALID_HANDLE_VALUE);
 }

@@ -39,6 +39,11 @@ inline Handle Section(DWORD size, const WideText& name = {}) {
                                      name.empty() ? nullptr : name.c_str()));
 }
 
+// Its bytes; null when it is not mapped.
+inline unsigned char* View(const Handle& section, DWORD access = FILE_MAP_ALL_ACCESS) {
+    return static_cast<unsigned char*>(MapViewOfFile(section.Get(), access, 0, 0, 0));
+}
+
 // "Global\Contract<process>-<count><ending>"
 inline WideText FreshName(const WideText& ending = {}) {
     static std::atomic<int> count{0};

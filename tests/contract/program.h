@@ -1,7 +1,6 @@
 // A program that is started and watched.
 #pragma once
 
-#include <gtest/gtest.h>
 #include <windows.h>
 // The header below needs the one above.
 #include <userenv.h>

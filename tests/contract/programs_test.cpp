@@ -3,8 +3,6 @@
 // The headers below need the one above.
 #include <wtsapi32.h>
 
-#include <utility>
-
 #include "child.h"
 #include "handle_support.h"
 #include "own_folder.h"
@@ -65,9 +63,8 @@ TEST(Programs, What_is_not_there_is_refused_with_2_and_has_no_handles) {
         EXPECT_EQ(program.Process(), nullptr);
     }
     DWORD code = 0;
-    EXPECT_EQ(WaitForInputIdle(nullptr, 10), WAIT_FAILED);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
-    EXPECT_EQ(ErrorOf([&] { return GetExitCodeThread(nullptr, &code); }), ERROR_INVALID_HANDLE);
+    EXPECT_REFUSED(ERROR_INVALID_HANDLE, WaitForInputIdle(nullptr, 10) != WAIT_FAILED);
+    EXPECT_REFUSED(ERROR_INVALID_HANDLE, GetExitCodeThread(nullptr, &code));
 }
 
 TEST(Programs, Started_as_the_user_see_the_users_environment_instead_of_the_callers) {
@@ -84,8 +81,7 @@ TEST(Programs, Started_as_the_user_see_the_users_environment_instead_of_the_call
 
 TEST(Accounts, A_thread_has_a_token_only_while_it_impersonates) {
     HANDLE token = nullptr;
-    EXPECT_EQ(ErrorOf([&] { return OpenThreadToken(GetCurrentThread(), TOKEN_ALL_ACCESS, TRUE, &token); }),
-              ERROR_NO_TOKEN);
+    EXPECT_REFUSED(ERROR_NO_TOKEN, OpenThreadToken(GetCurrentThread(), TOKEN_ALL_ACCESS, TRUE, &token));
     const Handle own = OwnToken();
     EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_ALL_ACCESS, TRUE, &token));
     WCHAR user[260];
@@ -93,7 +89,7 @@ TEST(Accounts, A_thread_has_a_token_only_while_it_impersonates) {
     ASSERT_TRUE(GetUserNameW(user, &size));
     EXPECT_EQ(size, WideText(user).size() + 1);
     size = 1;
-    EXPECT_EQ(ErrorOf([&] { return GetUserNameW(user, &size); }), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_REFUSED(ERROR_INSUFFICIENT_BUFFER, GetUserNameW(user, &size));
     PROFILEINFOW profile = {};
     profile.dwSize = sizeof profile;
     profile.lpUserName = user;

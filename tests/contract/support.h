@@ -1,15 +1,11 @@
-// What the contract tests share: wide text and files of their own.
+// What the contract tests share: wide text, files of their own, and calls that are refused.
 #pragma once
 
-#include <gtest/gtest.h>
-#include <windows.h>
-
 #include <atomic>
-#include <filesystem>
-#include <fstream>
-#include <string>
 #include <string_view>
 #include <system_error>
+
+#include "precompiled.h"
 
 using WideText = std::basic_string<WCHAR>;
 using WideView = std::basic_string_view<WCHAR>;
@@ -25,6 +21,9 @@ LONG ErrorOf(Call call) {
     SetLastError(0);
     return call() ? -1 : static_cast<LONG>(GetLastError());
 }
+
+// The call gives nothing, and this is the last-error value.
+#define EXPECT_REFUSED(error, ...) EXPECT_EQ(ErrorOf([&] { return __VA_ARGS__; }), static_cast<LONG>(error))
 
 // A folder that is removed with everything in it.
 class TempFolder final {
@@ -43,15 +42,16 @@ class TempFolder final {
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
-    WideText Path(WideView name) const { return (folder_ / std::filesystem::path(name)).string<WCHAR>(); }
+    std::filesystem::path Host(WideView name) const { return folder_ / std::filesystem::path(name); }
+    WideText Path(WideView name) const { return Host(name).string<WCHAR>(); }
 
     WideText WriteFile(WideView name, std::string_view bytes) const {
-        std::ofstream(folder_ / std::filesystem::path(name), std::ios::binary) << bytes;
+        std::ofstream(Host(name), std::ios::binary) << bytes;
         return Path(name);
     }
 
     WideText MakeFolder(WideView name) const {
-        std::filesystem::create_directories(folder_ / std::filesystem::path(name));
+        std::filesystem::create_directories(Host(name));
         return Path(name);
     }
 

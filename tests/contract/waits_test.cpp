@@ -1,11 +1,6 @@
 // Events, mutexes and waits on one and several of them, where threads meet; what needs no second thread at
 // the same moment is in the random traces.
-#include <algorithm>
-#include <chrono>
-#include <functional>
 #include <stop_token>
-#include <thread>
-#include <vector>
 
 #include "child.h"
 #include "handle_support.h"
@@ -180,14 +175,13 @@ TEST(Waits, All_are_taken_together_or_none) {
     EXPECT_EQ(WAIT_TIMEOUT, WaitForMultipleObjects(3, all, TRUE, 30));
     EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(a.Get(), 0)) << "the signal was not kept";
     EXPECT_FALSE(ReleaseMutex(mutex.Get()));
-    std::thread setter([&] {
+    const std::jthread setter([&] {
         Sleep(20);
         SetEvent(b.Get());
         Sleep(20);
         SetEvent(a.Get());
     });
     EXPECT_EQ(WAIT_OBJECT_0, WaitForMultipleObjects(3, all, TRUE, kLong));
-    setter.join();
     EXPECT_TRUE(ReleaseMutex(mutex.Get()));
     EXPECT_EQ(WAIT_OBJECT_0 + 1, WaitForMultipleObjects(3, all, FALSE, 0))
         << "only the mutex is left to take";
@@ -218,10 +212,8 @@ TEST(Waits, What_is_given_back_was_not_taken) {
     });
     std::vector<Handle> kept;
     std::vector<HANDLE> all = {mutex.Get()};
-    while (kept.size() < 20) {
-        kept.push_back(AutoEvent());
-        all.push_back(kept.back().Get());
-    }
+    for (int i = 0; i < 20; ++i)
+        all.push_back(kept.emplace_back(AutoEvent()).Get());
     all.push_back(event.Get());
     const auto setKept = [&] {
         for (const Handle& each : kept)
@@ -245,10 +237,8 @@ TEST(Waits, What_is_given_back_was_not_taken) {
 TEST(Waits, Odd_arguments_are_refused_with_87) {
     const Handle event = AutoEvent(FreshName());
     const std::vector<HANDLE> many(65, event.Get());
-    for (const DWORD count : {0, 65}) {
-        EXPECT_EQ(WAIT_FAILED, WaitForMultipleObjects(count, many.data(), FALSE, 0));
-        EXPECT_EQ(87u, GetLastError());
-    }
+    for (const DWORD count : {0, 65})
+        EXPECT_REFUSED(87, WaitForMultipleObjects(count, many.data(), FALSE, 0) != WAIT_FAILED);
 }
 
 TEST(Waits, Closing_a_handle_while_another_thread_waits_is_safe) {

@@ -1,9 +1,6 @@
 // How long the heir of a mutex waits beside others that take it out of turn, which waits for several objects
 // and waits at their end do.
-#include <gtest/gtest.h>
-
 #include <latch>
-#include <thread>
 
 #include "handle_support.h"
 #include "page_of_object.h"

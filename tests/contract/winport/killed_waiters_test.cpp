@@ -1,6 +1,5 @@
 // Waits beside what those leave who were killed in the middle of one, in the page that an object is, and in a
 // sandbox.
-#include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
@@ -9,13 +8,8 @@
 
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstddef>
 #include <ctime>
-#include <functional>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include "forked.h"
 #include "handle_support.h"

@@ -1,8 +1,4 @@
 // Libraries with and without version numbers behind their names, and links to them.
-#include <filesystem>
-#include <thread>
-#include <vector>
-
 #include "child_process.h"
 #include "support.h"
 

@@ -5,8 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
-#include <thread>
-#include <vector>
 
 #include "forked.h"
 #include "handle_support.h"
@@ -50,13 +48,11 @@ TEST(Object_files, A_planted_link_a_folder_and_a_loose_mode_are_refused_with_5_a
     fs::permissions(FileOf("Loose"), fs::perms::owner_all | fs::perms::others_write);
     fs::create_hard_link(target, FileOf("Hard"));
     for (const char* name : {"Link", "Folder", "Loose", "Hard"}) {
-        EXPECT_FALSE(OpenGlobal(name)) << name;
-        EXPECT_EQ(5u, GetLastError()) << name;
+        EXPECT_REFUSED(5, OpenGlobal(name)) << name;
+        fs::remove(FileOf(name));
     }
     std::ifstream file(target);
     EXPECT_EQ("untouched", std::string(std::istreambuf_iterator<char>(file), {}));
-    for (const char* name : {"Link", "Folder", "Loose", "Hard"})
-        fs::remove(FileOf(name));
     fs::remove(target);
 }
 
@@ -76,7 +72,7 @@ unsigned long OffsetOfMappingAt(const void* address) {
 TEST(Object_files, Are_mapped_from_their_beginning_whatever_the_view_is_for) {
     const Handle section = Section(100, FreshName());
     for (const DWORD access : {DWORD{FILE_MAP_ALL_ACCESS}, DWORD{FILE_MAP_READ}}) {
-        const void* view = MapViewOfFile(section.Get(), access, 0, 0, 0);
+        const void* view = View(section, access);
         EXPECT_EQ(0u, OffsetOfMappingAt(view));
         EXPECT_TRUE(UnmapViewOfFile(view));
         EXPECT_FALSE(UnmapViewOfFile(view));
@@ -87,9 +83,8 @@ TEST(Object_files, Without_a_free_handle_4_is_told_and_the_name_is_as_it_was) {
     std::vector<Handle> many;
     while (many.empty() || many.back())
         many.push_back(AutoEvent());
-    EXPECT_EQ(4u, GetLastError());
-    EXPECT_FALSE(OpenGlobal("NoHandle"));
-    EXPECT_EQ(4u, GetLastError());
+    EXPECT_REFUSED(4, AutoEvent());
+    EXPECT_REFUSED(4, OpenGlobal("NoHandle"));
     EXPECT_FALSE(fs::exists(fs::path(std::getenv("WINPORT_HOME")) / "kernel" / "global.NoHandle"));
     many.pop_back();
     many.pop_back();
@@ -109,13 +104,13 @@ TEST(Object_files, Are_mapped_no_more_once_their_handles_are_closed) {
 TEST(Object_files, Have_names_of_260_units_at_most) {
     const WideText name = TEXT("Global\\") + WideText(253, 'x');
     EXPECT_TRUE(AutoEvent(name));
-    EXPECT_EQ(ERROR_FILENAME_EXCED_RANGE, ErrorOf([&] { return bool(AutoEvent(name + TEXT("x"))); }));
+    EXPECT_REFUSED(ERROR_FILENAME_EXCED_RANGE, AutoEvent(name + TEXT("x")));
 }
 
 TEST(Sections, What_is_not_honoured_is_refused) {
     const auto create = [](HANDLE file, DWORD protection, DWORD high, DWORD low) {
         return ErrorOf(
-            [&] { return bool(Handle(CreateFileMappingW(file, nullptr, protection, high, low, nullptr))); });
+            [&] { return Handle(CreateFileMappingW(file, nullptr, protection, high, low, nullptr)); });
     };
     int file = 0;
     EXPECT_EQ(ERROR_NOT_SUPPORTED, create(&file, PAGE_READWRITE, 0, 100));
@@ -123,7 +118,7 @@ TEST(Sections, What_is_not_honoured_is_refused) {
     EXPECT_NE(ERROR_INVALID_PARAMETER, create(INVALID_HANDLE_VALUE, PAGE_READWRITE, 1, 0));
     EXPECT_EQ(ERROR_INVALID_PARAMETER, create(INVALID_HANDLE_VALUE, PAGE_READWRITE, 1, 1));
     const Handle section = Section(100);
-    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf([&] { return MapViewOfFile(section.Get(), 0, 0, 0, 0); }));
+    EXPECT_REFUSED(ERROR_ACCESS_DENIED, View(section, 0));
 }
 
 // What failed before tells nothing of a call that succeeds.

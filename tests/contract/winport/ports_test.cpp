@@ -4,11 +4,6 @@
 #include <tcpxcv.h>
 #include <winspool.h>
 
-#include <algorithm>
-#include <functional>
-#include <utility>
-#include <vector>
-
 #include "registry_value.h"
 #include "spooler.h"
 
@@ -61,7 +56,7 @@ TEST(Ports, A_right_that_no_printer_and_no_server_has_is_refused_with_5) {
     for (const DWORD access : {0x40u, 0x100u, 0x02000000u, 0x10000000u, 0x80000000u}) {
         HANDLE server = nullptr;
         PRINTER_DEFAULTSW defaults = {nullptr, nullptr, access};
-        EXPECT_EQ(ErrorOf([&] { return OpenPrinterW(nullptr, &server, &defaults); }), ERROR_ACCESS_DENIED);
+        EXPECT_REFUSED(ERROR_ACCESS_DENIED, OpenPrinterW(nullptr, &server, &defaults));
     }
 }
 
@@ -78,13 +73,7 @@ TEST(Ports, A_network_port_is_added_once_and_kept) {
 }
 
 TEST_F(Spooler, A_driver_of_another_machine_is_kept_with_its_version) {
-    DRIVER_INFO_3W driver = {};
-    driver.cVersion = 3;
-    driver.pName = Writable(TEXT("Elsewhere"));
-    driver.pEnvironment = Writable(TEXT("linux arm64"));
-    driver.pDriverPath = driver.pDataFile = driver.pConfigFile = Writable(TEXT("x"));
-    EXPECT_TRUE(AddPrinterDriverExW(nullptr, 3, reinterpret_cast<LPBYTE>(&driver),
-                                    APD_COPY_NEW_FILES | APD_COPY_FROM_DIRECTORY));
+    InstallDriver(TEXT("Elsewhere"), TEXT("linux arm64"));
     EXPECT_EQ(RegistryNumber(HKEY_LOCAL_MACHINE,
                              kPrint + TEXT("Environments\\Linux ARM64\\Drivers\\Version-3\\Elsewhere"),
                              TEXT("Version")),
@@ -107,9 +96,9 @@ TEST_F(Spooler, What_a_hand_spoiled_in_the_registry_is_read_as_if_it_were_not_th
     EXPECT_EQ(RegDeleteValueW(key, TEXT("Priority")), 0);
     RegCloseKey(key);
     const Record record = Read(printer);
-    EXPECT_EQ(WideText((*record).pComment), TEXT("ab"));
-    EXPECT_EQ(WideText((*record).pLocation) + (*record).pParameters, WideText());
-    EXPECT_EQ((*record).Attributes | (*record).StartTime | (*record).Priority, 0u);
+    EXPECT_EQ(WideText(record->pComment), TEXT("ab"));
+    EXPECT_EQ(WideText(record->pLocation) + record->pParameters, WideText());
+    EXPECT_EQ(record->Attributes | record->StartTime | record->Priority, 0u);
 }
 
 TEST(Ports, What_describes_no_port_is_refused_by_the_status) {
@@ -136,8 +125,7 @@ TEST(Ports, What_describes_no_port_is_refused_by_the_status) {
     ClosePrinter(monitor);
     DWORD needed = 0;
     DWORD status = 0;
-    EXPECT_EQ(
-        ErrorOf([&] { return XcvDataW(monitor, TEXT("AddPort"), nullptr, 0, nullptr, 0, &needed, &status); }),
-        ERROR_INVALID_HANDLE);
+    EXPECT_REFUSED(ERROR_INVALID_HANDLE,
+                   XcvDataW(monitor, TEXT("AddPort"), nullptr, 0, nullptr, 0, &needed, &status));
     EXPECT_EQ(PortNames(), before) << "a refused port was kept";
 }

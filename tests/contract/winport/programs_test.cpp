@@ -8,7 +8,6 @@
 #include <wtsapi32.h>
 
 #include <cerrno>
-#include <filesystem>
 #include <iterator>
 
 #include "forked.h"
@@ -22,7 +21,8 @@ namespace fs = std::filesystem;
 class FoundPrograms : public testing::Test {
   protected:
     void MakeProgram(const WideText& name, const std::string& body, mode_t mode = 0700) {
-        ::chmod(fs::path(folder_.WriteFile(name, body)).c_str(), mode);
+        folder_.WriteFile(name, body);
+        ::chmod(folder_.Host(name).c_str(), mode);
     }
 
     // The last-error value of the start; 0 once the program has ended well.
@@ -38,12 +38,18 @@ class FoundPrograms : public testing::Test {
     }
 
     std::string Output() {
-        std::ifstream file(fs::path(folder_.Path(TEXT("out"))));
+        std::ifstream file(folder_.Host(TEXT("out")));
         return std::string(std::istreambuf_iterator<char>(file), {});
     }
 
     TempFolder folder_;
 };
+
+Handle UserToken() {
+    HANDLE token = nullptr;
+    EXPECT_TRUE(WTSQueryUserToken(WTSGetActiveConsoleSessionId(), &token));
+    return Handle(token);
+}
 
 TEST_F(FoundPrograms, Arguments_arrive_as_the_run_time_of_Windows_takes_them_apart) {
     MakeProgram(TEXT("show.exe"), "#!/bin/sh\nprintf '[%s]' \"$@\" > out\n");
@@ -98,36 +104,32 @@ TEST_F(FoundPrograms, What_cannot_be_run_is_refused_at_once) {
     MakeProgram(TEXT("locked"), "#!/bin/sh\n", 0600);
     MakeProgram(TEXT("text"), "not a program\n");
     MakeProgram(TEXT("fine"), "#!/bin/sh\nkill -9 $$\n");
+    WideText line = folder_.Path(TEXT("fine"));
     EXPECT_EQ(Run(folder_.Path(TEXT("locked"))), static_cast<DWORD>(ERROR_ACCESS_DENIED));
     EXPECT_EQ(Run(folder_.Path(TEXT("text"))), static_cast<DWORD>(ERROR_BAD_EXE_FORMAT));
-    EXPECT_EQ(Run(folder_.Path(TEXT("fine")), 0x4), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
-    EXPECT_EQ(Run(folder_.Path(TEXT("fine"))), 128u + 9u);
+    EXPECT_EQ(Run(line, 0x4), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(Run(line), 128u + 9u);
 
-    WideText line = folder_.Path(TEXT("fine"));
     STARTUPINFOW startup = {};
     PROCESS_INFORMATION info = {};
-    const auto create = [&](LPWSTR text, STARTUPINFOW* how, PROCESS_INFORMATION* program) {
-        return ErrorOf([&] {
-            return CreateProcessW(nullptr, text, nullptr, nullptr, FALSE, 0, nullptr, nullptr, how, program);
-        });
+    const auto create = [](LPWSTR text, STARTUPINFOW* how, PROCESS_INFORMATION* program) {
+        return CreateProcessW(nullptr, text, nullptr, nullptr, FALSE, 0, nullptr, nullptr, how, program);
     };
-    EXPECT_EQ(create(nullptr, &startup, &info), ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(create(line.data(), nullptr, &info), ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(create(line.data(), &startup, nullptr), ERROR_INVALID_PARAMETER);
+    EXPECT_REFUSED(ERROR_INVALID_PARAMETER, create(nullptr, &startup, &info));
+    EXPECT_REFUSED(ERROR_INVALID_PARAMETER, create(line.data(), nullptr, &info));
+    EXPECT_REFUSED(ERROR_INVALID_PARAMETER, create(line.data(), &startup, nullptr));
     // The last handle is for the process; there is none for its thread.
     std::vector<Handle> many;
     while (many.empty() || many.back())
         many.push_back(AutoEvent());
     many.resize(many.size() - 2);
-    EXPECT_EQ(create(line.data(), &startup, &info), ERROR_TOO_MANY_OPEN_FILES);
+    EXPECT_REFUSED(ERROR_TOO_MANY_OPEN_FILES, create(line.data(), &startup, &info));
     EXPECT_EQ(info.hProcess, nullptr);
     EXPECT_TRUE(AutoEvent()) << "it was not given back";
 }
 
 TEST_F(FoundPrograms, For_a_user_need_a_primary_token_with_three_rights) {
-    HANDLE opened = nullptr;
-    ASSERT_TRUE(WTSQueryUserToken(WTSGetActiveConsoleSessionId(), &opened));
-    const Handle token(opened);
+    const Handle token = UserToken();
     constexpr DWORD kRights[] = {TOKEN_QUERY, TOKEN_DUPLICATE, TOKEN_ASSIGN_PRIMARY};
     for (const DWORD missing : kRights) {
         HANDLE weak = nullptr;
@@ -137,11 +139,9 @@ TEST_F(FoundPrograms, For_a_user_need_a_primary_token_with_three_rights) {
         WideText line = TEXT("[ a = a ]");
         STARTUPINFOW startup = {};
         PROCESS_INFORMATION info = {&info, &info, 1, 1};
-        EXPECT_EQ(ErrorOf([&] {
-                      return CreateProcessAsUserW(weak, nullptr, line.data(), nullptr, nullptr, FALSE, 0,
-                                                  nullptr, nullptr, &startup, &info);
-                  }),
-                  ERROR_ACCESS_DENIED);
+        EXPECT_REFUSED(ERROR_ACCESS_DENIED,
+                       CreateProcessAsUserW(weak, nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                                            nullptr, &startup, &info));
         EXPECT_EQ(info.hProcess, nullptr);
     }
 }
@@ -181,13 +181,10 @@ TEST(Accounts, Are_named_as_in_the_list_of_accounts_or_else_by_their_number) {
 }
 
 TEST(Accounts, Unload_no_profile_but_their_own_and_need_a_place_for_an_environment) {
-    HANDLE opened = nullptr;
-    ASSERT_TRUE(WTSQueryUserToken(WTSGetActiveConsoleSessionId(), &opened));
-    const Handle token(opened);
+    const Handle token = UserToken();
     EXPECT_TRUE(UnloadUserProfile(token.Get(), HKEY_CURRENT_USER));
-    EXPECT_EQ(ErrorOf([&] { return UnloadUserProfile(token.Get(), HKEY_USERS); }), ERROR_INVALID_HANDLE);
-    EXPECT_EQ(ErrorOf([&] { return CreateEnvironmentBlock(nullptr, token.Get(), FALSE); }),
-              ERROR_INVALID_PARAMETER);
+    EXPECT_REFUSED(ERROR_INVALID_HANDLE, UnloadUserProfile(token.Get(), HKEY_USERS));
+    EXPECT_REFUSED(ERROR_INVALID_PARAMETER, CreateEnvironmentBlock(nullptr, token.Get(), FALSE));
 }
 
 // Nobody else runs anything as this account: it may have one process more, and a thread counts as one.
