@@ -8,8 +8,6 @@
 // "take" 3 once it has the mutex. That one sets the event "<mutex>Opened" before it waits.
 std::optional<int> RunAsChild(int argc, char** argv);
 
-inline constexpr DWORD kPatience = 10'000;
-
 inline WideText OwnCommand(const WideText& arguments) {
     WCHAR path[1024];
     GetModuleFileNameW(nullptr, path, 1024);

@@ -15,9 +15,9 @@ TEST(Files, Attributes_tell_files_from_folders_and_say_what_is_missing) {
     EXPECT_EQ(GetFileAttributesW(file.c_str()) & FILE_ATTRIBUTE_DIRECTORY, 0u);
     EXPECT_NE(GetFileAttributesW(folder.MakeFolder(TEXT("sub")).c_str()) & FILE_ATTRIBUTE_DIRECTORY, 0u);
     for (const bool writable : {false, true}) {
-        constexpr auto kWrite = std::filesystem::perms::owner_write;
-        using Options = std::filesystem::perm_options;
-        std::filesystem::permissions(file, kWrite, writable ? Options::add : Options::remove);
+        constexpr auto kWrite = fs::perms::owner_write;
+        using Options = fs::perm_options;
+        fs::permissions(file, kWrite, writable ? Options::add : Options::remove);
         EXPECT_EQ((GetFileAttributesW(file.c_str()) & FILE_ATTRIBUTE_READONLY) == 0, writable);
     }
 

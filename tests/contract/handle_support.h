@@ -11,8 +11,7 @@ class Handle final {
     Handle& operator=(Handle&&) = delete;
     ~Handle() { Close(); }
 
-    HANDLE Get() const { return handle_; }
-    explicit operator bool() const { return handle_ != nullptr; }
+    operator HANDLE() const { return handle_; }
     void Close() {
         if (handle_ != nullptr) CloseHandle(handle_);
         handle_ = nullptr;
@@ -41,7 +40,7 @@ inline Handle Section(DWORD size, const WideText& name = {}) {
 
 // Its bytes; null when it is not mapped.
 inline unsigned char* View(const Handle& section, DWORD access = FILE_MAP_ALL_ACCESS) {
-    return static_cast<unsigned char*>(MapViewOfFile(section.Get(), access, 0, 0, 0));
+    return static_cast<unsigned char*>(MapViewOfFile(section, access, 0, 0, 0));
 }
 
 // "Global\Contract<process>-<count><ending>"

@@ -11,15 +11,13 @@ class Profile : public testing::Test {
     const TempFolder folder_;
 };
 
-std::vector<WideText> Lines(const WideText& path, const WCHAR* section) {
-    WCHAR buffer[kSectionCapacity];
-    std::fill(std::begin(buffer), std::end(buffer), WCHAR('#'));
-    const DWORD count = GetPrivateProfileSectionW(section, buffer, kSectionCapacity, path.c_str());
-    std::vector<WideText> lines;
-    const WCHAR* line = buffer;
-    for (; *line != 0; line += lines.back().size() + 1)
-        lines.emplace_back(line);
-    EXPECT_EQ(count, static_cast<DWORD>(line - buffer));
+// Each with a bar behind it.
+WideText Lines(const WideText& path, const WCHAR* section) {
+    std::vector<WCHAR> buffer(kSectionCapacity, WCHAR('#'));
+    const DWORD count = GetPrivateProfileSectionW(section, buffer.data(), kSectionCapacity, path.c_str());
+    EXPECT_EQ(buffer[count], WCHAR(0));
+    WideText lines(buffer.data(), count);
+    std::replace(lines.begin(), lines.end(), WCHAR(0), WCHAR('|'));
     return lines;
 }
 
@@ -61,22 +59,10 @@ constexpr char kFile[] =
 
 TEST_F(Profile, A_section_is_its_lines_without_blanks_and_comments) {
     const WideText path = Write(kFile);
-    const std::vector<WideText> expected = {TEXT("Driver One"),
-                                            TEXT("k2=v2"),
-                                            TEXT("=x"),
-                                            TEXT("k3="),
-                                            TEXT("k2=second"),
-                                            TEXT("[NoClose"),
-                                            TEXT("quoted=\" a \""),
-                                            TEXT("single='s'"),
-                                            TEXT("open=\"half"),
-                                            TEXT("inner=a \"b\" c"),
-                                            TEXT("note=text;rest"),
-                                            TEXT("#hash=yes"),
-                                            TEXT("empty=\"\""),
-                                            TEXT("bare")};
-    EXPECT_EQ(Lines(path, TEXT("printers")), expected);
-    EXPECT_EQ(Lines(path, TEXT("Spaced")), std::vector<WideText>{TEXT("s=1")});
+    EXPECT_EQ(Lines(path, TEXT("printers")),
+              TEXT("Driver One|k2=v2|=x|k3=|k2=second|[NoClose|quoted=\" a \"|single='s'|open=\"half|")
+                  TEXT("inner=a \"b\" c|note=text;rest|#hash=yes|empty=\"\"|bare|"));
+    EXPECT_EQ(Lines(path, TEXT("Spaced")), TEXT("s=1|"));
 }
 
 TEST_F(Profile, A_missing_or_empty_section_has_no_lines_and_is_no_error) {
@@ -129,26 +115,19 @@ TEST_F(Profile, Every_line_ending_and_byte_order_mark_is_read) {
         const WideText path = Write(bytes);
         EXPECT_EQ(Value(path, TEXT("S"), TEXT("k")), TEXT("v"));
         EXPECT_EQ(Value(path, TEXT("S"), TEXT("l")), TEXT("\u00E9"));
-        EXPECT_EQ(Lines(path, TEXT("S")).size(), 2u);
+        EXPECT_EQ(Lines(path, TEXT("S")), TEXT("k=v|l=\u00E9|"));
     }
 }
 
 TEST_F(Profile, Keys_and_values_end_at_a_NUL_and_a_file_may_end_in_one) {
     using namespace std::string_view_literals;
-    const struct {
-        std::string_view rest;
-        std::vector<WideText> lines;
-    } rows[] = {
-        {"\0"sv, {TEXT("k=1")}},
-        {"\0\0"sv, {TEXT("k=1")}},
-        {"\x1A"sv, {TEXT("k=1")}},
-        {"l=2\0x\nm=3\n"sv, {TEXT("k=1"), TEXT("l=2"), TEXT("m=3")}},
-        {"\0l=2\n"sv, {TEXT("k=1"), TEXT("=2")}},
+    const std::pair<std::string_view, const WCHAR*> rows[] = {
+        {"\0"sv, TEXT("k=1|")},         {"\0\0"sv, TEXT("k=1|")},
+        {"\x1A"sv, TEXT("k=1|")},       {"l=2\0x\nm=3\n"sv, TEXT("k=1|l=2|m=3|")},
+        {"\0l=2\n"sv, TEXT("k=1|=2|")},
     };
-    for (const auto& row : rows) {
-        const WideText path = Write(std::string("[S]\nk=1\n").append(row.rest));
-        EXPECT_EQ(Lines(path, TEXT("S")), row.lines);
-    }
+    for (const auto& [rest, lines] : rows)
+        EXPECT_EQ(Lines(Write(std::string("[S]\nk=1\n").append(rest)), TEXT("S")), lines);
 }
 
 TEST_F(Profile, A_list_that_does_not_fit_is_cut_inside_a_line_and_doubly_terminated) {

@@ -49,7 +49,7 @@ class Program final {
     }
     [[nodiscard]] DWORD Id() const { return info_.dwProcessId; }
     DWORD WaitForExitCode() const {
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(info_.hProcess, 10'000));
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(info_.hProcess, kPatience));
         return ExitCode();
     }
 

@@ -31,8 +31,8 @@ TEST(Programs, Run_to_their_exit_code_and_can_be_waited_for_among_others) {
     ASSERT_TRUE(program.Started()) << program.Error();
     EXPECT_EQ(program.ExitCode(), STILL_ACTIVE);
     EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(program.Process(), 50));
-    SetEvent(event.Get());
-    const HANDLE all[] = {program.Process(), event.Get(), program.Thread()};
+    SetEvent(event);
+    const HANDLE all[] = {program.Process(), event, program.Thread()};
     EXPECT_EQ(WAIT_OBJECT_0, WaitForMultipleObjects(3, all, TRUE, kPatience));
     EXPECT_EQ(program.ExitCode(), 3u);
 }
@@ -43,7 +43,7 @@ TEST(Programs, Find_an_object_by_its_local_name_with_the_prefix_and_without) {
     for (const auto& [mine, theirs] : {std::pair{plain, local}, {local, plain}}) {
         const Handle event = ManualEvent(mine);
         const Program program(OwnCommand(TEXT("wait ") + theirs));
-        SetEvent(event.Get());
+        SetEvent(event);
         EXPECT_EQ(program.WaitForExitCode(), 3u);
     }
 }
@@ -72,8 +72,8 @@ TEST(Programs, Started_as_the_user_see_the_users_environment_instead_of_the_call
     const WideText ask = OwnCommand(TEXT("has KESTREL_CONTRACT_OWN"));
     EXPECT_EQ(Program(ask).WaitForExitCode(), 1u);
     const Handle token = OwnToken();
-    EXPECT_EQ(Program(ask, token.Get()).WaitForExitCode(), 0u);
-    EXPECT_EQ(Program(OwnCommand(TEXT("has PATH")), token.Get()).WaitForExitCode(), 1u);
+    EXPECT_EQ(Program(ask, token).WaitForExitCode(), 0u);
+    EXPECT_EQ(Program(OwnCommand(TEXT("has PATH")), token).WaitForExitCode(), 1u);
     HANDLE console = nullptr;
     ASSERT_TRUE(WTSQueryUserToken(WTSGetActiveConsoleSessionId(), &console));
     const Handle closing(console);
@@ -93,7 +93,7 @@ TEST(Accounts, A_thread_has_a_token_only_while_it_impersonates) {
     PROFILEINFOW profile = {};
     profile.dwSize = sizeof profile;
     profile.lpUserName = user;
-    EXPECT_TRUE(LoadUserProfileW(own.Get(), &profile));
+    EXPECT_TRUE(LoadUserProfileW(own, &profile));
     EXPECT_NE(profile.hProfile, nullptr);
-    UnloadUserProfile(own.Get(), profile.hProfile);
+    UnloadUserProfile(own, profile.hProfile);
 }

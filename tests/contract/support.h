@@ -7,8 +7,13 @@
 
 #include "precompiled.h"
 
+namespace fs = std::filesystem;
+
 using WideText = std::basic_string<WCHAR>;
 using WideView = std::basic_string_view<WCHAR>;
+
+// Milliseconds: a loaded machine wakes threads late, never early.
+inline constexpr DWORD kPatience = 10'000;
 
 // The calls take writable pointers for texts that they only read.
 inline LPWSTR Writable(const WCHAR* text) {
@@ -32,17 +37,17 @@ class TempFolder final {
         static std::atomic<int> count{0};
         const std::string name =
             "contract-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count);
-        folder_ = std::filesystem::temp_directory_path() / name;
-        std::filesystem::create_directories(folder_);
+        folder_ = fs::temp_directory_path() / name;
+        fs::create_directories(folder_);
     }
     ~TempFolder() {
         std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
+        fs::remove_all(folder_, ignored);
     }
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
-    std::filesystem::path Host(WideView name) const { return folder_ / std::filesystem::path(name); }
+    fs::path Host(WideView name) const { return folder_ / fs::path(name); }
     WideText Path(WideView name) const { return Host(name).string<WCHAR>(); }
 
     WideText WriteFile(WideView name, std::string_view bytes) const {
@@ -51,10 +56,10 @@ class TempFolder final {
     }
 
     WideText MakeFolder(WideView name) const {
-        std::filesystem::create_directories(Host(name));
+        fs::create_directories(Host(name));
         return Path(name);
     }
 
   private:
-    std::filesystem::path folder_;
+    fs::path folder_;
 };

@@ -13,12 +13,12 @@ using winport::kEventSleepers;
 // Two events, and a wait for any of them.
 class TwoEvents final {
   public:
-    HANDLE First() const { return first_.Get(); }
-    HANDLE Second() const { return second_.Get(); }
+    HANDLE First() const { return first_; }
+    HANDLE Second() const { return second_; }
     winport::ObjectPage& SecondPage() { return *page_.operator->(); }
 
     DWORD Wait(DWORD milliseconds = kPatience) const {
-        const HANDLE both[] = {first_.Get(), second_.Get()};
+        const HANDLE both[] = {first_, second_};
         return WaitForMultipleObjects(2, both, FALSE, milliseconds);
     }
     // Of the second event: who sleeps has said so.
@@ -56,12 +56,12 @@ TEST(Bells, Ring_for_a_sleeper_of_another_process_whichever_event_is_set) {
         for (int i = 0; i < kRounds; ++i) {
             if (asked.Wait() != WAIT_OBJECT_0 + i % 2) return 1;
             if (i % 3 == 0) std::this_thread::yield();
-            SetEvent(answer.Get());
+            SetEvent(answer);
         }
         return 0;
     });
     const Handle never = AutoEvent();
-    const HANDLE both[] = {never.Get(), answer.Get()};
+    const HANDLE both[] = {never, answer};
     ExpectQuick(kRounds, kRounds / 300, [&](int round) {
         SetEvent(round % 2 == 0 ? asked.First() : asked.Second());
         EXPECT_EQ(WAIT_OBJECT_0 + 1, WaitForMultipleObjects(2, both, FALSE, kPatience));

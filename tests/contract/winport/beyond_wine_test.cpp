@@ -7,7 +7,7 @@ namespace {
 
 TEST(Waits, For_all_of_one_object_twice_is_refused_with_87) {
     const Handle event = AutoEvent(FreshName());
-    const HANDLE twice[] = {event.Get(), event.Get()};
+    const HANDLE twice[] = {event, event};
     EXPECT_REFUSED(87, WaitForMultipleObjects(2, twice, TRUE, 0) != WAIT_FAILED);
 }
 

@@ -4,8 +4,6 @@
 
 namespace {
 
-namespace fs = std::filesystem;
-
 struct Naming final {
     const char* file;
     std::vector<const char*> links;  // each to the file

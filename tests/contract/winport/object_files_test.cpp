@@ -11,8 +11,6 @@
 
 namespace {
 
-namespace fs = std::filesystem;
-
 fs::path KernelFolder() {
     AutoEvent(FreshName());  // makes the folder
     return fs::path(std::getenv("WINPORT_HOME")) / "kernel";
@@ -126,8 +124,8 @@ TEST(Mutexes, Are_taken_after_a_call_that_a_signal_interrupted) {
     const Handle mutex = Mutex(FreshName());
     std::jthread([&] {
         errno = EINTR;
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex.Get(), 0));
-        EXPECT_TRUE(ReleaseMutex(mutex.Get()));
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex, 0));
+        EXPECT_TRUE(ReleaseMutex(mutex));
     });
 }
 
@@ -135,14 +133,14 @@ TEST(Mutexes, Are_taken_after_a_call_that_a_signal_interrupted) {
 TEST(Mutexes, Taken_while_a_thread_ends_are_abandoned_too) {
     static const Handle mutex = Mutex();
     pthread_key_t key;
-    ASSERT_EQ(0, ::pthread_key_create(&key, [](void*) { WaitForSingleObject(mutex.Get(), 0); }));
+    ASSERT_EQ(0, ::pthread_key_create(&key, [](void*) { WaitForSingleObject(mutex, 0); }));
     std::jthread([&] {
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex.Get(), 0));
-        ReleaseMutex(mutex.Get());
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex, 0));
+        ReleaseMutex(mutex);
         ::pthread_setspecific(key, &key);
     });
-    EXPECT_EQ(WAIT_ABANDONED, WaitForSingleObject(mutex.Get(), 0));
-    ReleaseMutex(mutex.Get());
+    EXPECT_EQ(WAIT_ABANDONED, WaitForSingleObject(mutex, 0));
+    ReleaseMutex(mutex);
     ::pthread_key_delete(key);
 }
 
@@ -150,16 +148,16 @@ TEST(Object_files, A_forked_child_shares_the_objects_and_keeps_them_alive) {
     const WideText name = FreshName();
     Handle event = ManualEvent(name);
     const Handle mutex = Mutex(FreshName());
-    WaitForSingleObject(mutex.Get(), 0);
+    WaitForSingleObject(mutex, 0);
     Forked child([&] {
-        const bool owns = ReleaseMutex(mutex.Get()) != FALSE;
-        const bool waited = WaitForSingleObject(event.Get(), 5000) == WAIT_OBJECT_0;
+        const bool owns = ReleaseMutex(mutex) != FALSE;
+        const bool waited = WaitForSingleObject(event, 5000) == WAIT_OBJECT_0;
         const Handle own = AutoEvent(FreshName());
         return !owns && waited && own ? 0 : 1;
     });
-    SetEvent(event.Get());
+    SetEvent(event);
     EXPECT_EQ(0, child.Wait());
-    EXPECT_TRUE(ReleaseMutex(mutex.Get()));
+    EXPECT_TRUE(ReleaseMutex(mutex));
 }
 
 }  // namespace

@@ -16,8 +16,6 @@
 
 namespace {
 
-namespace fs = std::filesystem;
-
 class FoundPrograms : public testing::Test {
   protected:
     void MakeProgram(const WideText& name, const std::string& body, mode_t mode = 0700) {
@@ -30,7 +28,7 @@ class FoundPrograms : public testing::Test {
         const Program program(commandLine, nullptr, flags, folder_.Path(TEXT(".")).c_str());
         if (!program.Started()) return program.Error();
         EXPECT_EQ(WaitForInputIdle(program.Process(), 0), 0u);
-        EXPECT_EQ(WaitForSingleObject(program.Thread(), 10'000), WAIT_OBJECT_0);
+        EXPECT_EQ(WaitForSingleObject(program.Thread(), kPatience), WAIT_OBJECT_0);
         // Nothing is left of it in the process table.
         EXPECT_EQ(::waitpid(static_cast<pid_t>(program.Id()), nullptr, WNOHANG), -1);
         EXPECT_EQ(errno, ECHILD);
@@ -133,7 +131,7 @@ TEST_F(FoundPrograms, For_a_user_need_a_primary_token_with_three_rights) {
     constexpr DWORD kRights[] = {TOKEN_QUERY, TOKEN_DUPLICATE, TOKEN_ASSIGN_PRIMARY};
     for (const DWORD missing : kRights) {
         HANDLE weak = nullptr;
-        ASSERT_TRUE(DuplicateTokenEx(token.Get(), (kRights[0] | kRights[1] | kRights[2]) & ~missing, nullptr,
+        ASSERT_TRUE(DuplicateTokenEx(token, (kRights[0] | kRights[1] | kRights[2]) & ~missing, nullptr,
                                      SecurityImpersonation, TokenPrimary, &weak));
         const Handle closing(weak);
         WideText line = TEXT("[ a = a ]");
@@ -182,9 +180,9 @@ TEST(Accounts, Are_named_as_in_the_list_of_accounts_or_else_by_their_number) {
 
 TEST(Accounts, Unload_no_profile_but_their_own_and_need_a_place_for_an_environment) {
     const Handle token = UserToken();
-    EXPECT_TRUE(UnloadUserProfile(token.Get(), HKEY_CURRENT_USER));
-    EXPECT_REFUSED(ERROR_INVALID_HANDLE, UnloadUserProfile(token.Get(), HKEY_USERS));
-    EXPECT_REFUSED(ERROR_INVALID_PARAMETER, CreateEnvironmentBlock(nullptr, token.Get(), FALSE));
+    EXPECT_TRUE(UnloadUserProfile(token, HKEY_CURRENT_USER));
+    EXPECT_REFUSED(ERROR_INVALID_HANDLE, UnloadUserProfile(token, HKEY_USERS));
+    EXPECT_REFUSED(ERROR_INVALID_PARAMETER, CreateEnvironmentBlock(nullptr, token, FALSE));
 }
 
 // Nobody else runs anything as this account: it may have one process more, and a thread counts as one.
@@ -192,7 +190,7 @@ TEST_F(FoundPrograms, One_that_nobody_could_watch_is_ended_and_leaves_no_corpse)
     if (::geteuid() != 0) GTEST_SKIP() << "only root can become another account";
     constexpr uid_t kUnused = 64'323;
     EXPECT_TRUE(HoldsInChild([] {
-        const std::filesystem::directory_iterator threads("/proc/self/task");  // a sanitizer has its own
+        const fs::directory_iterator threads("/proc/self/task");  // a sanitizer has its own
         const rlim_t most = std::distance(threads, {}) + 1;
         const rlimit limit = {most, most};
         if (::setresuid(kUnused, kUnused, kUnused) != 0 || ::setrlimit(RLIMIT_NPROC, &limit) != 0)

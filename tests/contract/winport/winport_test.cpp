@@ -19,8 +19,6 @@
 
 namespace {
 
-namespace fs = std::filesystem;
-
 // In an environment with this home alone.
 ChildProcess StartProbe(const char* command, const fs::path& home, const char* variable = "WINPORT_HOME") {
     return ChildProcess(
@@ -300,14 +298,6 @@ TEST(Handles, Of_keys_or_printers_are_four_million_at_most_and_a_closed_one_make
     EXPECT_EQ(table.Add('x'), 0u);
     EXPECT_TRUE(table.Remove(last));
     EXPECT_NE(table.Add('x'), 0u);
-}
-
-TEST_F(Differences, A_text_that_looks_like_another_is_not_turned_into_it) {
-    for (const WCHAR* text : {TEXT("\u0100"), TEXT("\uFF21"), TEXT("\u2212"), TEXT("\u03B1")}) {
-        char buffer[2] = {};
-        EXPECT_EQ(WideCharToMultiByte(CP_ACP, 0, text, -1, buffer, 2, nullptr, nullptr), 2);
-        EXPECT_STREQ(buffer, "?");
-    }
 }
 
 TEST_F(Differences, A_UTF8_mark_is_ANSI_text_and_hides_the_first_section) {
