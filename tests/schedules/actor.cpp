@@ -76,8 +76,8 @@ uint64_t State() {
         hash = Mixed(hash, object.openers << 8 | (object.owner & 0x7F) << 1 | (object.isSet ? 1 : 0));
     for (size_t section = 0; section < 2; ++section)
         hash = Mixed(hash, BlockState(section));
-    hash = Mixed(hash, c.schedule.switches << 24 | c.schedule.kills << 16 | c.schedule.timeouts << 8 |
-                           c.schedule.choices);
+    for (const int spent : c.schedule.spent)
+        hash = Mixed(hash, static_cast<uint64_t>(spent));
     return hash | 1;
 }
 
@@ -129,19 +129,19 @@ void Carry(const Decision& decision) {
     }
 }
 
-void NotePoint(bool isBlocked) {
+void NoteOptions(bool isBlocked) {
     Control& c = *control;
-    if (c.points == kMaxPoints) End(Verdict::Endless);
-    Point& point = c.trace[c.points++];
-    point = {c.point, static_cast<uint8_t>(self), 0, 0, 0, isBlocked};
+    const auto note = [&](Kind kind, uint32_t actor) {
+        if (c.optionCount == kMaxPoints) End(Verdict::Endless);
+        c.options[c.optionCount++] = {{c.point, kind, static_cast<uint8_t>(actor)}, isBlocked};
+    };
     for (uint32_t actor = 0; actor < kActors; ++actor) {
         if (c.fates[actor] != Fate::Running) continue;
-        const auto bit = static_cast<uint8_t>(1u << actor);
         const Waiting& waiting = c.waitings[actor];
         const bool canRun = CanRun(c, actor);
-        if (canRun) point.canRun |= bit;
-        if (waiting.waits) point.isWaiting |= bit;
-        if (!canRun && waiting.deadline != kNever) point.canTimeOut |= bit;
+        if (canRun && actor != self) note(Kind::Switch, actor);
+        if (waiting.waits || actor == self) note(Kind::Kill, actor);
+        if (!canRun && waiting.deadline != kNever) note(Kind::Timeout, actor);
     }
 }
 
@@ -157,7 +157,7 @@ void Come(const char* place, bool isBlocked = false) {
     CopyBlocks();
     c.places[self] = place;
     const uint32_t number = ++c.point;
-    if (number > kMaxPoints * 4) End(Verdict::Endless);
+    if (number > kMaxPoints) End(Verdict::Endless);
     const bool decides =
         c.nextDecision < c.schedule.count && c.schedule.decisions[c.nextDecision].point == number;
     if (c.prints)
@@ -171,7 +171,7 @@ void Come(const char* place, bool isBlocked = false) {
     if (state == c.lastState) return;
     c.lastState = state;
     if (c.checksVisited && !NoteState(state)) End(Verdict::Pruned);
-    NotePoint(isBlocked);
+    NoteOptions(isBlocked);
 }
 
 // Waits until one of the objects is to be had or the time is over; false then.

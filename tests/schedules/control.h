@@ -18,7 +18,7 @@ inline constexpr uint32_t kNobody = ~0u;
 inline constexpr uint64_t kNever = ~uint64_t{0};
 inline constexpr size_t kBlockBytes = 32;  // of a section: the header, and more than any text here is long
 inline constexpr size_t kMaxDecisions = 6;
-inline constexpr size_t kMaxPoints = 4096;
+inline constexpr size_t kMaxPoints = 16'384;
 inline constexpr uint32_t kExchanges = 2;  // of each client
 inline constexpr uint32_t kFreshAttempts = 6;
 inline constexpr uint32_t kTimeoutMs = 250;
@@ -32,22 +32,21 @@ struct Decision {
     uint8_t actor;
 };
 
+// Decisions of each kind, and behind them the choices: switches to another than the next in turn where an
+// actor had to wait. All others are forced, away from an actor that could go on.
+using Spent = std::array<int, 4>;
+inline constexpr size_t kChoices = 3;
+
 struct Schedule {
     uint32_t count;
     std::array<Decision, kMaxDecisions> decisions;
-    // Forced switches, which are those away from an actor that could go on;
-    // and, free of these, choices of another than the next in turn where an actor had to wait.
-    uint8_t switches, kills, timeouts, choices;
+    Spent spent;
 };
 
-// What could be decided at a point.
-struct Point {
-    uint32_t number;
-    uint8_t actor;
-    uint8_t canRun;
-    uint8_t canTimeOut;
-    uint8_t isWaiting;  // bit of each actor that waits
-    bool isBlocked;     // the actor itself
+// What could have been decided.
+struct Option {
+    Decision decision;
+    bool isBlocked;  // the actor that came there
 };
 
 enum class Fate : uint32_t { NotStarted, Running, Finished, Killed };
@@ -92,8 +91,8 @@ struct Progress {
     Schedule schedule;
     uint32_t nextDecision;
     uint64_t lastState;
-    uint32_t points;
-    std::array<Point, kMaxPoints> trace;
+    uint32_t optionCount;
+    std::array<Option, kMaxPoints> options;
     std::array<const char*, kActors> places;
     char mismatch[128];
 };

@@ -31,7 +31,8 @@ constexpr std::array<uint32_t, 5> kDocumentedErrors = {0, 1460, 735, 32, 995};
 constexpr std::array<const char*, 3> kKindNames = {"switch", "kill", "timeout"};
 
 struct Bounds {
-    int switches = 1, kills = 1, timeouts = 1, choices = 1, actions = 6;
+    Spent most = {1, 1, 1, 1};
+    int actions = 6;
     bool opening = false, merge = false, listsLate = false;
     double seconds = 1e9;
     std::optional<std::string> replay;
@@ -97,6 +98,14 @@ class Runner final {
     }
 
     [[nodiscard]] const Control& Seen() const { return control_; }
+    // Of the fresh client until it was served; more than it has when it never was.
+    [[nodiscard]] uint32_t Attempts() const {
+        const auto& all = control_.exchanges[kFresh];
+        uint32_t number = 0;
+        while (number < all.size() && all[number].got != static_cast<int32_t>(number))
+            ++number;
+        return number + 1;
+    }
     [[nodiscard]] uint64_t States() const { return control_.states->load(); }
 
   private:
@@ -202,8 +211,7 @@ class Runner final {
                 if (exchange.endedAt == 0) continue;
                 const std::string who =
                     std::string(kActorNames[actor]) + "'s exchange " + std::to_string(number);
-                if (std::find(kDocumentedErrors.begin(), kDocumentedErrors.end(), exchange.error) ==
-                    kDocumentedErrors.end())
+                if (std::ranges::count(kDocumentedErrors, exchange.error) == 0)
                     return who + " ended with " + std::to_string(exchange.error);
                 if (exchange.got == -2) return who + " got what nobody sent it";
                 if (exchange.got == -3 || (exchange.got == -1 && exchange.error == 0))
@@ -221,7 +229,8 @@ class Runner final {
     [[nodiscard]] bool IsForced(uint32_t actor, const Exchange& exchange) const {
         const Exchange& other = control_.exchanges[actor][static_cast<size_t>(exchange.got)];
         return &other < &exchange && other.got == -1 && other.error != 0 && other.servedAt != 0 &&
-               other.endedAt <= exchange.posted;
+               other.endedAt <= exchange.posted &&
+               (other.answeredAt == 0 || other.answeredAt > exchange.posted);
     }
 
     std::string ServeFreshClient() {
@@ -237,9 +246,7 @@ class Runner final {
         Wake(c, c.running);
         if (!AwaitActors()) return "the fresh client or its server ended or hung: " + Places();
         if (c.verdict != Verdict::Over) return "the fresh client waits for ever: " + Places();
-        for (const Exchange& exchange : c.exchanges[kFresh])
-            if (exchange.got == &exchange - c.exchanges[kFresh].data()) return {};
-        return "the fresh client was not served";
+        return Attempts() <= kFreshAttempts ? "" : "the fresh client was not served";
     }
 
     const Bounds& bounds_;
@@ -279,34 +286,14 @@ class Explorer final {
   private:
     void AddFollowers(const Schedule& schedule) {
         if (schedule.count == kMaxDecisions || static_cast<int>(schedule.count) >= bounds_.actions) return;
-        const Control& seen = runner_.Seen();
-        for (uint32_t i = 0; i < seen.points; ++i) {
-            const Point& point = seen.trace[i];
-            for (uint8_t actor = 0; actor < kActors; ++actor) {
-                const auto isIn = [&](uint8_t mask) { return (mask & 1u << actor) != 0; };
-                const bool isSelf = actor == point.actor;
-                if (isIn(point.canRun) && !isSelf) Add(schedule, point, Kind::Switch, actor);
-                if (isSelf || isIn(point.isWaiting)) Add(schedule, point, Kind::Kill, actor);
-                if (isIn(point.canTimeOut)) Add(schedule, point, Kind::Timeout, actor);
-            }
+        for (uint32_t i = 0; i < runner_.Seen().optionCount; ++i) {
+            const auto& [decision, isBlocked] = runner_.Seen().options[i];
+            const bool isChoice = decision.kind == Kind::Switch && isBlocked;
+            const size_t what = isChoice ? kChoices : static_cast<size_t>(decision.kind);
+            Schedule next = schedule;
+            next.decisions[next.count++] = decision;
+            if (++next.spent[what] <= bounds_.most[what]) open_.push_back(next);
         }
-    }
-
-    void Add(Schedule schedule, const Point& point, Kind kind, uint8_t actor) {
-        schedule.decisions[schedule.count++] = {point.number, kind, actor};
-        switch (kind) {
-            case Kind::Switch:
-                ++(point.isBlocked ? schedule.choices : schedule.switches);
-                break;
-            case Kind::Kill:
-                ++schedule.kills;
-                break;
-            case Kind::Timeout:
-                ++schedule.timeouts;
-        }
-        if (schedule.switches <= bounds_.switches && schedule.kills <= bounds_.kills &&
-            schedule.timeouts <= bounds_.timeouts && schedule.choices <= bounds_.choices)
-            open_.push_back(schedule);
     }
 
     void Note(const Schedule& schedule) {
@@ -314,23 +301,14 @@ class Explorer final {
         for (const uint32_t actor : {kClientA, kClientB})
             for (uint32_t number = 0; number < kExchanges; ++number) {
                 const Exchange& exchange = seen.exchanges[actor][number];
-                if (exchange.endedAt != 0) ++outcomes_[exchange.error];
-                if (exchange.endedAt == 0 || exchange.got < 0 || exchange.got == static_cast<int32_t>(number))
-                    continue;
-                const Exchange& other = seen.exchanges[actor][static_cast<size_t>(exchange.got)];
-                const char* const answered = other.answeredAt == 0 || other.answeredAt > exchange.posted
-                                                 ? "answered after the next was begun"
-                                                 : "answered before the next was begun";
-                late_[answered].push_back(Line(schedule));
+                if (exchange.endedAt == 0) continue;
+                ++outcomes_[exchange.error];
+                if (exchange.got >= 0 && exchange.got != static_cast<int32_t>(number))
+                    late_.push_back(Line(schedule));
             }
-        if (seen.verdict != Verdict::Over) return;
-        uint32_t attempts = 1;
-        for (const Exchange& exchange : seen.exchanges[kFresh]) {
-            if (exchange.got == &exchange - seen.exchanges[kFresh].data()) break;
-            ++attempts;
-        }
-        if (attempts > worstAttempts_) worst_ = Line(schedule);
-        worstAttempts_ = std::max(worstAttempts_, attempts);
+        if (seen.verdict != Verdict::Over || runner_.Attempts() <= worstAttempts_) return;
+        worst_ = Line(schedule);
+        worstAttempts_ = runner_.Attempts();
     }
 
     void Report(double seconds) const {
@@ -346,16 +324,10 @@ class Explorer final {
             std::printf(" %u: %ld;", error, count);
         std::printf(" a fresh client was served at attempt %u at the latest ('%s')\n", worstAttempts_,
                     worst_.c_str());
-        size_t late = 0;
-        for (const auto& [how, lines] : late_) {
-            late += lines.size();
-            std::printf("late replies, %s: %zu, such as '%s'\n", how.c_str(), lines.size(),
-                        lines.front().c_str());
-            if (bounds_.listsLate)
-                for (const std::string& line : lines)
-                    std::printf("  %s\n", line.c_str());
-        }
-        std::printf("%zu late replies in all, each forced by the protocol; %d faults\n", late, faults_);
+        std::printf("%zu late replies, each forced by the protocol; %d faults\n", late_.size(), faults_);
+        if (!bounds_.listsLate) return;
+        for (const std::string& line : late_)
+            std::printf("  %s\n", line.c_str());
     }
 
     const Bounds& bounds_;
@@ -366,7 +338,7 @@ class Explorer final {
     uint32_t worstAttempts_ = 0;
     std::string worst_;
     std::map<uint32_t, long> outcomes_;
-    std::map<std::string, std::vector<std::string>> late_;
+    std::vector<std::string> late_;
 };
 
 int Replay(Runner& runner, const std::string& line) {
@@ -392,10 +364,10 @@ int Replay(Runner& runner, const std::string& line) {
 }
 
 bool ReadArguments(int argc, char** argv, Bounds& bounds) {
-    const std::map<std::string, int*> numbers = {{"--switches", &bounds.switches},
-                                                 {"--kills", &bounds.kills},
-                                                 {"--timeouts", &bounds.timeouts},
-                                                 {"--choices", &bounds.choices},
+    const std::map<std::string, int*> numbers = {{"--switches", &bounds.most[0]},
+                                                 {"--kills", &bounds.most[1]},
+                                                 {"--timeouts", &bounds.most[2]},
+                                                 {"--choices", &bounds.most[kChoices]},
                                                  {"--decisions", &bounds.actions}};
     const std::map<std::string, bool*> flags = {
         {"--opening", &bounds.opening}, {"--merge", &bounds.merge}, {"--late", &bounds.listsLate}};
