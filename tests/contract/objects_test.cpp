@@ -65,26 +65,7 @@ TEST(Objects, The_two_low_bits_of_a_handle_are_the_callers_own) {
     EXPECT_FALSE(CloseHandle(event));
 }
 
-TEST(Sections, Data_begins_zeroed_and_is_shared_by_all_views) {
-    const WideText name = FreshName();
-    const Handle first = Section(65803, name);
-    const Handle second = Section(65803, name);
-    unsigned char* one = View(first);
-    unsigned char* two = View(second);
-    const unsigned char* reader = View(second, FILE_MAP_READ);
-    ASSERT_TRUE(one != nullptr && two != nullptr && reader != nullptr);
-    EXPECT_EQ(0, one[0]);
-    EXPECT_EQ(0, one[65802]);
-    one[0] = 1;
-    two[65802] = 2;
-    EXPECT_EQ(1, reader[0]);
-    EXPECT_EQ(2, reader[65802]);
-    EXPECT_TRUE(UnmapViewOfFile(one));
-    EXPECT_TRUE(UnmapViewOfFile(two));
-    EXPECT_TRUE(UnmapViewOfFile(reader));
-}
-
-TEST(Sections, A_view_counts_in_whole_pages_and_keeps_the_first_size) {
+TEST(Sections, A_view_counts_in_whole_zeroed_pages_and_keeps_the_first_size) {
     const WideText name = FreshName();
     const Handle first = Section(65803, name);
     const Handle larger = Section(70000, name);
@@ -94,12 +75,13 @@ TEST(Sections, A_view_counts_in_whole_pages_and_keeps_the_first_size) {
     MEMORY_BASIC_INFORMATION info;
     ASSERT_EQ(sizeof(info), VirtualQuery(view, &info, sizeof(info)));
     EXPECT_EQ(69632u, info.RegionSize);
+    EXPECT_EQ(0, view[0] | view[69631]);
     EXPECT_REFUSED(ERROR_BAD_LENGTH, VirtualQuery(view, &info, sizeof(info) - 1));
     EXPECT_REFUSED(487, UnmapViewOfFile(view + 69632));
     EXPECT_TRUE(UnmapViewOfFile(view + 69631));
 }
 
-TEST(Sections, A_read_only_handle_maps_for_reading_alone) {
+TEST(Sections, A_read_only_handle_maps_for_reading_alone_what_others_write) {
     const WideText name = FreshName();
     const Handle writer = Section(100, name);
     const Handle reader(
@@ -108,7 +90,13 @@ TEST(Sections, A_read_only_handle_maps_for_reading_alone) {
     constexpr DWORD kExecute = 0x20;
     EXPECT_REFUSED(5, View(reader));
     EXPECT_REFUSED(5, View(reader, FILE_MAP_READ | kExecute));
-    EXPECT_TRUE(UnmapViewOfFile(View(reader, FILE_MAP_READ)));
+    unsigned char* const written = View(writer);
+    const unsigned char* const read = View(reader, FILE_MAP_READ);
+    ASSERT_TRUE(written != nullptr && read != nullptr);
+    written[99] = 7;
+    EXPECT_EQ(7, read[99]);
+    EXPECT_TRUE(UnmapViewOfFile(written));
+    EXPECT_TRUE(UnmapViewOfFile(read));
 }
 
 TEST(Sections, A_view_keeps_the_memory_but_not_the_name) {

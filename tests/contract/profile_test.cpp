@@ -6,7 +6,7 @@ constexpr DWORD kSectionCapacity = 2600;
 
 class Profile : public testing::Test {
   protected:
-    WideText Write(std::string_view bytes) const { return folder_.WriteFile(TEXT("p.ini"), bytes); }
+    WideText Write(std::string_view bytes) const { return folder_.WriteFile("p.ini", bytes); }
 
     const TempFolder folder_;
 };
@@ -67,7 +67,7 @@ TEST_F(Profile, A_section_is_its_lines_without_blanks_and_comments) {
 
 TEST_F(Profile, A_missing_or_empty_section_has_no_lines_and_is_no_error) {
     const WideText path = Write(kFile);
-    const WideText empty = folder_.WriteFile(TEXT("empty.ini"), "");
+    const WideText empty = folder_.WriteFile("empty.ini", "");
     for (const auto& [file, section] :
          {std::pair{path, TEXT("Absent")}, {path, TEXT("Nothing")}, {empty, TEXT("Absent")}}) {
         SetLastError(0);
@@ -146,7 +146,7 @@ TEST_F(Profile, A_list_that_does_not_fit_is_cut_inside_a_line_and_doubly_termina
     // Each line takes 13 units: 199 whole ones and 11 units of the next.
     EXPECT_EQ(WideText(buffer + 199 * 13), TEXT("Printer 119"));
     for (const DWORD capacity : {12u, 13u, 14u}) {
-        const WideText line = folder_.WriteFile(TEXT("line.ini"), "[L]\r\nPrinter 1000\r\n");
+        const WideText line = folder_.WriteFile("line.ini", "[L]\r\nPrinter 1000\r\n");
         buffer[capacity] = '#';
         GetPrivateProfileSectionW(TEXT("L"), buffer, capacity, line.c_str());
         EXPECT_EQ(buffer[capacity], '#') << capacity;
@@ -162,9 +162,9 @@ TEST_F(Profile, A_long_value_is_cut_to_the_buffer) {
 
 TEST_F(Profile, A_file_that_cannot_be_read_gives_nothing_and_the_reason) {
     const std::pair<WideText, DWORD> rows[] = {
-        {folder_.Path(TEXT("none.ini")), ERROR_FILE_NOT_FOUND},
-        {folder_.Path(TEXT("none/p.ini")), ERROR_PATH_NOT_FOUND},
-        {folder_.MakeFolder(TEXT("sub")), ERROR_ACCESS_DENIED},
+        {folder_.Path("none.ini"), ERROR_FILE_NOT_FOUND},
+        {folder_.Path("none/p.ini"), ERROR_PATH_NOT_FOUND},
+        {folder_.MakeFolder("sub"), ERROR_ACCESS_DENIED},
     };
     for (const auto& [path, error] : rows) {
         SetLastError(0);

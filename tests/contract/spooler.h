@@ -78,18 +78,13 @@ class Spooler : public testing::Test {
         return names;
     }
 
-    struct Record {
-        std::vector<BYTE> buffer;
-        const PRINTER_INFO_2W* operator->() const {
-            return reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data());
-        }
-    };
-    static Record Read(HANDLE printer) {
+    // Its record, and behind it what that points to.
+    static std::vector<PRINTER_INFO_2W> Read(HANDLE printer) {
         DWORD needed = 0;
         EXPECT_REFUSED(ERROR_INSUFFICIENT_BUFFER, GetPrinterW(printer, 2, nullptr, 0, &needed));
         EXPECT_GE(needed, sizeof(PRINTER_INFO_2W));
-        Record record{std::vector<BYTE>(needed)};
-        EXPECT_TRUE(GetPrinterW(printer, 2, record.buffer.data(), needed, &needed));
+        std::vector<PRINTER_INFO_2W> record(needed / sizeof(PRINTER_INFO_2W) + 1);
+        EXPECT_TRUE(GetPrinterW(printer, 2, reinterpret_cast<LPBYTE>(record.data()), needed, &needed));
         return record;
     }
 

@@ -37,11 +37,11 @@ TEST_F(Spooler, A_printer_keeps_what_it_was_added_with_and_takes_another_port) {
         PRINTER_INFO_2W info = Info(TEXT("ZR Ports"), port);
         info.Attributes = attributes;
         ASSERT_TRUE(SetPrinterW(printer, 2, reinterpret_cast<LPBYTE>(&info), 0));
-        const Record record = Read(printer);
-        EXPECT_EQ(WideText(record->pPrinterName), TEXT("ZR Ports"));
-        EXPECT_EQ(WideText(record->pDriverName), kDriver);
-        EXPECT_EQ(WideText(record->pPortName), port);
-        EXPECT_EQ(record->Attributes & 0x840, attributes);
+        const auto record = Read(printer);
+        EXPECT_EQ(WideText(record.front().pPrinterName), TEXT("ZR Ports"));
+        EXPECT_EQ(WideText(record.front().pDriverName), kDriver);
+        EXPECT_EQ(WideText(record.front().pPortName), port);
+        EXPECT_EQ(record.front().Attributes & 0x840, attributes);
     }
 }
 
@@ -49,7 +49,7 @@ TEST_F(Spooler, Printers_open_by_name_without_case) {
     AddForTest(TEXT("ZR Open"), TEXT("USB001"));
     const HANDLE printer = Open(TEXT("zr OPEN"));
     EXPECT_NE(printer, nullptr);
-    EXPECT_EQ(WideText(Read(printer)->pPrinterName), TEXT("ZR Open"));
+    EXPECT_EQ(WideText(Read(printer).front().pPrinterName), TEXT("ZR Open"));
     EXPECT_TRUE(ClosePrinter(printer));
     HANDLE server = nullptr;
     EXPECT_TRUE(OpenPrinterW(nullptr, &server, nullptr));

@@ -10,7 +10,6 @@
 namespace fs = std::filesystem;
 
 using WideText = std::basic_string<WCHAR>;
-using WideView = std::basic_string_view<WCHAR>;
 
 // Milliseconds: a loaded machine wakes threads late, never early.
 inline constexpr DWORD kPatience = 10'000;
@@ -47,15 +46,15 @@ class TempFolder final {
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
-    fs::path Host(WideView name) const { return folder_ / fs::path(name); }
-    WideText Path(WideView name) const { return Host(name).string<WCHAR>(); }
+    fs::path Host(const fs::path& name) const { return folder_ / name; }
+    WideText Path(const fs::path& name) const { return Host(name).string<WCHAR>(); }
 
-    WideText WriteFile(WideView name, std::string_view bytes) const {
+    WideText WriteFile(const fs::path& name, std::string_view bytes) const {
         std::ofstream(Host(name), std::ios::binary) << bytes;
         return Path(name);
     }
 
-    WideText MakeFolder(WideView name) const {
+    WideText MakeFolder(const fs::path& name) const {
         fs::create_directories(Host(name));
         return Path(name);
     }

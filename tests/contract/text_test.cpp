@@ -77,24 +77,21 @@ TEST(Text, A_length_of_minus_one_counts_the_terminator_and_an_explicit_one_does_
 }
 
 TEST(Text, Refused_arguments_leave_their_error) {
-    struct Row {
+    const struct {
         const char* what;
         DWORD flags;
-        bool text;
-        int length;
-        bool buffer;
-        int capacity;
+        bool text, buffer;
+        int length, capacity;
         LONG error;
+    } rows[] = {
+        {"no text", 0, false, true, -1, 8, ERROR_INVALID_PARAMETER},
+        {"length 0", 0, true, true, 0, 8, ERROR_INVALID_PARAMETER},
+        {"no buffer but a capacity", 0, true, false, -1, 8, ERROR_INVALID_PARAMETER},
+        {"negative capacity", 0, true, true, -1, -1, ERROR_INVALID_PARAMETER},
+        {"unknown flag", 0x40000000, true, true, -1, 8, ERROR_INVALID_FLAGS},
+        {"too small", 0, true, true, -1, 3, ERROR_INSUFFICIENT_BUFFER},
     };
-    const Row rows[] = {
-        {"no text", 0, false, -1, true, 8, ERROR_INVALID_PARAMETER},
-        {"length 0", 0, true, 0, true, 8, ERROR_INVALID_PARAMETER},
-        {"no buffer but a capacity", 0, true, -1, false, 8, ERROR_INVALID_PARAMETER},
-        {"negative capacity", 0, true, -1, true, -1, ERROR_INVALID_PARAMETER},
-        {"unknown flag", 0x40000000, true, -1, true, 8, ERROR_INVALID_FLAGS},
-        {"too small", 0, true, -1, true, 3, ERROR_INSUFFICIENT_BUFFER},
-    };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         WCHAR wide[8] = {};
         char narrow[8] = {};

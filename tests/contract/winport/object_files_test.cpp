@@ -144,14 +144,13 @@ TEST(Mutexes, Taken_while_a_thread_ends_are_abandoned_too) {
     ::pthread_key_delete(key);
 }
 
-TEST(Object_files, A_forked_child_shares_the_objects_and_keeps_them_alive) {
-    const WideText name = FreshName();
-    Handle event = ManualEvent(name);
+TEST(Object_files, A_forked_child_shares_the_objects_and_owns_none_of_its_parents_mutexes) {
+    const Handle event = ManualEvent(FreshName());
     const Handle mutex = Mutex(FreshName());
     WaitForSingleObject(mutex, 0);
     Forked child([&] {
         const bool owns = ReleaseMutex(mutex) != FALSE;
-        const bool waited = WaitForSingleObject(event, 5000) == WAIT_OBJECT_0;
+        const bool waited = WaitForSingleObject(event, kPatience) == WAIT_OBJECT_0;
         const Handle own = AutoEvent(FreshName());
         return !owns && waited && own ? 0 : 1;
     });

@@ -25,7 +25,7 @@ class FoundPrograms : public testing::Test {
 
     // The last-error value of the start; 0 once the program has ended well.
     DWORD Run(const WideText& commandLine, DWORD flags = DETACHED_PROCESS) {
-        const Program program(commandLine, nullptr, flags, folder_.Path(TEXT(".")).c_str());
+        const Program program(commandLine, nullptr, flags, folder_.Path(".").c_str());
         if (!program.Started()) return program.Error();
         EXPECT_EQ(WaitForInputIdle(program.Process(), 0), 0u);
         EXPECT_EQ(WaitForSingleObject(program.Thread(), kPatience), WAIT_OBJECT_0);
@@ -35,9 +35,11 @@ class FoundPrograms : public testing::Test {
         return program.ExitCode();
     }
 
-    std::string Output() {
-        std::ifstream file(folder_.Host(TEXT("out")));
-        return std::string(std::istreambuf_iterator<char>(file), {});
+    // What it leaves in the file "out".
+    void ExpectOutput(const WideText& commandLine, const std::string& expected) {
+        EXPECT_EQ(Run(commandLine), 0u);
+        std::ifstream file(folder_.Host("out"));
+        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), expected);
     }
 
     TempFolder folder_;
@@ -51,7 +53,7 @@ Handle UserToken() {
 
 TEST_F(FoundPrograms, Arguments_arrive_as_the_run_time_of_Windows_takes_them_apart) {
     MakeProgram(TEXT("show.exe"), "#!/bin/sh\nprintf '[%s]' \"$@\" > out\n");
-    const WideText program = TEXT("\"") + folder_.Path(TEXT("show.exe")) + TEXT("\" ");
+    const WideText program = TEXT("\"") + folder_.Path("show.exe") + TEXT("\" ");
     const std::pair<const WCHAR*, const char*> rows[] = {
         {TEXT("\"abc\" d  e"), "[abc][d][e]"},
         {TEXT("a\\\\\\b d\"e f\"g h"), "[a\\\\\\b][de fg][h]"},
@@ -61,26 +63,18 @@ TEST_F(FoundPrograms, Arguments_arrive_as_the_run_time_of_Windows_takes_them_apa
         {TEXT("\"a\"\"b\" \"c\"\""), "[a\"b][c\"]"},
         {TEXT("/f \"C:\\my drivers\\a.inf\" /m \"ZR IJ\""), "[/f][C:\\my drivers\\a.inf][/m][ZR IJ]"},
     };
-    for (const auto& [arguments, expected] : rows) {
-        EXPECT_EQ(Run(program + arguments), 0u);
-        EXPECT_EQ(Output(), expected);
-    }
+    for (const auto& [arguments, expected] : rows)
+        ExpectOutput(program + arguments, expected);
 }
 
 TEST_F(FoundPrograms, A_path_with_blanks_needs_no_quotes_and_the_ending_may_be_missing_or_too_much) {
-    folder_.MakeFolder(TEXT("my 3"));
+    folder_.MakeFolder("my 3");
     MakeProgram(TEXT("my 3/mon itor.exe"), "#!/bin/sh\nprintf '%s' \"$#$1\" > out\n");
     MakeProgram(TEXT("my 3/plain"), "#!/bin/sh\nprintf plain > out\n");
-    const WideText folder = folder_.Path(TEXT("my 3"));
-    const std::pair<WideText, const char*> rows[] = {
-        {folder + TEXT("\\mon itor.exe a"), "1a"},
-        {folder + TEXT("\\mon itor b"), "1b"},
-        {folder + TEXT("/plain.EXE"), "plain"},
-    };
-    for (const auto& [line, expected] : rows) {
-        EXPECT_EQ(Run(line), 0u);
-        EXPECT_EQ(Output(), expected);
-    }
+    const WideText folder = folder_.Path("my 3");
+    ExpectOutput(folder + TEXT("\\mon itor.exe a"), "1a");
+    ExpectOutput(folder + TEXT("\\mon itor b"), "1b");
+    ExpectOutput(folder + TEXT("/plain.EXE"), "plain");
     EXPECT_EQ(Run(TEXT("[ a = a ]")), 0u) << "a name of one letter";
 }
 
@@ -91,9 +85,8 @@ TEST_F(FoundPrograms, A_detached_one_has_its_own_session_and_no_descriptor_of_it
                 "[ \"$(readlink /proc/$$/fd/0)\" = /dev/null ] && echo null >> out\nexit 0\n");
     int ends[2] = {};
     ASSERT_EQ(::pipe(ends), 0);
-    EXPECT_EQ(Run(folder_.Path(TEXT("probe"))), 0u);
     // The one is the script itself, which its shell reads.
-    EXPECT_EQ(Output(), "1\nown\nnull\n");
+    ExpectOutput(folder_.Path("probe"), "1\nown\nnull\n");
     ::close(ends[0]);
     ::close(ends[1]);
 }
@@ -102,9 +95,9 @@ TEST_F(FoundPrograms, What_cannot_be_run_is_refused_at_once) {
     MakeProgram(TEXT("locked"), "#!/bin/sh\n", 0600);
     MakeProgram(TEXT("text"), "not a program\n");
     MakeProgram(TEXT("fine"), "#!/bin/sh\nkill -9 $$\n");
-    WideText line = folder_.Path(TEXT("fine"));
-    EXPECT_EQ(Run(folder_.Path(TEXT("locked"))), static_cast<DWORD>(ERROR_ACCESS_DENIED));
-    EXPECT_EQ(Run(folder_.Path(TEXT("text"))), static_cast<DWORD>(ERROR_BAD_EXE_FORMAT));
+    WideText line = folder_.Path("fine");
+    EXPECT_EQ(Run(folder_.Path("locked")), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(Run(folder_.Path("text")), static_cast<DWORD>(ERROR_BAD_EXE_FORMAT));
     EXPECT_EQ(Run(line, 0x4), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
     EXPECT_EQ(Run(line), 128u + 9u);
 
@@ -195,12 +188,8 @@ TEST_F(FoundPrograms, One_that_nobody_could_watch_is_ended_and_leaves_no_corpse)
         const rlimit limit = {most, most};
         if (::setresuid(kUnused, kUnused, kUnused) != 0 || ::setrlimit(RLIMIT_NPROC, &limit) != 0)
             return false;
-        STARTUPINFOW startup = {};
-        PROCESS_INFORMATION info = {};
-        WideText line = TEXT("/bin/sleep 100");
-        const bool started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                                            nullptr, &startup, &info) != FALSE;
-        const bool refused = !started && GetLastError() == ERROR_NOT_ENOUGH_MEMORY;
+        const Program program(TEXT("/bin/sleep 100"), nullptr, 0);
+        const bool refused = !program.Started() && program.Error() == ERROR_NOT_ENOUGH_MEMORY;
         return refused && ::waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD;
     }));
 }

@@ -46,7 +46,6 @@ DWORD ReadNumbers(ChildProcess& probe, int count) {
 
 class State : public testing::Test {
   protected:
-    fs::path Host(WideView name) const { return folder_.Host(name); }
     int RunIn(const fs::path& stateHome) { return StartProbe("create", stateHome, "XDG_STATE_HOME").Wait(); }
 
     TempFolder folder_;
@@ -54,7 +53,7 @@ class State : public testing::Test {
 
 class RegistryStore : public State {
   protected:
-    const fs::path home_ = folder_.MakeFolder(TEXT("home"));
+    const fs::path home_ = folder_.MakeFolder("home");
 };
 
 // From what Windows does, on purpose.
@@ -63,13 +62,13 @@ class Differences : public testing::Test {
     UINT NumberOr7() const { return GetPrivateProfileIntW(TEXT("S"), TEXT("k"), 7, path_.c_str()); }
 
     const TempFolder folder_;
-    const WideText path_ = folder_.WriteFile(TEXT("p.ini"), "[S]\nk=1\n[T]\n");
+    const WideText path_ = folder_.WriteFile("p.ini", "[S]\nk=1\n[T]\n");
 };
 
 }  // namespace
 
 TEST_F(State, Folders_are_made_closed_to_others) {
-    const fs::path home = Host(TEXT("a/b"));
+    const fs::path home = folder_.Host("a/b");
     ::mkdir(home.parent_path().c_str(), 0755);
     EXPECT_EQ(RunIn(home), 0);
     EXPECT_EQ(ModeOf(home.parent_path()), 0755u) << "it was there before";
@@ -77,32 +76,32 @@ TEST_F(State, Folders_are_made_closed_to_others) {
 }
 
 TEST_F(State, What_others_could_have_put_in_the_folders_place_is_refused) {
-    const auto folder = [this](WideView home, mode_t mode) {
-        const fs::path path = Host(home) / "winport";
+    const auto folder = [this](const char* home, mode_t mode) {
+        const fs::path path = folder_.Host(home) / "winport";
         fs::create_directories(path);
         ::chmod(path.c_str(), mode);
         return path;
     };
-    folder(TEXT("open"), 0750);
-    folder_.MakeFolder(TEXT("linked"));
-    fs::create_directory_symlink(folder(TEXT("elsewhere"), 0700), Host(TEXT("linked")) / "winport");
-    folder_.MakeFolder(TEXT("filed"));
-    folder_.WriteFile(TEXT("filed/winport"), "");
-    for (const WCHAR* home : {TEXT("open"), TEXT("linked"), TEXT("filed")})
-        EXPECT_EQ(RunIn(Host(home)), ERROR_ACCESS_DENIED);
+    folder("open", 0750);
+    folder_.MakeFolder("linked");
+    fs::create_directory_symlink(folder("elsewhere", 0700), folder_.Host("linked") / "winport");
+    folder_.MakeFolder("filed");
+    folder_.WriteFile("filed/winport", "");
+    for (const char* home : {"open", "linked", "filed"})
+        EXPECT_EQ(RunIn(folder_.Host(home)), ERROR_ACCESS_DENIED);
     if (::geteuid() != 0) return;  // only root can give a folder away
-    ASSERT_EQ(::chown(folder(TEXT("given"), 0700).c_str(), 65534, 65534), 0);
-    EXPECT_EQ(RunIn(Host(TEXT("given"))), ERROR_ACCESS_DENIED);
+    ASSERT_EQ(::chown(folder("given", 0700).c_str(), 65534, 65534), 0);
+    EXPECT_EQ(RunIn(folder_.Host("given")), ERROR_ACCESS_DENIED);
 }
 
 TEST_F(State, A_link_above_the_folder_is_followed) {
-    fs::create_directory_symlink(folder_.MakeFolder(TEXT("real")), Host(TEXT("link")));
-    EXPECT_EQ(RunIn(Host(TEXT("link"))), 0);
-    EXPECT_TRUE(fs::exists(Host(TEXT("real")) / "winport/registry.db"));
+    fs::create_directory_symlink(folder_.MakeFolder("real"), folder_.Host("link"));
+    EXPECT_EQ(RunIn(folder_.Host("link")), 0);
+    EXPECT_TRUE(fs::exists(folder_.Host("real") / "winport/registry.db"));
 }
 
 TEST_F(State, A_chosen_home_may_be_shared_and_its_files_follow_its_mode) {
-    const fs::path home = folder_.MakeFolder(TEXT("shared"));
+    const fs::path home = folder_.MakeFolder("shared");
     ::chmod(home.c_str(), 0770);
     EXPECT_EQ(RunProbe(home), 0);
     EXPECT_EQ(ModeOf(home / "state") & 0777, 0770u);
@@ -112,7 +111,7 @@ TEST_F(State, A_chosen_home_may_be_shared_and_its_files_follow_its_mode) {
 }
 
 TEST_F(State, Without_a_chosen_home_objects_lie_in_the_sessions_folder) {
-    const fs::path session = folder_.MakeFolder(TEXT("session"));
+    const fs::path session = folder_.MakeFolder("session");
     ChildProcess probe = StartProbe("objects", session, "XDG_RUNTIME_DIR");
     EXPECT_EQ(probe.ReadLine(), "0 0");
     EXPECT_TRUE(fs::exists(session / "winport/global.Probe"));
@@ -120,7 +119,7 @@ TEST_F(State, Without_a_chosen_home_objects_lie_in_the_sessions_folder) {
 
 TEST_F(State, A_folder_in_the_place_of_a_file_that_objects_need_is_refused_with_5) {
     for (const auto& [file, errors] : {std::pair{"lock", "5 5"}, {"tokens", "0 5"}}) {
-        const fs::path home = Host(TEXT("home")) / file;
+        const fs::path home = folder_.Host("home") / file;
         fs::create_directories(home / "kernel" / file);
         EXPECT_EQ(StartProbe("objects", home).ReadLine(), errors);
     }
@@ -139,7 +138,7 @@ TEST_F(State, A_shared_home_serves_every_account_it_is_open_to_whatever_the_umas
     for (const mode_t mode : {0770, 01777}) {
         SCOPED_TRACE(mode);
         constexpr gid_t kGroup = 64'300;
-        const fs::path home = folder_.MakeFolder(mode == 0770 ? TEXT("group") : TEXT("all"));
+        const fs::path home = folder_.MakeFolder(mode == 0770 ? "group" : "all");
         ASSERT_EQ(::chown(home.c_str(), 0, kGroup), 0);
         ASSERT_EQ(::chmod(home.c_str(), mode), 0);
         const auto start = [&](const char* account, const char* command) {
@@ -173,7 +172,7 @@ TEST_F(RegistryStore, A_folder_that_another_process_keeps_gives_170_after_five_s
 
 TEST_F(RegistryStore, Processes_that_start_together_make_one_registry) {
     // The moment in which they get in each other's way is short: one fresh home seldom meets it.
-    for (const WCHAR* fresh : {TEXT("1"), TEXT("2"), TEXT("3"), TEXT("4"), TEXT("5")})
+    for (const char* fresh : {"1", "2", "3", "4", "5"})
         ASSERT_EQ(RunProbe(folder_.MakeFolder(fresh), "together"), 0);
 }
 
@@ -210,8 +209,8 @@ TEST_F(RegistryStore, A_process_forks_while_its_threads_use_the_registry) {
 }
 
 TEST_F(RegistryStore, A_damaged_file_is_reported_and_left_alone) {
-    folder_.MakeFolder(TEXT("home/state"));
-    const fs::path file = folder_.WriteFile(TEXT("home/state/registry.db"), std::string(8192, 'x'));
+    folder_.MakeFolder("home/state");
+    const fs::path file = folder_.WriteFile("home/state/registry.db", std::string(8192, 'x'));
     EXPECT_EQ(RunProbe(home_), ERROR_BADDB & 0xFF);
     EXPECT_EQ(fs::file_size(file), 8192u);
 }
@@ -301,16 +300,16 @@ TEST(Handles, Of_keys_or_printers_are_four_million_at_most_and_a_closed_one_make
 }
 
 TEST_F(Differences, A_UTF8_mark_is_ANSI_text_and_hides_the_first_section) {
-    folder_.WriteFile(TEXT("p.ini"), "\xEF\xBB\xBF[S]\nk=1\n[T]\nk=\xC3\xA9\n");
+    folder_.WriteFile("p.ini", "\xEF\xBB\xBF[S]\nk=1\n[T]\nk=\xC3\xA9\n");
     EXPECT_EQ(NumberOr7(), 7u);
     WCHAR value[8];
     EXPECT_EQ(GetPrivateProfileStringW(TEXT("T"), TEXT("k"), TEXT(""), value, 8, path_.c_str()), 2u);
 }
 
 TEST_F(Differences, A_file_above_4_MiB_was_named_by_mistake) {
-    fs::resize_file(folder_.Host(TEXT("p.ini")), 4'194'304);
+    fs::resize_file(folder_.Host("p.ini"), 4'194'304);
     EXPECT_EQ(NumberOr7(), 1u);
-    fs::resize_file(folder_.Host(TEXT("p.ini")), 4'194'305);
+    fs::resize_file(folder_.Host("p.ini"), 4'194'305);
     EXPECT_EQ(NumberOr7(), 7u);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
 }
@@ -359,8 +358,8 @@ TEST(Messages, A_thread_keeps_10000_and_they_come_from_nowhere) {
 }
 
 TEST_F(Differences, A_pipe_in_a_files_place_does_not_hold_the_reader) {
-    fs::remove(folder_.Host(TEXT("p.ini")));
-    ASSERT_EQ(::mkfifo(folder_.Host(TEXT("p.ini")).c_str(), 0600), 0);
+    fs::remove(folder_.Host("p.ini"));
+    ASSERT_EQ(::mkfifo(folder_.Host("p.ini").c_str(), 0600), 0);
     EXPECT_EQ(NumberOr7(), 7u);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
 }
