@@ -13,7 +13,7 @@ namespace {
 
 constexpr __time64_t kNoon = 1'341'144'000;  // 2012-07-01 12:00:00 UTC
 
-std::string TextOf(const GUID& guid) {
+std::string TextOf(GUID guid) {
     RPC_WSTR text = nullptr;
     EXPECT_EQ(UuidToStringW(&guid, &text), RPC_S_OK);
     std::string narrow;

@@ -7,7 +7,6 @@
 
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <string>
@@ -53,9 +52,7 @@ uint64_t ActorOf(uint32_t processId) {
 }
 
 uint64_t BlockState(size_t section) {
-    const auto& block = control->blocks[section];
-    std::array<uint32_t, kBlockBytes / sizeof(uint32_t)> words;
-    std::memcpy(words.data(), block.data(), block.size());
+    const Block& words = control->blocks[section];
     uint64_t hash = Mixed(0, ActorOf(words[0]));
     for (size_t i = 1; i < words.size(); ++i)
         hash = Mixed(hash, words[i]);
@@ -147,8 +144,7 @@ void NoteOptions(bool isBlocked) {
 
 void CopyBlocks() {
     for (size_t section = 0; section < views.size(); ++section)
-        if (views[section] != nullptr)
-            std::memcpy(control->blocks[section].data(), views[section], kBlockBytes);
+        if (views[section] != nullptr) std::memcpy(&control->blocks[section], views[section], sizeof(Block));
 }
 
 // A place where the scheduler may decide. Nothing that others see happens between two of them.

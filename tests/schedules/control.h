@@ -16,7 +16,7 @@ inline constexpr std::array<const char*, kActors> kActorNames = {"A", "B", "serv
 inline constexpr uint32_t kObjects = 6;  // of a channel that processes wait for
 inline constexpr uint32_t kNobody = ~0u;
 inline constexpr uint64_t kNever = ~uint64_t{0};
-inline constexpr size_t kBlockBytes = 32;  // of a section: the header, and more than any text here is long
+using Block = std::array<uint32_t, 8>;  // of a section: the header, and more than any text here is long
 inline constexpr size_t kMaxDecisions = 6;
 inline constexpr size_t kMaxPoints = 16'384;
 inline constexpr uint32_t kExchanges = 2;  // of each client
@@ -86,7 +86,7 @@ struct Progress {
     std::array<uint64_t, kActors> histories;
     std::array<Waiting, kActors> waitings;
     std::array<Object, kObjects> objects;
-    std::array<std::array<uint8_t, kBlockBytes>, 2> blocks;
+    std::array<Block, 2> blocks;
     std::array<std::array<Exchange, kFreshAttempts>, kActors> exchanges;
     Schedule schedule;
     uint32_t nextDecision;

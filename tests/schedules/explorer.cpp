@@ -1,6 +1,5 @@
 // Every schedule of the channel within bounds: two clients of two exchanges each and a server, each a process
 // of its own over the real objects. After each schedule a fresh client must be served.
-#include <dirent.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,9 +9,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
-#include <iterator>
 #include <map>
 #include <new>
 #include <optional>

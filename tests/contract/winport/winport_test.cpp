@@ -7,10 +7,8 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <windows.h>
-#include <winspool.h>
 
 #include <array>
-#include <cstdlib>
 
 #include "child_process.h"
 #include "forked.h"
