@@ -1,7 +1,6 @@
 // Files that somebody else wrote.
 #include <windows.h>
 
-#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -19,12 +18,11 @@
 #include "vprinter/files/dump_file.h"
 #include "vprinter/replay/replay.h"
 #include "vprinter/requests/responder.h"
+#include "widened.h"
 
 namespace fuzz {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 const std::string& Home() {
     static const std::string home = std::getenv("WINPORT_HOME");
@@ -35,10 +33,6 @@ std::string FileWith(std::string_view bytes) {
     const std::string path = Home() + "/input.txt";
     std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
     return path;
-}
-
-WideText Widened(const std::string& text) {
-    return WideText(text.begin(), text.end());
 }
 
 void InitialisationFile(std::string_view bytes) {
@@ -91,8 +85,18 @@ void SetupInformation(std::string_view bytes) {
     }
 }
 
-void FaultScripts(std::string_view bytes) {
+// Reads a file of this name, and may refuse what is in it.
+template <typename Body>
+void Read(const std::string& file, Body body) {
     try {
+        body();
+    } catch (const tools::UserError& error) {
+        Require(std::string_view(error.what()).starts_with(file + ':'), "an error says where");
+    }
+}
+
+void FaultScripts(std::string_view bytes) {
+    Read("faults.json", [&] {
         const auto rules = vprinter::ParseFaults(bytes, "faults.json");
         static_cast<void>(vprinter::PrintersNamed(rules));
         vprinter::FaultScript script(vprinter::FaultsFor("USB001", rules), 0);
@@ -102,13 +106,11 @@ void FaultScripts(std::string_view bytes) {
                 if (const auto fault = script.Next(request, second * 1000))
                     for (const std::string_view reply : {"0000,Key=value;", "0,A#9=;&B=2;", ""})
                         static_cast<void>(vprinter::FaultyReply(*fault, reply, "", scratch));
-    } catch (const tools::UserError& error) {
-        Require(std::string_view(error.what()).starts_with("faults.json:"), "an error says where");
-    }
+    });
 }
 
 void Dumps(std::string_view bytes) {
-    try {
+    Read("dump.json", [&] {
         vprinter::DeviceModel model;
         const vprinter::Origin origin = vprinter::DumpFile::Parse(bytes, "dump.json").Adopt(model);
         vprinter::Responder responder(model);
@@ -117,20 +119,16 @@ void Dumps(std::string_view bytes) {
              {"DeviceSettings.Fax.Redials?", "DeviceNetwork.WiFiAccessPoints.GetAccessPoints?",
               "ZRGetStatus?"})
             static_cast<void>(responder.Answer(request, 1));
-    } catch (const tools::UserError& error) {
-        Require(std::string_view(error.what()).starts_with("dump.json:"), "an error says where");
-    }
+    });
 }
 
 void ExchangeLogs(std::string_view bytes) {
-    try {
+    Read("log.jsonl", [&] {
         const auto log = tools::ParseExchangeLog(bytes, "log.jsonl");
         vprinter::Replay replay(log, "log.jsonl", "USB001", vprinter::Pace::Real, true);
         for (const tools::LoggedExchange& exchange : log.exchanges)
             static_cast<void>(replay.Next(exchange.request));
-    } catch (const tools::UserError& error) {
-        Require(std::string_view(error.what()).starts_with("log.jsonl:"), "an error says where");
-    }
+    });
 }
 
 void UseAs(winport::ObjectKind kind) {

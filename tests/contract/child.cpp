@@ -1,16 +1,11 @@
 #include "child.h"
 
-#include <windows.h>
-
 #include <cstdlib>
-#include <string>
-#include <string_view>
 
 std::optional<int> RunAsChild(int argc, char** argv) {
     if (argc != 4 || std::string_view(argv[1]) != "--child") return std::nullopt;
     const std::string_view what = argv[2];
     const std::string argument = argv[3];
-    if (what == "exit") return std::atoi(argument.c_str());
     if (what == "has") return std::getenv(argument.c_str()) != nullptr ? 1 : 0;
     const WideText name(argument.begin(), argument.end());
     const bool takes = what == "take";

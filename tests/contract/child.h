@@ -1,18 +1,12 @@
-// The test program started by its own tests: "--child exit 7", "--child has VARIABLE", "--child wait EVENT",
-// "--child take MUTEX".
+// The test program started by its own tests: "--child has VARIABLE", "--child wait EVENT", "--child take
+// MUTEX".
 #pragma once
-
-#include <windows.h>
-
-#include <optional>
 
 #include "program.h"
 
 // The exit code of such a run; nothing when it is none. "has" gives 1 or 0; "wait" 3 once the event is set,
 // "take" 3 once it has the mutex. That one sets the event "<mutex>Opened" before it waits.
 std::optional<int> RunAsChild(int argc, char** argv);
-
-inline constexpr DWORD kPatience = 10'000;
 
 inline WideText OwnCommand(const WideText& arguments) {
     WCHAR path[1024];

@@ -11,8 +11,7 @@ class Handle final {
     Handle& operator=(Handle&&) = delete;
     ~Handle() { Close(); }
 
-    HANDLE Get() const { return handle_; }
-    explicit operator bool() const { return handle_ != nullptr; }
+    operator HANDLE() const { return handle_; }
     void Close() {
         if (handle_ != nullptr) CloseHandle(handle_);
         handle_ = nullptr;
@@ -37,6 +36,11 @@ inline Handle Mutex(const WideText& name = {}) {
 inline Handle Section(DWORD size, const WideText& name = {}) {
     return Handle(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, size,
                                      name.empty() ? nullptr : name.c_str()));
+}
+
+// Its bytes; null when it is not mapped.
+inline unsigned char* View(const Handle& section, DWORD access = FILE_MAP_ALL_ACCESS) {
+    return static_cast<unsigned char*>(MapViewOfFile(section, access, 0, 0, 0));
 }
 
 // "Global\Contract<process>-<count><ending>"

@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-#include <windows.h>
-
-#include <thread>
-#include <vector>
+#include "support.h"
 
 namespace {
 

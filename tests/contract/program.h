@@ -1,7 +1,6 @@
 // A program that is started and watched.
 #pragma once
 
-#include <gtest/gtest.h>
 #include <windows.h>
 // The header below needs the one above.
 #include <userenv.h>
@@ -50,7 +49,7 @@ class Program final {
     }
     [[nodiscard]] DWORD Id() const { return info_.dwProcessId; }
     DWORD WaitForExitCode() const {
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(info_.hProcess, 10'000));
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(info_.hProcess, kPatience));
         return ExitCode();
     }
 

@@ -3,8 +3,6 @@
 // The headers below need the one above.
 #include <wtsapi32.h>
 
-#include <utility>
-
 #include "child.h"
 #include "handle_support.h"
 #include "own_folder.h"
@@ -33,8 +31,8 @@ TEST(Programs, Run_to_their_exit_code_and_can_be_waited_for_among_others) {
     ASSERT_TRUE(program.Started()) << program.Error();
     EXPECT_EQ(program.ExitCode(), STILL_ACTIVE);
     EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(program.Process(), 50));
-    SetEvent(event.Get());
-    const HANDLE all[] = {program.Process(), event.Get(), program.Thread()};
+    SetEvent(event);
+    const HANDLE all[] = {program.Process(), event, program.Thread()};
     EXPECT_EQ(WAIT_OBJECT_0, WaitForMultipleObjects(3, all, TRUE, kPatience));
     EXPECT_EQ(program.ExitCode(), 3u);
 }
@@ -45,7 +43,7 @@ TEST(Programs, Find_an_object_by_its_local_name_with_the_prefix_and_without) {
     for (const auto& [mine, theirs] : {std::pair{plain, local}, {local, plain}}) {
         const Handle event = ManualEvent(mine);
         const Program program(OwnCommand(TEXT("wait ") + theirs));
-        SetEvent(event.Get());
+        SetEvent(event);
         EXPECT_EQ(program.WaitForExitCode(), 3u);
     }
 }
@@ -65,9 +63,8 @@ TEST(Programs, What_is_not_there_is_refused_with_2_and_has_no_handles) {
         EXPECT_EQ(program.Process(), nullptr);
     }
     DWORD code = 0;
-    EXPECT_EQ(WaitForInputIdle(nullptr, 10), WAIT_FAILED);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
-    EXPECT_EQ(ErrorOf([&] { return GetExitCodeThread(nullptr, &code); }), ERROR_INVALID_HANDLE);
+    EXPECT_REFUSED(ERROR_INVALID_HANDLE, WaitForInputIdle(nullptr, 10) != WAIT_FAILED);
+    EXPECT_REFUSED(ERROR_INVALID_HANDLE, GetExitCodeThread(nullptr, &code));
 }
 
 TEST(Programs, Started_as_the_user_see_the_users_environment_instead_of_the_callers) {
@@ -75,8 +72,8 @@ TEST(Programs, Started_as_the_user_see_the_users_environment_instead_of_the_call
     const WideText ask = OwnCommand(TEXT("has KESTREL_CONTRACT_OWN"));
     EXPECT_EQ(Program(ask).WaitForExitCode(), 1u);
     const Handle token = OwnToken();
-    EXPECT_EQ(Program(ask, token.Get()).WaitForExitCode(), 0u);
-    EXPECT_EQ(Program(OwnCommand(TEXT("has PATH")), token.Get()).WaitForExitCode(), 1u);
+    EXPECT_EQ(Program(ask, token).WaitForExitCode(), 0u);
+    EXPECT_EQ(Program(OwnCommand(TEXT("has PATH")), token).WaitForExitCode(), 1u);
     HANDLE console = nullptr;
     ASSERT_TRUE(WTSQueryUserToken(WTSGetActiveConsoleSessionId(), &console));
     const Handle closing(console);
@@ -84,8 +81,7 @@ TEST(Programs, Started_as_the_user_see_the_users_environment_instead_of_the_call
 
 TEST(Accounts, A_thread_has_a_token_only_while_it_impersonates) {
     HANDLE token = nullptr;
-    EXPECT_EQ(ErrorOf([&] { return OpenThreadToken(GetCurrentThread(), TOKEN_ALL_ACCESS, TRUE, &token); }),
-              ERROR_NO_TOKEN);
+    EXPECT_REFUSED(ERROR_NO_TOKEN, OpenThreadToken(GetCurrentThread(), TOKEN_ALL_ACCESS, TRUE, &token));
     const Handle own = OwnToken();
     EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_ALL_ACCESS, TRUE, &token));
     WCHAR user[260];
@@ -93,11 +89,11 @@ TEST(Accounts, A_thread_has_a_token_only_while_it_impersonates) {
     ASSERT_TRUE(GetUserNameW(user, &size));
     EXPECT_EQ(size, WideText(user).size() + 1);
     size = 1;
-    EXPECT_EQ(ErrorOf([&] { return GetUserNameW(user, &size); }), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_REFUSED(ERROR_INSUFFICIENT_BUFFER, GetUserNameW(user, &size));
     PROFILEINFOW profile = {};
     profile.dwSize = sizeof profile;
     profile.lpUserName = user;
-    EXPECT_TRUE(LoadUserProfileW(own.Get(), &profile));
+    EXPECT_TRUE(LoadUserProfileW(own, &profile));
     EXPECT_NE(profile.hProfile, nullptr);
-    UnloadUserProfile(own.Get(), profile.hProfile);
+    UnloadUserProfile(own, profile.hProfile);
 }

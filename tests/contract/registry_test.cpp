@@ -1,6 +1,4 @@
 #include <cstdint>
-#include <thread>
-#include <vector>
 
 #include "support.h"
 
@@ -34,6 +32,17 @@ class Registry : public testing::Test {
         return bytes;
     }
 
+    // The new key, or the one that was there.
+    static HKEY Create(HKEY parent, const WCHAR* path, REGSAM access, DWORD expected) {
+        HKEY key = nullptr;
+        DWORD disposition = 0;
+        EXPECT_EQ(RegCreateKeyExW(parent, path, 0, nullptr, REG_OPTION_NON_VOLATILE, access, nullptr, &key,
+                                  &disposition),
+                  ERROR_SUCCESS);
+        EXPECT_EQ(disposition, expected);
+        return key;
+    }
+
     WideText name_;
     HKEY key_ = nullptr;
 };
@@ -41,32 +50,36 @@ class Registry : public testing::Test {
 }  // namespace
 
 TEST_F(Registry, A_value_is_read_as_it_was_written) {
+    SetLastError(77);
     ASSERT_EQ(Set(key_, TEXT("HostID"), "12345678"), ERROR_SUCCESS);
     BYTE data[8] = {};
     DWORD type = 0;
-    DWORD size = sizeof data;
-    EXPECT_EQ(RegQueryValueExW(key_, TEXT("hostid"), nullptr, &type, data, &size), ERROR_SUCCESS);
+    DWORD size = 0;
+    const auto query = [&](const WCHAR* name, LPDWORD typeAsked, LPBYTE room, DWORD capacity) {
+        size = capacity;
+        return RegQueryValueExW(key_, name, nullptr, typeAsked, room, &size);
+    };
+    const WCHAR* const name = TEXT("HostID");
+    EXPECT_EQ(query(TEXT("hostid"), &type, data, sizeof data), ERROR_SUCCESS);
     EXPECT_EQ(type, static_cast<DWORD>(REG_BINARY));
     EXPECT_EQ(size, 8u);
     EXPECT_EQ(std::string(data, data + 8), "12345678");
 
-    size = 4;
-    EXPECT_EQ(RegQueryValueExW(key_, TEXT("HostID"), nullptr, &type, data, &size), ERROR_MORE_DATA);
+    EXPECT_EQ(query(name, &type, data, 4), ERROR_MORE_DATA);
     EXPECT_EQ(size, 8u);
-    size = 0;
-    EXPECT_EQ(RegQueryValueExW(key_, TEXT("HostID"), nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
+    EXPECT_EQ(query(name, nullptr, nullptr, 0), ERROR_SUCCESS);
     EXPECT_EQ(size, 8u);
-    EXPECT_EQ(RegQueryValueExW(key_, TEXT("Other"), nullptr, &type, data, &size), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(query(TEXT("Other"), &type, data, 8), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(size, 8u);
-    EXPECT_EQ(RegQueryValueExW(key_, TEXT("Other"), nullptr, nullptr, nullptr, &size), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(query(TEXT("Other"), nullptr, nullptr, 8), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(size, 0u);
     type = 0;
-    EXPECT_EQ(RegQueryValueExW(key_, TEXT("HostID"), nullptr, &type, nullptr, nullptr), ERROR_SUCCESS);
+    EXPECT_EQ(RegQueryValueExW(key_, name, nullptr, &type, nullptr, nullptr), ERROR_SUCCESS);
     EXPECT_EQ(type, static_cast<DWORD>(REG_BINARY));
-    EXPECT_EQ(RegQueryValueExW(key_, TEXT("HostID"), nullptr, &type, data, nullptr), ERROR_INVALID_PARAMETER);
-    DWORD both = sizeof data;
-    EXPECT_EQ(RegQueryValueExW(key_, TEXT("HostID"), nullptr, &both, data, &both), ERROR_SUCCESS);
-    EXPECT_EQ(both, 8u);
+    EXPECT_EQ(RegQueryValueExW(key_, name, nullptr, &type, data, nullptr), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(query(name, &size, data, sizeof data), ERROR_SUCCESS) << "one place for both";
+    EXPECT_EQ(size, 8u);
+    EXPECT_EQ(GetLastError(), 77u) << "the results tell it";
 }
 
 TEST_F(Registry, A_text_counted_without_its_terminator_is_stored_with_it) {
@@ -108,25 +121,17 @@ TEST_F(Registry, A_hive_is_known_however_its_number_was_widened_and_a_key_by_mor
 }
 
 TEST_F(Registry, Key_names_are_found_without_case_through_nested_paths) {
-    HKEY nested = nullptr;
-    DWORD disposition = 0;
-    ASSERT_EQ(RegCreateKeyExW(key_, TEXT("Outer\\Inner \u00C9\\Deep"), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                              KEY_ALL_ACCESS, nullptr, &nested, &disposition),
-              ERROR_SUCCESS);
-    EXPECT_EQ(disposition, static_cast<DWORD>(REG_CREATED_NEW_KEY));
+    HKEY nested = Create(key_, TEXT("Outer\\Inner \u00C9\\Deep"), KEY_ALL_ACCESS, REG_CREATED_NEW_KEY);
     Set(nested, TEXT("v"), "deep");
     EXPECT_EQ(RegCloseKey(nested), ERROR_SUCCESS);
     ASSERT_EQ(RegOpenKeyW(key_, TEXT("OUTER\\inner \u00E9\\deep"), &nested), ERROR_SUCCESS);
     EXPECT_EQ(Get(nested, TEXT("v")), "deep");
     RegCloseKey(nested);
-    ASSERT_EQ(RegCreateKeyExW(key_, TEXT("outer"), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_READ, nullptr,
-                              &nested, &disposition),
-              ERROR_SUCCESS);
-    EXPECT_EQ(disposition, static_cast<DWORD>(REG_OPENED_EXISTING_KEY));
-    RegCloseKey(nested);
+    RegCloseKey(Create(key_, TEXT("outer"), KEY_READ, REG_OPENED_EXISTING_KEY));
 }
 
 TEST_F(Registry, What_is_not_there_or_badly_named_is_refused) {
+    SetLastError(77);
     HKEY other = key_;
     EXPECT_EQ(RegOpenKeyW(key_, TEXT("None"), &other), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(other, nullptr);
@@ -136,6 +141,7 @@ TEST_F(Registry, What_is_not_there_or_badly_named_is_refused) {
               ERROR_BAD_PATHNAME);
     EXPECT_EQ(RegDeleteTreeW(key_, TEXT("None")), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegCloseKey(nullptr), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(GetLastError(), 77u) << "the results tell it";
 }
 
 TEST_F(Registry, A_key_opened_for_reading_refuses_writes) {
@@ -162,11 +168,8 @@ TEST_F(Registry, An_empty_path_is_the_key_itself_and_closing_a_hive_changes_noth
 }
 
 TEST_F(Registry, Subkeys_are_listed_by_name) {
-    for (const WCHAR* name : {TEXT("beta"), TEXT("Alpha"), TEXT("GAMMA")}) {
-        HKEY child = nullptr;
-        ASSERT_EQ(RegCreateKeyW(key_, name, &child), ERROR_SUCCESS);
-        RegCloseKey(child);
-    }
+    for (const WCHAR* name : {TEXT("beta"), TEXT("Alpha"), TEXT("GAMMA")})
+        RegCloseKey(Create(key_, name, KEY_READ, REG_CREATED_NEW_KEY));
     std::vector<WideText> names;
     WCHAR buffer[32];
     DWORD length = 32;
@@ -184,42 +187,30 @@ TEST_F(Registry, Subkeys_are_listed_by_name) {
 }
 
 TEST_F(Registry, A_deleted_tree_takes_its_subkeys_along_and_a_new_key_is_empty) {
-    HKEY old = nullptr;
-    HKEY fresh = nullptr;
-    ASSERT_EQ(RegCreateKeyW(key_, TEXT("A\\B"), &old), ERROR_SUCCESS);
+    const std::string missing = "error " + std::to_string(ERROR_FILE_NOT_FOUND);
+    HKEY other = nullptr;
+    const HKEY old = Create(key_, TEXT("A\\B"), KEY_ALL_ACCESS, REG_CREATED_NEW_KEY);
     Set(old, TEXT("v"), "old");
     EXPECT_EQ(RegDeleteTreeW(key_, TEXT("a")), ERROR_SUCCESS);
-    EXPECT_EQ(RegOpenKeyW(key_, TEXT("A"), &fresh), ERROR_FILE_NOT_FOUND);
-    ASSERT_EQ(RegCreateKeyW(key_, TEXT("A\\B"), &fresh), ERROR_SUCCESS);
-    EXPECT_EQ(Get(fresh, TEXT("v")), "error " + std::to_string(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(RegOpenKeyW(key_, TEXT("A"), &other), ERROR_FILE_NOT_FOUND);
+    const HKEY fresh = Create(key_, TEXT("A\\B"), KEY_ALL_ACCESS, REG_CREATED_NEW_KEY);
+    EXPECT_EQ(Get(fresh, TEXT("v")), missing);
     // The handle of before does not reach the key that took the name.
     EXPECT_EQ(Set(old, TEXT("v"), "late"), ERROR_KEY_DELETED);
     EXPECT_EQ(Get(old, TEXT("v")), "error " + std::to_string(ERROR_KEY_DELETED));
-    HKEY below = nullptr;
-    EXPECT_EQ(RegOpenKeyW(old, TEXT("C"), &below), ERROR_KEY_DELETED);
-    EXPECT_EQ(Get(fresh, TEXT("v")), "error " + std::to_string(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(RegOpenKeyW(old, TEXT("C"), &other), ERROR_KEY_DELETED);
+    EXPECT_EQ(Get(fresh, TEXT("v")), missing);
     RegCloseKey(old);
     RegCloseKey(fresh);
     // Without a path it is what the key holds that goes.
     Set(key_, TEXT("v"), "x");
     EXPECT_EQ(RegDeleteTreeW(key_, nullptr), ERROR_SUCCESS);
-    EXPECT_EQ(RegOpenKeyW(key_, TEXT("A"), &fresh), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(Get(key_, TEXT("v")), "error " + std::to_string(ERROR_FILE_NOT_FOUND));
-}
-
-TEST_F(Registry, The_calls_leave_the_last_error_alone) {
-    HKEY other = nullptr;
-    SetLastError(77);
-    RegOpenKeyW(key_, TEXT("None"), &other);
-    RegOpenKeyW(HKEY_CURRENT_USER, name_.c_str(), &other);
-    Set(other, TEXT("v"), "x");
-    Get(other, TEXT("None"));
-    RegCloseKey(other);
-    EXPECT_EQ(GetLastError(), 77u);
+    EXPECT_EQ(RegOpenKeyW(key_, TEXT("A"), &other), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(Get(key_, TEXT("v")), missing);
 }
 
 TEST_F(Registry, Threads_write_side_by_side) {
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     std::atomic<int> failures{0};
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&, i] {
@@ -230,7 +221,6 @@ TEST_F(Registry, Threads_write_side_by_side) {
             }
         });
     }
-    for (std::thread& thread : threads)
-        thread.join();
+    threads.clear();
     EXPECT_EQ(failures, 0);
 }

@@ -4,9 +4,6 @@
 #include <windows.h>
 #include <winspool.h>
 
-#include <utility>
-#include <vector>
-
 #include "support.h"
 
 inline constexpr WCHAR kDriver[] = TEXT("Kestrel Contract Driver");
@@ -15,30 +12,30 @@ inline constexpr WCHAR kDriver[] = TEXT("Kestrel Contract Driver");
 class Spooler : public testing::Test {
   protected:
     Spooler() {
-        RemoveLeftovers();
-        DRIVER_INFO_3W driver = {};
-        driver.cVersion = 3;
-        driver.pName = Writable(kDriver);
-        driver.pDriverPath = Writable(TEXT("wineps.drv"));
-        driver.pDataFile = Writable(TEXT("x"));
-        driver.pConfigFile = Writable(TEXT("wineps.drv"));
-        EXPECT_TRUE(AddPrinterDriverExW(nullptr, 3, reinterpret_cast<LPBYTE>(&driver),
-                                        APD_COPY_NEW_FILES | APD_COPY_FROM_DIRECTORY));
+        // Of a run that ended in the middle: the registry of a Wine prefix outlives it.
+        for (const WideText& name : Names())
+            Remove(Open(name.c_str()));
+        InstallDriver(kDriver, nullptr);
     }
     ~Spooler() override {
-        for (const HANDLE printer : added_) {
-            DeletePrinter(printer);
-            ClosePrinter(printer);
-        }
+        for (const HANDLE printer : added_)
+            Remove(printer);
     }
 
-    // Of a run that ended in the middle: the registry of a Wine prefix outlives it.
-    static void RemoveLeftovers() {
-        for (const WideText& name : Names()) {
-            const HANDLE printer = Open(name.c_str());
-            DeletePrinter(printer);
-            ClosePrinter(printer);
-        }
+    static void Remove(HANDLE printer) {
+        DeletePrinter(printer);
+        ClosePrinter(printer);
+    }
+    // For this machine, or the kind of machine that is named.
+    static void InstallDriver(const WCHAR* name, const WCHAR* environment) {
+        DRIVER_INFO_3W driver = {};
+        driver.cVersion = 3;
+        driver.pName = Writable(name);
+        driver.pEnvironment = Writable(environment);
+        driver.pDriverPath = driver.pConfigFile = Writable(TEXT("wineps.drv"));
+        driver.pDataFile = Writable(TEXT("x"));
+        EXPECT_TRUE(AddPrinterDriverExW(nullptr, 3, reinterpret_cast<LPBYTE>(&driver),
+                                        APD_COPY_NEW_FILES | APD_COPY_FROM_DIRECTORY));
     }
 
     static PRINTER_INFO_2W Info(const WCHAR* name, const WCHAR* port) {
@@ -67,33 +64,27 @@ class Spooler : public testing::Test {
         return OpenPrinterW(Writable(name), &printer, &defaults) ? printer : nullptr;
     }
 
-    // Level-2 records of all local printers: names in order.
+    // Of all local printers, as they are listed.
     static std::vector<WideText> Names() {
         DWORD needed = 0;
         DWORD count = 0;
         EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, nullptr, 0, &needed, &count);
-        std::vector<BYTE> buffer(needed + 1);
-        EXPECT_TRUE(EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, buffer.data(), needed, &needed, &count));
+        std::vector<PRINTER_INFO_2W> buffer(needed / sizeof(PRINTER_INFO_2W) + 1);
+        EXPECT_TRUE(EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, reinterpret_cast<LPBYTE>(buffer.data()),
+                                  needed, &needed, &count));
         std::vector<WideText> names;
-        const auto* info = reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data());
         for (DWORD i = 0; i < count; ++i)
-            names.emplace_back(info[i].pPrinterName);
+            names.emplace_back(buffer[i].pPrinterName);
         return names;
     }
 
-    struct Record {
-        std::vector<BYTE> buffer;
-        const PRINTER_INFO_2W& operator*() const {
-            return *reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data());
-        }
-    };
-    static Record Read(HANDLE printer) {
+    // Its record, and behind it what that points to.
+    static std::vector<PRINTER_INFO_2W> Read(HANDLE printer) {
         DWORD needed = 0;
-        EXPECT_EQ(ErrorOf([&] { return GetPrinterW(printer, 2, nullptr, 0, &needed); }),
-                  ERROR_INSUFFICIENT_BUFFER);
+        EXPECT_REFUSED(ERROR_INSUFFICIENT_BUFFER, GetPrinterW(printer, 2, nullptr, 0, &needed));
         EXPECT_GE(needed, sizeof(PRINTER_INFO_2W));
-        Record record{std::vector<BYTE>(needed)};
-        EXPECT_TRUE(GetPrinterW(printer, 2, record.buffer.data(), needed, &needed));
+        std::vector<PRINTER_INFO_2W> record(needed / sizeof(PRINTER_INFO_2W) + 1);
+        EXPECT_TRUE(GetPrinterW(printer, 2, reinterpret_cast<LPBYTE>(record.data()), needed, &needed));
         return record;
     }
 

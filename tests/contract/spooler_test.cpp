@@ -19,11 +19,8 @@ TEST_F(Spooler, The_list_is_in_order_of_the_names_and_asks_for_its_size_first) {
     DWORD needed = 0;
     DWORD count = 9;
     for (const DWORD level : {1u, 2u}) {
-        EXPECT_EQ(ErrorOf([&] {
-                      return EnumPrintersW(PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS, nullptr, level,
-                                           nullptr, 0, &needed, &count);
-                  }),
-                  ERROR_INSUFFICIENT_BUFFER);
+        EXPECT_REFUSED(ERROR_INSUFFICIENT_BUFFER, EnumPrintersW(PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS,
+                                                                nullptr, level, nullptr, 0, &needed, &count));
         EXPECT_GT(needed, 0u);
         EXPECT_EQ(count, 0u);
     }
@@ -40,11 +37,11 @@ TEST_F(Spooler, A_printer_keeps_what_it_was_added_with_and_takes_another_port) {
         PRINTER_INFO_2W info = Info(TEXT("ZR Ports"), port);
         info.Attributes = attributes;
         ASSERT_TRUE(SetPrinterW(printer, 2, reinterpret_cast<LPBYTE>(&info), 0));
-        const Record record = Read(printer);
-        EXPECT_EQ(WideText((*record).pPrinterName), TEXT("ZR Ports"));
-        EXPECT_EQ(WideText((*record).pDriverName), kDriver);
-        EXPECT_EQ(WideText((*record).pPortName), port);
-        EXPECT_EQ((*record).Attributes & 0x840, attributes);
+        const auto record = Read(printer);
+        EXPECT_EQ(WideText(record.front().pPrinterName), TEXT("ZR Ports"));
+        EXPECT_EQ(WideText(record.front().pDriverName), kDriver);
+        EXPECT_EQ(WideText(record.front().pPortName), port);
+        EXPECT_EQ(record.front().Attributes & 0x840, attributes);
     }
 }
 
@@ -52,7 +49,7 @@ TEST_F(Spooler, Printers_open_by_name_without_case) {
     AddForTest(TEXT("ZR Open"), TEXT("USB001"));
     const HANDLE printer = Open(TEXT("zr OPEN"));
     EXPECT_NE(printer, nullptr);
-    EXPECT_EQ(WideText((*Read(printer)).pPrinterName), TEXT("ZR Open"));
+    EXPECT_EQ(WideText(Read(printer).front().pPrinterName), TEXT("ZR Open"));
     EXPECT_TRUE(ClosePrinter(printer));
     HANDLE server = nullptr;
     EXPECT_TRUE(OpenPrinterW(nullptr, &server, nullptr));
@@ -68,7 +65,7 @@ TEST_F(Spooler, Names_that_are_no_printer_are_refused) {
         {TEXT(",XcvMonitor No Such Monitor"), ERROR_UNKNOWN_PORT},
     };
     for (const auto& [name, error] : rows)
-        EXPECT_EQ(ErrorOf([&] { return Open(name.c_str()) != nullptr; }), error);
+        EXPECT_REFUSED(error, Open(name.c_str()));
 }
 
 TEST_F(Spooler, Handles_that_are_no_open_printer_are_refused) {
@@ -76,9 +73,9 @@ TEST_F(Spooler, Handles_that_are_no_open_printer_are_refused) {
     const HANDLE closed = Open(TEXT("ZR Handle"));
     ClosePrinter(closed);
     for (const HANDLE handle : {HANDLE(nullptr), closed}) {
-        EXPECT_EQ(ErrorOf([&] { return ClosePrinter(handle); }), ERROR_INVALID_HANDLE);
         DWORD needed = 9;
-        EXPECT_EQ(ErrorOf([&] { return GetPrinterW(handle, 2, nullptr, 0, &needed); }), ERROR_INVALID_HANDLE);
+        EXPECT_REFUSED(ERROR_INVALID_HANDLE, ClosePrinter(handle));
+        EXPECT_REFUSED(ERROR_INVALID_HANDLE, GetPrinterW(handle, 2, nullptr, 0, &needed));
     }
 }
 
@@ -87,7 +84,7 @@ TEST_F(Spooler, The_default_printer_is_told_with_the_size_that_its_name_takes) {
     ASSERT_TRUE(SetDefaultPrinterW(TEXT("ZR Default")));
     WCHAR name[16] = {};
     DWORD size = 10;
-    EXPECT_EQ(ErrorOf([&] { return GetDefaultPrinterW(name, &size); }), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_REFUSED(ERROR_INSUFFICIENT_BUFFER, GetDefaultPrinterW(name, &size));
     EXPECT_EQ(size, 11u);
     EXPECT_TRUE(GetDefaultPrinterW(name, &size));
     EXPECT_EQ(WideText(name), TEXT("ZR Default"));
@@ -96,7 +93,7 @@ TEST_F(Spooler, The_default_printer_is_told_with_the_size_that_its_name_takes) {
 TEST_F(Spooler, A_printer_needs_an_installed_driver) {
     PRINTER_INFO_2W info = Info(TEXT("ZR Driverless"), TEXT("USB001"));
     info.pDriverName = Writable(TEXT("No Such Driver"));
-    EXPECT_EQ(ErrorOf([&] { return Add(info); }), ERROR_UNKNOWN_PRINTER_DRIVER);
+    EXPECT_REFUSED(ERROR_UNKNOWN_PRINTER_DRIVER, Add(info));
     EXPECT_EQ(Open(TEXT("ZR Driverless")), nullptr);
 }
 
@@ -107,26 +104,27 @@ TEST_F(Spooler, Printer_data_reports_by_its_result_and_leaves_the_last_error_alo
     DWORD number = 4711;
     DWORD type = 0;
     DWORD needed = 0;
+    const auto get = [&](HANDLE from) {
+        return static_cast<LONG>(GetPrinterDataW(from, name, &type, &byte, 1, &needed));
+    };
     SetLastError(77);
-    EXPECT_EQ(GetPrinterDataW(printer, name, &type, &byte, 1, &needed),
-              static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(get(printer), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(SetPrinterDataW(printer, name, REG_BINARY, &byte, 1), 0u);
     byte = 0;
-    EXPECT_EQ(GetPrinterDataW(printer, name, &type, &byte, 1, &needed), 0u);
+    EXPECT_EQ(get(printer), ERROR_SUCCESS);
     EXPECT_EQ(byte, 1);
     EXPECT_EQ(SetPrinterDataW(printer, name, REG_DWORD, reinterpret_cast<LPBYTE>(&number), sizeof number),
               0u);
-    EXPECT_EQ(GetPrinterDataW(printer, name, &type, &byte, 1, &needed), static_cast<DWORD>(ERROR_MORE_DATA));
+    EXPECT_EQ(get(printer), ERROR_MORE_DATA);
     EXPECT_EQ(needed, sizeof number);
     EXPECT_EQ(GetLastError(), 77u);
-    EXPECT_EQ(GetPrinterDataW(nullptr, name, &type, &byte, 1, &needed),
-              static_cast<DWORD>(ERROR_INVALID_HANDLE));
+    EXPECT_EQ(get(nullptr), ERROR_INVALID_HANDLE);
 }
 
 TEST_F(Spooler, The_driver_folder_is_there_with_its_subfolder_3) {
     DWORD needed = 0;
-    EXPECT_EQ(ErrorOf([&] { return GetPrinterDriverDirectoryW(nullptr, nullptr, 1, nullptr, 0, &needed); }),
-              ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_REFUSED(ERROR_INSUFFICIENT_BUFFER,
+                   GetPrinterDriverDirectoryW(nullptr, nullptr, 1, nullptr, 0, &needed));
     std::vector<WCHAR> folder(needed / sizeof(WCHAR));
     ASSERT_TRUE(GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<LPBYTE>(folder.data()),
                                            needed, &needed));

@@ -1,18 +1,18 @@
-// What the contract tests share: wide text and files of their own.
+// What the contract tests share: wide text, files of their own, and calls that are refused.
 #pragma once
 
-#include <gtest/gtest.h>
-#include <windows.h>
-
 #include <atomic>
-#include <filesystem>
-#include <fstream>
-#include <string>
 #include <string_view>
 #include <system_error>
 
+#include "precompiled.h"
+
+namespace fs = std::filesystem;
+
 using WideText = std::basic_string<WCHAR>;
-using WideView = std::basic_string_view<WCHAR>;
+
+// Milliseconds: a loaded machine wakes threads late, never early.
+inline constexpr DWORD kPatience = 10'000;
 
 // The calls take writable pointers for texts that they only read.
 inline LPWSTR Writable(const WCHAR* text) {
@@ -26,6 +26,9 @@ LONG ErrorOf(Call call) {
     return call() ? -1 : static_cast<LONG>(GetLastError());
 }
 
+// The call gives nothing, and this is the last-error value.
+#define EXPECT_REFUSED(error, ...) EXPECT_EQ(ErrorOf([&] { return __VA_ARGS__; }), static_cast<LONG>(error))
+
 // A folder that is removed with everything in it.
 class TempFolder final {
   public:
@@ -33,28 +36,29 @@ class TempFolder final {
         static std::atomic<int> count{0};
         const std::string name =
             "contract-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count);
-        folder_ = std::filesystem::temp_directory_path() / name;
-        std::filesystem::create_directories(folder_);
+        folder_ = fs::temp_directory_path() / name;
+        fs::create_directories(folder_);
     }
     ~TempFolder() {
         std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
+        fs::remove_all(folder_, ignored);
     }
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
-    WideText Path(WideView name) const { return (folder_ / std::filesystem::path(name)).string<WCHAR>(); }
+    fs::path Host(const fs::path& name) const { return folder_ / name; }
+    WideText Path(const fs::path& name) const { return Host(name).string<WCHAR>(); }
 
-    WideText WriteFile(WideView name, std::string_view bytes) const {
-        std::ofstream(folder_ / std::filesystem::path(name), std::ios::binary) << bytes;
+    WideText WriteFile(const fs::path& name, std::string_view bytes) const {
+        std::ofstream(Host(name), std::ios::binary) << bytes;
         return Path(name);
     }
 
-    WideText MakeFolder(WideView name) const {
-        std::filesystem::create_directories(folder_ / std::filesystem::path(name));
+    WideText MakeFolder(const fs::path& name) const {
+        fs::create_directories(Host(name));
         return Path(name);
     }
 
   private:
-    std::filesystem::path folder_;
+    fs::path folder_;
 };

@@ -1,11 +1,6 @@
 // Events, mutexes and waits on one and several of them, where threads meet; what needs no second thread at
 // the same moment is in the random traces.
-#include <algorithm>
-#include <chrono>
-#include <functional>
 #include <stop_token>
-#include <thread>
-#include <vector>
 
 #include "child.h"
 #include "handle_support.h"
@@ -14,9 +9,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
-
-// Generous: a loaded machine wakes threads late, never early.
-constexpr DWORD kLong = 5000;
 
 void RunOnThread(const std::function<void()>& body) {
     std::thread(body).join();
@@ -41,10 +33,10 @@ std::jthread SetsSoon(HANDLE event) {
 TEST(Events, A_set_wakes_a_sleeping_wait_and_a_time_out_is_never_early) {
     const Handle event = AutoEvent();
     const Clock::time_point start = Clock::now();
-    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(event.Get(), 60));
+    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(event, 60));
     EXPECT_GE(Clock::now() - start, milliseconds(60));
-    const std::jthread setter = SetsSoon(event.Get());
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event.Get(), kLong));
+    const std::jthread setter = SetsSoon(event);
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event, kPatience));
 }
 
 TEST(Events, A_manual_reset_event_that_is_set_and_reset_at_once_wakes_all_who_wait) {
@@ -53,13 +45,13 @@ TEST(Events, A_manual_reset_event_that_is_set_and_reset_at_once_wakes_all_who_wa
     std::atomic<int> begun{0};
     auto waiters = OnThreads(3, [&] {
         ++begun;
-        woken += WaitForSingleObject(event.Get(), kLong) == WAIT_OBJECT_0;
+        woken += WaitForSingleObject(event, kPatience) == WAIT_OBJECT_0;
     });
     while (begun < 3)
         Sleep(1);
     Sleep(250);  // until they wait
-    SetEvent(event.Get());
-    ResetEvent(event.Get());
+    SetEvent(event);
+    ResetEvent(event);
     waiters.clear();
     EXPECT_EQ(3, woken);
 }
@@ -72,14 +64,14 @@ TEST(Events, Each_set_of_an_auto_reset_event_is_taken_exactly_once) {
     std::atomic<bool> stop{false};
     auto waiters = OnThreads(3, [&] {
         while (!stop)
-            if (WaitForSingleObject(event.Get(), 20) == WAIT_OBJECT_0) {
+            if (WaitForSingleObject(event, 20) == WAIT_OBJECT_0) {
                 ++count;
-                SetEvent(taken.Get());
+                SetEvent(taken);
             }
     });
     for (int i = 0; i < kRounds; ++i) {
-        SetEvent(event.Get());
-        ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(taken.Get(), kLong));
+        SetEvent(event);
+        ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(taken, kPatience));
     }
     stop = true;
     waiters.clear();
@@ -91,19 +83,19 @@ TEST(Mutexes, A_thread_that_ends_abandons_what_it_holds_once) {
         const Handle mutex = Mutex(name);
         std::atomic<bool> owned{false};
         std::thread owner([&] {
-            WaitForSingleObject(mutex.Get(), INFINITE);
-            WaitForSingleObject(mutex.Get(), INFINITE);
+            WaitForSingleObject(mutex, INFINITE);
+            WaitForSingleObject(mutex, INFINITE);
             owned = true;
             Sleep(50);
         });
         while (!owned)
             Sleep(1);
-        EXPECT_EQ(WAIT_ABANDONED, WaitForSingleObject(mutex.Get(), kLong));
+        EXPECT_EQ(WAIT_ABANDONED, WaitForSingleObject(mutex, kPatience));
         owner.join();
-        EXPECT_TRUE(ReleaseMutex(mutex.Get()));
-        EXPECT_FALSE(ReleaseMutex(mutex.Get()));
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex.Get(), 0));
-        EXPECT_TRUE(ReleaseMutex(mutex.Get()));
+        EXPECT_TRUE(ReleaseMutex(mutex));
+        EXPECT_FALSE(ReleaseMutex(mutex));
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex, 0));
+        EXPECT_TRUE(ReleaseMutex(mutex));
     }
 }
 
@@ -112,20 +104,20 @@ TEST(Mutexes, One_that_was_closed_while_owned_is_released_through_another_handle
     const Handle opened = ManualEvent(name + TEXT("Opened"));
     const Handle kept = Mutex();
     RunOnThread([&] {
-        WaitForSingleObject(kept.Get(), 0);
+        WaitForSingleObject(kept, 0);
         Handle first(CreateMutexW(nullptr, TRUE, name.c_str()));
         const Program other(OwnCommand(TEXT("take ") + name));
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(opened.Get(), kPatience));
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(opened, kPatience));
         first.Close();
         const Handle second = Mutex(name);
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(second.Get(), 0));
-        EXPECT_TRUE(ReleaseMutex(second.Get()));
-        EXPECT_TRUE(ReleaseMutex(second.Get()));
-        EXPECT_FALSE(ReleaseMutex(second.Get()));
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(second, 0));
+        EXPECT_TRUE(ReleaseMutex(second));
+        EXPECT_TRUE(ReleaseMutex(second));
+        EXPECT_FALSE(ReleaseMutex(second));
         EXPECT_EQ(3u, other.WaitForExitCode());
     });
-    EXPECT_EQ(WAIT_ABANDONED, WaitForSingleObject(kept.Get(), 0)) << "the others are abandoned as ever";
-    EXPECT_TRUE(ReleaseMutex(kept.Get()));
+    EXPECT_EQ(WAIT_ABANDONED, WaitForSingleObject(kept, 0)) << "the others are abandoned as ever";
+    EXPECT_TRUE(ReleaseMutex(kept));
 }
 
 // However many takes an owner has had, and whether or not another goes on with it.
@@ -136,20 +128,20 @@ TEST(Mutexes, A_waiter_comes_soon_after_a_release) {
     for (int round = 0; round < 5; ++round) {
         std::atomic<Clock::time_point> released;
         std::thread waiter([&] {
-            WaitForSingleObject(begins.Get(), kLong);
-            EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex.Get(), kLong));
+            WaitForSingleObject(begins, kPatience);
+            EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex, kPatience));
             soonest = std::min(soonest, std::chrono::ceil<milliseconds>(Clock::now() - released.load()));
-            ReleaseMutex(mutex.Get());
+            ReleaseMutex(mutex);
         });
         for (int takes = 1; takes < 200; ++takes) {
-            WaitForSingleObject(mutex.Get(), kLong);
-            ReleaseMutex(mutex.Get());
+            WaitForSingleObject(mutex, kPatience);
+            ReleaseMutex(mutex);
         }
-        WaitForSingleObject(mutex.Get(), kLong);
-        SetEvent(begins.Get());
+        WaitForSingleObject(mutex, kPatience);
+        SetEvent(begins);
         Sleep(2);
         released = Clock::now();
-        ReleaseMutex(mutex.Get());
+        ReleaseMutex(mutex);
         waiter.join();
     }
     EXPECT_LE(soonest, milliseconds(5));
@@ -161,11 +153,11 @@ TEST(Mutexes, One_thread_at_a_time_is_inside) {
     int counted = 0;
     OnThreads(4, [&] {
         for (int i = 0; i < 2000; ++i) {
-            ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex.Get(), kLong));
+            ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex, kPatience));
             ASSERT_EQ(1, ++inside);
             ++counted;
             --inside;
-            ASSERT_TRUE(ReleaseMutex(mutex.Get()));
+            ASSERT_TRUE(ReleaseMutex(mutex));
         }
     });
     EXPECT_EQ(8000, counted);
@@ -175,23 +167,22 @@ TEST(Waits, All_are_taken_together_or_none) {
     const Handle a = AutoEvent();
     const Handle b = AutoEvent();
     const Handle mutex = Mutex();
-    const HANDLE all[] = {a.Get(), mutex.Get(), b.Get()};
-    SetEvent(a.Get());
+    const HANDLE all[] = {a, mutex, b};
+    SetEvent(a);
     EXPECT_EQ(WAIT_TIMEOUT, WaitForMultipleObjects(3, all, TRUE, 30));
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(a.Get(), 0)) << "the signal was not kept";
-    EXPECT_FALSE(ReleaseMutex(mutex.Get()));
-    std::thread setter([&] {
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(a, 0)) << "the signal was not kept";
+    EXPECT_FALSE(ReleaseMutex(mutex));
+    const std::jthread setter([&] {
         Sleep(20);
-        SetEvent(b.Get());
+        SetEvent(b);
         Sleep(20);
-        SetEvent(a.Get());
+        SetEvent(a);
     });
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForMultipleObjects(3, all, TRUE, kLong));
-    setter.join();
-    EXPECT_TRUE(ReleaseMutex(mutex.Get()));
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForMultipleObjects(3, all, TRUE, kPatience));
+    EXPECT_TRUE(ReleaseMutex(mutex));
     EXPECT_EQ(WAIT_OBJECT_0 + 1, WaitForMultipleObjects(3, all, FALSE, 0))
         << "only the mutex is left to take";
-    EXPECT_TRUE(ReleaseMutex(mutex.Get()));
+    EXPECT_TRUE(ReleaseMutex(mutex));
 }
 
 TEST(Waits, A_set_of_any_object_wakes_a_sleeping_wait) {
@@ -199,33 +190,31 @@ TEST(Waits, A_set_of_any_object_wakes_a_sleeping_wait) {
         const Handle a = AutoEvent();
         const Handle b = ManualEvent(FreshName());
         const Handle c = AutoEvent(FreshName());
-        const HANDLE all[] = {a.Get(), b.Get(), c.Get()};
+        const HANDLE all[] = {a, b, c};
         const std::jthread setter = SetsSoon(all[i]);
-        EXPECT_EQ(WAIT_OBJECT_0 + i, WaitForMultipleObjects(3, all, FALSE, kLong));
+        EXPECT_EQ(WAIT_OBJECT_0 + i, WaitForMultipleObjects(3, all, FALSE, kPatience));
     }
 }
 
 TEST(Waits, What_is_given_back_was_not_taken) {
     const Handle event = AutoEvent();
     const Handle mutex = Mutex();
-    const auto abandon = [&] { RunOnThread([&] { WaitForSingleObject(mutex.Get(), kLong); }); };
+    const auto abandon = [&] { RunOnThread([&] { WaitForSingleObject(mutex, kPatience); }); };
     abandon();
     const std::jthread thief([&](const std::stop_token& stop) {
         while (!stop.stop_requested()) {
-            SetEvent(event.Get());
-            WaitForSingleObject(event.Get(), 0);
+            SetEvent(event);
+            WaitForSingleObject(event, 0);
         }
     });
     std::vector<Handle> kept;
-    std::vector<HANDLE> all = {mutex.Get()};
-    while (kept.size() < 20) {
-        kept.push_back(AutoEvent());
-        all.push_back(kept.back().Get());
-    }
-    all.push_back(event.Get());
+    std::vector<HANDLE> all = {mutex};
+    for (int i = 0; i < 20; ++i)
+        all.push_back(kept.emplace_back(AutoEvent()));
+    all.push_back(event);
     const auto setKept = [&] {
         for (const Handle& each : kept)
-            SetEvent(each.Get());
+            SetEvent(each);
     };
     setKept();
     // So many that the last one is often gone between the look at all and its turn.
@@ -235,20 +224,18 @@ TEST(Waits, What_is_given_back_was_not_taken) {
         if (result == WAIT_TIMEOUT) continue;
         ASSERT_EQ(WAIT_ABANDONED, result);
         setKept();
-        ReleaseMutex(mutex.Get());
+        ReleaseMutex(mutex);
         abandon();
     }
     for (const Handle& each : kept)
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(each.Get(), 0));
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(each, 0));
 }
 
 TEST(Waits, Odd_arguments_are_refused_with_87) {
     const Handle event = AutoEvent(FreshName());
-    const std::vector<HANDLE> many(65, event.Get());
-    for (const DWORD count : {0, 65}) {
-        EXPECT_EQ(WAIT_FAILED, WaitForMultipleObjects(count, many.data(), FALSE, 0));
-        EXPECT_EQ(87u, GetLastError());
-    }
+    const std::vector<HANDLE> many(65, event);
+    for (const DWORD count : {0, 65})
+        EXPECT_REFUSED(87, WaitForMultipleObjects(count, many.data(), FALSE, 0) != WAIT_FAILED);
 }
 
 TEST(Waits, Closing_a_handle_while_another_thread_waits_is_safe) {
@@ -272,12 +259,12 @@ TEST(Waits, Leave_the_last_error_value_alone) {
     const Handle event = ManualEvent();
     const Handle mutex = Mutex();
     SetLastError(77);
-    SetEvent(event.Get());
-    WaitForSingleObject(event.Get(), 0);
-    ResetEvent(event.Get());
-    WaitForSingleObject(event.Get(), 1);
-    WaitForSingleObject(mutex.Get(), 0);
-    ReleaseMutex(mutex.Get());
+    SetEvent(event);
+    WaitForSingleObject(event, 0);
+    ResetEvent(event);
+    WaitForSingleObject(event, 1);
+    WaitForSingleObject(mutex, 0);
+    ReleaseMutex(mutex);
     EXPECT_EQ(77u, GetLastError());
 }
 

@@ -37,9 +37,9 @@ bool WriteRegistry(const fs::path& folder, int generation) {
     HKEY key = nullptr;
     if (RegCreateKeyW(HKEY_LOCAL_MACHINE, u"Software\\Crash", &key) != ERROR_SUCCESS) return false;
     const std::string text = TextOf(generation);
+    const auto* bytes = reinterpret_cast<const BYTE*>(text.data());
     const LSTATUS status =
-        RegSetValueExW(key, u"Text", 0, REG_BINARY, reinterpret_cast<const BYTE*>(text.data()),
-                       static_cast<DWORD>(text.size()));
+        RegSetValueExW(key, u"Text", 0, REG_BINARY, bytes, static_cast<DWORD>(text.size()));
     RegCloseKey(key);
     return status == ERROR_SUCCESS;
 }
@@ -162,13 +162,12 @@ bool HasLeftovers(const fs::path& folder) {
 // By processes of their own: one after the other, as after a start of the computer.
 void ExpectWhole(const Subject& subject, const fs::path& folder, int acknowledged, const std::string& when) {
     const int found = Forked([&] { return subject.read(folder); }).Wait();
-    EXPECT_TRUE(found == acknowledged || found == acknowledged + 1)
-        << subject.name << ": " << found << " after " << acknowledged << ", " << when;
+    SCOPED_TRACE(subject.name + (", " + when));
+    EXPECT_TRUE(found == acknowledged || found == acknowledged + 1) << found << " after " << acknowledged;
     if (found == kDamaged) return;
-    EXPECT_TRUE(HoldsInChild([&] { return subject.write(folder, found + 1); }))
-        << subject.name << ", " << when;
-    EXPECT_EQ(Forked([&] { return subject.read(folder); }).Wait(), found + 1) << subject.name << ", " << when;
-    EXPECT_FALSE(HasLeftovers(folder)) << subject.name << ", " << when;
+    EXPECT_TRUE(HoldsInChild([&] { return subject.write(folder, found + 1); }));
+    EXPECT_EQ(Forked([&] { return subject.read(folder); }).Wait(), found + 1);
+    EXPECT_FALSE(HasLeftovers(folder));
 }
 
 TEST(Kills, A_writer_killed_at_any_call_leaves_the_last_generation_or_the_next) {
@@ -181,15 +180,14 @@ TEST(Kills, A_writer_killed_at_any_call_leaves_the_last_generation_or_the_next) 
         const int kills = effort.Of(1000, std::min(2 * seen.calls, 120));
         for (int i = 0; i < kills && !HasFailure(); ++i) {
             const Place place;
-            const int step = kills > seen.calls
-                                 ? i % seen.calls
-                                 : static_cast<int>(random() % static_cast<unsigned>(seen.calls));
-            const crash::Killing killing = {step + 1, subject.mayBeTorn && random() % 2 == 0};
+            const auto chosen = kills > seen.calls ? static_cast<unsigned>(i) : random();
+            const int step = 1 + static_cast<int>(chosen % static_cast<unsigned>(seen.calls));
+            const crash::Killing killing = {step, subject.mayBeTorn && random() % 2 == 0};
             const crash::Seen killed = Write(subject, place.path, killing);
             ASSERT_FALSE(killed.ended);
-            ExpectWhole(subject, place.path, killed.acknowledged,
-                        "killed at call " + std::to_string(killing.step) +
-                            (killing.halfWritten ? ", half written" : ""));
+            ExpectWhole(
+                subject, place.path, killed.acknowledged,
+                "killed at call " + std::to_string(step) + (killing.halfWritten ? ", half written" : ""));
         }
         std::printf("%s: %d kills at %d calls\n", subject.name, kills, seen.calls);
     }
@@ -208,7 +206,7 @@ TEST(PowerLoss, What_was_acknowledged_is_on_the_disk_whole) {
         for (const crash::Step& step : seen.steps) {
             disk.Do(step);
             if (step.kind == crash::Step::Kind::Acknowledge) acknowledged = step.generation;
-            for (const auto names : {Lost, Kept}) {
+            for (const auto names : {Lost, Kept})
                 for (const auto bytes : {Lost, Kept, Any}) {
                     if (HasFailure()) return;
                     if (effort.isLong && random() % 6 != 0) continue;  // of far more calls
@@ -217,7 +215,6 @@ TEST(PowerLoss, What_was_acknowledged_is_on_the_disk_whole) {
                     ExpectWhole(subject, place.path, acknowledged,
                                 "after " + std::to_string(++images) + " images");
                 }
-            }
         }
         std::printf("%s: %d images of %zu calls\n", subject.name, images, seen.steps.size());
     }
@@ -227,11 +224,8 @@ TEST(PowerLoss, What_was_acknowledged_is_on_the_disk_whole) {
 TEST(RewrittenFiles, Are_their_owners_and_replace_nothing_but_files) {
     const Place place;
     const fs::path path = place.path / "file";
-    struct Row {
-        tools::Readers readers;
-        unsigned mode;
-    };
-    for (const auto& [readers, mode] : {Row{tools::Readers::Owner, 0600}, Row{tools::Readers::All, 0644}}) {
+    using tools::Readers;
+    for (const auto& [readers, mode] : {std::pair{Readers::Owner, 0600u}, {Readers::All, 0644u}}) {
         ASSERT_FALSE(tools::RewriteFile(path, "text", readers));
         EXPECT_EQ(static_cast<unsigned>(fs::status(path).permissions()), mode);
     }
@@ -248,13 +242,12 @@ TEST(RewrittenFiles, Are_their_owners_and_replace_nothing_but_files) {
 TEST(RewrittenFiles, May_be_written_by_several_at_the_same_time) {
     const Place place;
     std::vector<Forked> writers;
-    for (int writer = 1; writer <= 4; ++writer) {
+    for (int writer = 1; writer <= 4; ++writer)
         writers.emplace_back([&place, writer] {
             for (int i = 0; i < 200; ++i)
                 if (!WriteWhole(place.path, writer)) return 1;
             return 0;
         });
-    }
     for (int i = 0; i < 200; ++i)
         ASSERT_NE(ReadWhole(place.path), kDamaged);
     for (Forked& writer : writers)

@@ -39,11 +39,10 @@ class Tracee final {
         return inside;
     }
     [[nodiscard]] std::optional<std::string> Named(uint64_t address) const {
-        std::string text;  // a page at a time: the next one may not be there
-        for (char last = 1; text.size() < 4096 && last != 0;) {
-            const std::string next = Bytes(address + text.size(), 1);
-            if (next.empty() || (last = next[0]) == 0) break;
-            text += last;
+        std::string text;  // byte by byte: the page behind its end may not be there
+        for (std::string next; text.size() < 4096; text += next) {
+            next = Bytes(address + text.size(), 1);
+            if (next.empty() || next[0] == 0) break;
         }
         return Watched(text);
     }
@@ -60,9 +59,8 @@ class Tracee final {
         const auto& args = call.entry.args;
         switch (call.entry.nr) {
             case SYS_write:
-                if (static_cast<int>(args[0]) == kAcknowledging) {
+                if (static_cast<int>(args[0]) == kAcknowledging)
                     return Step{.kind = Step::Kind::Acknowledge, .generation = static_cast<int>(args[2])};
-                }
                 return OnFile(Step::Kind::Write, args[0], -1, args[1], args[2]);
             case SYS_pwrite64:
                 return OnFile(Step::Kind::Write, args[0], static_cast<long>(args[3]), args[1], args[2]);

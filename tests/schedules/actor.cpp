@@ -7,7 +7,6 @@
 
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <string>
@@ -53,9 +52,7 @@ uint64_t ActorOf(uint32_t processId) {
 }
 
 uint64_t BlockState(size_t section) {
-    const auto& block = control->blocks[section];
-    std::array<uint32_t, kBlockBytes / sizeof(uint32_t)> words;
-    std::memcpy(words.data(), block.data(), block.size());
+    const Block& words = control->blocks[section];
     uint64_t hash = Mixed(0, ActorOf(words[0]));
     for (size_t i = 1; i < words.size(); ++i)
         hash = Mixed(hash, words[i]);
@@ -70,14 +67,14 @@ uint64_t State() {
         hash = Mixed(hash, c.histories[actor]);
         hash = Mixed(hash, static_cast<uint64_t>(c.fates[actor]) << 1 | (waiting.waits ? 1 : 0));
         if (waiting.waits)
-            hash = Mixed(Mixed(hash, waiting.objects), waiting.pulsed), hash = Mixed(hash, waiting.deadline);
+            hash = Mixed(Mixed(Mixed(hash, waiting.objects), waiting.pulsed), waiting.deadline);
     }
     for (const Object& object : c.objects)
         hash = Mixed(hash, object.openers << 8 | (object.owner & 0x7F) << 1 | (object.isSet ? 1 : 0));
     for (size_t section = 0; section < 2; ++section)
         hash = Mixed(hash, BlockState(section));
-    hash = Mixed(hash, c.schedule.switches << 24 | c.schedule.kills << 16 | c.schedule.timeouts << 8 |
-                           c.schedule.choices);
+    for (const int spent : c.schedule.spent)
+        hash = Mixed(hash, static_cast<uint64_t>(spent));
     return hash | 1;
 }
 
@@ -114,42 +111,40 @@ void Carry(const Decision& decision) {
     c.lastState = 0;
     switch (decision.kind) {
         case Kind::Switch:
-            GiveTurnTo(decision.actor);
-            break;
+            return GiveTurnTo(decision.actor);
         case Kind::Kill:
             c.verdict = Verdict::KillAsked;
             c.running = self;
             Wake(c, kScheduler);
             if (!WaitForGo(c, self)) End(Verdict::Stuck);
-            break;
+            return;
         case Kind::Timeout:
             // A line of another build may name one that has no time-out.
-            if (c.waitings[decision.actor].deadline == kNever) break;
+            if (c.waitings[decision.actor].deadline == kNever) return;
             c.now = std::max(c.now, c.waitings[decision.actor].deadline);
             GiveTurnTo(decision.actor);
     }
 }
 
-void NotePoint(bool isBlocked) {
+void NoteOptions(bool isBlocked) {
     Control& c = *control;
-    if (c.points == kMaxPoints) End(Verdict::Endless);
-    Point& point = c.trace[c.points++];
-    point = {c.point, static_cast<uint8_t>(self), 0, 0, 0, isBlocked};
+    const auto note = [&](Kind kind, uint32_t actor) {
+        if (c.optionCount == kMaxPoints) End(Verdict::Endless);
+        c.options[c.optionCount++] = {{c.point, kind, static_cast<uint8_t>(actor)}, isBlocked};
+    };
     for (uint32_t actor = 0; actor < kActors; ++actor) {
         if (c.fates[actor] != Fate::Running) continue;
-        const auto bit = static_cast<uint8_t>(1u << actor);
         const Waiting& waiting = c.waitings[actor];
         const bool canRun = CanRun(c, actor);
-        if (canRun) point.canRun |= bit;
-        if (waiting.waits) point.isWaiting |= bit;
-        if (!canRun && waiting.deadline != kNever) point.canTimeOut |= bit;
+        if (canRun && actor != self) note(Kind::Switch, actor);
+        if (waiting.waits || actor == self) note(Kind::Kill, actor);
+        if (!canRun && waiting.deadline != kNever) note(Kind::Timeout, actor);
     }
 }
 
 void CopyBlocks() {
     for (size_t section = 0; section < views.size(); ++section)
-        if (views[section] != nullptr)
-            std::memcpy(control->blocks[section].data(), views[section], kBlockBytes);
+        if (views[section] != nullptr) std::memcpy(&control->blocks[section], views[section], sizeof(Block));
 }
 
 // A place where the scheduler may decide. Nothing that others see happens between two of them.
@@ -158,24 +153,21 @@ void Come(const char* place, bool isBlocked = false) {
     CopyBlocks();
     c.places[self] = place;
     const uint32_t number = ++c.point;
-    if (number > kMaxPoints * 4) End(Verdict::Endless);
+    if (number > kMaxPoints) End(Verdict::Endless);
     const bool decides =
         c.nextDecision < c.schedule.count && c.schedule.decisions[c.nextDecision].point == number;
     if (c.prints)
         std::printf("%5u %6llu ms  %-7s%s%s\n", number, static_cast<unsigned long long>(c.now),
                     kActorNames[self], place, isBlocked ? ", waits" : "");
     if (c.prints) static_cast<void>(std::fflush(stdout));
-    if (decides) {
-        Carry(c.schedule.decisions[c.nextDecision]);
-        return;
-    }
+    if (decides) return Carry(c.schedule.decisions[c.nextDecision]);
     if (c.nextDecision < c.schedule.count || c.isFreshPhase || c.opensFirst) return;
     if (c.mergesSections && std::string_view(place).substr(0, 4) != "call") return;
     const uint64_t state = State();
     if (state == c.lastState) return;
     c.lastState = state;
     if (c.checksVisited && !NoteState(state)) End(Verdict::Pruned);
-    NotePoint(isBlocked);
+    NoteOptions(isBlocked);
 }
 
 // Waits until one of the objects is to be had or the time is over; false then.
@@ -184,14 +176,8 @@ bool Await(const char* place, uint32_t objects, uint32_t milliseconds) {
     Waiting& waiting = c.waitings[self];
     waiting = {objects, 0, milliseconds == INFINITE ? kNever : c.now + milliseconds, true};
     for (;;) {
-        const bool isTimeOver = waiting.deadline <= c.now;
-        waiting.waits = isTimeOver ? waiting.waits : true;
-        bool isThere = false;
-        const uint64_t deadline = waiting.deadline;
-        waiting.deadline = kNever;
-        isThere = CanRun(c, self);
-        waiting.deadline = deadline;
-        if (isThere || isTimeOver) {
+        const bool isThere = AnyIsAvailable(c, waiting);
+        if (isThere || waiting.deadline <= c.now) {
             waiting.waits = false;
             waiting.deadline = kNever;
             return isThere;
@@ -214,7 +200,7 @@ void NoteHandle(HANDLE handle, LPCWSTR name, bool isMutex, bool isManual) {
         if (!whole.ends_with(kNames[number])) continue;
         numbers[handle] = number;
         Object& object = control->objects[number];
-        if (object.openers == 0) object = {0, kNobody, isMutex, isManual, false};
+        if (object.openers == 0) object = {.isMutex = isMutex, .isManual = isManual};
         object.openers |= 1u << self;
     }
 }
@@ -224,14 +210,13 @@ uint32_t NumberOf(HANDLE handle) {
     return found == numbers.end() ? kNoObject : found->second;
 }
 
-// A call about one of the channel's objects is a place; that of another object is none of ours.
-uint32_t ComeTo(HANDLE handle, const char* call) {
+// A call about one of the channel's objects is a place; that of another object, null, is none of ours.
+Object* ComeTo(HANDLE handle, const char* call) {
     const uint32_t number = NumberOf(handle);
-    if (number != kNoObject) {
-        Come(call);
-        Learn(number);
-    }
-    return number;
+    if (number == kNoObject) return nullptr;
+    Come(call);
+    Learn(number);
+    return &control->objects[number];
 }
 
 void Check(bool holds, const char* what, uint32_t number) {
@@ -262,18 +247,17 @@ void kwt::Step(const char* place) {
 
 extern "C" {
 
-HANDLE __real_CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manualReset, BOOL initialState, LPCWSTR name);
-HANDLE __real_CreateMutexW(LPSECURITY_ATTRIBUTES security, BOOL initialOwner, LPCWSTR name);
-HANDLE __real_CreateFileMappingW(HANDLE file, LPSECURITY_ATTRIBUTES security, DWORD protection, DWORD high,
-                                 DWORD low, LPCWSTR name);
-LPVOID __real_MapViewOfFile(HANDLE mapping, DWORD access, DWORD high, DWORD low, SIZE_T size);
-BOOL __real_UnmapViewOfFile(LPCVOID view);
-BOOL __real_CloseHandle(HANDLE handle);
-BOOL __real_SetEvent(HANDLE event);
-BOOL __real_ResetEvent(HANDLE event);
-BOOL __real_ReleaseMutex(HANDLE mutex);
-DWORD __real_WaitForSingleObject(HANDLE handle, DWORD milliseconds);
-DWORD __real_WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll, DWORD milliseconds);
+decltype(CreateEventW) __real_CreateEventW;
+decltype(CreateMutexW) __real_CreateMutexW;
+decltype(CreateFileMappingW) __real_CreateFileMappingW;
+decltype(MapViewOfFile) __real_MapViewOfFile;
+decltype(UnmapViewOfFile) __real_UnmapViewOfFile;
+decltype(CloseHandle) __real_CloseHandle;
+decltype(SetEvent) __real_SetEvent;
+decltype(ResetEvent) __real_ResetEvent;
+decltype(ReleaseMutex) __real_ReleaseMutex;
+decltype(WaitForSingleObject) __real_WaitForSingleObject;
+decltype(WaitForMultipleObjects) __real_WaitForMultipleObjects;
 
 HANDLE __wrap_CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manualReset, BOOL initialState,
                            LPCWSTR name) {
@@ -311,38 +295,28 @@ BOOL __wrap_UnmapViewOfFile(LPCVOID view) {
 }
 
 BOOL __wrap_CloseHandle(HANDLE handle) {
-    const uint32_t number = ComeTo(handle, "call: close");
-    if (number != kNoObject) {
-        control->objects[number].openers &= ~(1u << self);
-        numbers.erase(handle);
-    }
+    if (Object* const object = ComeTo(handle, "call: close")) object->openers &= ~(1u << self);
+    numbers.erase(handle);
     return __real_CloseHandle(handle);
 }
 
 BOOL __wrap_SetEvent(HANDLE event) {
-    const uint32_t number = ComeTo(event, "call: set");
-    if (number != kNoObject) {
-        control->objects[number].isSet = true;
-        if (control->objects[number].isManual)
-            for (Waiting& waiting : control->waitings)
-                if (waiting.waits) waiting.pulsed |= waiting.objects & 1u << number;
+    if (Object* const object = ComeTo(event, "call: set")) {
+        object->isSet = true;
+        for (Waiting& waiting : control->waitings)
+            if (object->isManual && waiting.waits) waiting.pulsed |= waiting.objects & 1u << NumberOf(event);
     }
     return __real_SetEvent(event);
 }
 
 BOOL __wrap_ResetEvent(HANDLE event) {
-    const uint32_t number = ComeTo(event, "call: reset");
-    if (number != kNoObject) {
-        control->objects[number].isSet = false;
-    }
+    if (Object* const object = ComeTo(event, "call: reset")) object->isSet = false;
     return __real_ResetEvent(event);
 }
 
 BOOL __wrap_ReleaseMutex(HANDLE mutex) {
-    const uint32_t number = ComeTo(mutex, "call: release");
-    if (number != kNoObject) {
-        if (control->objects[number].owner == self) control->objects[number].owner = kNobody;
-    }
+    Object* const object = ComeTo(mutex, "call: release");
+    if (object != nullptr && object->owner == self) object->owner = kNobody;
     return __real_ReleaseMutex(mutex);
 }
 
@@ -353,12 +327,10 @@ DWORD __wrap_WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL, DW
     if (wanted == 0) return __real_WaitForMultipleObjects(count, handles, FALSE, 0);
     Come("call: wait");
     const bool isThere = Await("call: wait", wanted, milliseconds);
-    const uint32_t pulsed = control->waitings[self].pulsed;
     for (DWORD i = 0; isThere && i < count; ++i) {
         const uint32_t number = NumberOf(handles[i]);
         Object& object = control->objects[number];
-        if (!(object.isMutex ? object.owner == kNobody : object.isSet || (pulsed & 1u << number) != 0))
-            continue;
+        if (!IsAvailable(*control, number, control->waitings[self])) continue;
         const DWORD real = __real_WaitForSingleObject(handles[i], 0);
         const bool isLevel = object.isMutex || object.isSet;
         Check((real != WAIT_TIMEOUT) == isLevel, "not to be had, though it should be", number);

@@ -13,21 +13,23 @@ namespace {
 
 constexpr time_t kHungSeconds = 20;
 
-bool IsAvailable(const Control& control, uint32_t object, uint32_t pulsed) {
+}  // namespace
+
+bool IsAvailable(const Control& control, uint32_t object, const Waiting& waiting) {
     const Object& it = control.objects[object];
-    return it.isMutex ? it.owner == kNobody : it.isSet || (pulsed & 1u << object) != 0;
+    return it.isMutex ? it.owner == kNobody : it.isSet || (waiting.pulsed & 1u << object) != 0;
 }
 
-}  // namespace
+bool AnyIsAvailable(const Control& control, const Waiting& waiting) {
+    for (uint32_t object = 0; object < kObjects; ++object)
+        if ((waiting.objects & 1u << object) != 0 && IsAvailable(control, object, waiting)) return true;
+    return false;
+}
 
 bool CanRun(const Control& control, uint32_t actor) {
     if (control.fates[actor] != Fate::Running) return false;
     const Waiting& waiting = control.waitings[actor];
-    if (!waiting.waits || waiting.deadline <= control.now) return true;
-    for (uint32_t object = 0; object < kObjects; ++object)
-        if ((waiting.objects & 1u << object) != 0 && IsAvailable(control, object, waiting.pulsed))
-            return true;
-    return false;
+    return !waiting.waits || waiting.deadline <= control.now || AnyIsAvailable(control, waiting);
 }
 
 uint32_t NextInTurn(Control& control, uint32_t from) {

@@ -16,9 +16,9 @@ inline constexpr std::array<const char*, kActors> kActorNames = {"A", "B", "serv
 inline constexpr uint32_t kObjects = 6;  // of a channel that processes wait for
 inline constexpr uint32_t kNobody = ~0u;
 inline constexpr uint64_t kNever = ~uint64_t{0};
-inline constexpr size_t kBlockBytes = 32;  // of a section: the header, and more than any text here is long
+using Block = std::array<uint32_t, 8>;  // of a section: the header, and more than any text here is long
 inline constexpr size_t kMaxDecisions = 6;
-inline constexpr size_t kMaxPoints = 4096;
+inline constexpr size_t kMaxPoints = 16'384;
 inline constexpr uint32_t kExchanges = 2;  // of each client
 inline constexpr uint32_t kFreshAttempts = 6;
 inline constexpr uint32_t kTimeoutMs = 250;
@@ -32,37 +32,36 @@ struct Decision {
     uint8_t actor;
 };
 
+// Decisions of each kind, and behind them the choices: switches to another than the next in turn where an
+// actor had to wait. All others are forced, away from an actor that could go on.
+using Spent = std::array<int, 4>;
+inline constexpr size_t kChoices = 3;
+
 struct Schedule {
     uint32_t count;
     std::array<Decision, kMaxDecisions> decisions;
-    // Forced switches, which are those away from an actor that could go on;
-    // and, free of these, choices of another than the next in turn where an actor had to wait.
-    uint8_t switches, kills, timeouts, choices;
+    Spent spent;
 };
 
-// What could be decided at a point.
-struct Point {
-    uint32_t number;
-    uint8_t actor;
-    uint8_t canRun;
-    uint8_t canTimeOut;
-    uint8_t isWaiting;  // bit of each actor that waits
-    bool isBlocked;     // the actor itself
+// What could have been decided.
+struct Option {
+    Decision decision;
+    bool isBlocked;  // the actor that came there
 };
 
 enum class Fate : uint32_t { NotStarted, Running, Finished, Killed };
 enum class Verdict : uint32_t { None, Opened, Over, Pruned, Stuck, Endless, Mismatch, KillAsked };
 
 struct Object {
-    uint32_t openers;  // bit of each actor
-    uint32_t owner;    // mutexes
-    bool isMutex, isManual, isSet;
+    uint32_t openers = 0;      // bit of each actor
+    uint32_t owner = kNobody;  // mutexes
+    bool isMutex = false, isManual = false, isSet = false;
 };
 
 struct Waiting {
     uint32_t objects;  // bit of each; none when it sleeps
     uint32_t pulsed;   // set since the wait began, which counts even when it has been reset
-    uint64_t deadline;
+    uint64_t deadline = kNever;
     bool waits;
 };
 
@@ -73,11 +72,11 @@ struct Exchange {
     int32_t got;  // number of the exchange whose reply came, -1 none, -2 nobody's
 };
 
-struct Control {
-    std::array<std::atomic<uint32_t>, kActors + 1> go;
+// Of one schedule.
+struct Progress {
     uint32_t point;
     uint32_t running;
-    uint64_t now;  // milliseconds
+    uint64_t now = 1000;  // milliseconds
     Verdict verdict;
     bool prints, checksVisited, isFreshPhase;
     bool opensFirst;      // nothing is decided before all have opened the channel
@@ -87,22 +86,29 @@ struct Control {
     std::array<uint64_t, kActors> histories;
     std::array<Waiting, kActors> waitings;
     std::array<Object, kObjects> objects;
-    std::array<std::array<uint8_t, kBlockBytes>, 2> blocks;
+    std::array<Block, 2> blocks;
     std::array<std::array<Exchange, kFreshAttempts>, kActors> exchanges;
     Schedule schedule;
     uint32_t nextDecision;
     uint64_t lastState;
-    uint32_t points;
-    std::array<Point, kMaxPoints> trace;
+    uint32_t optionCount;
+    std::array<Option, kMaxPoints> options;
     std::array<const char*, kActors> places;
+    char mismatch[128];
+};
+
+struct Control : Progress {
+    std::array<std::atomic<uint32_t>, kActors + 1> go;
     uint64_t visitedMask;
     std::atomic<uint64_t>* visited;
     std::atomic<uint64_t>* states;
-    char mismatch[128];
 };
 
 // ---- of both sides ----
 
+// Of an object, to one who waits.
+[[nodiscard]] bool IsAvailable(const Control& control, uint32_t object, const Waiting& waiting);
+[[nodiscard]] bool AnyIsAvailable(const Control& control, const Waiting& waiting);
 [[nodiscard]] bool CanRun(const Control& control, uint32_t actor);
 // The next in turn after `from` that can run; when none can, the clock goes on to the first deadline. kNobody
 // when nobody ever will.

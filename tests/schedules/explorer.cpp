@@ -1,6 +1,5 @@
 // Every schedule of the channel within bounds: two clients of two exchanges each and a server, each a process
 // of its own over the real objects. After each schedule a fresh client must be served.
-#include <dirent.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,11 +9,10 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
-#include <iterator>
 #include <map>
 #include <new>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -30,11 +28,11 @@ constexpr std::array<uint32_t, 5> kDocumentedErrors = {0, 1460, 735, 32, 995};
 constexpr std::array<const char*, 3> kKindNames = {"switch", "kill", "timeout"};
 
 struct Bounds {
-    int switches = 1, kills = 1, timeouts = 1, choices = 1, actions = 6;
+    Spent most = {1, 1, 1, 1};
+    int actions = 6;
     bool opening = false, merge = false, listsLate = false;
     double seconds = 1e9;
-    std::string replay;
-    bool replays = false;
+    std::optional<std::string> replay;
 };
 
 template <typename T>
@@ -97,6 +95,14 @@ class Runner final {
     }
 
     [[nodiscard]] const Control& Seen() const { return control_; }
+    // Of the fresh client until it was served; more than it has when it never was.
+    [[nodiscard]] uint32_t Attempts() const {
+        const auto& all = control_.exchanges[kFresh];
+        uint32_t number = 0;
+        while (number < all.size() && all[number].got != static_cast<int32_t>(number))
+            ++number;
+        return number + 1;
+    }
     [[nodiscard]] uint64_t States() const { return control_.states->load(); }
 
   private:
@@ -104,24 +110,13 @@ class Runner final {
         Control& c = control_;
         for (auto& go : c.go)
             go = 0;
-        c.point = c.points = c.nextDecision = 0;
-        c.now = 1000;
-        c.verdict = Verdict::None;
+        static_cast<Progress&>(c) = {};
+        c.places.fill("");
         c.prints = prints;
         c.checksVisited = checksVisited;
-        c.isFreshPhase = false;
         c.opensFirst = !bounds_.opening;
         c.mergesSections = bounds_.merge;
-        c.fates.fill(Fate::NotStarted);
-        c.processIds.fill(0);
-        c.histories.fill(0);
-        c.waitings.fill({0, 0, kNever, false});
-        c.objects.fill({0, kNobody, false, false, false});
-        c.blocks = {};
-        c.exchanges = {};
-        c.places.fill("");
         c.schedule = schedule;
-        c.lastState = 0;
         for (const uint32_t actor : {kServer, kClientA, kClientB}) {
             Start(actor);
             if (!c.opensFirst) continue;
@@ -183,17 +178,15 @@ class Runner final {
     }
 
     void Kill(uint32_t actor) {
-        if (control_.processIds[actor] == 0) return;
+        if (control_.processIds[actor] == 0 || control_.fates[actor] == Fate::Killed) return;
         const auto process = static_cast<pid_t>(control_.processIds[actor]);
         ::kill(process, SIGKILL);
         ::waitpid(process, nullptr, 0);
     }
 
     void EndAll() {
-        for (uint32_t actor = 0; actor < kActors; ++actor) {
-            if (control_.processIds[actor] == 0 || control_.fates[actor] == Fate::Killed) continue;
+        for (uint32_t actor = 0; actor < kActors; ++actor)
             Kill(actor);
-        }
         std::error_code error;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(home_, error))
             if (entry.is_regular_file(error)) std::filesystem::remove(entry.path(), error);
@@ -215,8 +208,7 @@ class Runner final {
                 if (exchange.endedAt == 0) continue;
                 const std::string who =
                     std::string(kActorNames[actor]) + "'s exchange " + std::to_string(number);
-                if (std::find(kDocumentedErrors.begin(), kDocumentedErrors.end(), exchange.error) ==
-                    kDocumentedErrors.end())
+                if (std::ranges::count(kDocumentedErrors, exchange.error) == 0)
                     return who + " ended with " + std::to_string(exchange.error);
                 if (exchange.got == -2) return who + " got what nobody sent it";
                 if (exchange.got == -3 || (exchange.got == -1 && exchange.error == 0))
@@ -234,7 +226,8 @@ class Runner final {
     [[nodiscard]] bool IsForced(uint32_t actor, const Exchange& exchange) const {
         const Exchange& other = control_.exchanges[actor][static_cast<size_t>(exchange.got)];
         return &other < &exchange && other.got == -1 && other.error != 0 && other.servedAt != 0 &&
-               other.endedAt <= exchange.posted;
+               other.endedAt <= exchange.posted &&
+               (other.answeredAt == 0 || other.answeredAt > exchange.posted);
     }
 
     std::string ServeFreshClient() {
@@ -250,9 +243,7 @@ class Runner final {
         Wake(c, c.running);
         if (!AwaitActors()) return "the fresh client or its server ended or hung: " + Places();
         if (c.verdict != Verdict::Over) return "the fresh client waits for ever: " + Places();
-        for (const Exchange& exchange : c.exchanges[kFresh])
-            if (exchange.got == &exchange - c.exchanges[kFresh].data()) return {};
-        return "the fresh client was not served";
+        return Attempts() <= kFreshAttempts ? "" : "the fresh client was not served";
     }
 
     const Bounds& bounds_;
@@ -276,12 +267,12 @@ class Explorer final {
             const std::string fault = runner_.Run(schedule, true, false);
             ++schedules_;
             pruned_ += runner_.Seen().verdict == Verdict::Pruned ? 1 : 0;
-            if (!fault.empty()) {
+            if (fault.empty()) {
+                Note(schedule);
+            } else {
                 ++faults_;
                 std::printf("FAULT  %s\n       tests/schedules/run --replay '%s'\n", fault.c_str(),
                             Line(schedule).c_str());
-            } else {
-                Note(schedule);
             }
             AddFollowers(schedule);
         }
@@ -292,34 +283,14 @@ class Explorer final {
   private:
     void AddFollowers(const Schedule& schedule) {
         if (schedule.count == kMaxDecisions || static_cast<int>(schedule.count) >= bounds_.actions) return;
-        const Control& seen = runner_.Seen();
-        for (uint32_t i = 0; i < seen.points; ++i) {
-            const Point& point = seen.trace[i];
-            for (uint8_t actor = 0; actor < kActors; ++actor) {
-                const auto isIn = [&](uint8_t mask) { return (mask & 1u << actor) != 0; };
-                const bool isSelf = actor == point.actor;
-                if (isIn(point.canRun) && !isSelf) Add(schedule, point, Kind::Switch, actor);
-                if (isSelf || isIn(point.isWaiting)) Add(schedule, point, Kind::Kill, actor);
-                if (isIn(point.canTimeOut)) Add(schedule, point, Kind::Timeout, actor);
-            }
+        for (uint32_t i = 0; i < runner_.Seen().optionCount; ++i) {
+            const auto& [decision, isBlocked] = runner_.Seen().options[i];
+            const bool isChoice = decision.kind == Kind::Switch && isBlocked;
+            const size_t what = isChoice ? kChoices : static_cast<size_t>(decision.kind);
+            Schedule next = schedule;
+            next.decisions[next.count++] = decision;
+            if (++next.spent[what] <= bounds_.most[what]) open_.push_back(next);
         }
-    }
-
-    void Add(Schedule schedule, const Point& point, Kind kind, uint8_t actor) {
-        schedule.decisions[schedule.count++] = {point.number, kind, actor};
-        switch (kind) {
-            case Kind::Switch:
-                ++(point.isBlocked ? schedule.choices : schedule.switches);
-                break;
-            case Kind::Kill:
-                ++schedule.kills;
-                break;
-            case Kind::Timeout:
-                ++schedule.timeouts;
-        }
-        if (schedule.switches <= bounds_.switches && schedule.kills <= bounds_.kills &&
-            schedule.timeouts <= bounds_.timeouts && schedule.choices <= bounds_.choices)
-            open_.push_back(schedule);
     }
 
     void Note(const Schedule& schedule) {
@@ -327,23 +298,14 @@ class Explorer final {
         for (const uint32_t actor : {kClientA, kClientB})
             for (uint32_t number = 0; number < kExchanges; ++number) {
                 const Exchange& exchange = seen.exchanges[actor][number];
-                if (exchange.endedAt != 0) ++outcomes_[exchange.error];
-                if (exchange.endedAt == 0 || exchange.got < 0 || exchange.got == static_cast<int32_t>(number))
-                    continue;
-                const Exchange& other = seen.exchanges[actor][static_cast<size_t>(exchange.got)];
-                const char* const answered = other.answeredAt == 0 || other.answeredAt > exchange.posted
-                                                 ? "answered after the next was begun"
-                                                 : "answered before the next was begun";
-                late_[answered].push_back(Line(schedule));
+                if (exchange.endedAt == 0) continue;
+                ++outcomes_[exchange.error];
+                if (exchange.got >= 0 && exchange.got != static_cast<int32_t>(number))
+                    late_.push_back(Line(schedule));
             }
-        if (seen.verdict != Verdict::Over) return;
-        uint32_t attempts = 1;
-        for (const Exchange& exchange : seen.exchanges[kFresh]) {
-            if (exchange.got == &exchange - seen.exchanges[kFresh].data()) break;
-            ++attempts;
-        }
-        if (attempts > worstAttempts_) worst_ = Line(schedule);
-        worstAttempts_ = std::max(worstAttempts_, attempts);
+        if (seen.verdict != Verdict::Over || runner_.Attempts() <= worstAttempts_) return;
+        worst_ = Line(schedule);
+        worstAttempts_ = runner_.Attempts();
     }
 
     void Report(double seconds) const {
@@ -359,16 +321,10 @@ class Explorer final {
             std::printf(" %u: %ld;", error, count);
         std::printf(" a fresh client was served at attempt %u at the latest ('%s')\n", worstAttempts_,
                     worst_.c_str());
-        size_t late = 0;
-        for (const auto& [how, lines] : late_) {
-            late += lines.size();
-            std::printf("late replies, %s: %zu, such as '%s'\n", how.c_str(), lines.size(),
-                        lines.front().c_str());
-            if (bounds_.listsLate)
-                for (const std::string& line : lines)
-                    std::printf("  %s\n", line.c_str());
-        }
-        std::printf("%zu late replies in all, each forced by the protocol; %d faults\n", late, faults_);
+        std::printf("%zu late replies, each forced by the protocol; %d faults\n", late_.size(), faults_);
+        if (!bounds_.listsLate) return;
+        for (const std::string& line : late_)
+            std::printf("  %s\n", line.c_str());
     }
 
     const Bounds& bounds_;
@@ -379,7 +335,7 @@ class Explorer final {
     uint32_t worstAttempts_ = 0;
     std::string worst_;
     std::map<uint32_t, long> outcomes_;
-    std::map<std::string, std::vector<std::string>> late_;
+    std::vector<std::string> late_;
 };
 
 int Replay(Runner& runner, const std::string& line) {
@@ -405,11 +361,13 @@ int Replay(Runner& runner, const std::string& line) {
 }
 
 bool ReadArguments(int argc, char** argv, Bounds& bounds) {
-    const std::map<std::string, int*> numbers = {{"--switches", &bounds.switches},
-                                                 {"--kills", &bounds.kills},
-                                                 {"--timeouts", &bounds.timeouts},
-                                                 {"--choices", &bounds.choices},
+    const std::map<std::string, int*> numbers = {{"--switches", &bounds.most[0]},
+                                                 {"--kills", &bounds.most[1]},
+                                                 {"--timeouts", &bounds.most[2]},
+                                                 {"--choices", &bounds.most[kChoices]},
                                                  {"--decisions", &bounds.actions}};
+    const std::map<std::string, bool*> flags = {
+        {"--opening", &bounds.opening}, {"--merge", &bounds.merge}, {"--late", &bounds.listsLate}};
     for (int i = 1; i < argc; ++i) {
         const std::string word = argv[i];
         const bool hasValue = i + 1 < argc;
@@ -418,13 +376,9 @@ bool ReadArguments(int argc, char** argv, Bounds& bounds) {
         else if (word == "--seconds" && hasValue)
             bounds.seconds = std::strtod(argv[++i], nullptr);
         else if (word == "--replay" && hasValue)
-            bounds.replay = argv[++i], bounds.replays = true;
-        else if (word == "--opening")
-            bounds.opening = true;
-        else if (word == "--merge")
-            bounds.merge = true;
-        else if (word == "--late")
-            bounds.listsLate = true;
+            bounds.replay = argv[++i];
+        else if (const auto flag = flags.find(word); flag != flags.end())
+            *flag->second = true;
         else
             return false;
     }
@@ -451,8 +405,8 @@ int main(int argc, char** argv) {
     int result = 2;
     {
         schedules::Runner runner(bounds, home);
-        result = bounds.replays ? schedules::Replay(runner, bounds.replay)
-                                : schedules::Explorer(bounds, runner).Explore();
+        result = bounds.replay ? schedules::Replay(runner, *bounds.replay)
+                               : schedules::Explorer(bounds, runner).Explore();
     }
     std::error_code error;
     std::filesystem::remove_all(home, error);

@@ -1,12 +1,6 @@
 // Waits for two events that both leave the signal to one waiter, which sleep at a bell. A wait looks by
 // itself each second, which would hide a wake-up that is lost: what is said here of time is said of many
 // rounds.
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <functional>
-#include <thread>
-
 #include "forked.h"
 #include "handle_support.h"
 #include "page_of_object.h"
@@ -16,17 +10,15 @@ namespace {
 using winport::kEventBell;
 using winport::kEventSleepers;
 
-constexpr DWORD kLongEnough = 10'000;
-
 // Two events, and a wait for any of them.
 class TwoEvents final {
   public:
-    HANDLE First() const { return first_.Get(); }
-    HANDLE Second() const { return second_.Get(); }
+    HANDLE First() const { return first_; }
+    HANDLE Second() const { return second_; }
     winport::ObjectPage& SecondPage() { return *page_.operator->(); }
 
-    DWORD Wait(DWORD milliseconds = kLongEnough) const {
-        const HANDLE both[] = {first_.Get(), second_.Get()};
+    DWORD Wait(DWORD milliseconds = kPatience) const {
+        const HANDLE both[] = {first_, second_};
         return WaitForMultipleObjects(2, both, FALSE, milliseconds);
     }
     // Of the second event: who sleeps has said so.
@@ -45,15 +37,15 @@ class TwoEvents final {
     Page page_{name_};
 };
 
-// How many of the rounds took nearly as long as a wait takes to look by itself.
-int SlowRounds(int rounds, const std::function<void()>& round) {
+// Slow is a round that took nearly as long as a wait takes to look by itself.
+void ExpectQuick(int rounds, int slowAtMost, const std::function<void(int)>& round) {
     int slow = 0;
-    while (rounds-- > 0) {
+    for (int i = 0; i < rounds; ++i) {
         const auto start = std::chrono::steady_clock::now();
-        round();
+        round(i);
         slow += std::chrono::steady_clock::now() - start > std::chrono::milliseconds(800);
     }
-    return slow;
+    EXPECT_LE(slow, slowAtMost);
 }
 
 TEST(Bells, Ring_for_a_sleeper_of_another_process_whichever_event_is_set) {
@@ -64,37 +56,31 @@ TEST(Bells, Ring_for_a_sleeper_of_another_process_whichever_event_is_set) {
         for (int i = 0; i < kRounds; ++i) {
             if (asked.Wait() != WAIT_OBJECT_0 + i % 2) return 1;
             if (i % 3 == 0) std::this_thread::yield();
-            SetEvent(answer.Get());
+            SetEvent(answer);
         }
         return 0;
     });
     const Handle never = AutoEvent();
-    const HANDLE both[] = {never.Get(), answer.Get()};
-    int round = 0;
-    EXPECT_LE(SlowRounds(kRounds,
-                         [&] {
-                             SetEvent(round++ % 2 == 0 ? asked.First() : asked.Second());
-                             EXPECT_EQ(WAIT_OBJECT_0 + 1,
-                                       WaitForMultipleObjects(2, both, FALSE, kLongEnough));
-                         }),
-              kRounds / 300);
+    const HANDLE both[] = {never, answer};
+    ExpectQuick(kRounds, kRounds / 300, [&](int round) {
+        SetEvent(round % 2 == 0 ? asked.First() : asked.Second());
+        EXPECT_EQ(WAIT_OBJECT_0 + 1, WaitForMultipleObjects(2, both, FALSE, kPatience));
+    });
     EXPECT_EQ(0, counterpart.Wait());
 }
 
 TEST(Bells, Two_who_sleep_for_the_same_are_both_woken) {
-    EXPECT_LE(SlowRounds(10,
-                         [] {
-                             TwoEvents events;
-                             std::jthread one([&] { EXPECT_EQ(WAIT_OBJECT_0 + 1, events.Wait()); });
-                             const uint32_t first = events.WordOnceSleptOn();
-                             std::jthread two([&] { EXPECT_EQ(WAIT_OBJECT_0 + 1, events.Wait()); });
-                             events.WordOnceSleptOn(first);
-                             SetEvent(events.Second());
-                             while ((events.SecondPage().word & winport::kEventSignaled) != 0)
-                                 Sleep(1);
-                             SetEvent(events.Second());
-                         }),
-              2);
+    ExpectQuick(10, 2, [](int) {
+        TwoEvents events;
+        std::jthread one([&] { EXPECT_EQ(WAIT_OBJECT_0 + 1, events.Wait()); });
+        const uint32_t first = events.WordOnceSleptOn();
+        std::jthread two([&] { EXPECT_EQ(WAIT_OBJECT_0 + 1, events.Wait()); });
+        events.WordOnceSleptOn(first);
+        SetEvent(events.Second());
+        while ((events.SecondPage().word & winport::kEventSignaled) != 0)
+            Sleep(1);
+        SetEvent(events.Second());
+    });
 }
 
 TEST(Bells, The_place_of_a_killed_sleeper_is_taken_over) {

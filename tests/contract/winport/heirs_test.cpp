@@ -1,9 +1,6 @@
 // How long the heir of a mutex waits beside others that take it out of turn, which waits for several objects
 // and waits at their end do.
-#include <gtest/gtest.h>
-
 #include <latch>
-#include <thread>
 
 #include "handle_support.h"
 #include "page_of_object.h"
@@ -19,9 +16,9 @@ TEST(Heirs, Wait_for_one_turn_however_many_owners_it_has) {
     std::latch isKnown(1);
     std::latch isOver(1);
     std::thread heir([&] {
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex.Get(), 0));
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex, 0));
         page->heir = page->word & winport::kMutexOwner;
-        ReleaseMutex(mutex.Get());
+        ReleaseMutex(mutex);
         isKnown.count_down();
         isOver.wait();
     });
@@ -30,12 +27,12 @@ TEST(Heirs, Wait_for_one_turn_however_many_owners_it_has) {
     const auto take = [&mutex](DWORD time) {
         DWORD result = WAIT_FAILED;
         std::thread([&] {
-            result = WaitForSingleObject(mutex.Get(), time);
+            result = WaitForSingleObject(mutex, time);
             if (result != WAIT_OBJECT_0) return;
-            ReleaseMutex(mutex.Get());
+            ReleaseMutex(mutex);
             // Had its owner a turn of its own, it could go on.
-            result = WaitForSingleObject(mutex.Get(), 0);
-            if (result == WAIT_OBJECT_0) ReleaseMutex(mutex.Get());
+            result = WaitForSingleObject(mutex, 0);
+            if (result == WAIT_OBJECT_0) ReleaseMutex(mutex);
         }).join();
         return result;
     };

@@ -1,21 +1,14 @@
 // Waits beside what those leave who were killed in the middle of one, in the page that an object is, and in a
 // sandbox.
-#include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstddef>
 #include <ctime>
-#include <functional>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include "forked.h"
 #include "handle_support.h"
@@ -23,7 +16,6 @@
 
 namespace {
 
-constexpr DWORD kPatience = 5000;
 constexpr uint32_t kDead = winport::kLastToken;  // no thread had it
 constexpr uint32_t kDeadToo = kDead - 1;
 
@@ -40,7 +32,7 @@ TEST(Killed_waiters, Are_in_nobodys_way_to_a_free_mutex) {
     };
     const Handle never = AutoEvent();
     const Handle always = ManualEvent();
-    SetEvent(always.Get());
+    SetEvent(always);
     const auto several = [](HANDLE mutex, HANDLE event, bool all, DWORD time) {
         const HANDLE both[] = {mutex, event};
         return WaitForMultipleObjects(2, both, all, time);
@@ -48,10 +40,10 @@ TEST(Killed_waiters, Are_in_nobodys_way_to_a_free_mutex) {
     const std::function<DWORD(HANDLE)> waits[] = {
         [](HANDLE mutex) { return WaitForSingleObject(mutex, 0); },
         [](HANDLE mutex) { return WaitForSingleObject(mutex, 10); },
-        [&](HANDLE mutex) { return several(mutex, never.Get(), false, 0); },
-        [&](HANDLE mutex) { return several(mutex, never.Get(), false, kPatience); },
-        [&](HANDLE mutex) { return several(mutex, always.Get(), true, 0); },
-        [&](HANDLE mutex) { return several(mutex, always.Get(), true, kPatience); },
+        [&](HANDLE mutex) { return several(mutex, never, false, 0); },
+        [&](HANDLE mutex) { return several(mutex, never, false, kPatience); },
+        [&](HANDLE mutex) { return several(mutex, always, true, 0); },
+        [&](HANDLE mutex) { return several(mutex, always, true, kPatience); },
     };
     for (const auto& killed : left)
         for (size_t i = 0; i < std::size(waits); ++i) {
@@ -62,8 +54,8 @@ TEST(Killed_waiters, Are_in_nobodys_way_to_a_free_mutex) {
             page->queueSleepers = killed.sleepers;
             page->heir = killed.heir;
             page->word = killed.owner;
-            EXPECT_EQ(killed.isAbandoned ? WAIT_ABANDONED : WAIT_OBJECT_0, waits[i](mutex.Get()));
-            EXPECT_TRUE(ReleaseMutex(mutex.Get()));
+            EXPECT_EQ(killed.isAbandoned ? WAIT_ABANDONED : WAIT_OBJECT_0, waits[i](mutex));
+            EXPECT_TRUE(ReleaseMutex(mutex));
         }
 }
 
@@ -77,7 +69,7 @@ TEST(Killed_waiters, Who_set_an_event_and_woke_nobody_are_found_out) {
         page->word = winport::kEventSignaled;
     });
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event.Get(), kPatience));
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event, kPatience));
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
 }
 
@@ -105,12 +97,12 @@ TEST(Sandbox, A_wait_for_several_objects_sleeps_although_futex_waitv_is_refused)
         HANDLE second;
         BOOL all;
         unsigned refusal;
-    } rows[] = {{alike.Get(), FALSE, 0},     {other.Get(), TRUE, 0},       {other.Get(), FALSE, 0},
-                {other.Get(), FALSE, EPERM}, {other.Get(), FALSE, ENOSYS}, {other.Get(), FALSE, EACCES}};
+    } rows[] = {{alike, FALSE, 0},     {other, TRUE, 0},       {other, FALSE, 0},
+                {other, FALSE, EPERM}, {other, FALSE, ENOSYS}, {other, FALSE, EACCES}};
     for (const auto& row : rows) {
         SCOPED_TRACE(&row - rows);
         EXPECT_TRUE(HoldsInChild([&] {
-            const HANDLE both[] = {a.Get(), row.second};
+            const HANDLE both[] = {a, row.second};
             if (row.refusal != 0 && !Refuse(kFutexWaitv, row.refusal)) return false;
             const std::clock_t before = std::clock();
             for (int wait = 0; wait < 2; ++wait)

@@ -1,14 +1,8 @@
 // Libraries with and without version numbers behind their names, and links to them.
-#include <filesystem>
-#include <thread>
-#include <vector>
-
 #include "child_process.h"
 #include "support.h"
 
 namespace {
-
-namespace fs = std::filesystem;
 
 struct Naming final {
     const char* file;
@@ -39,9 +33,9 @@ TEST(Modules, Show_the_name_that_the_linker_knows_them_by_without_version_number
     for (const Naming& row : rows) {
         SCOPED_TRACE(testing::Message() << row.file << ", asked for as " << fs::path(row.asked).string());
         const TempFolder folder;
-        fs::copy_file(MODULE_PROBE, folder.Path(fs::path(row.file).string<WCHAR>()));
+        fs::copy_file(MODULE_PROBE, folder.Host(row.file));
         for (const char* link : row.links)
-            fs::create_symlink(row.file, folder.Path(fs::path(link).string<WCHAR>()));
+            fs::create_symlink(row.file, folder.Host(link));
         const HMODULE module = LoadLibraryW(folder.Path(row.asked).c_str());
         ASSERT_EQ(module != nullptr, row.shown != nullptr);
         if (module == nullptr) continue;
@@ -64,11 +58,10 @@ TEST(Modules, Without_load_notices_are_told_of_no_thread) {
 
 TEST(Modules, Are_found_beside_the_program) {
     const TempFolder folder;
-    const fs::path program = folder.Path(TEXT("probe"));
-    fs::copy_file(REGISTRY_PROBE, program);
-    fs::copy_file(MODULE_PROBE, folder.Path(TEXT("libBeside.so")));
+    fs::copy_file(REGISTRY_PROBE, folder.Host("probe"));
+    fs::copy_file(MODULE_PROBE, folder.Host("libBeside.so"));
     const Environment libraries = {{"LD_LIBRARY_PATH", fs::path(REGISTRY_PROBE).parent_path().string()}};
-    EXPECT_EQ(ChildProcess({program.string(), "load"}, libraries).Wait(), 0);
+    EXPECT_EQ(ChildProcess({folder.Host("probe").string(), "load"}, libraries).Wait(), 0);
 }
 
 }  // namespace

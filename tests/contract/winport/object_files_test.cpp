@@ -5,15 +5,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
-#include <thread>
-#include <vector>
 
 #include "forked.h"
 #include "handle_support.h"
 
 namespace {
-
-namespace fs = std::filesystem;
 
 fs::path KernelFolder() {
     AutoEvent(FreshName());  // makes the folder
@@ -50,13 +46,11 @@ TEST(Object_files, A_planted_link_a_folder_and_a_loose_mode_are_refused_with_5_a
     fs::permissions(FileOf("Loose"), fs::perms::owner_all | fs::perms::others_write);
     fs::create_hard_link(target, FileOf("Hard"));
     for (const char* name : {"Link", "Folder", "Loose", "Hard"}) {
-        EXPECT_FALSE(OpenGlobal(name)) << name;
-        EXPECT_EQ(5u, GetLastError()) << name;
+        EXPECT_REFUSED(5, OpenGlobal(name)) << name;
+        fs::remove(FileOf(name));
     }
     std::ifstream file(target);
     EXPECT_EQ("untouched", std::string(std::istreambuf_iterator<char>(file), {}));
-    for (const char* name : {"Link", "Folder", "Loose", "Hard"})
-        fs::remove(FileOf(name));
     fs::remove(target);
 }
 
@@ -76,7 +70,7 @@ unsigned long OffsetOfMappingAt(const void* address) {
 TEST(Object_files, Are_mapped_from_their_beginning_whatever_the_view_is_for) {
     const Handle section = Section(100, FreshName());
     for (const DWORD access : {DWORD{FILE_MAP_ALL_ACCESS}, DWORD{FILE_MAP_READ}}) {
-        const void* view = MapViewOfFile(section.Get(), access, 0, 0, 0);
+        const void* view = View(section, access);
         EXPECT_EQ(0u, OffsetOfMappingAt(view));
         EXPECT_TRUE(UnmapViewOfFile(view));
         EXPECT_FALSE(UnmapViewOfFile(view));
@@ -87,9 +81,8 @@ TEST(Object_files, Without_a_free_handle_4_is_told_and_the_name_is_as_it_was) {
     std::vector<Handle> many;
     while (many.empty() || many.back())
         many.push_back(AutoEvent());
-    EXPECT_EQ(4u, GetLastError());
-    EXPECT_FALSE(OpenGlobal("NoHandle"));
-    EXPECT_EQ(4u, GetLastError());
+    EXPECT_REFUSED(4, AutoEvent());
+    EXPECT_REFUSED(4, OpenGlobal("NoHandle"));
     EXPECT_FALSE(fs::exists(fs::path(std::getenv("WINPORT_HOME")) / "kernel" / "global.NoHandle"));
     many.pop_back();
     many.pop_back();
@@ -109,13 +102,13 @@ TEST(Object_files, Are_mapped_no_more_once_their_handles_are_closed) {
 TEST(Object_files, Have_names_of_260_units_at_most) {
     const WideText name = TEXT("Global\\") + WideText(253, 'x');
     EXPECT_TRUE(AutoEvent(name));
-    EXPECT_EQ(ERROR_FILENAME_EXCED_RANGE, ErrorOf([&] { return bool(AutoEvent(name + TEXT("x"))); }));
+    EXPECT_REFUSED(ERROR_FILENAME_EXCED_RANGE, AutoEvent(name + TEXT("x")));
 }
 
 TEST(Sections, What_is_not_honoured_is_refused) {
     const auto create = [](HANDLE file, DWORD protection, DWORD high, DWORD low) {
         return ErrorOf(
-            [&] { return bool(Handle(CreateFileMappingW(file, nullptr, protection, high, low, nullptr))); });
+            [&] { return Handle(CreateFileMappingW(file, nullptr, protection, high, low, nullptr)); });
     };
     int file = 0;
     EXPECT_EQ(ERROR_NOT_SUPPORTED, create(&file, PAGE_READWRITE, 0, 100));
@@ -123,7 +116,7 @@ TEST(Sections, What_is_not_honoured_is_refused) {
     EXPECT_NE(ERROR_INVALID_PARAMETER, create(INVALID_HANDLE_VALUE, PAGE_READWRITE, 1, 0));
     EXPECT_EQ(ERROR_INVALID_PARAMETER, create(INVALID_HANDLE_VALUE, PAGE_READWRITE, 1, 1));
     const Handle section = Section(100);
-    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf([&] { return MapViewOfFile(section.Get(), 0, 0, 0, 0); }));
+    EXPECT_REFUSED(ERROR_ACCESS_DENIED, View(section, 0));
 }
 
 // What failed before tells nothing of a call that succeeds.
@@ -131,8 +124,8 @@ TEST(Mutexes, Are_taken_after_a_call_that_a_signal_interrupted) {
     const Handle mutex = Mutex(FreshName());
     std::jthread([&] {
         errno = EINTR;
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex.Get(), 0));
-        EXPECT_TRUE(ReleaseMutex(mutex.Get()));
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex, 0));
+        EXPECT_TRUE(ReleaseMutex(mutex));
     });
 }
 
@@ -140,31 +133,30 @@ TEST(Mutexes, Are_taken_after_a_call_that_a_signal_interrupted) {
 TEST(Mutexes, Taken_while_a_thread_ends_are_abandoned_too) {
     static const Handle mutex = Mutex();
     pthread_key_t key;
-    ASSERT_EQ(0, ::pthread_key_create(&key, [](void*) { WaitForSingleObject(mutex.Get(), 0); }));
+    ASSERT_EQ(0, ::pthread_key_create(&key, [](void*) { WaitForSingleObject(mutex, 0); }));
     std::jthread([&] {
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex.Get(), 0));
-        ReleaseMutex(mutex.Get());
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex, 0));
+        ReleaseMutex(mutex);
         ::pthread_setspecific(key, &key);
     });
-    EXPECT_EQ(WAIT_ABANDONED, WaitForSingleObject(mutex.Get(), 0));
-    ReleaseMutex(mutex.Get());
+    EXPECT_EQ(WAIT_ABANDONED, WaitForSingleObject(mutex, 0));
+    ReleaseMutex(mutex);
     ::pthread_key_delete(key);
 }
 
-TEST(Object_files, A_forked_child_shares_the_objects_and_keeps_them_alive) {
-    const WideText name = FreshName();
-    Handle event = ManualEvent(name);
+TEST(Object_files, A_forked_child_shares_the_objects_and_owns_none_of_its_parents_mutexes) {
+    const Handle event = ManualEvent(FreshName());
     const Handle mutex = Mutex(FreshName());
-    WaitForSingleObject(mutex.Get(), 0);
+    WaitForSingleObject(mutex, 0);
     Forked child([&] {
-        const bool owns = ReleaseMutex(mutex.Get()) != FALSE;
-        const bool waited = WaitForSingleObject(event.Get(), 5000) == WAIT_OBJECT_0;
+        const bool owns = ReleaseMutex(mutex) != FALSE;
+        const bool waited = WaitForSingleObject(event, kPatience) == WAIT_OBJECT_0;
         const Handle own = AutoEvent(FreshName());
         return !owns && waited && own ? 0 : 1;
     });
-    SetEvent(event.Get());
+    SetEvent(event);
     EXPECT_EQ(0, child.Wait());
-    EXPECT_TRUE(ReleaseMutex(mutex.Get()));
+    EXPECT_TRUE(ReleaseMutex(mutex));
 }
 
 }  // namespace

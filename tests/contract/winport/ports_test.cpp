@@ -4,11 +4,6 @@
 #include <tcpxcv.h>
 #include <winspool.h>
 
-#include <algorithm>
-#include <functional>
-#include <utility>
-#include <vector>
-
 #include "registry_value.h"
 #include "spooler.h"
 
@@ -27,20 +22,18 @@ PORT_DATA_1 Port(const WideText& name) {
     return port;
 }
 
-HANDLE OpenMonitor(DWORD access) {
+// The status; the call itself must succeed.
+DWORD Ask(const WCHAR* request, PORT_DATA_1 port, DWORD size = sizeof(PORT_DATA_1),
+          DWORD access = SERVER_ACCESS_ADMINISTER) {
     HANDLE monitor = nullptr;
     PRINTER_DEFAULTSW defaults = {nullptr, nullptr, access};
     EXPECT_TRUE(OpenPrinterW(Writable(TEXT(",XcvMonitor Standard TCP/IP Port")), &monitor, &defaults));
-    return monitor;
-}
-
-// The status; the call itself must succeed.
-DWORD Ask(HANDLE monitor, const WCHAR* request, PORT_DATA_1 port, DWORD size = sizeof(PORT_DATA_1)) {
     DWORD needed = 9;
     DWORD status = 9999;
     EXPECT_TRUE(
         XcvDataW(monitor, request, reinterpret_cast<LPBYTE>(&port), size, nullptr, 0, &needed, &status));
     EXPECT_EQ(needed, 0u);
+    EXPECT_TRUE(ClosePrinter(monitor));
     return status;
 }
 
@@ -61,30 +54,22 @@ TEST(Ports, A_right_that_no_printer_and_no_server_has_is_refused_with_5) {
     for (const DWORD access : {0x40u, 0x100u, 0x02000000u, 0x10000000u, 0x80000000u}) {
         HANDLE server = nullptr;
         PRINTER_DEFAULTSW defaults = {nullptr, nullptr, access};
-        EXPECT_EQ(ErrorOf([&] { return OpenPrinterW(nullptr, &server, &defaults); }), ERROR_ACCESS_DENIED);
+        EXPECT_REFUSED(ERROR_ACCESS_DENIED, OpenPrinterW(nullptr, &server, &defaults));
     }
 }
 
 TEST(Ports, A_network_port_is_added_once_and_kept) {
-    const HANDLE monitor = OpenMonitor(SERVER_ACCESS_ADMINISTER);
-    EXPECT_EQ(Ask(monitor, TEXT("AddPort"), Port(TEXT("ZRIJT_192.168.0.20"))), 0u);
-    EXPECT_EQ(Ask(monitor, TEXT("AddPort"), Port(TEXT("zrijt_192.168.0.20"))), 183u);
+    EXPECT_EQ(Ask(TEXT("AddPort"), Port(TEXT("ZRIJT_192.168.0.20"))), 0u);
+    EXPECT_EQ(Ask(TEXT("AddPort"), Port(TEXT("zrijt_192.168.0.20"))), 183u);
     EXPECT_EQ(PortNames().back(), TEXT("ZRIJT_192.168.0.20"));
     EXPECT_EQ(RegistryNumber(HKEY_LOCAL_MACHINE,
                              kPrint + TEXT("Monitors\\Standard TCP/IP Port\\Ports\\ZRIJT_192.168.0.20"),
                              TEXT("Version")),
               1);
-    ClosePrinter(monitor);
 }
 
 TEST_F(Spooler, A_driver_of_another_machine_is_kept_with_its_version) {
-    DRIVER_INFO_3W driver = {};
-    driver.cVersion = 3;
-    driver.pName = Writable(TEXT("Elsewhere"));
-    driver.pEnvironment = Writable(TEXT("linux arm64"));
-    driver.pDriverPath = driver.pDataFile = driver.pConfigFile = Writable(TEXT("x"));
-    EXPECT_TRUE(AddPrinterDriverExW(nullptr, 3, reinterpret_cast<LPBYTE>(&driver),
-                                    APD_COPY_NEW_FILES | APD_COPY_FROM_DIRECTORY));
+    InstallDriver(TEXT("Elsewhere"), TEXT("linux arm64"));
     EXPECT_EQ(RegistryNumber(HKEY_LOCAL_MACHINE,
                              kPrint + TEXT("Environments\\Linux ARM64\\Drivers\\Version-3\\Elsewhere"),
                              TEXT("Version")),
@@ -106,15 +91,14 @@ TEST_F(Spooler, What_a_hand_spoiled_in_the_registry_is_read_as_if_it_were_not_th
     write(TEXT("StartTime"), REG_DWORD, TEXT("abc"), 2);
     EXPECT_EQ(RegDeleteValueW(key, TEXT("Priority")), 0);
     RegCloseKey(key);
-    const Record record = Read(printer);
-    EXPECT_EQ(WideText((*record).pComment), TEXT("ab"));
-    EXPECT_EQ(WideText((*record).pLocation) + (*record).pParameters, WideText());
-    EXPECT_EQ((*record).Attributes | (*record).StartTime | (*record).Priority, 0u);
+    const auto record = Read(printer);
+    EXPECT_EQ(WideText(record.front().pComment), TEXT("ab"));
+    EXPECT_EQ(WideText(record.front().pLocation) + record.front().pParameters, WideText());
+    EXPECT_EQ(record.front().Attributes | record.front().StartTime | record.front().Priority, 0u);
 }
 
 TEST(Ports, What_describes_no_port_is_refused_by_the_status) {
     const std::vector<WideText> before = PortNames();
-    const HANDLE monitor = OpenMonitor(SERVER_ACCESS_ADMINISTER);
     const std::pair<DWORD, std::function<void(PORT_DATA_1&)>> rows[] = {
         {87, [](PORT_DATA_1& port) { port.sztPortName[0] = 0; }},
         {87, [](PORT_DATA_1& port) { port.sztHostAddress[0] = 0; }},
@@ -126,18 +110,14 @@ TEST(Ports, What_describes_no_port_is_refused_by_the_status) {
     for (const auto& [status, spoil] : rows) {
         PORT_DATA_1 port = Port(TEXT("Spoiled"));
         spoil(port);
-        EXPECT_EQ(Ask(monitor, TEXT("AddPort"), port), status);
+        EXPECT_EQ(Ask(TEXT("AddPort"), port), status);
     }
-    EXPECT_EQ(Ask(monitor, TEXT("AddPort"), Port(TEXT("Short")), 963), 13u);
-    EXPECT_EQ(Ask(monitor, TEXT("PaintPort"), Port(TEXT("Unknown"))), 87u);
-    const HANDLE user = OpenMonitor(PRINTER_ACCESS_USE);
-    EXPECT_EQ(Ask(user, TEXT("AddPort"), Port(TEXT("User"))), 5u);
-    ClosePrinter(user);
-    ClosePrinter(monitor);
+    EXPECT_EQ(Ask(TEXT("AddPort"), Port(TEXT("Short")), 963), 13u);
+    EXPECT_EQ(Ask(TEXT("PaintPort"), Port(TEXT("Unknown"))), 87u);
+    EXPECT_EQ(Ask(TEXT("AddPort"), Port(TEXT("User")), sizeof(PORT_DATA_1), PRINTER_ACCESS_USE), 5u);
     DWORD needed = 0;
     DWORD status = 0;
-    EXPECT_EQ(
-        ErrorOf([&] { return XcvDataW(monitor, TEXT("AddPort"), nullptr, 0, nullptr, 0, &needed, &status); }),
-        ERROR_INVALID_HANDLE);
+    EXPECT_REFUSED(ERROR_INVALID_HANDLE,
+                   XcvDataW(nullptr, TEXT("AddPort"), nullptr, 0, nullptr, 0, &needed, &status));
     EXPECT_EQ(PortNames(), before) << "a refused port was kept";
 }

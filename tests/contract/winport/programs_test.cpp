@@ -8,7 +8,6 @@
 #include <wtsapi32.h>
 
 #include <cerrno>
-#include <filesystem>
 #include <iterator>
 
 #include "forked.h"
@@ -17,37 +16,44 @@
 
 namespace {
 
-namespace fs = std::filesystem;
-
 class FoundPrograms : public testing::Test {
   protected:
     void MakeProgram(const WideText& name, const std::string& body, mode_t mode = 0700) {
-        ::chmod(fs::path(folder_.WriteFile(name, body)).c_str(), mode);
+        folder_.WriteFile(name, body);
+        ::chmod(folder_.Host(name).c_str(), mode);
     }
 
     // The last-error value of the start; 0 once the program has ended well.
     DWORD Run(const WideText& commandLine, DWORD flags = DETACHED_PROCESS) {
-        const Program program(commandLine, nullptr, flags, folder_.Path(TEXT(".")).c_str());
+        const Program program(commandLine, nullptr, flags, folder_.Path(".").c_str());
         if (!program.Started()) return program.Error();
         EXPECT_EQ(WaitForInputIdle(program.Process(), 0), 0u);
-        EXPECT_EQ(WaitForSingleObject(program.Thread(), 10'000), WAIT_OBJECT_0);
+        EXPECT_EQ(WaitForSingleObject(program.Thread(), kPatience), WAIT_OBJECT_0);
         // Nothing is left of it in the process table.
         EXPECT_EQ(::waitpid(static_cast<pid_t>(program.Id()), nullptr, WNOHANG), -1);
         EXPECT_EQ(errno, ECHILD);
         return program.ExitCode();
     }
 
-    std::string Output() {
-        std::ifstream file(fs::path(folder_.Path(TEXT("out"))));
-        return std::string(std::istreambuf_iterator<char>(file), {});
+    // What it leaves in the file "out".
+    void ExpectOutput(const WideText& commandLine, const std::string& expected) {
+        EXPECT_EQ(Run(commandLine), 0u);
+        std::ifstream file(folder_.Host("out"));
+        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), expected);
     }
 
     TempFolder folder_;
 };
 
+Handle UserToken() {
+    HANDLE token = nullptr;
+    EXPECT_TRUE(WTSQueryUserToken(WTSGetActiveConsoleSessionId(), &token));
+    return Handle(token);
+}
+
 TEST_F(FoundPrograms, Arguments_arrive_as_the_run_time_of_Windows_takes_them_apart) {
     MakeProgram(TEXT("show.exe"), "#!/bin/sh\nprintf '[%s]' \"$@\" > out\n");
-    const WideText program = TEXT("\"") + folder_.Path(TEXT("show.exe")) + TEXT("\" ");
+    const WideText program = TEXT("\"") + folder_.Path("show.exe") + TEXT("\" ");
     const std::pair<const WCHAR*, const char*> rows[] = {
         {TEXT("\"abc\" d  e"), "[abc][d][e]"},
         {TEXT("a\\\\\\b d\"e f\"g h"), "[a\\\\\\b][de fg][h]"},
@@ -57,26 +63,18 @@ TEST_F(FoundPrograms, Arguments_arrive_as_the_run_time_of_Windows_takes_them_apa
         {TEXT("\"a\"\"b\" \"c\"\""), "[a\"b][c\"]"},
         {TEXT("/f \"C:\\my drivers\\a.inf\" /m \"ZR IJ\""), "[/f][C:\\my drivers\\a.inf][/m][ZR IJ]"},
     };
-    for (const auto& [arguments, expected] : rows) {
-        EXPECT_EQ(Run(program + arguments), 0u);
-        EXPECT_EQ(Output(), expected);
-    }
+    for (const auto& [arguments, expected] : rows)
+        ExpectOutput(program + arguments, expected);
 }
 
 TEST_F(FoundPrograms, A_path_with_blanks_needs_no_quotes_and_the_ending_may_be_missing_or_too_much) {
-    folder_.MakeFolder(TEXT("my 3"));
+    folder_.MakeFolder("my 3");
     MakeProgram(TEXT("my 3/mon itor.exe"), "#!/bin/sh\nprintf '%s' \"$#$1\" > out\n");
     MakeProgram(TEXT("my 3/plain"), "#!/bin/sh\nprintf plain > out\n");
-    const WideText folder = folder_.Path(TEXT("my 3"));
-    const std::pair<WideText, const char*> rows[] = {
-        {folder + TEXT("\\mon itor.exe a"), "1a"},
-        {folder + TEXT("\\mon itor b"), "1b"},
-        {folder + TEXT("/plain.EXE"), "plain"},
-    };
-    for (const auto& [line, expected] : rows) {
-        EXPECT_EQ(Run(line), 0u);
-        EXPECT_EQ(Output(), expected);
-    }
+    const WideText folder = folder_.Path("my 3");
+    ExpectOutput(folder + TEXT("\\mon itor.exe a"), "1a");
+    ExpectOutput(folder + TEXT("\\mon itor b"), "1b");
+    ExpectOutput(folder + TEXT("/plain.EXE"), "plain");
     EXPECT_EQ(Run(TEXT("[ a = a ]")), 0u) << "a name of one letter";
 }
 
@@ -87,9 +85,8 @@ TEST_F(FoundPrograms, A_detached_one_has_its_own_session_and_no_descriptor_of_it
                 "[ \"$(readlink /proc/$$/fd/0)\" = /dev/null ] && echo null >> out\nexit 0\n");
     int ends[2] = {};
     ASSERT_EQ(::pipe(ends), 0);
-    EXPECT_EQ(Run(folder_.Path(TEXT("probe"))), 0u);
     // The one is the script itself, which its shell reads.
-    EXPECT_EQ(Output(), "1\nown\nnull\n");
+    ExpectOutput(folder_.Path("probe"), "1\nown\nnull\n");
     ::close(ends[0]);
     ::close(ends[1]);
 }
@@ -98,50 +95,44 @@ TEST_F(FoundPrograms, What_cannot_be_run_is_refused_at_once) {
     MakeProgram(TEXT("locked"), "#!/bin/sh\n", 0600);
     MakeProgram(TEXT("text"), "not a program\n");
     MakeProgram(TEXT("fine"), "#!/bin/sh\nkill -9 $$\n");
-    EXPECT_EQ(Run(folder_.Path(TEXT("locked"))), static_cast<DWORD>(ERROR_ACCESS_DENIED));
-    EXPECT_EQ(Run(folder_.Path(TEXT("text"))), static_cast<DWORD>(ERROR_BAD_EXE_FORMAT));
-    EXPECT_EQ(Run(folder_.Path(TEXT("fine")), 0x4), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
-    EXPECT_EQ(Run(folder_.Path(TEXT("fine"))), 128u + 9u);
+    WideText line = folder_.Path("fine");
+    EXPECT_EQ(Run(folder_.Path("locked")), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(Run(folder_.Path("text")), static_cast<DWORD>(ERROR_BAD_EXE_FORMAT));
+    EXPECT_EQ(Run(line, 0x4), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(Run(line), 128u + 9u);
 
-    WideText line = folder_.Path(TEXT("fine"));
     STARTUPINFOW startup = {};
     PROCESS_INFORMATION info = {};
-    const auto create = [&](LPWSTR text, STARTUPINFOW* how, PROCESS_INFORMATION* program) {
-        return ErrorOf([&] {
-            return CreateProcessW(nullptr, text, nullptr, nullptr, FALSE, 0, nullptr, nullptr, how, program);
-        });
+    const auto create = [](LPWSTR text, STARTUPINFOW* how, PROCESS_INFORMATION* program) {
+        return CreateProcessW(nullptr, text, nullptr, nullptr, FALSE, 0, nullptr, nullptr, how, program);
     };
-    EXPECT_EQ(create(nullptr, &startup, &info), ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(create(line.data(), nullptr, &info), ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(create(line.data(), &startup, nullptr), ERROR_INVALID_PARAMETER);
+    EXPECT_REFUSED(ERROR_INVALID_PARAMETER, create(nullptr, &startup, &info));
+    EXPECT_REFUSED(ERROR_INVALID_PARAMETER, create(line.data(), nullptr, &info));
+    EXPECT_REFUSED(ERROR_INVALID_PARAMETER, create(line.data(), &startup, nullptr));
     // The last handle is for the process; there is none for its thread.
     std::vector<Handle> many;
     while (many.empty() || many.back())
         many.push_back(AutoEvent());
     many.resize(many.size() - 2);
-    EXPECT_EQ(create(line.data(), &startup, &info), ERROR_TOO_MANY_OPEN_FILES);
+    EXPECT_REFUSED(ERROR_TOO_MANY_OPEN_FILES, create(line.data(), &startup, &info));
     EXPECT_EQ(info.hProcess, nullptr);
     EXPECT_TRUE(AutoEvent()) << "it was not given back";
 }
 
 TEST_F(FoundPrograms, For_a_user_need_a_primary_token_with_three_rights) {
-    HANDLE opened = nullptr;
-    ASSERT_TRUE(WTSQueryUserToken(WTSGetActiveConsoleSessionId(), &opened));
-    const Handle token(opened);
+    const Handle token = UserToken();
     constexpr DWORD kRights[] = {TOKEN_QUERY, TOKEN_DUPLICATE, TOKEN_ASSIGN_PRIMARY};
     for (const DWORD missing : kRights) {
         HANDLE weak = nullptr;
-        ASSERT_TRUE(DuplicateTokenEx(token.Get(), (kRights[0] | kRights[1] | kRights[2]) & ~missing, nullptr,
+        ASSERT_TRUE(DuplicateTokenEx(token, (kRights[0] | kRights[1] | kRights[2]) & ~missing, nullptr,
                                      SecurityImpersonation, TokenPrimary, &weak));
         const Handle closing(weak);
         WideText line = TEXT("[ a = a ]");
         STARTUPINFOW startup = {};
         PROCESS_INFORMATION info = {&info, &info, 1, 1};
-        EXPECT_EQ(ErrorOf([&] {
-                      return CreateProcessAsUserW(weak, nullptr, line.data(), nullptr, nullptr, FALSE, 0,
-                                                  nullptr, nullptr, &startup, &info);
-                  }),
-                  ERROR_ACCESS_DENIED);
+        EXPECT_REFUSED(ERROR_ACCESS_DENIED,
+                       CreateProcessAsUserW(weak, nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                                            nullptr, &startup, &info));
         EXPECT_EQ(info.hProcess, nullptr);
     }
 }
@@ -181,13 +172,10 @@ TEST(Accounts, Are_named_as_in_the_list_of_accounts_or_else_by_their_number) {
 }
 
 TEST(Accounts, Unload_no_profile_but_their_own_and_need_a_place_for_an_environment) {
-    HANDLE opened = nullptr;
-    ASSERT_TRUE(WTSQueryUserToken(WTSGetActiveConsoleSessionId(), &opened));
-    const Handle token(opened);
-    EXPECT_TRUE(UnloadUserProfile(token.Get(), HKEY_CURRENT_USER));
-    EXPECT_EQ(ErrorOf([&] { return UnloadUserProfile(token.Get(), HKEY_USERS); }), ERROR_INVALID_HANDLE);
-    EXPECT_EQ(ErrorOf([&] { return CreateEnvironmentBlock(nullptr, token.Get(), FALSE); }),
-              ERROR_INVALID_PARAMETER);
+    const Handle token = UserToken();
+    EXPECT_TRUE(UnloadUserProfile(token, HKEY_CURRENT_USER));
+    EXPECT_REFUSED(ERROR_INVALID_HANDLE, UnloadUserProfile(token, HKEY_USERS));
+    EXPECT_REFUSED(ERROR_INVALID_PARAMETER, CreateEnvironmentBlock(nullptr, token, FALSE));
 }
 
 // Nobody else runs anything as this account: it may have one process more, and a thread counts as one.
@@ -195,17 +183,13 @@ TEST_F(FoundPrograms, One_that_nobody_could_watch_is_ended_and_leaves_no_corpse)
     if (::geteuid() != 0) GTEST_SKIP() << "only root can become another account";
     constexpr uid_t kUnused = 64'323;
     EXPECT_TRUE(HoldsInChild([] {
-        const std::filesystem::directory_iterator threads("/proc/self/task");  // a sanitizer has its own
+        const fs::directory_iterator threads("/proc/self/task");  // a sanitizer has its own
         const rlim_t most = std::distance(threads, {}) + 1;
         const rlimit limit = {most, most};
         if (::setresuid(kUnused, kUnused, kUnused) != 0 || ::setrlimit(RLIMIT_NPROC, &limit) != 0)
             return false;
-        STARTUPINFOW startup = {};
-        PROCESS_INFORMATION info = {};
-        WideText line = TEXT("/bin/sleep 100");
-        const bool started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                                            nullptr, &startup, &info) != FALSE;
-        const bool refused = !started && GetLastError() == ERROR_NOT_ENOUGH_MEMORY;
+        const Program program(TEXT("/bin/sleep 100"), nullptr, 0);
+        const bool refused = !program.Started() && program.Error() == ERROR_NOT_ENOUGH_MEMORY;
         return refused && ::waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD;
     }));
 }
