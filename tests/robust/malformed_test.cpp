@@ -3,6 +3,7 @@
 #include <cstring>
 #include <mutex>
 
+#include "contract/handle_support.h"
 #include "effort.h"
 #include "export_call.h"
 #include "installed_printer.h"
@@ -114,13 +115,9 @@ bool IsRight(const catalogue::Row& row, const Guarded& out, const std::string& r
 class MalformedReplies : public InstalledPrinter {
   protected:
     MalformedReplies()
-        : running_(CreateEventW(nullptr, TRUE, TRUE, TEXT("ZRIJ9900StatMonClass-01042005"))),
-          // No status monitor that could be asked, so nobody waits for one.
-          squatter_(CreateEventW(nullptr, TRUE, FALSE,
-                                 TEXT("Global\\ZRIJ9900StatMonClass-01042005RemoteControlChannelCmd"))) {}
-    ~MalformedReplies() override {
-        CloseHandle(running_);
-        CloseHandle(squatter_);
+        : running_(ManualEvent(TEXT("ZRIJ9900StatMonClass-01042005"))),
+          squatter_(ManualEvent(TEXT("Global\\ZRIJ9900StatMonClass-01042005RemoteControlChannelCmd"))) {
+        SetEvent(running_.Get());
     }
 
     void Try(const QueryExport& query, const std::string& request, const std::string& reply, bool isShort) {
@@ -185,8 +182,8 @@ class MalformedReplies : public InstalledPrinter {
         }
     }
 
-    HANDLE running_;
-    HANDLE squatter_;
+    Handle running_;
+    Handle squatter_;  // no status monitor that could be asked, so nobody waits for one
     Counterpart server_;
     std::unique_ptr<Guarded> out_;
     long tried_ = 0;
