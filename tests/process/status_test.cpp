@@ -3,6 +3,7 @@
 #include <tuple>
 
 #include "installed_status_monitor.h"
+#include "named_objects.h"
 #include "recording_monitor.h"
 #include "registry_value.h"
 
@@ -12,9 +13,9 @@ constexpr uint32_t kNotKnownYet = 100000;
 
 // The language monitor's block: a pattern, with the state and the first character of the text set.
 std::string BlockReply(uint32_t state, char text) {
-    std::string block(1316, '\0');
-    for (size_t i = 0; i < block.size(); ++i)
-        block[i] = static_cast<char>(i % 251);
+    std::string block;
+    while (block.size() < 1316)
+        block.push_back(static_cast<char>(block.size() % 251));
     std::memcpy(block.data() + 8, &state, sizeof(state));
     block[760] = text;
     block[761] = 0;
@@ -23,10 +24,7 @@ std::string BlockReply(uint32_t state, char text) {
 
 // Status queries since the last call.
 size_t QueriesTaken(RecordingMonitor& language) {
-    size_t queries = 0;
-    for (const std::string& request : language.TakeRequests())
-        queries += Count(request, "ZRGetStatus?");
-    return queries;
+    return static_cast<size_t>(std::ranges::count(language.TakeRequests(), "ZRGetStatus?"));
 }
 
 using Status = InstalledStatusMonitor;
@@ -133,11 +131,10 @@ TEST_F(Windows, A_status_monitor_that_is_not_there_fails_them) {
 
 TEST_F(Windows, Leave_the_start_of_a_status_monitor_to_the_process_that_is_at_it) {
     RecordingMonitor language;
-    const HANDLE starting = CreateMutexW(nullptr, TRUE, TEXT("ZRIJ9900StatMonClass-01042005SMStartingMutex"));
+    const Handle starting = NamedMutex(TEXT("ZRIJ9900StatMonClass-01042005SMStartingMutex"), true);
     WithPrinter([] { EXPECT_EQ(1460u, Ended(ShowStatusMonitor())); });
     EXPECT_EQ(3, StopMonitor()) << "another one was started";
-    ReleaseMutex(starting);
-    CloseHandle(starting);
+    ReleaseMutex(starting.get());
     std::filesystem::remove(program_);
     DeviceStatusRecord record;
     WithPrinter([&] { EXPECT_EQ(6u, Ended(GetStatus(&record, sizeof(record)))) << "no program"; });
