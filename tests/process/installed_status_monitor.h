@@ -14,11 +14,11 @@ class InstalledStatusMonitor : public InstalledPrinter {
         }
     }
 
-    [[nodiscard]] ChildProcess Launch(std::vector<std::string> options) const {
+    [[nodiscard]] ChildProcess Launch(Words options) const {
         options.insert(options.begin(), program_.string());
         return ChildProcess(options);
     }
-    void StartMonitor(const std::vector<std::string>& options = {}) {
+    void StartMonitor(const Words& options = {}) {
         monitor_ = Launch(options);
         ASSERT_EQ("ready: ZRIJ9900MUI", monitor_.ReadLine());
     }
@@ -42,10 +42,3 @@ class InstalledStatusMonitor : public InstalledPrinter {
     std::filesystem::path program_;
     ChildProcess monitor_;
 };
-
-inline size_t Count(const std::string& text, const std::string& part) {
-    size_t count = 0;
-    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
-        ++count;
-    return count;
-}
