@@ -1,19 +1,14 @@
 // The channel protocol, step by step, with the other side in another process.
-#include <gtest/gtest.h>
-#include <windows.h>
-
 #include <array>
 #include <atomic>
 #include <cstring>
-#include <functional>
-#include <memory>
-#include <thread>
 
 #include "channel_puppet.h"
 #include "ipc/late_reply.h"
 #include "ipc/opl_channel.h"
 #include "ipc/remote_control_channel.h"
 #include "named_objects.h"
+#include "precompiled.h"
 #include "widened.h"
 
 namespace {

@@ -34,7 +34,7 @@ TEST_F(Client, A_lock_keeps_other_programs_out_until_it_is_given_back_or_its_hol
             holder.Kill();
         } else {
             holder.WriteLine("");
-            EXPECT_NE(std::string::npos, holder.ReadAll().find("\"endedBy\": \"enter\""));
+            EXPECT_THAT(holder.ReadAll(), HasSubstr("\"endedBy\": \"enter\""));
         }
         holder.Wait();
         WithPrinter([] { EXPECT_EQ(kDone, Ended(SetFaxRedials(4, kLong))); });
@@ -57,7 +57,7 @@ TEST_F(Client, Every_family_of_the_library_has_its_commands) {
     const std::string asked = monitor_.ReadAll();
     for (const char* part : {"ShoM  shows the maintenance window \"P\": done",
                              "SFWU  makes room for a firmware upgrade \"P\": done"})
-        EXPECT_NE(std::string::npos, asked.find(part)) << asked;
+        EXPECT_THAT(asked, HasSubstr(part));
 }
 
 }  // namespace

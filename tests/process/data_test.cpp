@@ -56,11 +56,11 @@ TEST_F(Data, A_failed_case_is_told_in_each_form_and_takes_its_faults_with_it) {
     EXPECT_EQ(8, tap.code);
     for (const char* part : {"TAP version 13\n1..4\nnot ok 1 - ", "\\#3\n  ---\n  at: \"", "not ok 2",
                              "within 100 ms", "not ok 3", "no such field", "\nok 4 - "})
-        EXPECT_NE(std::string::npos, tap.output.find(part)) << part << '\n' << tap.output;
+        EXPECT_THAT(tap.output, HasSubstr(part));
     const std::string document = FileText(xml);
     for (const char* part : {"tests=\"4\" failures=\"3\"", "name=\"wrong &lt;1&gt; &amp; &quot;2&quot; #3\"",
                              "expected the value &quot;9&quot;, found success, &quot;4&quot;"})
-        EXPECT_NE(std::string::npos, document.find(part)) << part << '\n' << document;
+        EXPECT_THAT(document, HasSubstr(part));
     const auto json = tools::Json::Parse(Run(file, {"--json"}).output);
     EXPECT_EQ(8, json.At("exitCode"));
     EXPECT_EQ(1, json.At("passed"));

@@ -36,9 +36,9 @@ TEST_F(Dump, A_printer_made_from_a_dump_is_dumped_as_the_same_bytes) {
     EXPECT_EQ(0, Run({"wifi", "scan", "--wait", "1s"}).code);
     const std::string masked = Kept("masked.json");
     const std::string whole = Kept("whole.json", {"--secrets"});
-    EXPECT_EQ(std::string::npos, masked.find("open sesame"));
-    EXPECT_NE(std::string::npos, masked.find("left out"));
-    EXPECT_NE(std::string::npos, whole.find("open sesame"));
+    EXPECT_THAT(masked, Not(HasSubstr("open sesame")));
+    EXPECT_THAT(masked, HasSubstr("left out"));
+    EXPECT_THAT(whole, HasSubstr("open sesame"));
     const tools::Json document = tools::Json::Parse(masked);
     EXPECT_EQ("J\u00f6rg = x;y", document.At("settings").At("fax.senders-name").Text());
     EXPECT_EQ(1001, document.At("settings").At("fax.rings").At("error").At("responseNumber"));
@@ -55,7 +55,7 @@ TEST_F(Dump, What_is_edited_by_hand_is_what_the_client_shows) {
     text.replace(text.find("\"percent\": 75"), 13, "\"percent\": 9");
     Write("p.json", text);
     Become("p.json");
-    EXPECT_NE(std::string::npos, Run({"supplies"}).output.find("black      9 % low"));
+    EXPECT_THAT(Run({"supplies"}).output, HasSubstr("black      9 % low"));
     const std::string half = Write("p.json", text.substr(0, text.size() / 2));
     EXPECT_EQ(2, RunProgram({KESTREL_VPRINTER, "--port", "USB002", "--from", half}).code);
 }
@@ -66,7 +66,7 @@ TEST_F(Dump, A_printer_that_has_stopped_answering_is_not_asked_to_the_end) {
     const auto begin = Clock::now();
     const std::string text = Kept("p.json");
     EXPECT_LT(Clock::now() - begin, milliseconds(10000));
-    EXPECT_NE(std::string::npos, text.find("not asked"));
+    EXPECT_THAT(text, HasSubstr("not asked"));
     Become("p.json");
     EXPECT_EQ(text, Kept("again.json"));
     EndPrinter();

@@ -56,7 +56,7 @@ TEST_F(Fleet, A_refused_value_ends_the_work_for_its_printer_and_can_take_the_oth
     const tools::Json left = Document({"-p", "P", "apply", wanted});
     EXPECT_EQ(1, left.At("exitCode"));
     EXPECT_EQ(1u, left.At("changes").Items().size());
-    EXPECT_NE(std::string::npos, left.At("error").At("text").Text().find("left so: fax.redials"));
+    EXPECT_THAT(left.At("error").At("text").Text(), HasSubstr("left so: fax.redials"));
     EXPECT_EQ("5\n", Value("P", "fax.redials"));
     for (const char* const key : {"fax.redials", "fax.rings"})
         RunClient({"-p", "P", "set", key, "3"});
@@ -66,7 +66,7 @@ TEST_F(Fleet, A_refused_value_ends_the_work_for_its_printer_and_can_take_the_oth
     const tools::Json back = Document({"-p", "P", "apply", wanted, "--rollback"});
     EXPECT_EQ(1, back.At("exitCode"));
     EXPECT_EQ("fax.redials", back.At("putBack").Items().front().Text());
-    EXPECT_NE(std::string::npos, back.At("error").At("text").Text().find("could not be put back: fax.rings"));
+    EXPECT_THAT(back.At("error").At("text").Text(), HasSubstr("could not be put back: fax.rings"));
     EXPECT_EQ("3\n", Value("P", "fax.redials"));
 }
 
@@ -80,8 +80,8 @@ TEST_F(Fleet, A_printer_that_falls_silent_is_not_asked_to_put_back_each_setting)
     EXPECT_EQ(4, result.code);
     const tools::Json document = tools::Json::Parse(result.output);
     EXPECT_EQ(nullptr, document.Find("putBack"));
-    EXPECT_NE(std::string::npos, document.At("error").At("text").Text().find(
-                                     "could not be put back: fax.backup, fax.rings, fax.redials"));
+    EXPECT_THAT(document.At("error").At("text").Text(),
+                HasSubstr("could not be put back: fax.backup, fax.rings, fax.redials"));
     const auto sent =
         std::ranges::count_if(tools::LoadExchangeLog(record).exchanges, [](const auto& exchange) {
             return exchange.request.starts_with("DeviceSettings.") &&

@@ -46,8 +46,7 @@ TEST_F(Record, A_client_that_departs_is_told) {
     EXPECT_EQ("3\n", RunClient({"-p", "P", "get", "fax.redials"}).output);
     EXPECT_EQ(1, printer_.Wait());
     printer_ = ChildProcess();
-    EXPECT_NE(std::string::npos,
-              FileText(Path("trace.jsonl")).find("seen \\\"DeviceSettings.Fax.Rings?\\\""));
+    EXPECT_THAT(FileText(Path("trace.jsonl")), HasSubstr("seen \\\"DeviceSettings.Fax.Rings?\\\""));
 }
 
 TEST_F(Record, Secrets_are_left_out_unless_asked_for_and_failures_are_events) {
@@ -56,8 +55,8 @@ TEST_F(Record, Secrets_are_left_out_unless_asked_for_and_failures_are_events) {
     EXPECT_EQ(4, Recorded("r.jsonl", {"get", "fax.rings"}).code) << "the program's own exit code";
     RunClient({"record", Path("s.jsonl"), "--secrets", "--", KESTREL_CLIENT, "-p", "P", "set",
                "wireless.pass-phrase", "open sesame"});
-    EXPECT_EQ(std::string::npos, FileText(Path("r.jsonl")).find("open sesame"));
-    EXPECT_NE(std::string::npos, FileText(Path("s.jsonl")).find("PassPhrase=open sesame;"));
+    EXPECT_THAT(FileText(Path("r.jsonl")), Not(HasSubstr("open sesame")));
+    EXPECT_THAT(FileText(Path("s.jsonl")), HasSubstr("PassPhrase=open sesame;"));
     EXPECT_TRUE(FileText(Path("r.jsonl"))
                     .starts_with(R"({"format":"kestrel-record","version":1,"secrets":"left out"})"));
     EXPECT_TRUE(Log("s.jsonl").hasSecrets);
@@ -101,7 +100,7 @@ TEST_F(Record, Programs_may_share_a_file_and_its_page_has_all_of_them) {
         const size_t lines = Log(name).exchanges.size();
         EXPECT_LT(120u, lines);
         const std::string page = RunClient({"log", Path(name)}).output;
-        EXPECT_NE(std::string::npos, page.find("\"count\":" + std::to_string(lines) + ",")) << name;
+        EXPECT_THAT(page, HasSubstr("\"count\":" + std::to_string(lines) + ",")) << name;
         EXPECT_EQ(lines, Count(page, "{\"time\":")) << name;
     }
     EXPECT_EQ(2, RunClient({"log", Path("faults.json")}).code);

@@ -48,7 +48,7 @@ TEST_F(StatusMonitor, Answers_the_seven_requests_and_tells_each_in_a_line) {
     for (const auto& [code, text, answer, line] : rows) {
         SCOPED_TRACE(line);
         EXPECT_EQ(answer, Ask(code, text));
-        EXPECT_NE(std::string::npos, monitor_.ReadLine().value_or("").find(line));
+        EXPECT_THAT(monitor_.ReadLine().value_or(""), HasSubstr(line));
     }
     // Its length says more than is sent.
     const uint32_t lying[] = {kShoW, 0xFFFFFFFF, 'P'};

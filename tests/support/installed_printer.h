@@ -1,21 +1,19 @@
 // A product that is installed, one printer on port USB001, and its counterpart in a process of its own.
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <kestrel/sdk.h>
-#include <windows.h>
 
-#include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <functional>
 #include <sstream>
-#include <thread>
 
 #include "child_process.h"
+#include "precompiled.h"
 #include "shared/json.h"
 #include "widened.h"
+
+using testing::HasSubstr;
+using testing::Not;
 
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
