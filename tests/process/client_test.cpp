@@ -53,8 +53,7 @@ TEST_F(Client, Every_family_of_the_library_has_its_commands) {
     StartPrinter("[]",
                  {"--control", Write("control.json", R"({"*":{"search.seconds":1,"upgrade.seconds":1}})")});
     ExpectCommands("Every family", kOnP);
-    EXPECT_EQ(0, StopMonitor());
-    const std::string asked = monitor_.ReadAll();
+    const std::string asked = EndMonitor();
     for (const char* part : {"ShoM  shows the maintenance window \"P\": done",
                              "SFWU  makes room for a firmware upgrade \"P\": done"})
         EXPECT_THAT(asked, HasSubstr(part));

@@ -24,6 +24,12 @@ class InstalledStatusMonitor : public InstalledPrinter {
     }
     // 0 when one ran.
     int StopMonitor() const { return Launch({"--stop"}).Wait(); }
+    // What the one that the test has started said until then.
+    std::string EndMonitor() {
+        EXPECT_EQ(0, StopMonitor());
+        EXPECT_EQ(0, monitor_.Wait());
+        return monitor_.ReadAll();
+    }
 
     [[nodiscard]] std::filesystem::path SettingsFile() const {
         return std::filesystem::path(program_).replace_extension(".json");

@@ -107,9 +107,7 @@ TEST_F(Windows, Open_on_a_status_monitor_that_answers_and_fail_by_reason_on_othe
         EXPECT_GE(Clock::now() - start, milliseconds(leastMs));
         EXPECT_EQ(windows, Ended(ShowMaintenance()));
         EXPECT_EQ(about, Ended(ShowAboutBox()));
-        EXPECT_EQ(0, StopMonitor());
-        EXPECT_EQ(2u, Count(monitor_.ReadAll(), "Ping"));
-        EXPECT_EQ(0, monitor_.Wait());
+        EXPECT_EQ(2u, Count(EndMonitor(), "Ping"));
     }
 }
 
@@ -176,17 +174,14 @@ TEST_F(Supplies, Are_ordered_by_the_printer_when_it_can_be_asked) {
         language.Answer(std::string("0000,OrderInk=") + answer + ";");
         EXPECT_EQ(ends, Ended(OrderSupplies())) << answer;
     }
-    EXPECT_EQ(0, StopMonitor());
-    EXPECT_EQ("", monitor_.ReadAll()) << "the status monitor was asked";
+    EXPECT_EQ("", EndMonitor()) << "the status monitor was asked";
 }
 
 TEST_F(Supplies, Are_ordered_by_the_status_monitor_when_the_printer_is_gone) {
     for (const char* refused : {"SOIS", "ShoA"}) {
         StartMonitor({"--refuse", refused});
         EXPECT_EQ(refused == std::string("ShoA"), OrderSupplies() != 0);
-        EXPECT_EQ(0, StopMonitor());
-        EXPECT_THAT(monitor_.ReadAll(), HasSubstr("\"Unknown\""));
-        EXPECT_EQ(0, monitor_.Wait());
+        EXPECT_THAT(EndMonitor(), HasSubstr("\"Unknown\""));
     }
 }
 
