@@ -53,8 +53,9 @@ TEST_F(Record, Secrets_are_left_out_unless_asked_for_and_failures_are_events) {
     StartPrinter(R"([{"match":"DeviceSettings.Fax.Rings?","noReply":true}])");
     EXPECT_EQ(0, Recorded("r.jsonl", {"set", "wireless.pass-phrase", "open sesame"}).code);
     EXPECT_EQ(4, Recorded("r.jsonl", {"get", "fax.rings"}).code) << "the program's own exit code";
-    RunClient({"record", Path("s.jsonl"), "--secrets", "--", KESTREL_CLIENT, "-p", "P", "set",
-               "wireless.pass-phrase", "open sesame"});
+    EXPECT_EQ(0, RunClient({"record", Path("s.jsonl"), "--secrets", "--", KESTREL_CLIENT, "-p", "P", "set",
+                            "wireless.pass-phrase", "open sesame"})
+                     .code);
     EXPECT_THAT(FileText(Path("r.jsonl")), Not(HasSubstr("open sesame")));
     EXPECT_THAT(FileText(Path("s.jsonl")), HasSubstr("PassPhrase=open sesame;"));
     EXPECT_TRUE(FileText(Path("r.jsonl"))
