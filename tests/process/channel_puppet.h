@@ -9,6 +9,11 @@ struct PuppetAnswer {
     uint32_t number = 0;
     uint32_t error = 0;
     std::string text;
+
+    bool operator==(const PuppetAnswer&) const = default;
+    friend std::ostream& operator<<(std::ostream& out, const PuppetAnswer& answer) {
+        return out << answer.number << ' ' << answer.error << ' ' << answer.text;
+    }
 };
 
 class ChannelPuppet final {

@@ -1,18 +1,13 @@
 // The channel protocol, step by step, with the other side in another process.
-#include <gtest/gtest.h>
-#include <windows.h>
-
 #include <array>
-#include <atomic>
 #include <cstring>
-#include <functional>
-#include <memory>
-#include <thread>
 
 #include "channel_puppet.h"
 #include "ipc/late_reply.h"
 #include "ipc/opl_channel.h"
 #include "ipc/remote_control_channel.h"
+#include "named_objects.h"
+#include "precompiled.h"
 #include "widened.h"
 
 namespace {
@@ -27,15 +22,15 @@ constexpr uint32_t kPatience = 5000;
 struct Received {
     std::string text;
     uint32_t error = 0;
+
+    bool operator==(const Received&) const = default;
 };
+std::ostream& operator<<(std::ostream& out, const Received& received) {
+    return out << '"' << received.text << "\", error " << received.error;
+}
 
 class Channel : public testing::Test {
   protected:
-    Channel() {
-        static std::atomic<int> count{0};
-        name_ = "Channel" + std::to_string(++count);
-    }
-
     bool Open(ipc::OPLChannel& channel, uint32_t capacity) {
         return channel.Open(ChannelRole::Client, Widened(name_).c_str(), capacity);
     }
@@ -57,13 +52,21 @@ class Channel : public testing::Test {
         return {buffer.substr(0, bytes), GetLastError()};
     }
 
+    [[nodiscard]] WideText Global(const WCHAR* ending) const {
+        return TEXT("Global\\") + Widened(name_) + ending;
+    }
+    // Another process at the channel.
+    [[nodiscard]] ChannelPuppet OtherClient() const {
+        ChannelPuppet other;
+        other.Do("open client " + name_ + " 200");
+        return other;
+    }
+
     // Posts a request that the server does not read until it is continued.
     void SendUnread(const std::string& request) {
         server_.Begin("receive 5000");
-        const HANDLE idle = CreateEventW(
-            nullptr, TRUE, FALSE, (TEXT("Global\\") + client_.GetName() + TEXT("ServerIdleEvent")).c_str());
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(idle, kPatience));
-        CloseHandle(idle);
+        const Handle idle = NamedEvent(TEXT("Global\\") + client_.GetName() + TEXT("ServerIdleEvent"));
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(idle.get(), kPatience));
         Sleep(50);  // until it sleeps: whoever closes an object needs a lock that it takes before
         server_.Process().Stop();
         EXPECT_EQ(request.size(), Send(request));
@@ -77,22 +80,18 @@ class Channel : public testing::Test {
     // In no process.
     void ExpectNoSection() {
         for (const WCHAR* ending : {TEXT("Cmd"), TEXT("Resp")}) {
-            const HANDLE section = CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 100,
-                                                      (TEXT("Global\\") + Widened(name_) + ending).c_str());
+            const Handle section = NamedSection(Global(ending), 100);
             EXPECT_EQ(0u, GetLastError()) << "it is a new one";
-            CloseHandle(section);
         }
     }
     // One whole exchange whose reply is `reply`.
     void ExpectExchange(const std::string& request, const std::string& reply) {
         Ask(request);
         ASSERT_EQ(reply.size(), server_.Do("send " + reply + " 1000").number);
-        const Received received = Receive();
-        EXPECT_EQ(reply, received.text);
-        EXPECT_EQ(0u, received.error);
+        EXPECT_EQ((Received{reply, 0}), Receive());
     }
 
-    std::string name_;
+    std::string name_ = testing::UnitTest::GetInstance()->current_test_info()->name();
     ChannelPuppet server_;
     ipc::OPLChannel client_;
 };
@@ -133,9 +132,7 @@ TEST_F(Channel, A_closed_channel_gives_110_and_remembers_nothing) {
         EXPECT_EQ(0u, client_.LastClientProcessId());
         EXPECT_FALSE(client_.StartServerThread());
         EXPECT_EQ(110u, ErrorOfSend("x", kBrief));
-        const Received received = Receive(kBrief);
-        EXPECT_EQ("", received.text);
-        EXPECT_EQ(110u, received.error);
+        EXPECT_EQ((Received{"", 110}), Receive(kBrief));
         client_.Cancel();
         EXPECT_EQ(110u, GetLastError());
     };
@@ -147,8 +144,7 @@ TEST_F(Channel, A_closed_channel_gives_110_and_remembers_nothing) {
     ExpectNoSection();
     name_ += "Again";  // the events stay, and with them what the closings cancelled
     ASSERT_TRUE(client_.Open(ChannelRole::Server, Widened(name_).c_str(), 200));
-    ChannelPuppet other;
-    other.Do("open client " + name_ + " 200");
+    ChannelPuppet other = OtherClient();
     other.Begin("send x 5000");
     EXPECT_EQ("x", Receive().text);
     EXPECT_EQ(other.Process().Id(), client_.LastClientProcessId());
@@ -159,25 +155,21 @@ TEST_F(Channel, An_opening_keeps_what_lies_there_and_a_server_s_takes_back_old_s
     OpenBoth();
     Ask("question");
     server_.Do("send answer 1000");
-    ChannelPuppet other;
-    other.Do("open client " + name_ + " 200");
+    const ChannelPuppet other = OtherClient();
     EXPECT_EQ("answer", Receive().text);
     server_.Do("close");
     for (const WCHAR* ending : {TEXT("CmdNotifyEvent"), TEXT("RespNotifyEvent")}) {
-        const HANDLE stale =
-            CreateEventW(nullptr, FALSE, FALSE, (TEXT("Global\\") + Widened(name_) + ending).c_str());
-        SetEvent(stale);
+        const Handle stale = NamedEvent(Global(ending));
+        SetEvent(stale.get());
         const auto start = Clock::now();
         EXPECT_EQ(1u, server_.Do("open server " + name_ + " 200").number);
         EXPECT_GE(Clock::now() - start, milliseconds(100)) << "old signals may be on their way";
-        EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(stale, 0));
-        CloseHandle(stale);
+        EXPECT_FALSE(IsSignaled(stale));
     }
 }
 
 TEST_F(OpenChannel, A_second_send_without_receive_gives_776_and_the_third_works) {
-    ChannelPuppet other;
-    other.Do("open client " + name_ + " 200");
+    ChannelPuppet other = OtherClient();
     server_.Begin("receive 5000");
     for (const char* text : {"", "a"}) {
         EXPECT_EQ(std::strlen(text), Send(text));
@@ -192,25 +184,18 @@ TEST_F(OpenChannel, A_second_send_without_receive_gives_776_and_the_third_works)
 
 TEST_F(OpenChannel, A_receive_takes_what_is_for_its_process_as_far_as_its_buffer_reaches) {
     const std::string self = std::to_string(GetCurrentProcessId());
-    struct Case {
-        std::vector<std::string> replies;
-        std::string text;
-        uint32_t error;
+    const std::pair<std::vector<std::string>, Received> rows[] = {
+        {{"send abcdefgh 1000"}, {"abcdef", 0}},
+        {{"sendto " + self + " 1 partly 1000"}, {"partly", 995}},
+        {{"broadcast news 1000", "send answer 1000"}, {"answer", 0}},
+        {{"sendto 4194303 0 alien 1000"}, {"", 1460}},
     };
-    const Case cases[] = {
-        {{"send abcdefgh 1000"}, "abcdef", 0},
-        {{"sendto " + self + " 1 partly 1000"}, "partly", 995},
-        {{"broadcast news 1000", "send answer 1000"}, "answer", 0},
-        {{"sendto 4194303 0 alien 1000"}, "", 1460},
-    };
-    for (const Case& row : cases) {
-        SCOPED_TRACE(row.replies[0]);
+    for (const auto& [replies, received] : rows) {
+        SCOPED_TRACE(replies[0]);
         Ask("question");
-        for (const std::string& reply : row.replies)
+        for (const std::string& reply : replies)
             EXPECT_LT(0u, server_.Do(reply).number);
-        const Received received = Receive(200, 6);
-        EXPECT_EQ(row.text, received.text);
-        EXPECT_EQ(row.error, received.error);
+        EXPECT_EQ(received, Receive(200, 6));
     }
     EXPECT_EQ(1u, server_.Do("send x 200").number) << "the message of a process that is gone is overwritten";
 }
@@ -230,30 +215,17 @@ TEST_F(OpenChannel, A_foreign_reply_costs_a_pause_and_all_of_them_the_time_out) 
         const Received received = Receive(timeout);
         const auto took = Clock::now() - start;
         replies.join();
-        return std::pair(received.text + std::to_string(received.error), took);
+        return std::pair(received, took);
     };
+    const Received none = {"", 1460};
     const auto [answer, untilAnswer] = receive(kPatience, 0, 300, "send answer 1000");
-    EXPECT_EQ("answer0", answer) << "it comes when the pause is over";
-    const auto [none, untilPause] = receive(10, 0, 0, "idle");
-    EXPECT_EQ("1460", none);
+    EXPECT_EQ((Received{"answer", 0}), answer) << "it comes when the pause is over";
+    const auto [early, untilPause] = receive(10, 0, 0, "idle");
+    EXPECT_EQ(none, early);
     EXPECT_GE(untilPause, milliseconds(50));
     const auto [late, untilTimeout] = receive(kBrief, 30, 40, "idle");
-    EXPECT_EQ("1460", late);
+    EXPECT_EQ(none, late);
     EXPECT_LT(untilTimeout, milliseconds(1000));
-}
-
-TEST_F(OpenChannel, A_reply_to_another_living_process_blocks_the_section_with_32_until_it_is_cancelled) {
-    ChannelPuppet other;
-    Ask("question");
-    EXPECT_EQ(1u, server_.Do("sendto " + std::to_string(other.Process().Id()) + " 0 x 1000").number);
-    for (int i = 0; i < 2; ++i) {
-        const PuppetAnswer refused = server_.Do("send answer 500");
-        EXPECT_EQ(0u, refused.number);
-        EXPECT_EQ(32u, refused.error);
-    }
-    server_.Do("cancel");
-    EXPECT_EQ(6u, server_.Do("send answer 500").number);
-    EXPECT_EQ("answer", Receive().text);
 }
 
 TEST_F(Channel, A_late_reply_in_the_way_is_taken_back_and_the_next_one_sent_after_a_pause) {
@@ -276,7 +248,7 @@ TEST_F(Channel, A_late_reply_in_the_way_is_taken_back_and_the_next_one_sent_afte
     EXPECT_EQ(110u, GetLastError());
 }
 
-TEST_F(OpenChannel, Cancel_of_another_thread_ends_a_waiting_receive_with_995) {
+TEST_F(OpenChannel, A_cancel_ends_the_receive_that_waits_or_else_the_next_one_with_995_and_once) {
     Ask("question");
     std::thread canceller([this] {
         Sleep(100);
@@ -285,9 +257,6 @@ TEST_F(OpenChannel, Cancel_of_another_thread_ends_a_waiting_receive_with_995) {
     EXPECT_EQ(995u, Receive().error);
     canceller.join();
     ExpectExchange("again", "fine");
-}
-
-TEST_F(OpenChannel, A_cancel_without_a_waiting_receive_ends_the_next_one_once) {
     Ask("question");
     client_.Cancel();
     Ask("next");
@@ -297,8 +266,7 @@ TEST_F(OpenChannel, A_cancel_without_a_waiting_receive_ends_the_next_one_once) {
 }
 
 TEST_F(OpenChannel, Cancel_withdraws_an_unread_request_of_whoever_posted_it) {
-    ChannelPuppet other;
-    other.Do("open client " + name_ + " 200");  // opening closes first, but a closed channel cancels nothing
+    ChannelPuppet other = OtherClient();  // opening closes first, but a closed channel cancels nothing
     const std::function<void()> ways[] = {[&] { other.Do("cancel"); }, [&] { other.Do("close"); },
                                           [&] {
                                               ipc::OPLChannel destroyed;
@@ -334,9 +302,7 @@ TEST_F(OpenChannel, The_dispatch_thread_serves_and_others_are_refused_with_32) {
     }
     EXPECT_EQ(0u, Send(""));
     EXPECT_EQ(1460u, Receive(kBrief).error) << "nothing is no message";
-    const PuppetAnswer refused = server_.Do("receive 100");
-    EXPECT_EQ(0u, refused.number);
-    EXPECT_EQ(32u, refused.error);
+    EXPECT_EQ((PuppetAnswer{0, 32, ""}), server_.Do("receive 100"));
     server_.Do("close");
     EXPECT_EQ(1460u, ErrorOfSend("gone", kBrief));
     server_.Do("open server " + name_ + " 200");
@@ -349,68 +315,60 @@ TEST_F(Channel, The_eight_objects_have_the_names_sizes_and_offsets_that_the_prod
     name_ = "Wire" + name_ + "*b/c:d<e>f?g\\h|i";
     OpenBoth(65791);
     ExpectExchange("known", "client");
-    const auto existing = [](HANDLE handle) {
+    const auto existing = [](Handle handle) {
         EXPECT_EQ(183u, GetLastError());
         return handle;
     };
-    const auto event = [&](const WCHAR* ending) {
-        return existing(CreateEventW(nullptr, FALSE, FALSE, (base + ending).c_str()));
+    const auto event = [&](const WCHAR* ending) { return existing(NamedEvent(base + ending)); };
+    const auto view = [&](const WCHAR* ending) {
+        const Handle section = existing(NamedSection(base + ending, 65803));
+        return static_cast<char*>(MapViewOfFile(section.get(), FILE_MAP_ALL_ACCESS, 0, 0, 0));
     };
     const auto expectBlock = [&](const WCHAR* ending, const std::array<uint32_t, 3>& header,
                                  const char* text) {
-        const HANDLE section = existing(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
-                                                           65803, (base + ending).c_str()));
-        const auto* block = static_cast<const char*>(MapViewOfFile(section, FILE_MAP_READ, 0, 0, 0));
+        const char* const block = view(ending);
         MEMORY_BASIC_INFORMATION info;
         VirtualQuery(block, &info, sizeof(info));
         EXPECT_EQ(69632u, info.RegionSize);
         EXPECT_EQ(0, std::memcmp(header.data(), block, sizeof(header)));
         EXPECT_EQ(text, std::string(block + sizeof(header), std::strlen(text)));
         UnmapViewOfFile(block);
-        CloseHandle(section);
     };
-    const HANDLE replied = event(TEXT("RespNotifyEvent"));
-    SetEvent(replied);
+    const Handle replied = event(TEXT("RespNotifyEvent"));
+    SetEvent(replied.get());
     SendUnread("abc");
-    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(replied, 0))
-        << "a request takes back what was signalled before";
+    EXPECT_FALSE(IsSignaled(replied)) << "a request takes back what was signalled before";
     expectBlock(TEXT("Cmd"), {GetCurrentProcessId(), 3, 0}, "abc");
-    const HANDLE asked = event(TEXT("CmdNotifyEvent"));
-    const HANDLE idle = event(TEXT("ServerIdleEvent"));
-    for (const WCHAR* ending : {TEXT("CmdCancelEvent"), TEXT("RespCancelEvent")})
-        CloseHandle(event(ending));
-    CloseHandle(existing(CreateMutexW(nullptr, FALSE, (base + TEXT("TransactionMutex")).c_str())));
-    const HANDLE section = existing(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
-                                                       65803, (base + TEXT("Cmd")).c_str()));
-    void* const request = MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 0, 0);
+    const Handle asked = event(TEXT("CmdNotifyEvent"));
+    const Handle idle = event(TEXT("ServerIdleEvent"));
+    event(TEXT("CmdCancelEvent"));
+    event(TEXT("RespCancelEvent"));
+    existing(NamedMutex(base + TEXT("TransactionMutex")));
+    char* const request = view(TEXT("Cmd"));
     std::memset(request, 0, 4);
     UnmapViewOfFile(request);
-    CloseHandle(section);
     server_.Process().Continue();
     EXPECT_EQ("abc", server_.End().text);
     server_.Do("send reply 1000");
     expectBlock(TEXT("Resp"), {GetCurrentProcessId(), 5, 0}, "reply");  // the request was nobody's
     server_.Do("cancel");
-    SetEvent(asked);
+    SetEvent(asked.get());
     server_.Do("broadcast news 1000");
     expectBlock(TEXT("Resp"), {0, 4, 0x0100}, "news");
     server_.Do("sendto 4194303 1 gone 1000");
     expectBlock(TEXT("Resp"), {4194303, 4, 1}, "gone");
-    SetEvent(idle);
+    SetEvent(idle.get());
     server_.Do("cancel");
-    for (const HANDLE takenBack : {asked, replied, idle}) {
-        EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(takenBack, 0));
-        CloseHandle(takenBack);
-    }
+    for (const Handle& takenBack : {asked, replied, idle})
+        EXPECT_FALSE(IsSignaled(takenBack));
 }
 
 TEST_F(Channel, An_opening_that_fails_leaves_none_of_its_objects) {
-    const HANDLE squatter =
-        CreateMutexW(nullptr, FALSE, (TEXT("Global\\") + Widened(name_) + TEXT("ServerIdleEvent")).c_str());
+    Handle squatter = NamedMutex(Global(TEXT("ServerIdleEvent")));
     EXPECT_FALSE(Open(client_, 200));
     EXPECT_EQ(6u, GetLastError());
     ExpectNoSection();
-    CloseHandle(squatter);
+    squatter = {};
     EXPECT_TRUE(Open(client_, 200));
 }
 

@@ -35,18 +35,19 @@ TEST_F(Device, Quick_dial_records_are_read_field_by_field_and_cut_to_their_field
     monitor_.AnswerTo("[3].Name", "0000,X=" + std::string(45, 'n') + ";");
     monitor_.AnswerTo("[3].Address?", "0000,X=" + std::string(60, 'a') + ";");
     Guarded<KestrelQuickDial, 1> out;
+    const KestrelQuickDial& record = out.records[0];
     EXPECT_EQ(kDone, Ended(GetQuickDialButton(3, out.records, kLong)));
     const std::string key = "DeviceSettings.AddressBook.OneTouchDialRecords.NamedSingleEntry[3].";
     EXPECT_EQ((Requests{key + "AddressType?", key + "Name?", key + "Address?"}), Sent());
-    EXPECT_EQ(2u, out.records[0].addressType);
-    EXPECT_EQ(WideText(39, TEXT('n')), Text(out.records[0].name));
-    EXPECT_EQ(WideText(49, TEXT('a')), Text(out.records[0].address));
+    EXPECT_EQ(2u, record.addressType);
+    EXPECT_EQ(WideText(39, TEXT('n')), Text(record.name));
+    EXPECT_EQ(WideText(49, TEXT('a')), Text(record.address));
     EXPECT_EQ(kDone, Ended(GetQuickDialButton(7, out.records, kLong))) << "the device judges the index";
-    EXPECT_EQ(0u, out.records[0].addressType);
-    EXPECT_EQ(WideText(TEXT("(null)")), Text(out.records[0].name)) << "copied as it comes";
+    EXPECT_EQ(0u, record.addressType);
+    EXPECT_EQ(WideText(TEXT("(null)")), Text(record.name)) << "copied as it comes";
     monitor_.Answer("0,X;");
     EXPECT_EQ(kBadReply, Ended(GetQuickDialButton(7, out.records, kLong)));
-    EXPECT_TRUE(IsZero(out.records[0]));
+    EXPECT_TRUE(IsZero(record));
 }
 
 TEST_F(Device, A_speed_dial_list_stops_at_the_first_record_that_cannot_be_read) {

@@ -1,9 +1,8 @@
 // One command for several printers, one of which does not answer; wanted states and differences.
-#include "installed_printer.h"
+#include "commands.h"
+#include "shared/exchange_log.h"
 
 namespace {
-
-constexpr int kDifferent = 9;
 
 class Fleet : public InstalledPrinter {
   protected:
@@ -11,14 +10,8 @@ class Fleet : public InstalledPrinter {
         AddPrinter("Q", "USB002");
         AddPrinter("Dead", "USB009");
     }
-    std::string File(const char* name, const std::string& text) const {
-        const std::string path = (home_ / name).string();
-        std::ofstream(path) << text;
-        return path;
-    }
-    static tools::Json Document(std::vector<std::string> words) {
-        words.emplace_back("--json");
-        return tools::Json::Parse(RunClient(words).output);
+    static tools::Json Document(const Words& words) {
+        return tools::Json::Parse(RunClient(words, {"--json"}).output);
     }
     static std::string Value(const char* printer, const char* key) {
         return RunClient({"-p", printer, "get", key}).output;
@@ -51,36 +44,19 @@ TEST_F(Fleet, Answers_in_the_order_of_the_printers_and_a_dead_one_costs_its_time
 
 TEST_F(Fleet, Is_brought_to_a_wanted_state_once) {
     StartPrinter("[]", {"--port", "USB002"});
-    const std::string wanted = File("w.txt", "fax.redials = 5\nfax.rings = 4\n[Q]\nfax.redials = 6\n");
-    const std::vector<std::string> apply = {"-p", "P", "-p", "Q", "apply", wanted};
-    std::vector<std::string> dry = apply;
-    dry.emplace_back("--dry-run");
-    EXPECT_EQ(kDifferent, RunClient(dry).code);
-    std::vector<std::string> withDead = {"-p", "Dead", "--timeout", "200ms"};
-    withDead.insert(withDead.begin(), dry.begin(), dry.end());
-    EXPECT_EQ(4, RunClient(withDead).code) << "differences elsewhere do not hide it";
-    EXPECT_EQ("3\n", Value("P", "fax.redials")) << "nothing was changed";
-    const ProgramResult first = RunClient(apply);
-    EXPECT_EQ(0, first.code);
-    EXPECT_NE(std::string::npos, first.output.find("Q:\n  fax.redials: 3 -> 6\n  1 changed, 1 as wanted\n"));
-    EXPECT_EQ("5\n", Value("P", "fax.redials"));
-    EXPECT_EQ("P: 0 changed, 2 as wanted\nQ: 0 changed, 2 as wanted\n", RunClient(apply).output);
-    EXPECT_EQ(0, RunClient(dry).code);
-    EXPECT_EQ("0 changed, 2 as wanted\n", RunClient({"apply", wanted}).output) << "its heading names Q";
-
-    const std::string wrong = File("wrong.txt", "fax.redials = 7\n[Q]\nfax.redials = 999\n");
-    EXPECT_EQ(6, RunClient({"-p", "P", "apply", wrong}).code);
-    EXPECT_EQ("5\n", Value("P", "fax.redials")) << "one wrong value, and none is sent";
+    Write("w.txt", "fax.redials = 5\nfax.rings = 4\n[Q]\nfax.redials = 6\n");
+    Write("wrong.txt", "fax.redials = 7\n[Q]\nfax.redials = 999\n");
+    ExpectCommands("Wanted states");
 }
 
 TEST_F(Fleet, A_refused_value_ends_the_work_for_its_printer_and_can_take_the_others_back) {
     StartPrinter(R"([{"match":"DeviceSettings.Fax.Rings=*","responseNumber":1001}])");
     const std::string wanted =
-        File("w.json", R"({"settings":{"fax.redials":5,"fax.rings":2,"fax.backup":true}})");
+        Write("w.json", R"({"settings":{"fax.redials":5,"fax.rings":2,"fax.backup":true}})");
     const tools::Json left = Document({"-p", "P", "apply", wanted});
     EXPECT_EQ(1, left.At("exitCode"));
     EXPECT_EQ(1u, left.At("changes").Items().size());
-    EXPECT_NE(std::string::npos, left.At("error").At("text").Text().find("left so: fax.redials"));
+    EXPECT_THAT(left.At("error").At("text").Text(), HasSubstr("left so: fax.redials"));
     EXPECT_EQ("5\n", Value("P", "fax.redials"));
     for (const char* const key : {"fax.redials", "fax.rings"})
         RunClient({"-p", "P", "set", key, "3"});
@@ -90,52 +66,34 @@ TEST_F(Fleet, A_refused_value_ends_the_work_for_its_printer_and_can_take_the_oth
     const tools::Json back = Document({"-p", "P", "apply", wanted, "--rollback"});
     EXPECT_EQ(1, back.At("exitCode"));
     EXPECT_EQ("fax.redials", back.At("putBack").Items().front().Text());
-    EXPECT_NE(std::string::npos, back.At("error").At("text").Text().find("could not be put back: fax.rings"));
+    EXPECT_THAT(back.At("error").At("text").Text(), HasSubstr("could not be put back: fax.rings"));
     EXPECT_EQ("3\n", Value("P", "fax.redials"));
 }
 
 TEST_F(Fleet, A_printer_that_falls_silent_is_not_asked_to_put_back_each_setting) {
     StartPrinter(R"([{"match":"DeviceSettings.*=*","skip":2,"lost":true}])");
     const std::string wanted =
-        File("w.txt", "fax.redials = 5\nfax.rings = 2\nfax.backup = no\nfax.mode = Fine_Color\n");
-    const std::string record = (home_ / "r.jsonl").string();
+        Write("w.txt", "fax.redials = 5\nfax.rings = 2\nfax.backup = no\nfax.mode = Fine_Color\n");
+    const std::string record = Path("r.jsonl");
     const ProgramResult result = RunClient({"record", record, "--", KESTREL_CLIENT, "-p", "P", "--timeout",
                                             "300ms", "--json", "apply", wanted, "--rollback"});
     EXPECT_EQ(4, result.code);
     const tools::Json document = tools::Json::Parse(result.output);
     EXPECT_EQ(nullptr, document.Find("putBack"));
-    EXPECT_NE(std::string::npos, document.At("error").At("text").Text().find(
-                                     "could not be put back: fax.backup, fax.rings, fax.redials"));
-    std::istringstream lines(FileText(record));
-    std::vector<std::string> sent;
-    for (std::string line; std::getline(lines, line);) {
-        const tools::Json exchange = tools::Json::Parse(line);
-        const tools::Json* const request = exchange.Find("request");
-        if (request != nullptr && request->Text().starts_with("DeviceSettings.") &&
-            request->Text().find('=') != std::string::npos)
-            sent.push_back(request->Text());
-    }
-    EXPECT_EQ(4u, sent.size()) << "two that were made, one that was lost, and once to put it back";
+    EXPECT_THAT(document.At("error").At("text").Text(),
+                HasSubstr("could not be put back: fax.backup, fax.rings, fax.redials"));
+    const auto sent =
+        std::ranges::count_if(tools::LoadExchangeLog(record).exchanges, [](const auto& exchange) {
+            return exchange.request.starts_with("DeviceSettings.") &&
+                   exchange.request.find('=') != std::string::npos;
+        });
+    EXPECT_EQ(4, sent) << "two that were made, one that was lost, and once to put it back";
 }
 
 TEST_F(Fleet, Differences_are_told_between_printers_dumps_and_wanted_files) {
     StartPrinter("[]", {"--port", "USB002"});
-    RunClient({"-p", "Q", "set", "fax.redials", "6"});
-    RunClient({"-p", "Q", "set", "wireless.pass-phrase", "open sesame"});
-    const std::string dump = (home_ / "p.json").string();
-    EXPECT_EQ(0, RunClient({"-p", "P", "dump", "-o", dump}).code);
-    const std::string wanted = File("w.txt", "fax.redials = 6\n");
-
-    const tools::Json printers = Document({"diff", "P", "Q"});
-    EXPECT_EQ(9, printers.At("exitCode"));
-    EXPECT_EQ(2u, printers.At("differences").Items().size());
-    EXPECT_EQ(std::string::npos, printers.Dump().find("sesame"));
-    EXPECT_EQ(0, RunClient({"diff", dump, "P"}).code);
-    EXPECT_EQ(kDifferent, RunClient({"diff", dump, wanted}).code);
-    EXPECT_EQ("no difference in 1 settings\n", RunClient({"diff", wanted, "Q"}).output);
-    EXPECT_EQ(4, RunClient({"--timeout", "200ms", "diff", "P", "Dead"}).code);
-    EXPECT_EQ(0, RunClient({"-p", "Q", "apply", dump}).code) << "as the other printer was";
-    EXPECT_EQ(0, RunClient({"diff", dump, "Q"}).code);
+    Write("w.txt", "fax.redials = 6\n");
+    ExpectCommands("Differences");
 }
 
 TEST_F(Fleet, Changes_are_told_as_they_come_and_once_that_a_printer_is_gone_or_back) {
@@ -153,8 +111,6 @@ TEST_F(Fleet, Changes_are_told_as_they_come_and_once_that_a_printer_is_gone_or_b
     EXPECT_EQ("P", change.At("printer").Text());
     EXPECT_EQ("fax.redials", change.At("key").Text());
 
-    printer_.Kill();
-    printer_.Wait();
     printer_ = ChildProcess();
     for (int i = 0; i < 2; ++i)
         EXPECT_EQ(false, next().At("answers"));

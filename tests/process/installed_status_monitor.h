@@ -14,16 +14,22 @@ class InstalledStatusMonitor : public InstalledPrinter {
         }
     }
 
-    [[nodiscard]] ChildProcess Launch(std::vector<std::string> options) const {
+    [[nodiscard]] ChildProcess Launch(Words options) const {
         options.insert(options.begin(), program_.string());
         return ChildProcess(options);
     }
-    void StartMonitor(const std::vector<std::string>& options = {}) {
+    void StartMonitor(const Words& options = {}) {
         monitor_ = Launch(options);
         ASSERT_EQ("ready: ZRIJ9900MUI", monitor_.ReadLine());
     }
     // 0 when one ran.
     int StopMonitor() const { return Launch({"--stop"}).Wait(); }
+    // What the one that the test has started said until then.
+    std::string EndMonitor() {
+        EXPECT_EQ(0, StopMonitor());
+        EXPECT_EQ(0, monitor_.Wait());
+        return monitor_.ReadAll();
+    }
 
     [[nodiscard]] std::filesystem::path SettingsFile() const {
         return std::filesystem::path(program_).replace_extension(".json");
@@ -42,10 +48,3 @@ class InstalledStatusMonitor : public InstalledPrinter {
     std::filesystem::path program_;
     ChildProcess monitor_;
 };
-
-inline size_t Count(const std::string& text, const std::string& part) {
-    size_t count = 0;
-    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
-        ++count;
-    return count;
-}

@@ -48,13 +48,9 @@ class Installing : public testing::Test {
         return path.string();
     }
 
-    static ProgramResult Run(std::vector<std::string> words) {
-        words.insert(words.begin(), {"/bin/sh", "-c", "exec \"$0\" \"$@\" 2>&1", INSTALL_TOOL});
+    static ProgramResult Run(Words words, const char* entry = "printui.dll,PrintUIEntry") {
+        words.insert(words.begin(), {"/bin/sh", "-c", "exec \"$0\" \"$@\" 2>&1", INSTALL_TOOL, entry});
         return RunProgram(words);
-    }
-    static ProgramResult RunEntry(std::vector<std::string> words) {
-        words.insert(words.begin(), "printui.dll,PrintUIEntry");
-        return Run(words);
     }
 };
 
@@ -131,7 +127,7 @@ TEST_F(Installing, A_driver_is_taken_from_every_encoding_and_from_shared_section
     const WideText nine = TEXT("ZR \"Nine\" 9900");
     for (const std::string& bytes : {inf_, Utf16(inf_), "\xEF\xBB\xBF" + inf_}) {
         const std::string inf = Write("a.inf", bytes);
-        EXPECT_EQ(RunEntry({"/ia", "/f", inf, "/m", "zr \"nine\" 9900"}).code, 0);
+        EXPECT_EQ(Run({"/ia", "/f", inf, "/m", "zr \"nine\" 9900"}).code, 0);
         EXPECT_EQ(DriverText(nine, TEXT("Driver")), "DRV.DLL");
         EXPECT_EQ(DriverText(nine, TEXT("Data File")), "DRV.INI");
         EXPECT_EQ(DriverText(nine, TEXT("Configuration File")), "DRV.DLL");
@@ -143,12 +139,12 @@ TEST_F(Installing, A_driver_is_taken_from_every_encoding_and_from_shared_section
 TEST_F(Installing, An_installed_driver_is_kept_when_asked_and_else_replaced) {
     const WideText model = TEXT("Model 32");
     const std::string inf = Write("a.inf", inf_);
-    EXPECT_EQ(RunEntry({"/ia", "/f", inf, "/m", "Model 32"}).code, 0);
+    EXPECT_EQ(Run({"/ia", "/f", inf, "/m", "Model 32"}).code, 0);
     EXPECT_EQ(DriverText(model, TEXT("Driver")), "Model_32");
     Write("a.inf", inf_ + "[Model_32]\nDriverFile=NEW.DLL\n");
-    EXPECT_EQ(RunEntry({"/if", "/u", "/f", inf, "/m", "Model 32", "/r", "USB001", "/b", "One"}).code, 0);
+    EXPECT_EQ(Run({"/if", "/u", "/f", inf, "/m", "Model 32", "/r", "USB001", "/b", "One"}).code, 0);
     EXPECT_EQ(DriverText(model, TEXT("Driver")), "Model_32");
-    EXPECT_EQ(RunEntry({"/if", "/f", inf, "/m", "Model 32", "/r", "LPT1:"}).code, 0);
+    EXPECT_EQ(Run({"/if", "/f", inf, "/m", "Model 32", "/r", "LPT1:"}).code, 0);
     EXPECT_EQ(DriverText(model, TEXT("Driver")), "NEW.DLL");
     EXPECT_EQ(PrinterText(TEXT("One"), TEXT("Port")), "USB001");
     EXPECT_EQ(PrinterText(model, TEXT("Port")), "LPT1:");
@@ -158,11 +154,7 @@ TEST_F(Installing, Refusals_say_what_happened_and_change_nothing) {
     const std::string inf = Write("a.inf", inf_);
     const std::string folder = std::getenv("KESTREL_TEST_FOLDER");
     const std::string other = Write("fax.inf", "[Version]\nSignature=$Chicago$\nClass=Fax\n");
-    const struct {
-        std::vector<std::string> words;
-        int code;
-        const char* text;
-    } rows[] = {
+    const std::tuple<Words, int, const char*> rows[] = {
         {{"/ia", "/f", folder + "/none.inf", "/m", "Model 32"}, 1, "no such file"},
         {{"/ia", "/f", folder, "/m", "Model 32"}, 1, "folder"},
         {{"/ia", "/f", Write("p.inf", std::string("MZ\0\1", 4)), "/m", "Model 32"}, 1, "not a text"},
@@ -177,13 +169,14 @@ TEST_F(Installing, Refusals_say_what_happened_and_change_nothing) {
         {{"/ia", "/if"}, 2, "more than one"},
         {{"/f", inf}, 2, "none of"},
     };
-    for (const auto& row : rows) {
-        const ProgramResult result = RunEntry(row.words);
-        EXPECT_EQ(result.code, row.code) << row.words.back();
-        EXPECT_NE(result.output.find(row.text), std::string::npos) << result.output;
-        EXPECT_EQ(result.output.empty(), *row.text == '\0') << result.output;
+    for (const auto& [words, code, text] : rows) {
+        SCOPED_TRACE(testing::PrintToString(words));
+        const ProgramResult result = Run(words);
+        EXPECT_EQ(result.code, code);
+        EXPECT_THAT(result.output, HasSubstr(text));
+        EXPECT_EQ(result.output.empty(), *text == '\0') << result.output;
     }
-    EXPECT_EQ(Run({"shell32.dll,Control_RunDLL"}).code, 2);
+    EXPECT_EQ(Run({}, "shell32.dll,Control_RunDLL").code, 2);
     EXPECT_EQ(DriverText(TEXT("Model 32"), TEXT("Driver")), "");
     EXPECT_EQ(PrinterText(TEXT("New"), TEXT("Port")), "");
 }

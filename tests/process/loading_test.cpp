@@ -1,18 +1,10 @@
 // The library under other file names: refused, or a product of its own; and what unloading leaves.
-#include <gtest/gtest.h>
-#include <windows.h>
-
 #include <array>
 #include <atomic>
-#include <chrono>
-#include <cstdint>
-#include <cstdlib>
-#include <filesystem>
 #include <latch>
-#include <string>
-#include <thread>
-#include <vector>
 
+#include "named_objects.h"
+#include "precompiled.h"
 #include "widened.h"
 
 namespace {
@@ -39,19 +31,14 @@ uint32_t CallNumber(HMODULE library, const char* name) {
 const WideText kChannel = TEXT("Global\\ACMEStatMonClass-01042005RemoteControlChannel");
 
 bool AnyObjectLives() {
-    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, (kChannel + TEXT("ServerIdleEvent")).c_str());
-    const bool existed = GetLastError() == ERROR_ALREADY_EXISTS;
-    CloseHandle(event);
-    return existed;
+    const Handle event = NamedEvent(kChannel + TEXT("ServerIdleEvent"));
+    return GetLastError() == ERROR_ALREADY_EXISTS;
 }
 
 TEST(Loading, Only_a_product_loads_under_its_name_and_is_gone_when_freed) {
-    for (const auto& [stem, isProduct] : {std::pair("foo", false),
-                                          {"SDK", false},
-                                          {"ACMESDKX", false},
-                                          {"ACMESDK", true},
-                                          {"acmesdk", true}}) {
+    for (const std::string stem : {"foo", "SDK", "ACMESDKX", "ACMESDK", "acmesdk"}) {
         SCOPED_TRACE(stem);
+        const bool isProduct = stem == "ACMESDK" || stem == "acmesdk";
         const WideText path = CopyAs(stem);
         for (int i = 0; i < 2; ++i) {
             const HMODULE library = LoadLibraryW(path.c_str());
@@ -119,7 +106,7 @@ TEST(Loading, A_thread_that_used_the_library_may_outlive_it) {
 TEST(Loading, A_thousand_threads_take_their_objects_along_and_wait_for_nobody) {
     const HMODULE library = LoadLibraryW(CopyAs("ACMESDK").c_str());
     ASSERT_NE(nullptr, library);
-    const HANDLE transaction = CreateMutexW(nullptr, TRUE, (kChannel + TEXT("TransactionMutex")).c_str());
+    const Handle transaction = NamedMutex(kChannel + TEXT("TransactionMutex"), true);
     std::atomic<int> objects = 0;
     for (int round = 0; round < 125; ++round) {
         std::vector<std::thread> threads(8);
@@ -136,8 +123,7 @@ TEST(Loading, A_thousand_threads_take_their_objects_along_and_wait_for_nobody) {
     }
     EXPECT_EQ(1000, objects);
     EXPECT_TRUE(FreeLibrary(library));
-    EXPECT_TRUE(ReleaseMutex(transaction)) << "it was not this one's";
-    CloseHandle(transaction);
+    EXPECT_TRUE(ReleaseMutex(transaction.get())) << "it was not this one's";
 }
 
 }  // namespace

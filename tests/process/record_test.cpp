@@ -8,20 +8,11 @@ namespace {
 
 class Record : public InstalledPrinter {
   protected:
-    std::string Path(const char* name) const { return (home_ / name).string(); }
-    ProgramResult Recorded(const char* name, std::vector<std::string> words,
-                           const std::vector<std::string>& options = {}) {
-        std::vector<std::string> all = {"record", Path(name)};
-        all.insert(all.end(), options.begin(), options.end());
-        all.insert(all.end(), {"--", KESTREL_CLIENT, "-p", "P", "--timeout", "300ms"});
-        all.insert(all.end(), words.begin(), words.end());
-        return RunClient(all);
+    ProgramResult Recorded(const char* name, const Words& words) const {
+        return RunClient({"record", Path(name), "--", KESTREL_CLIENT, "-p", "P", "--timeout", "300ms"},
+                         words);
     }
     tools::ExchangeLog Log(const char* name) const { return tools::LoadExchangeLog(Path(name)); }
-    int EndPrinter() {
-        printer_.Terminate();
-        return printer_.Wait();
-    }
 };
 
 std::string Told(const tools::LoggedExchange& exchange) {
@@ -35,7 +26,7 @@ TEST_F(Record, A_thousand_exchanges_are_replayed_without_a_difference) {
                      {"match":"DeviceSettings.Copy.Quality?","times":3,"garbage":"hex:00 FF 3B"}])");
     for (int i = 0; i < kLists; ++i)
         Recorded("first.jsonl", {"list"});
-    EXPECT_EQ(0, EndPrinter());
+    EndPrinter();
     StartPrinter("[]", {"--replay", Path("first.jsonl"), "--once"});
     for (int i = 0; i < kLists; ++i)
         Recorded("second.jsonl", {"list"});
@@ -43,36 +34,32 @@ TEST_F(Record, A_thousand_exchanges_are_replayed_without_a_difference) {
     const tools::ExchangeLog first = Log("first.jsonl");
     const tools::ExchangeLog second = Log("second.jsonl");
     EXPECT_LE(1000u, first.exchanges.size());
-    ASSERT_EQ(first.exchanges.size(), second.exchanges.size());
-    size_t differences = 0;
-    for (size_t i = 0; i < first.exchanges.size(); ++i)
-        differences += Told(first.exchanges[i]) != Told(second.exchanges[i]) ? 1 : 0;
-    EXPECT_EQ(0u, differences);
+    EXPECT_TRUE(std::ranges::equal(first.exchanges, second.exchanges, {}, Told, Told));
 }
 
 TEST_F(Record, A_client_that_departs_is_told) {
     StartPrinter();
     EXPECT_EQ(0, Recorded("r.jsonl", {"get", "fax.redials"}).code);
-    EXPECT_EQ(0, EndPrinter());
+    EndPrinter();
     StartPrinter("[]", {"--replay", Path("r.jsonl"), "--trace", "json", "--trace-file", Path("trace.jsonl")});
     EXPECT_NE(0, RunClient({"-p", "P", "get", "fax.rings"}).code);
     EXPECT_EQ("3\n", RunClient({"-p", "P", "get", "fax.redials"}).output);
     EXPECT_EQ(1, printer_.Wait());
     printer_ = ChildProcess();
-    EXPECT_NE(std::string::npos,
-              FileText(Path("trace.jsonl")).find("seen \\\"DeviceSettings.Fax.Rings?\\\""));
+    EXPECT_THAT(FileText(Path("trace.jsonl")), HasSubstr("seen \\\"DeviceSettings.Fax.Rings?\\\""));
 }
 
 TEST_F(Record, Secrets_are_left_out_unless_asked_for_and_failures_are_events) {
     StartPrinter(R"([{"match":"DeviceSettings.Fax.Rings?","noReply":true}])");
     EXPECT_EQ(0, Recorded("r.jsonl", {"set", "wireless.pass-phrase", "open sesame"}).code);
     EXPECT_EQ(4, Recorded("r.jsonl", {"get", "fax.rings"}).code) << "the program's own exit code";
-    EXPECT_EQ(0, Recorded("s.jsonl", {"set", "wireless.pass-phrase", "open sesame"}, {"--secrets"}).code);
-    EXPECT_EQ(std::string::npos, FileText(Path("r.jsonl")).find("open sesame"));
-    EXPECT_NE(std::string::npos, FileText(Path("s.jsonl")).find("PassPhrase=open sesame;"));
-    EXPECT_EQ(
-        0u,
-        FileText(Path("r.jsonl")).rfind(R"({"format":"kestrel-record","version":1,"secrets":"left out"})"));
+    EXPECT_EQ(0, RunClient({"record", Path("s.jsonl"), "--secrets", "--", KESTREL_CLIENT, "-p", "P", "set",
+                            "wireless.pass-phrase", "open sesame"})
+                     .code);
+    EXPECT_THAT(FileText(Path("r.jsonl")), Not(HasSubstr("open sesame")));
+    EXPECT_THAT(FileText(Path("s.jsonl")), HasSubstr("PassPhrase=open sesame;"));
+    EXPECT_TRUE(FileText(Path("r.jsonl"))
+                    .starts_with(R"({"format":"kestrel-record","version":1,"secrets":"left out"})"));
     EXPECT_TRUE(Log("s.jsonl").hasSecrets);
     const tools::LoggedExchange last = Log("r.jsonl").exchanges.back();
     EXPECT_EQ(kNoReply, last.error);
@@ -109,17 +96,13 @@ TEST_F(Record, Programs_may_share_a_file_and_its_page_has_all_of_them) {
                                                        KESTREL_CLIENT, "-p", "P", "list", "fax"});
     for (ChildProcess& program : programs)
         EXPECT_EQ(0, program.Wait());
-    EXPECT_EQ(0, EndPrinter());
+    EndPrinter();
     for (const char* const name : {"r.jsonl", "trace.jsonl"}) {
         const size_t lines = Log(name).exchanges.size();
         EXPECT_LT(120u, lines);
         const std::string page = RunClient({"log", Path(name)}).output;
-        EXPECT_NE(std::string::npos, page.find("\"count\":" + std::to_string(lines) + ",")) << name;
-        size_t rows = 0;
-        for (size_t at = page.find("{\"time\":"); at != std::string::npos;
-             at = page.find("{\"time\":", at + 1))
-            ++rows;
-        EXPECT_EQ(lines, rows) << name;
+        EXPECT_THAT(page, HasSubstr("\"count\":" + std::to_string(lines) + ",")) << name;
+        EXPECT_EQ(lines, Count(page, "{\"time\":")) << name;
     }
     EXPECT_EQ(2, RunClient({"log", Path("faults.json")}).code);
 }

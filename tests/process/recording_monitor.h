@@ -15,10 +15,7 @@ struct Guarded {
     uint8_t guard[16];
 
     Guarded() { std::memset(static_cast<void*>(this), 0xA5, sizeof(*this)); }
-    ~Guarded() {
-        for (const uint8_t byte : guard)
-            EXPECT_EQ(0xA5, byte);
-    }
+    ~Guarded() { EXPECT_THAT(guard, testing::Each(0xA5)); }
 };
 
 using Requests = std::vector<std::string>;
@@ -33,7 +30,7 @@ class RecordingMonitor final : public ipc::OPLChannel {
 
     void Answer(const std::string& reply) {
         const std::lock_guard guard(lock_);
-        reply_ = reply;
+        replies_.back().second = reply;
     }
     // Requests that hold `fragment` get this reply, the last fragment told of that fits; others the one
     // above.
@@ -60,15 +57,13 @@ class RecordingMonitor final : public ipc::OPLChannel {
     std::string Recorded(const std::string& request) {
         const std::lock_guard guard(lock_);
         requests_.push_back(request);
-        for (const auto& [fragment, reply] : replies_)
-            if (request.find(fragment) != std::string::npos) return reply;
-        return reply_;
+        const auto fits = [&](const auto& row) { return request.find(row.first) != std::string::npos; };
+        return std::ranges::find_if(replies_, fits)->second;
     }
 
     std::mutex lock_;
     Requests requests_;
-    std::vector<std::pair<std::string, std::string>> replies_;
-    std::string reply_ = "0000,X=1;";
+    std::vector<std::pair<std::string, std::string>> replies_ = {{"", "0000,X=1;"}};
     std::atomic<uint32_t> delay_{0};
 };
 

@@ -1,14 +1,10 @@
 // A library that refused its attach and stays all the same, for it was not LoadLibraryW that loaded it.
 #include <dlfcn.h>
-#include <gtest/gtest.h>
-#include <windows.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <set>
-#include <string>
+
+#include "precompiled.h"
 
 namespace {
 

@@ -133,15 +133,13 @@ TEST_F(Wire, Requests_are_the_literal_texts_of_the_device_language) {
 }
 
 TEST_F(Wire, Replies_are_judged_and_read_as_the_device_language_says) {
-    for (const std::string& line : CasesOf(REPLIES, "Replies")) {
-        const auto [reply, expected] = CaseIn(line);
+    ForEachCase(REPLIES, "Replies", [this](const std::string& reply, const std::string& expected) {
         std::istringstream words(expected);
         uint32_t ends = 0;
         int value = 0;
         uint32_t number = 0;
         std::string kept;
         words >> std::setbase(0) >> ends >> value >> number >> kept;
-        SCOPED_TRACE(reply);
         monitor_.Answer(reply);
         uint8_t found = 0x55;
         EXPECT_EQ(ends, Ended(GetFaxRedials(&found, kLong)));
@@ -151,7 +149,7 @@ TEST_F(Wire, Replies_are_judged_and_read_as_the_device_language_says) {
         GetLastBadResponse(bad, 64);
         EXPECT_EQ(ends == kDone ? 0 : ends, GetLastError()) << "diagnostics must not change it";
         EXPECT_EQ(Widened(kept == "kept" ? reply : ""), bad);
-    }
+    });
 }
 
 TEST_F(Wire, Values_of_every_type_are_cut_to_it_and_cleared_on_failure_but_for_words) {

@@ -6,11 +6,11 @@
 
 #include "installed_status_monitor.h"
 #include "ipc/remote_control_channel.h"
+#include "named_objects.h"
 
 namespace {
 
 const WCHAR* const kRemoteName = TEXT("ZRIJ9900StatMonClass-01042005RemoteControlChannel");
-const WCHAR* const kRunningName = TEXT("ZRIJ9900StatMonClass-01042005");
 constexpr int kKilled = 128 + 9;
 constexpr uint32_t kPing = 0x50696E67;
 constexpr uint32_t kShoA = 0x53686F41;
@@ -28,12 +28,7 @@ class StatusMonitor : public InstalledStatusMonitor {
             return std::nullopt;
         return value;
     }
-    static bool IsRunning() {
-        const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, kRunningName);
-        const bool running = WaitForSingleObject(event, 0) == WAIT_OBJECT_0;
-        CloseHandle(event);
-        return running;
-    }
+    static bool IsRunning() { return IsSignaled(NamedEvent(TEXT("ZRIJ9900StatMonClass-01042005"))); }
 
     ipc::RemoteControlChannel channel_;
 };
@@ -53,7 +48,7 @@ TEST_F(StatusMonitor, Answers_the_seven_requests_and_tells_each_in_a_line) {
     for (const auto& [code, text, answer, line] : rows) {
         SCOPED_TRACE(line);
         EXPECT_EQ(answer, Ask(code, text));
-        EXPECT_NE(std::string::npos, monitor_.ReadLine().value_or("").find(line));
+        EXPECT_THAT(monitor_.ReadLine().value_or(""), HasSubstr(line));
     }
     // Its length says more than is sent.
     const uint32_t lying[] = {kShoW, 0xFFFFFFFF, 'P'};

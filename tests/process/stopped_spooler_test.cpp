@@ -23,7 +23,7 @@ class StoppedSpooler : public InstalledStatusMonitor {
     }
 };
 
-TEST_F(StoppedSpooler, Starts_no_status_monitor_and_says_why) {
+TEST_F(StoppedSpooler, Starts_no_status_monitor_selects_no_printer_and_says_why) {
     Configure();
     RecordingMonitor language;
     WithPrinter([] {
@@ -35,19 +35,12 @@ TEST_F(StoppedSpooler, Starts_no_status_monitor_and_says_why) {
             kestrel_char port[64] = {};
             EXPECT_EQ(error, Ended(AddNetPort(TEXT("host"), 9100, port)));
             EXPECT_EQ(1460u, Ended(ShowStatusMonitor())) << "the ping decides";
+            EXPECT_EQ(error, Ended(SelectPrinter(kPrinter)));
             Stop(0);
+            EXPECT_EQ(kDone, Ended(SelectPrinter(kPrinter)));
         }
     });
     EXPECT_EQ(3, StopMonitor());
-}
-
-TEST_F(StoppedSpooler, Selects_no_printer_until_it_runs_again) {
-    WithPrinter([] {
-        Stop(1);
-        EXPECT_EQ(1722u, Ended(SelectPrinter(kPrinter)));
-        Stop(0);
-        EXPECT_EQ(kDone, Ended(SelectPrinter(kPrinter)));
-    });
 }
 
 TEST_F(StoppedSpooler, That_runs_has_a_selection_wake_the_language_monitor_and_forget_its_last_answer) {

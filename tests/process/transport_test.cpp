@@ -1,12 +1,9 @@
 // What a channel is made of, each by itself: events, the mutex with its levels, the section.
-#include <gtest/gtest.h>
-#include <windows.h>
-
 #include <array>
-#include <thread>
 
 #include "kwt/printer_handle.h"
 #include "kwt/shared_memory.h"
+#include "precompiled.h"
 
 namespace {
 

@@ -1,20 +1,16 @@
 // What must hold for long: dead owners, many clients, hostile neighbours, stopped partners, and nothing left
 // over.
-#include <windows.h>
-
 #include <array>
-#include <atomic>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <iterator>
 #include <memory>
-#include <thread>
 
+#include "contract/handle_support.h"
 #include "effort.h"
 #include "forked.h"
 #include "ipc/opl_channel.h"
+#include "widened.h"
 #include "working_client.h"
 
 namespace {
@@ -27,9 +23,8 @@ ChildProcess StartServer(const std::string& name) {
     return server;
 }
 
-void* Shared(const WCHAR* name, DWORD size) {
-    const HANDLE section = CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, size, name);
-    return MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 0, 0);
+void* Shared(DWORD size, const WideText& name = {}) {
+    return MapViewOfFile(Section(size, name).Get(), FILE_MAP_ALL_ACCESS, 0, 0, 0);
 }
 
 bool Exchanged(ipc::OPLChannel& channel, uint32_t timeoutMs) {
@@ -78,23 +73,24 @@ int Contend(HANDLE mutex, Owners& owners, std::mt19937 random, int wanted) {
 }
 
 TEST(DeadOwners, Every_death_with_a_mutex_is_told_once_and_nobody_loses_a_turn) {
-    auto& owners = *static_cast<Owners*>(Shared(nullptr, sizeof(Owners)));
-    const HANDLE mutex = CreateMutexW(nullptr, FALSE, TEXT("Global\\Contended"));
+    auto& owners = *static_cast<Owners*>(Shared(sizeof(Owners)));
+    const Handle mutex = Mutex(TEXT("Global\\Contended"));
     const int wanted = effort.Of(10'000, 100);
     std::mt19937 random = effort.Random();
     std::array<Forked, 8> contenders;
     while (owners.kills < wanted) {
         for (Forked& contender : contenders)
             if (!contender.IsRunning())
-                contender = Forked(
-                    [&, seed = random()] { return Contend(mutex, owners, std::mt19937(seed), wanted); });
+                contender = Forked([&, seed = random()] {
+                    return Contend(mutex.Get(), owners, std::mt19937(seed), wanted);
+                });
         std::this_thread::sleep_for(milliseconds(1));
     }
     owners.isOver = true;
     for (Forked& contender : contenders)
         contender.Wait();
     // The last death may have found no other waiter.
-    const DWORD last = WaitForSingleObject(mutex, 1000);
+    const DWORD last = WaitForSingleObject(mutex.Get(), 1000);
     std::cout << owners.kills << " owners killed, " << owners.takes << " takes, next owner after "
               << owners.longestHeir / 1'000'000 << " ms at most, " << owners.late
               << " after more than 100 ms\n";
@@ -103,31 +99,29 @@ TEST(DeadOwners, Every_death_with_a_mutex_is_told_once_and_nobody_loses_a_turn) 
     if (effort.isLong) {
         EXPECT_LE(owners.late, 1 + wanted / 100);
     }
-    ReleaseMutex(mutex);
-    CloseHandle(mutex);
+    ReleaseMutex(mutex.Get());
 }
 
 TEST(DeadOwners, A_mutex_whose_contenders_were_all_killed_is_to_be_had_at_once) {
-    auto& owners = *static_cast<Owners*>(Shared(nullptr, sizeof(Owners)));
-    const HANDLE mutex = CreateMutexW(nullptr, FALSE, TEXT("Global\\Deserted"));
+    auto& owners = *static_cast<Owners*>(Shared(sizeof(Owners)));
+    const Handle mutex = Mutex(TEXT("Global\\Deserted"));
     std::mt19937 random = effort.Random();
     for (int i = 0; i < effort.Of(2000, 40); ++i) {
         std::array<Forked, 4> contenders;
         for (Forked& contender : contenders)
-            contender = Forked([&] { return Contend(mutex, owners, std::mt19937(), 0); });
+            contender = Forked([&] { return Contend(mutex.Get(), owners, std::mt19937(), 0); });
         std::this_thread::sleep_for(std::chrono::microseconds(10'000 + random() % 10'000));
         for (Forked& contender : contenders)
             contender.Kill();
         for (Forked& contender : contenders)
             EXPECT_EQ(128 + 9, contender.Wait());
         // A place may have been kept for one of them a moment ago.
-        if (WaitForSingleObject(mutex, 0) == WAIT_TIMEOUT) {
+        if (WaitForSingleObject(mutex.Get(), 0) == WAIT_TIMEOUT) {
             Sleep(30);
-            ASSERT_NE(WAIT_TIMEOUT, WaitForSingleObject(mutex, 0)) << i;
+            ASSERT_NE(WAIT_TIMEOUT, WaitForSingleObject(mutex.Get(), 0)) << i;
         }
-        ReleaseMutex(mutex);
+        ReleaseMutex(mutex.Get());
     }
-    CloseHandle(mutex);
 }
 
 // Owners keep a mutex for a turn of 5 ms, and there are 256 of them: each waits for more than a second.
@@ -192,15 +186,14 @@ TEST(Leaks, Exchanges_openings_threads_and_printers_leave_nothing) {
         std::vector<std::unique_ptr<ipc::OPLChannel>> desk(kPrinters);
         for (size_t i = 0; i < desk.size(); ++i) {
             desk[i] = std::make_unique<ipc::OPLChannel>();
-            const std::string name = "Leak" + std::to_string(i);
-            ASSERT_TRUE(desk[i]->Open(ipc::ChannelRole::Client, WideText(name.begin(), name.end()).c_str()));
+            const WideText name = Widened("Leak" + std::to_string(i));
+            ASSERT_TRUE(desk[i]->Open(ipc::ChannelRole::Client, name.c_str()));
         }
         for (int i = 0; i < threads; ++i)
             std::thread([] {
-                const HANDLE mutex = CreateMutexW(nullptr, FALSE, TEXT("Global\\LeakMutex"));
-                WaitForSingleObject(mutex, 0);
-                ReleaseMutex(mutex);
-                CloseHandle(mutex);
+                const Handle mutex = Mutex(TEXT("Global\\LeakMutex"));
+                WaitForSingleObject(mutex.Get(), 0);
+                ReleaseMutex(mutex.Get());
             }).join();
     };
     for (int warmUp = 0; warmUp < 2; ++warmUp)
@@ -221,8 +214,8 @@ TEST(Leaks, Exchanges_openings_threads_and_printers_leave_nothing) {
 [[noreturn]] int Scribble(const WideText& channel, std::mt19937 random) {
     constexpr DWORD kSize = 65791 + 12;
     constexpr DWORD kLongestRestMs = 50;
-    uint8_t* const sections[] = {static_cast<uint8_t*>(Shared((channel + TEXT("Cmd")).c_str(), kSize)),
-                                 static_cast<uint8_t*>(Shared((channel + TEXT("Resp")).c_str(), kSize))};
+    uint8_t* const sections[] = {static_cast<uint8_t*>(Shared(kSize, channel + TEXT("Cmd"))),
+                                 static_cast<uint8_t*>(Shared(kSize, channel + TEXT("Resp")))};
     const WCHAR* const suffixes[] = {TEXT("CmdNotifyEvent"), TEXT("CmdCancelEvent"), TEXT("RespNotifyEvent"),
                                      TEXT("RespCancelEvent")};
     for (;;) {
@@ -230,12 +223,7 @@ TEST(Leaks, Exchanges_openings_threads_and_printers_leave_nothing) {
         // Mostly the header, where a wrong byte is worth most.
         const uint32_t bits = random();
         std::memcpy(section + (random() % 4 != 0 ? random() % 12 : random() % (kSize - 4)), &bits, 4);
-        if (random() % 4 == 0) {
-            const HANDLE event =
-                CreateEventW(nullptr, FALSE, FALSE, (channel + suffixes[random() % 4]).c_str());
-            SetEvent(event);
-            CloseHandle(event);
-        }
+        if (random() % 4 == 0) SetEvent(AutoEvent(channel + suffixes[random() % 4]).Get());
         // Whoever is never left in peace fails at its first step, and the others are not tried.
         if (random() % 64 == 0) Sleep(1 + random() % kLongestRestMs);
     }
@@ -266,10 +254,7 @@ TEST(HostilePeer, Whatever_it_scribbles_nobody_crashes_or_hangs_and_afterwards_a
         worker.Close();
     }
     EXPECT_TRUE(server.IsRunning());
-    WorkingClient fresh("Hostile", 1, 1000, 50);
-    fresh.Begin();
-    EXPECT_GT(fresh.Counts().good, 0);
-    fresh.Close();
+    EXPECT_GT(WorkingClient::Served("Hostile", 1000, 50).good, 0);
 }
 
 TEST(Time, A_stopped_partner_costs_the_time_out_and_no_more) {

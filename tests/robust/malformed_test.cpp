@@ -3,6 +3,7 @@
 #include <cstring>
 #include <mutex>
 
+#include "contract/handle_support.h"
 #include "effort.h"
 #include "export_call.h"
 #include "installed_printer.h"
@@ -22,7 +23,7 @@ class Counterpart final : public ipc::OPLChannel {
     void OnMessage(const void* data, size_t length) override {
         const std::lock_guard guard(lock_);
         const std::string request(static_cast<const char*>(data), length);
-        std::string reply = wrongFor_ == request ? wrong_ : std::string(responder_.Answer(request, 1));
+        const std::string reply = wrongFor_ == request ? wrong_ : std::string(responder_.Answer(request, 1));
         if (wrongFor_.empty()) seen_.emplace_back(request, reply);
         Send(reply.data(), static_cast<uint32_t>(reply.size()), kTimeoutMs);
     }
@@ -114,13 +115,9 @@ bool IsRight(const catalogue::Row& row, const Guarded& out, const std::string& r
 class MalformedReplies : public InstalledPrinter {
   protected:
     MalformedReplies()
-        : running_(CreateEventW(nullptr, TRUE, TRUE, TEXT("ZRIJ9900StatMonClass-01042005"))),
-          // No status monitor that could be asked, so nobody waits for one.
-          squatter_(CreateEventW(nullptr, TRUE, FALSE,
-                                 TEXT("Global\\ZRIJ9900StatMonClass-01042005RemoteControlChannelCmd"))) {}
-    ~MalformedReplies() override {
-        CloseHandle(running_);
-        CloseHandle(squatter_);
+        : running_(ManualEvent(TEXT("ZRIJ9900StatMonClass-01042005"))),
+          squatter_(ManualEvent(TEXT("Global\\ZRIJ9900StatMonClass-01042005RemoteControlChannelCmd"))) {
+        SetEvent(running_.Get());
     }
 
     void Try(const QueryExport& query, const std::string& request, const std::string& reply, bool isShort) {
@@ -155,7 +152,7 @@ class MalformedReplies : public InstalledPrinter {
     void TryAll(const QueryExport& query, const std::string& request, const std::string& reply, size_t most) {
         const size_t all = reply.size() * 256;
         std::mt19937 random = effort.Random();
-        for (size_t i = 0; i < std::min(all, most); ++i) {
+        for (size_t i = 0; i < std::min(all, most) && !HasFatalFailure(); ++i) {
             const size_t chosen = most < all ? random() % all : i;
             std::string wrong = reply;
             const size_t place = chosen / 256;
@@ -164,7 +161,6 @@ class MalformedReplies : public InstalledPrinter {
             const bool isShort = byte == reply[place];
             isShort ? wrong.resize(place) : static_cast<void>(wrong[place] = byte);
             Try(query, request, wrong, isShort);
-            if (HasFatalFailure()) return;
         }
     }
 
@@ -178,15 +174,13 @@ class MalformedReplies : public InstalledPrinter {
         }
         constexpr size_t kLongMost = 100'000;
         const auto most = static_cast<size_t>(effort.Of(kLongMost, 200)) / seen.size() + 1;
-        for (const auto& [request, reply] : seen) {
-            if (request.starts_with("ZRTimeoutParam")) continue;
-            TryAll(query, request, reply, most);
-            if (HasFatalFailure()) return;
-        }
+        for (const auto& [request, reply] : seen)
+            if (!request.starts_with("ZRTimeoutParam") && !HasFatalFailure())
+                TryAll(query, request, reply, most);
     }
 
-    HANDLE running_;
-    HANDLE squatter_;
+    Handle running_;
+    Handle squatter_;  // no status monitor that could be asked, so nobody waits for one
     Counterpart server_;
     std::unique_ptr<Guarded> out_;
     long tried_ = 0;
@@ -199,10 +193,8 @@ TEST_F(MalformedReplies,
     ASSERT_TRUE(server_.StartServerThread());
     const std::vector<QueryExport> queries = QueryExports();
     WithPrinter([&] {
-        for (const QueryExport& query : queries) {
-            TryExport(query);
-            if (HasFatalFailure()) return;
-        }
+        for (const QueryExport& query : queries)
+            if (!HasFatalFailure()) TryExport(query);
     });
     std::printf("%zu functions, %ld malformed replies\n", queries.size(), tried_);
 }

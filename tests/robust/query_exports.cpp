@@ -9,7 +9,7 @@ QueryExport GetterOf(const catalogue::Row& row) {
         return CallExport(row, row.getter, out, timeoutMs) != 0;
     };
     const bool clears = row.readType != catalogue::Type::Enum && row.readType != catalogue::Type::Text;
-    return {row.getter, OutBytes(row), call, &row, clears};
+    return {row.getter, OutBytes(row), call, clears, &row};
 }
 
 template <typename Value>
@@ -23,14 +23,7 @@ bool Asks(uint8_t* out, uint32_t timeoutMs) {
 }
 
 // The functions that are no row of the catalogue.
-struct Other {
-    const char* name;
-    size_t outBytes;
-    bool (*call)(uint8_t* out, uint32_t timeoutMs);
-    bool clears = false;
-};
-
-const Other kOthers[] = {
+const QueryExport kOthers[] = {
     {"GetNumAccessPoints", 4, Asks<GetNumAccessPoints, uint32_t>, true},
     {"GetNumOfPingExecuted", 4, Asks<GetNumOfPingExecuted, uint32_t>, true},
     {"GetNumOfPingSuccess", 4, Asks<GetNumOfPingSuccess, uint32_t>, true},
@@ -80,7 +73,6 @@ std::vector<QueryExport> QueryExports() {
     std::vector<QueryExport> all;
     for (const catalogue::Row& row : catalogue::Rows())
         if (row.CanRead() && row.id) all.push_back(GetterOf(row));
-    for (const Other& other : kOthers)
-        all.push_back({other.name, other.outBytes, other.call, nullptr, other.clears});
+    all.insert(all.end(), std::begin(kOthers), std::end(kOthers));
     return all;
 }

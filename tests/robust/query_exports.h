@@ -13,8 +13,8 @@ struct QueryExport {
     std::string name;
     size_t outBytes = 0;
     std::function<bool(uint8_t* out, uint32_t timeoutMs)> call;
-    const catalogue::Row* setting = nullptr;  // of a setting's getter
     bool clears = false;                      // a failure leaves nothing but zeros
+    const catalogue::Row* setting = nullptr;  // of a setting's getter
 };
 
 [[nodiscard]] std::vector<QueryExport> QueryExports();

@@ -34,8 +34,7 @@ class Steps : public testing::Test {
 
     // The places that a process of this role comes by.
     void Survey(const std::string& role) {
-        ChildProcess process = Start({role, kName});
-        std::istringstream lines(process.ReadAll());
+        std::istringstream lines(Start({role, kName}).ReadAll());
         for (std::string line; std::getline(lines, line);) {
             std::istringstream words(line);
             Place place{role, {}, 0};
@@ -60,13 +59,10 @@ class Steps : public testing::Test {
 
     void ExpectFreshClientServed(const Place& place) {
         const auto start = std::chrono::steady_clock::now();
-        WorkingClient fresh(kName, 1, 1000, 50);
-        fresh.Begin();
-        const ExchangeCounts counts = fresh.Counts();
+        const ExchangeCounts counts = WorkingClient::Served(kName, 1000, 50);
         const auto took = std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - start);
         EXPECT_TRUE(counts.good > 0 && counts.late + counts.wrong == 0 && took.count() <= kHardLimitMs)
             << place.role << ", " << place.name << ": " << counts << ", " << took.count() << " ms";
-        fresh.Close();
         slow_ += took.count() > 1000 ? 1 : 0;
         atOnce_ += counts.Failures() == 0 ? 1 : 0;
         longest_ = std::max<long>(longest_, took.count());

@@ -2,11 +2,7 @@
 
 #include <thread>
 
-namespace {
-
-using Clock = std::chrono::steady_clock;
-
-}  // namespace
+using std::chrono::steady_clock;
 
 ChildProcess::ChildProcess(std::vector<std::string> commandLine, const Environment& extra) {
     for (const auto& [name, value] : extra)
@@ -37,14 +33,15 @@ bool ChildProcess::IsRunning() {
 }
 
 std::optional<std::string> ChildProcess::ReadLine(std::chrono::milliseconds patience) {
-    const Clock::time_point deadline = Clock::now() + patience;
+    const steady_clock::time_point deadline = steady_clock::now() + patience;
     for (;;) {
         if (const size_t end = pending_.find('\n'); end != std::string::npos) {
             std::string line = pending_.substr(0, end);
             pending_.erase(0, end + 1);
             return line;
         }
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - steady_clock::now());
         if (left.count() <= 0 || !Read(left)) return std::nullopt;
     }
 }
@@ -56,10 +53,10 @@ std::string ChildProcess::ReadAll() {
 }
 
 int ChildProcess::Wait(std::chrono::milliseconds patience) {
-    const Clock::time_point deadline = Clock::now() + patience;
+    const steady_clock::time_point deadline = steady_clock::now() + patience;
     bool isLate = false;
     while (IsRunning()) {
-        isLate = isLate || Clock::now() >= deadline;
+        isLate = isLate || steady_clock::now() >= deadline;
         if (isLate) Act(Action::Kill);
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }

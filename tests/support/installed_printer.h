@@ -1,21 +1,19 @@
 // A product that is installed, one printer on port USB001, and its counterpart in a process of its own.
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <kestrel/sdk.h>
-#include <windows.h>
 
-#include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <functional>
 #include <sstream>
-#include <thread>
 
 #include "child_process.h"
+#include "precompiled.h"
 #include "shared/json.h"
 #include "widened.h"
+
+using testing::HasSubstr;
+using testing::Not;
 
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
@@ -34,9 +32,12 @@ inline uint32_t Ended(kestrel_bool done) {
     return done != 0 ? kDone : GetLastError();
 }
 
+using Words = std::vector<std::string>;
+
 // Runs the command-line client to its end.
-inline ProgramResult RunClient(std::vector<std::string> words) {
+inline ProgramResult RunClient(Words words, const Words& more = {}) {
     words.insert(words.begin(), KESTREL_CLIENT);
+    words.insert(words.end(), more.begin(), more.end());
     return RunProgram(words);
 }
 
@@ -51,6 +52,13 @@ inline std::string FileText(const std::filesystem::path& path) {
     return text.str();
 }
 
+inline size_t Count(const std::string& text, const std::string& part) {
+    size_t count = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
+        ++count;
+    return count;
+}
+
 // A thread has an SDK object of its own; what a test does on a fresh one is not disturbed by another's.
 inline void OnFreshThread(const std::function<void()>& body) {
     std::thread(body).join();
@@ -63,19 +71,13 @@ class InstalledPrinter : public testing::Test {
         AddPrinter("P", "USB001");
     }
     ~InstalledPrinter() override {
-        printer_.Terminate();
-        if (printer_.WasStarted()) {
-            EXPECT_EQ(0, printer_.Wait()) << "the virtual printer did not end cleanly";
-        }
+        if (printer_.WasStarted()) EndPrinter();
         for (const std::string& name : added_)
             EXPECT_EQ(0, RunClient({"printers", "remove", name}).code);
     }
 
-    void AddPrinter(const std::string& name, const std::string& port,
-                    const std::vector<std::string>& extra = {}) {
-        std::vector<std::string> words = {"printers", "add", name, "--port", port};
-        words.insert(words.end(), extra.begin(), extra.end());
-        EXPECT_EQ(0, RunClient(words).code);
+    void AddPrinter(const std::string& name, const std::string& port, const Words& extra = {}) {
+        EXPECT_EQ(0, RunClient({"printers", "add", name, "--port", port}, extra).code);
         added_.push_back(name);
     }
 
@@ -88,24 +90,32 @@ class InstalledPrinter : public testing::Test {
     }
 
     // `faults`: the rules of a fault script; none starts a printer that does everything right.
-    void StartPrinter(const std::string& faults = "[]", const std::vector<std::string>& extra = {}) {
-        const std::string file = (home_ / "faults.json").string();
-        std::ofstream(file) << faults;
+    void StartPrinter(const std::string& faults = "[]", const Words& extra = {}) {
+        const std::string file = Write("faults.json", faults);
         // The virtual printer, or one of another word size that the environment names.
         const char* const other = std::getenv("KESTREL_COUNTERPART");
-        std::vector<std::string> words = {other != nullptr ? other : KESTREL_VPRINTER, "--port", "USB001",
-                                          "--faults", file};
+        Words words = {other != nullptr ? other : KESTREL_VPRINTER, "--port", "USB001", "--faults", file};
         if (std::ranges::find(extra, "--trace") == extra.end())
             words.insert(words.end(), {"--trace", "none"});
         words.insert(words.end(), extra.begin(), extra.end());
         printer_ = ChildProcess();  // a port has one printer at a time
         printer_ = ChildProcess(words);
         const std::string ready = printer_.ReadLine().value_or("");
-        ASSERT_EQ(0u, ready.find("ready: USB001")) << ready;
+        ASSERT_TRUE(ready.starts_with("ready: USB001")) << ready;
+    }
+    void EndPrinter() {
+        printer_.Terminate();
+        EXPECT_EQ(0, printer_.Wait()) << "the virtual printer did not end cleanly";
+    }
+    // Files in the folder of the test.
+    [[nodiscard]] std::string Path(const std::string& name) const { return (home_ / name).string(); }
+    std::string Write(const std::string& name, const std::string& text) const {
+        std::ofstream(home_ / name, std::ios::binary) << text;
+        return Path(name);
     }
 
     std::filesystem::path home_;
     tools::Json setup_;  // what the installation says of itself
-    std::vector<std::string> added_;
+    Words added_;
     ChildProcess printer_;
 };

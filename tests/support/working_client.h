@@ -30,6 +30,14 @@ class WorkingClient final {
         process_.WriteLine("close");
         EXPECT_EQ(0, process_.Wait());
     }
+    // What a single one does until it is served.
+    static ExchangeCounts Served(const std::string& channel, int timeoutMs, int pauseMs) {
+        WorkingClient client(channel, 1, timeoutMs, pauseMs);
+        client.Begin();
+        const ExchangeCounts counts = client.Counts();
+        client.Close();
+        return counts;
+    }
     ChildProcess& Process() { return process_; }
 
   private:
