@@ -1,6 +1,8 @@
 // Cases that are told in a text: "## Title" begins a section, "#" a comment, any other line is a case.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <fstream>
 #include <string>
@@ -33,4 +35,14 @@ inline std::vector<std::string> CasesOf(const char* path, const std::string& tit
 inline std::pair<std::string, std::string> CaseIn(const std::string& line) {
     const size_t arrow = line.find(" ->");
     return {line.substr(0, arrow), line.substr(std::min(line.size(), arrow + 4))};
+}
+
+// Calls `check(given, expected)` with each case of a section.
+template <typename Check>
+void ForEachCase(const char* path, const std::string& title, Check check) {
+    for (const std::string& line : CasesOf(path, title)) {
+        SCOPED_TRACE(line);
+        const auto [given, expected] = CaseIn(line);
+        check(given, expected);
+    }
 }

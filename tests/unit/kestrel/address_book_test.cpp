@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "cli_refusal.h"
+#include "refusal.h"
 #include "kestrel/printer/address_book.h"
 #include "kestrel/printer/device_status.h"
 #include "kestrel/text/csv.h"

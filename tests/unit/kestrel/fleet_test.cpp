@@ -5,7 +5,7 @@
 #include <atomic>
 #include <sstream>
 
-#include "cli_refusal.h"
+#include "refusal.h"
 #include "kestrel/fleet/choice.h"
 #include "kestrel/fleet/differences.h"
 #include "kestrel/fleet/each_printer.h"

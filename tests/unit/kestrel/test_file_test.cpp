@@ -6,7 +6,7 @@
 #include <fstream>
 #include <utility>
 
-#include "cli_refusal.h"
+#include "refusal.h"
 #include "kestrel/testing/pattern.h"
 
 namespace cli {

@@ -1,7 +1,7 @@
 // What a person writes for a value, and what is refused before it is sent.
 #include <gtest/gtest.h>
 
-#include "cli_refusal.h"
+#include "refusal.h"
 #include "kestrel/settings/settings.h"
 #include "kestrel/settings/values.h"
 #include "kestrel/text/text.h"
