@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "refusal.h"
 #include "kestrel/printer/address_book.h"
 #include "kestrel/printer/device_status.h"
 #include "kestrel/text/csv.h"
+#include "refusal.h"
 
 namespace {
 
@@ -67,10 +67,10 @@ TEST(KestrelAddressBook, Refuses_a_file_that_the_printer_cannot_hold) {
         {"0,fax,\"a\nb\",1\n", "cannot take"},
     };
     for (const auto& [text, reason] : cases) {
-        const auto failure = FailureOf([&] { return cli::RecordsFromCsv(text, list); });
+        const auto failure = FailureOf([&text = text, &list] { return cli::RecordsFromCsv(text, list); });
         ASSERT_TRUE(failure) << text;
         EXPECT_EQ(cli::ExitCode::ValueRefused, failure->exit);
-        EXPECT_NE(std::string::npos, failure->text.find(reason)) << failure->text;
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, reason, failure->text);
     }
 }
 

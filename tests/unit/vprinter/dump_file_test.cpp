@@ -20,7 +20,7 @@ std::string DumpOf(const std::string& parts) {
 void ExpectComplaintAbout(const std::string& text, const std::string& part) {
     ExpectComplaint(part, [&] {
         DeviceModel model;
-        static_cast<void>(DumpFile::Parse(text, "d.json").Adopt(model));
+        return DumpFile::Parse(text, "d.json").Adopt(model);
     });
 }
 
