@@ -2,8 +2,9 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
+#include <algorithm>
 #include <iterator>
+#include <mutex>
 #include <sstream>
 
 #include "kestrel/fleet/choice.h"
@@ -90,18 +91,21 @@ TEST(FleetThreads, Work_for_so_many_printers_at_a_time_and_report_in_their_order
     std::vector<std::string> printers;
     for (int i = 0; i < 40; ++i)
         printers.push_back(std::to_string(i));
-    std::atomic<int> working = 0;
-    std::atomic<int> most = 0;
+    std::mutex lock;
+    int working = 0;
+    int most = 0;
     size_t steps = 0;
     cli::EachPrinter each;
     const auto reports = each.Do(
         printers, 4,
         [&](const std::string& printer) {
-            const int now = ++working;
-            for (int seen = most; now > seen && !most.compare_exchange_weak(seen, now);) {
-            }
+            const auto change = [&](int by) {
+                const std::lock_guard guard(lock);
+                most = std::max(most, working += by);
+            };
+            change(1);
             std::this_thread::sleep_for(std::chrono::milliseconds(printer == "0" ? 50 : 2));
-            --working;
+            change(-1);
             return cli::Report{printer, {}, {}};
         },
         [&steps](size_t done, const std::string&) { EXPECT_EQ(++steps, done); });

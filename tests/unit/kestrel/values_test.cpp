@@ -27,17 +27,7 @@ TEST(KestrelValues, Are_accepted_in_every_spelling_and_printed_in_one_or_refused
             EXPECT_EQ(cli::ParseValue(row, expected), value);
         }
     });
-}
-
-TEST(KestrelValues, Are_numbers_and_booleans_in_json_and_words_where_the_table_has_one) {
-    const auto json = [](const char* name, const char* written) {
-        const catalogue::Row& row = cli::FindSetting(name);
-        return cli::JsonValue(row, cli::ParseValue(row, written)).Dump();
-    };
-    EXPECT_EQ(json("fax.backup", "on"), "true");
-    EXPECT_EQ(json("copy.brightness", "-2"), "-2");
-    EXPECT_EQ(json("fax.mode", "0"), "\"Photo_Color\"");
-    EXPECT_EQ(cli::FormatValue(cli::FindSetting("fax.mode"), {99, {}}), "99");
+    EXPECT_EQ(cli::FormatValue(cli::FindSetting("fax.mode"), {99, {}}), "99") << "a number without a word";
 }
 
 TEST(KestrelSettings, Are_found_by_name_and_by_key_without_case) {
@@ -61,12 +51,6 @@ TEST(KestrelSettings, Match_by_part_and_by_pattern) {
     EXPECT_EQ(cli::MatchingSettings("wireless.security-key?").size(), 4u);
     EXPECT_EQ(cli::MatchingSettings("*.quality").size(), 2u);
     EXPECT_TRUE(cli::MatchingSettings("dials*").empty());
-}
-
-TEST(KestrelSettings, Know_which_of_them_are_secret) {
-    EXPECT_EQ(std::ranges::count_if(catalogue::Rows(), &catalogue::Row::IsSecret), 5);
-    EXPECT_TRUE(cli::FindSetting("wireless.pass-phrase").IsSecret());
-    EXPECT_FALSE(cli::FindSetting("wireless.security-type").IsSecret());
 }
 
 }  // namespace
