@@ -19,11 +19,6 @@ NO_CODES = {"none", "any", "unchanged"}
 NEVER_LEFT = {"ERROR_SUCCESS", "RPC_S_OK", "3012"}
 
 
-def error_table():
-    """Codes by name, and the groups of codes."""
-    return {error.name: error.code for error in interface.errors()}, interface.error_groups()
-
-
 def expanded(errors, codes, groups):
     for error in errors:
         if error in groups:
@@ -99,7 +94,7 @@ def value_for(parameter):
 
 def main():
     functions = interface.functions()
-    table = error_table()
+    table = {error.name: error.code for error in interface.errors()}, interface.error_groups()
     faults = []
     if sys.argv[1] == "exports":
         for function in functions.values():

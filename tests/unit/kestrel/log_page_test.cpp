@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <utility>
-
+#include "sections.h"
 #include "shared/json.h"
 
 namespace cli {
@@ -51,21 +49,11 @@ TEST(LogPage, Errors_come_in_words_and_the_counts_are_those_of_the_file) {
 }
 
 TEST(LogPage, Requests_are_told_in_words) {
-    const std::pair<std::string_view, std::string_view> cases[] = {
-        {"DeviceSettings.Fax.Redials?", "get fax.redials"},
-        {"DeviceSettings.Fax.Redials=5;DeviceSettings.Fax.Rings?", "set fax.redials to 5, get fax.rings"},
-        {R"(DeviceSettings.System.Name=a\;b\\;)", R"(set device.name to a\;b\\)"},
-        {R"(DeviceNetwork.WiFiSettings.TCP_Configuration.Static.IP_Address#4=\x01\x02\x03\?;)",
-         R"(set ip.static.address to \x01\x02\x03\?)"},
-        {"ZRGetStatus?", "get the status"},
-        {"Maintenance=001?", "Maintenance=001"},
-        {"Unknown.Key?", "get Unknown.Key"},
-        {"cut", "cut"},
-        {"#", "set  to "},
-        {"\\", "\\"},
-    };
-    for (const auto& [request, words] : cases)
-        EXPECT_EQ(words, RequestWords(request)) << request;
+    ForEachCase(UNIT_TESTS "/kestrel/log_words.txt", "Words",
+                [](const std::string& request, const std::string& words) {
+                    EXPECT_EQ(words, RequestWords(request));
+                });
+    EXPECT_EQ("set  to ", RequestWords("#"));
 }
 
 }  // namespace

@@ -3,10 +3,10 @@
 
 #include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "kestrel/metrics/printer_metrics.h"
+#include "sections.h"
 
 namespace cli::metrics {
 namespace {
@@ -39,6 +39,11 @@ void ExpectLine(const std::string& text, const std::string& line) {
     EXPECT_PRED_FORMAT2(testing::IsSubstring, "\n" + line + "\n", text);
 }
 
+void ExpectLines(const std::string& text, const std::string& title) {
+    for (const std::string& line : CasesOf(UNIT_TESTS "/kestrel/metrics.txt", title))
+        ExpectLine(text, line);
+}
+
 TEST(Metrics, Names_of_people_stay_inside_of_their_quotes) {
     EXPECT_EQ(LabelText("printer", "a\"b\\c\nd \xC3\xBC"), "printer=\"a\\\"b\\\\c\\nd \xC3\xBC\"");
     const std::string text = MetricsText(Format::Prometheus, {Answering("x\"} 1\nevil{a=\"")}, {}, {}, kNow);
@@ -48,24 +53,7 @@ TEST(Metrics, Names_of_people_stay_inside_of_their_quotes) {
 TEST(Metrics, A_printer_that_answers_tells_its_state_inks_trays_and_firmware) {
     const std::string text =
         MetricsText(Format::Prometheus, {Answering("A")}, {"1.0.0", 5, "/lib"}, {}, kNow);
-    const std::string labels = R"({printer="A",port="USB001",model="Workgroup")";
-    for (const auto& [name, rest] : {
-             std::pair("kestrel_up", "} 1"),
-             {"kestrel_age_seconds", "} 3"},
-             {"kestrel_state", R"(,state="paper-jam"} 1)"},
-             {"kestrel_state", R"(,state="ready"} 0)"},
-             {"kestrel_usb_connected", "} 1"},
-             {"kestrel_response_seconds", R"(,question="firmware"} 0.5)"},
-             {"kestrel_firmware_info", R"(,firmware="9900.2209"} 1)"},
-             {"kestrel_firmware_version", R"(,part="lagoon"} 417)"},
-             {"kestrel_ink_ratio", R"(,ink="black"} 0.07)"},
-             {"kestrel_ink_low", R"(,ink="black"} 1)"},
-             {"kestrel_tray_ratio", R"(,tray="upper"} 0.8)"},
-             {"kestrel_photo_tray_engaged", "} 1"},
-             {"kestrel_network_connected", "} 0"},
-         })
-        ExpectLine(text, name + labels + rest);
-    ExpectLine(text, R"(kestrel_build_info{version="1.0.0",interface="5",library="/lib"} 1)");
+    ExpectLines(text, "State inks trays and firmware");
     // A program that asks once has nothing to add up.
     EXPECT_EQ(text.find("_total"), std::string::npos);
     EXPECT_EQ(text.find("_bucket"), std::string::npos);
@@ -113,11 +101,7 @@ TEST(Metrics, Buckets_add_up_and_the_last_one_holds_all) {
     EXPECT_EQ(responses.counts[responses.counts.size() - 2], 1u);
     EXPECT_EQ(responses.counts.back(), 1u);
     const std::string text = MetricsText(Format::OpenMetrics, {Answering("A")}, {}, ProgramFigures{}, kNow);
-    const std::string bucket =
-        R"(kestrel_exchange_seconds_bucket{printer="A",port="USB001",model="Workgroup",le=)";
-    for (const char* const rest :
-         {R"("0.1"} 0)", R"("0.5"} 1)", R"("1.0"} 1)", R"("5.0"} 1)", R"("+Inf"} 2)"})
-        ExpectLine(text, bucket + rest);
+    ExpectLines(text, "Buckets");
 }
 
 TEST(Metrics, Formats_differ_in_headings_and_end) {

@@ -64,13 +64,12 @@ TEST(KestrelFailures, Give_each_code_one_exit_code_and_an_advice) {
         {ValueRefused, {87, 1797, 1802}},
         {Locked, {170, 212}},
     };
-    for (const auto& [exit, codes] : codesOfExit) {
+    for (const auto& [exit, codes] : codesOfExit)
         for (const std::uint32_t code : codes) {
             const Failure failure = cli::FailureFromCode(code, "cannot do it", cli::Exchange::Write);
             EXPECT_EQ(failure.exit, exit) << code;
             EXPECT_FALSE(failure.advice.empty()) << code;
         }
-    }
     // The device's word is unknown, not the caller's.
     EXPECT_EQ(cli::FailureFromCode(87, "cannot read it", cli::Exchange::Read).exit, BadReply);
 }
