@@ -1,6 +1,4 @@
 // The words of the enumerations; what the rows owe to each other does not compile otherwise.
-#include <gtest/gtest.h>
-
 #include <string_view>
 
 #include "catalogue/rows.h"

@@ -1,10 +1,7 @@
 // The address book in files and the status record: what others wrote is read with care.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstring>
 #include <iterator>
-#include <string>
 #include <utility>
 #include <vector>
 

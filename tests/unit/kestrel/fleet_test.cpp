@@ -1,8 +1,6 @@
 // Which printers are meant, and what a file wants of them.
 #include <fmt/format.h>
-#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <iterator>
 #include <mutex>
 #include <sstream>

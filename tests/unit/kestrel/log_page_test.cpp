@@ -1,7 +1,5 @@
 #include "kestrel/log/page.h"
 
-#include <gtest/gtest.h>
-
 #include "sections.h"
 #include "shared/json.h"
 

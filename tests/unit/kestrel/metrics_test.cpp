@@ -1,9 +1,5 @@
 // The text of the metrics: what every reader of it relies on.
-#include <gtest/gtest.h>
-
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "kestrel/metrics/printer_metrics.h"
 #include "sections.h"

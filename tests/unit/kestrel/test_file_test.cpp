@@ -1,10 +1,6 @@
 #include "kestrel/testing/test_file.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cstdlib>
-#include <fstream>
 
 #include "kestrel/testing/pattern.h"
 #include "refusal.h"

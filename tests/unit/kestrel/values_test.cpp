@@ -1,8 +1,6 @@
 // What a person writes for a value, and what is refused before it is sent.
-#include <gtest/gtest.h>
-
-#include "kestrel/settings/settings.h"
 #include "kestrel/settings/values.h"
+#include "kestrel/settings/settings.h"
 #include "kestrel/text/text.h"
 #include "refusal.h"
 #include "sections.h"

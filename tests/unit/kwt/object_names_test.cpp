@@ -1,7 +1,5 @@
 #include "kwt/object_names.h"
 
-#include <gtest/gtest.h>
-
 #include "kwt/open_security.h"
 #include "sections.h"
 #include "widened.h"

@@ -1,8 +1,5 @@
 #include "opl/opl_parser.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <concepts>
 #include <functional>
 #include <map>

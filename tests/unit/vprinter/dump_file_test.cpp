@@ -1,8 +1,5 @@
 #include "vprinter/files/dump_file.h"
 
-#include <algorithm>
-#include <string>
-
 #include "asked_printer.h"
 #include "refusal.h"
 #include "sections.h"

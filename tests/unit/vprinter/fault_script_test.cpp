@@ -1,10 +1,6 @@
 #include "vprinter/faults/fault_script.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <array>
-#include <string>
 
 #include "opl/readable_text.h"
 #include "refusal.h"

@@ -1,8 +1,5 @@
 #include "vprinter/replay/replay.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
 #include <utility>
 
 #include "refusal.h"
