@@ -16,14 +16,14 @@
 
 namespace {
 
-constexpr const char* kCases = UNIT_TESTS "/kestrel/fleet.txt";
+constexpr const char* kFleet = UNIT_TESTS "/kestrel/fleet.txt";
 
 TEST(FleetChoice, Names_each_printer_once_in_the_order_of_the_line) {
     const cli::Installed installed = {{{"Lab", "USB004", "Other", true},
                                        {"Office1", "USB001", "ZRIJ9900 Series", true},
                                        {"Office2", "USB002", "ZRIJ9900 Series", true}},
                                       {"ZRIJ9900 Series"}};
-    ForEachCase(kCases, "Choice", [&](const std::string& written, const std::string& expected) {
+    ForEachCase(kFleet, "Choice", [&](const std::string& written, const std::string& expected) {
         std::istringstream words(written);
         cli::PrinterChoice choice{{std::istream_iterator<std::string>(words), {}}, false};
         choice.all = std::erase(choice.written, "--all") != 0;
@@ -49,7 +49,7 @@ std::string WantedOf(const std::string& file, const std::string& printer) {
 }
 
 TEST(FleetWanted, Is_read_in_each_form_for_each_printer_or_refused_with_its_place) {
-    ForEachCase(kCases, "Wanted", [](const std::string& given, const std::string& expected) {
+    ForEachCase(kFleet, "Wanted", [](const std::string& given, const std::string& expected) {
         const size_t blank = given.find(' ');
         std::string file = given.substr(blank + 1);
         std::ranges::replace(file, '|', '\n');

@@ -9,7 +9,7 @@
 namespace cli {
 namespace {
 
-constexpr const char* kCases = UNIT_TESTS "/kestrel/test_files.txt";
+constexpr const char* kTestFiles = UNIT_TESTS "/kestrel/test_files.txt";
 
 std::optional<Failure> RefusalOf(std::string text) {
     std::ranges::replace(text, '|', '\n');
@@ -19,13 +19,13 @@ std::optional<Failure> RefusalOf(std::string text) {
 }
 
 TEST(CliTestFile, A_fault_is_told_with_its_place_and_what_was_expected) {
-    ForEachCase(kCases, "Refused", [](const std::string& text, const std::string& complaint) {
+    ForEachCase(kTestFiles, "Refused", [](const std::string& text, const std::string& complaint) {
         const std::optional<Failure> refusal = RefusalOf(text);
         ASSERT_TRUE(refusal);
         EXPECT_EQ(ExitCode::Usage, refusal->exit);
         EXPECT_PRED_FORMAT2(testing::IsSubstring, complaint, refusal->text);
     });
-    for (const std::string& text : CasesOf(kCases, "Taken"))
+    for (const std::string& text : CasesOf(kTestFiles, "Taken"))
         EXPECT_FALSE(RefusalOf(text)) << RefusalOf(text)->text;
 }
 

@@ -9,10 +9,10 @@ namespace {
 
 using cli::ExitCode;
 
-constexpr const char* kCases = UNIT_TESTS "/kestrel/values.txt";
+constexpr const char* kValues = UNIT_TESTS "/kestrel/values.txt";
 
 TEST(KestrelValues, Are_accepted_in_every_spelling_and_printed_in_one_or_refused_with_the_allowed_ones) {
-    ForEachCase(kCases, "Values", [](const std::string& given, const std::string& expected) {
+    ForEachCase(kValues, "Values", [](const std::string& given, const std::string& expected) {
         const size_t blank = given.find(' ');
         const catalogue::Row& row = cli::FindSetting(given.substr(0, blank));
         const std::string written = cli::BytesFromReadable(given.substr(blank + 1)).value();
@@ -35,7 +35,7 @@ TEST(KestrelSettings, Are_found_by_name_and_by_key_without_case) {
 }
 
 TEST(KestrelSettings, Are_offered_when_a_name_is_nearly_right) {
-    ForEachCase(kCases, "Names", [](const std::string& written, const std::string& offered) {
+    ForEachCase(kValues, "Names", [](const std::string& written, const std::string& offered) {
         const auto failure = FailureOf([&] { return &cli::FindSetting(written); });
         ASSERT_TRUE(failure);
         EXPECT_EQ(failure->exit, ExitCode::Usage);

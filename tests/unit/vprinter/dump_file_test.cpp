@@ -8,7 +8,7 @@
 namespace vprinter {
 namespace {
 
-constexpr const char* kCases = UNIT_TESTS "/vprinter/dumps.txt";
+constexpr const char* kDumps = UNIT_TESTS "/vprinter/dumps.txt";
 
 std::string DumpOf(const std::string& parts) {
     return R"({"format":"kestrel-dump","version":1,"secrets":"left out",)" + parts + "}";
@@ -22,11 +22,11 @@ void ExpectComplaintAbout(const std::string& text, const std::string& part) {
 }
 
 TEST(VprinterDump, A_file_that_cannot_be_used_is_refused_with_the_place_and_the_reason) {
-    ForEachCase(kCases, "Files", [](std::string text, const std::string& complaint) {
+    ForEachCase(kDumps, "Files", [](std::string text, const std::string& complaint) {
         std::ranges::replace(text, '|', '\n');
         ExpectComplaintAbout(text, complaint);
     });
-    ForEachCase(kCases, "Parts", [](const std::string& part, const std::string& complaint) {
+    ForEachCase(kDumps, "Parts", [](const std::string& part, const std::string& complaint) {
         ExpectComplaintAbout(DumpOf(part), complaint);
     });
     ExpectComplaintAbout(R"({"format":"kestrel-dump","version":1,"secrets":"left out"})", "no complaint");

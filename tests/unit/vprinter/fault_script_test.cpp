@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::literals;
 
-constexpr const char* kCases = UNIT_TESTS "/vprinter/faults.txt";
+constexpr const char* kFaults = UNIT_TESTS "/vprinter/faults.txt";
 
 std::vector<FaultRule> Rules(const std::string& text) {
     return ParseFaults(text, "faults.json");
@@ -36,14 +36,14 @@ std::string Met(FaultScript& script, const std::array<std::string_view, 8>& requ
 }
 
 TEST(VprinterFaultScript, A_bad_script_is_refused_with_line_and_field) {
-    ForEachCase(kCases, "Refused", [](std::string script, const std::string& complaint) {
+    ForEachCase(kFaults, "Refused", [](std::string script, const std::string& complaint) {
         std::ranges::replace(script, '|', '\n');
         ExpectComplaint(complaint, [&] { return Rules(script); });
     });
 }
 
 TEST(VprinterFaultScript, Each_action_makes_its_reply) {
-    ForEachCase(kCases, "Replies", [](const std::string& action, const std::string& reply) {
+    ForEachCase(kFaults, "Replies", [](const std::string& action, const std::string& reply) {
         EXPECT_EQ(ReplyUnder(action, "0000,Key=value;"), opl::FromReadable(reply).value());
     });
     const std::string_view list = "0101,A[0]#3=&;=&A[1]=two&A[2]=three;";
@@ -67,7 +67,7 @@ TEST(VprinterFaultScript, The_first_rule_that_matches_and_is_in_force_decides) {
 }
 
 TEST(VprinterFaultScript, Requests_are_chosen_by_pattern_time_and_chance) {
-    ForEachCase(kCases, "Requests", [](const std::string& rule, const std::string& met) {
+    ForEachCase(kFaults, "Requests", [](const std::string& rule, const std::string& met) {
         const bool lasts = rule.find("busy") != std::string::npos;
         FaultScript script(Rules("[{" + rule + (lasts ? "}]" : R"(, "lost": true}])")), 0);
         EXPECT_EQ(
