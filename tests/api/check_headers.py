@@ -3,7 +3,7 @@
 
     check_headers.py documented    every export is declared, with its parameters, errors and blocking time explained, as is
                                    what a number or a field means, and every error of src/ is in sdk_errors.h
-    check_headers.py exports       prints one EXPORT(NAME, PARAMETERS, THEIR NAMES, VALUES) a function, for the C sources here
+    check_headers.py exports       prints one EXPORT(NAME, PARAMETERS, THEIR NAMES, VALUES) a function, for the C sources
     check_headers.py seen FILE     every error that the recorder noted is among those of its function"""
 import pathlib
 import re
