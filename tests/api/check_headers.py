@@ -3,7 +3,7 @@
 
     check_headers.py documented    every export is declared, with its parameters, errors and blocking time explained, as is
                                    what a number or a field means, and every error of src/ is in sdk_errors.h
-    check_headers.py wrappers      prints one RECORDED(...) a function, for error_recorder.c
+    check_headers.py exports       prints one EXPORT(NAME, PARAMETERS, THEIR NAMES, VALUES) a function, for the C sources
     check_headers.py seen FILE     every error that the recorder noted is among those of its function"""
 import pathlib
 import re
@@ -17,11 +17,6 @@ from interface import ROOT
 NO_CODES = {"none", "any", "unchanged"}
 # Success by other names, and one that SelectPrinter replaces.
 NEVER_LEFT = {"ERROR_SUCCESS", "RPC_S_OK", "3012"}
-
-
-def error_table():
-    """Codes by name, and the groups of codes."""
-    return {error.name: error.code for error in interface.errors()}, interface.error_groups()
 
 
 def expanded(errors, codes, groups):
@@ -86,16 +81,28 @@ def faults_of_run(path, functions, codes, groups):
     print(f"{len(lines)} errors seen")
 
 
+def value_for(parameter):
+    """What the C program gives that calls every function. Without a name's buffer no port is made."""
+    if parameter.name == "portName":
+        return "NULL"
+    if parameter.type == "const kestrel_char*":
+        return "kNoText"
+    if parameter.type.endswith("*"):
+        return "(void*)&out"
+    return {"timeoutMs": "kMs", "mode": "0"}.get(parameter.name, "1")
+
+
 def main():
     functions = interface.functions()
-    table = error_table()
+    table = {error.name: error.code for error in interface.errors()}, interface.error_groups()
     faults = []
-    if sys.argv[1] == "wrappers":
+    if sys.argv[1] == "exports":
         for function in functions.values():
             if function.result == "kestrel_bool":
                 declared = ", ".join(f"{kind} {name}" for kind, name in function.parameters)
-                print(f"RECORDED({function.name}, ({declared or 'void'}), "
-                      f"({', '.join(name for _, name in function.parameters)}))")
+                names = ", ".join(name for _, name in function.parameters)
+                values = ", ".join(map(value_for, function.parameters))
+                print(f"EXPORT({function.name}, ({declared or 'void'}), ({names}), ({values}))")
     elif sys.argv[1] == "documented":
         faults = [*faults_of_source(table[0]), *faults_of_texts(functions, *table), *faults_of_types()]
         print(f"{len(functions)} functions, {len(faults)} faults")

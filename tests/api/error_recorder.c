@@ -81,19 +81,19 @@ static kestrel_bool End(struct Export* export, uint32_t before, kestrel_bool don
     return done;
 }
 
-#define RECORDED(name, parameters, arguments)                                                   \
+#define EXPORT(name, parameters, arguments, values)                                             \
     static struct Export name##Export = {#name, (AnyFunction)name, NULL, {0}};                  \
     kestrel_bool name parameters {                                                              \
         kestrel_bool(*const next) parameters = (kestrel_bool(*) parameters)Next(&name##Export); \
         const uint32_t before = Begin();                                                        \
         return End(&name##Export, before, next arguments);                                      \
     }
-#include "recorded_exports.inc"
-#undef RECORDED
+#include "exports.inc"
+#undef EXPORT
 
-#define RECORDED(name, parameters, arguments) &name##Export,
+#define EXPORT(name, parameters, arguments, values) &name##Export,
 static struct Export* const kExports[] = {
-#include "recorded_exports.inc"
+#include "exports.inc"
 };
 
 /* Of several libraries that a program loads, the first one's functions are noted. */

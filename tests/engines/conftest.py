@@ -1,55 +1,17 @@
 """Virtual printers and an exporter of their metrics, each a process of its own. BIN: the folder of the programs."""
 import http.client
-import json
 import os
 import pathlib
 import re
-import signal
-import subprocess
 import sys
 
 import pytest
 
 sys.dont_write_bytecode = True
 sys.path.append(str(pathlib.Path(__file__).parents[1] / "support"))
-from installed_home import BIN, LONGEST, bounded, until  # noqa: F401, E402
+from installed_home import BIN, LONGEST, Printers, Process, bounded, install, kestrel, until  # noqa: F401, E402
 
 ROOT = pathlib.Path(os.environ["SOURCE"])
-
-
-def kestrel(*words, code=0):
-    result = subprocess.run([BIN / "kestrel", *words], capture_output=True, text=True)
-    assert result.returncode == code, result.stdout + result.stderr
-    return result.stdout
-
-
-class Process:
-    """Ended with the test, by its id; its first line tells that it is there."""
-
-    def __init__(self, *words, **options):
-        self.process = subprocess.Popen(words, stdout=subprocess.PIPE, text=True, **options)
-        self.line = self.process.stdout.readline().strip()
-
-    def stop(self, with_signal=signal.SIGTERM):
-        if self.process.poll() is None:
-            self.process.send_signal(with_signal)
-        self.process.stdout.close()
-        return self.process.wait(LONGEST)
-
-
-class Printers(Process):
-    """`change` sets what the printers are, while they run."""
-
-    def __init__(self, ports, folder, *options, **more):
-        self.control = folder / "now.json"
-        super().__init__(BIN / "kestrel-vprinter", "--quiet", "--control", self.control,
-                         *(word for port in ports for word in ("--port", port)), *options, **more)
-        assert self.line.startswith("ready: ")
-
-    def change(self, values):
-        fresh = self.control.with_suffix(".new")
-        fresh.write_text(json.dumps(values))
-        fresh.rename(self.control)
 
 
 class Exporter(Process):
@@ -86,13 +48,7 @@ class Samples(dict):
 @pytest.fixture(scope="session")
 def home(tmp_path_factory):
     """Four printers: Dead has nobody behind its port."""
-    folder = tmp_path_factory.mktemp("home")
-    folder.chmod(0o700)
-    os.environ["WINPORT_HOME"] = str(folder)
-    kestrel("setup")
-    for name, port in (("Office", "USB001"), ("Quick", "USB002"), ("Slow", "NET1"), ("Dead", "USB009")):
-        kestrel("printers", "add", name, "--port", port)
-    return folder
+    install(tmp_path_factory.mktemp("home"), {"Office": "USB001", "Quick": "USB002", "Slow": "NET1", "Dead": "USB009"})
 
 
 @pytest.fixture

@@ -1,16 +1,26 @@
 #!/usr/bin/env python3
 """What a programmer has who installs the product: installed_test.py PREFIX [Case.test]. All is done outside the tree."""
 import pathlib
+import random
+import re
 import sys
 import tempfile
 import unittest
 
 sys.dont_write_bytecode = True  # the source folder stays as it is
-import readme_examples
 from installed import PRINTER, Installed, run
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 PREFIX = pathlib.Path(sys.argv[1])
+PACKAGE = "$(pkg-config --cflags --libs zrij9900sdk)"
+# The word behind a fence of the README: the file that the example becomes, and the commands that make a program of it and
+# run it.
+LANGUAGES = {
+    "c": ("example.c", f"cc -std=c11 -Wall -Wextra -Werror example.c {PACKAGE} -o example && ./example"),
+    "cpp": ("example.cpp", f"c++ -std=c++20 -Wall -Wextra -Werror example.cpp {PACKAGE} -o example && ./example"),
+    "python": ("example.py", "/usr/bin/python3 example.py"),
+    "csharp": ("example.cs", 'mcs example.cs "$PREFIX"/share/kestrel-sdk/csharp/*.cs && mono example.exe'),
+}
 STRICT = "-Wall -Wextra -Wpedantic -Werror"
 TEN_LINES = """cmake_minimum_required(VERSION 3.25)
 project(Ten LANGUAGES C CXX)
@@ -20,6 +30,12 @@ foreach(language c cpp)
   target_link_libraries(${language} PRIVATE kestrel::sdk)
 endforeach()
 """
+
+
+def readme_examples():
+    """(language, program) of every fence below the heading."""
+    section = re.search(r"^## Ten lines in your language\n(.*?)(?=^## |\Z)", (ROOT / "README.md").read_text(), re.M | re.S)
+    return re.findall(r"^```(\w*)\n(.*?)^```$", section[1], re.M | re.S)
 
 
 class Libraries(unittest.TestCase):
@@ -64,16 +80,29 @@ class Client(WithPrinter):
 
 class Programs(WithPrinter):
     def test_of_ten_lines_are_built_by_pkg_config_and_by_cmake(self):
-        program = next(text for language, text in readme_examples.examples() if language == "c")
+        program = dict(readme_examples())["c"]
         for name in ("ten.c", "ten.cpp"):
             (self.folder / name).write_text(program)
         for compiler, name in (("cc -std=c11", "ten.c"), ("c++ -std=c++17", "ten.cpp")):
-            self.product.run("/bin/sh", "-c", f"{compiler} {STRICT} {name} {readme_examples.PACKAGE} -o ten", cwd=self.folder)
+            self.product.run("/bin/sh", "-c", f"{compiler} {STRICT} {name} {PACKAGE} -o ten", cwd=self.folder)
             self.assertRegex(self.product.run(self.folder / "ten"), r"\d")
         (self.folder / "CMakeLists.txt").write_text(TEN_LINES)
         made = self.build(self.folder)
         for name in ("c", "cpp"):
             self.assertRegex(self.product.run(made / name), r"\d")
+
+
+class Readme(WithPrinter):
+    def test_runs_as_it_stands(self):
+        """Each example prints the fax redials of the printer, which are a number that nobody can guess."""
+        self.assertEqual(LANGUAGES.keys(), dict(readme_examples()).keys())
+        for language, program in readme_examples():
+            name, commands = LANGUAGES[language]
+            (self.folder / name).write_text(program)
+            redials = str(random.randrange(1, 7))
+            self.product.run("kestrel", "-p", PRINTER, "set", "fax.redials", redials)
+            printed = self.product.run("/bin/sh", "-c", commands, cwd=self.folder)
+            self.assertIn(redials, re.findall(r"\d+", printed), f"{language}: {printed}")
 
 
 class Examples(WithPrinter):

@@ -26,9 +26,7 @@ def run(*command, **options):
 
 class WindowsPackages(unittest.TestCase):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+        self.folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
         for word_size in ("x86", "x64"):
             for name in INSTALLED:
                 path = self.folder / word_size / name

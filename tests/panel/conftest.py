@@ -2,23 +2,21 @@
 import http.client
 import json
 import pathlib
-import subprocess
 import sys
 
 import pytest
 
 sys.dont_write_bytecode = True
 sys.path.append(str(pathlib.Path(__file__).parents[1] / "support"))
-from installed_home import BIN, LONGEST, bounded, home, until  # noqa: F401, E402
+import installed_home  # noqa: E402
+from installed_home import BIN, Process, bounded, home, until  # noqa: F401, E402
 
 
-class Panel:
-    def __init__(self, *options, ports=("USB001", "NET1")):
-        named = [word for port in ports for word in ("--port", port)]
-        self.process = subprocess.Popen([BIN / "kestrel-vprinter", *named, "--web", "127.0.0.1:0", *options],
-                                        stdout=subprocess.PIPE, text=True)
-        self.url = self.process.stdout.readline().removeprefix("panel: ").strip()
+class Panel(Process):
+    def __init__(self, *options):
+        super().__init__(BIN / "kestrel-vprinter", "--port", "USB001", "--port", "NET1", "--web", "127.0.0.1:0", *options)
         assert self.process.stdout.readline().startswith("ready: ")
+        self.url = self.line.removeprefix("panel: ")
         self.host = self.url.removeprefix("http://").rstrip("/")
 
     def ask(self, method, path, body=None, **fields):
@@ -43,20 +41,13 @@ class Panel:
     def put(self, path, body):
         return self.ask("PUT", path, body)[0]
 
-    def stop(self):
-        self.process.terminate()
-        assert self.process.wait(LONGEST) == 0
-        self.process.stdout.close()
-
 
 def kestrel(*words, code=0):
-    result = subprocess.run([BIN / "kestrel", "--json", *words], capture_output=True, text=True)
-    assert result.returncode == code, result.stdout + result.stderr
-    return json.loads(result.stdout)
+    return json.loads(installed_home.kestrel("--json", *words, code=code))
 
 
 @pytest.fixture
 def panel(home):
     panel = Panel()
     yield panel
-    panel.stop()
+    assert panel.stop() == 0

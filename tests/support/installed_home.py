@@ -1,5 +1,6 @@
-"""What the Python suites have in common: a home in which the printer Office is installed, and an end to every test. BIN:
-the folder of the programs."""
+"""What the Python suites have in common: a home in which the printer Office is installed, processes, and an end to every
+test. BIN: the folder of the programs."""
+import json
 import os
 import pathlib
 import signal
@@ -26,6 +27,41 @@ def until(holds):
     return found
 
 
+def kestrel(*words, code=0):
+    result = subprocess.run([BIN / "kestrel", *words], capture_output=True, text=True)
+    assert result.returncode == code, result.stdout + result.stderr
+    return result.stdout
+
+
+class Process:
+    """Ended with the test, by its id; its first line tells that it is there."""
+
+    def __init__(self, *words, **options):
+        self.process = subprocess.Popen(words, stdout=subprocess.PIPE, text=True, **options)
+        self.line = self.process.stdout.readline().strip()
+
+    def stop(self, with_signal=signal.SIGTERM):
+        if self.process.poll() is None:
+            self.process.send_signal(with_signal)
+        self.process.stdout.close()
+        return self.process.wait(LONGEST)
+
+
+class Printers(Process):
+    """`change` sets what the printers are, while they run."""
+
+    def __init__(self, ports, folder, *options, **more):
+        self.control = folder / "now.json"
+        super().__init__(BIN / "kestrel-vprinter", "--quiet", "--control", self.control,
+                         *(word for port in ports for word in ("--port", port)), *options, **more)
+        assert self.line.startswith("ready: ")
+
+    def change(self, values):
+        fresh = self.control.with_suffix(".new")
+        fresh.write_text(json.dumps(values))
+        fresh.rename(self.control)
+
+
 @pytest.fixture(autouse=True)
 def bounded():
     signal.signal(signal.SIGALRM, give_up)
@@ -34,12 +70,16 @@ def bounded():
     signal.alarm(0)
 
 
-@pytest.fixture(scope="session")
-def home(tmp_path_factory):
-    folder = tmp_path_factory.mktemp("home")
+def install(folder, printers):
     folder.chmod(0o700)
     os.environ["WINPORT_HOME"] = str(folder)
-    for words in (["setup"], ["printers", "add", "Office", "--port", "USB001"]):
-        subprocess.run([BIN / "kestrel", *words], check=True, stdout=subprocess.DEVNULL)
-    yield folder
+    kestrel("setup")
+    for name, port in printers.items():
+        kestrel("printers", "add", name, "--port", port)
+
+
+@pytest.fixture(scope="session")
+def home(tmp_path_factory):
+    install(tmp_path_factory.mktemp("home"), {"Office": "USB001"})
+    yield
     subprocess.run([BIN / "ZRIJ9900MUI.exe", "--stop"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)

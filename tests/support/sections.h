@@ -41,7 +41,7 @@ inline std::pair<std::string, std::string> CaseIn(const std::string& line) {
 template <typename Check>
 void ForEachCase(const char* path, const std::string& title, Check check) {
     for (const std::string& line : CasesOf(path, title)) {
-        SCOPED_TRACE(line);
+        SCOPED_TRACE(title + ": " + line);
         const auto [given, expected] = CaseIn(line);
         check(given, expected);
     }

@@ -1,4 +1,4 @@
-// The C# interface against a virtual printer; run.py compares what `list` prints with the client's.
+// The C# interface against a virtual printer; csharp_test.py compares what `list` prints with the client's.
 //   PrinterTest list
 //   PrinterTest check
 using System;

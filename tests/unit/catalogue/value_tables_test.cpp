@@ -1,6 +1,4 @@
 // The words of the enumerations; what the rows owe to each other does not compile otherwise.
-#include <gtest/gtest.h>
-
 #include <string_view>
 
 #include "catalogue/rows.h"
@@ -10,15 +8,16 @@ namespace catalogue {
 namespace {
 
 TEST(ValueTables, Have_the_words_and_numbers_that_callers_know) {
-    for (const std::string& line : CasesOf(UNIT_TESTS "/catalogue/words.txt", "Words")) {
-        const auto [name, words] = CaseIn(line);
-        const auto row = std::ranges::find(Rows(), name, &Row::name);
-        ASSERT_NE(row, Rows().end()) << name;
-        std::string found;
-        for (const EnumEntry& word : row->words)
-            found += (found.empty() ? "" : " ") + std::string(word.name) + '=' + std::to_string(word.value);
-        EXPECT_EQ(words, found) << name;
-    }
+    ForEachCase(
+        UNIT_TESTS "/catalogue/words.txt", "Words", [](const std::string& name, const std::string& words) {
+            const auto row = std::ranges::find(Rows(), name, &Row::name);
+            ASSERT_NE(row, Rows().end());
+            std::string found;
+            for (const EnumEntry& word : row->words)
+                found +=
+                    (found.empty() ? "" : " ") + std::string(word.name) + '=' + std::to_string(word.value);
+            EXPECT_EQ(words, found);
+        });
 }
 
 TEST(ValueTables, Words_are_compared_letter_for_letter) {

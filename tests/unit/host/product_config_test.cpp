@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <optional>
@@ -68,10 +69,6 @@ constexpr std::pair<Getter, const WCHAR*> kDerived[] = {
     {&Config::GetPREExecutable, TEXT("ZRIJPRE.exe")},
 };
 
-std::string ProcessId() {
-    return std::to_string(GetCurrentProcessId());
-}
-
 class ProductConfig : public testing::Test {
   protected:
     void TearDown() override { std::filesystem::remove(path_); }
@@ -90,7 +87,7 @@ class ProductConfig : public testing::Test {
         return config_->Load(path_.string<WCHAR>());
     }
 
-    const Path path_ = std::filesystem::temp_directory_path() / ("product-config-" + ProcessId() + ".ini");
+    const Path path_ = Path(std::getenv("KESTREL_TEST_FOLDER")) / "product.ini";
     std::optional<CProductConfig> config_;
 };
 
@@ -191,29 +188,26 @@ TEST(ConfigDiscovery, Files_that_name_the_module_are_candidates_in_their_order) 
     DWORD needed = 0;
     ASSERT_TRUE(GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(folder),
                                            sizeof(folder), &needed));
-    const std::string product = "KESTRELTEST" + ProcessId();
-    const WideText prefix(product.begin(), product.end());
-    const WideText plain = folder + (TEXT("\\3\\") + prefix) + TEXT(".INI");
-    const WideText xps = folder + (TEXT("\\3\\") + prefix) + TEXT("XPS.INI");
-    const auto asFile = [](const WideText& path) {
-        std::string name = Path(path).string();
-        std::replace(name.begin(), name.end(), '\\', '/');
-        return Path(name);
+    const WideText plain = folder + WideText(TEXT("\\3\\KESTRELTEST.INI"));
+    const WideText xps = folder + WideText(TEXT("\\3\\KESTRELTESTXPS.INI"));
+    const auto asFile = [](WideText path) {
+        std::ranges::replace(path, TEXT('\\'), TEXT('/'));
+        return Path(path);
     };
-    const auto install = [&](const WideText& path, const std::string& module) {
+    const auto install = [&](const WideText& path, const char* module) {
         std::ofstream(asFile(path)) << "[SDK]\nLibrary=" << module << "\n[Status Monitor]\nExecutable=x\n";
     };
-    const auto find = [&](const WCHAR* ending) {
-        return FindConfigFiles(TEXT("C:\\programs\\") + prefix + ending);
+    const auto find = [](const WCHAR* ending) {
+        return FindConfigFiles(WideText(TEXT("C:\\programs\\KESTRELTEST")) + ending);
     };
     using Found = std::vector<WideText>;
 
     install(plain, "OTHERSDK.DLL");
     for (const WCHAR* none : {TEXT("SDK.DLL"), TEXT("MON.DLL"), TEXT("MUI.EXE"), TEXT(".DLL")})
         EXPECT_EQ(find(none), Found());
-    install(xps, product + "sdk.DLL");
+    install(xps, "KESTRELTESTsdk.DLL");
     EXPECT_EQ(find(TEXT("SDK.dll")), Found{xps});
-    install(plain, product + "SDK.dll");
+    install(plain, "KESTRELTESTSDK.dll");
     EXPECT_EQ(find(TEXT("sdk.dll")), (Found{plain, xps}));
     std::filesystem::remove(asFile(plain));
     std::filesystem::remove(asFile(xps));

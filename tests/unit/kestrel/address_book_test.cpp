@@ -1,17 +1,14 @@
 // The address book in files and the status record: what others wrote is read with care.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstring>
 #include <iterator>
-#include <string>
 #include <utility>
 #include <vector>
 
-#include "cli_refusal.h"
 #include "kestrel/printer/address_book.h"
 #include "kestrel/printer/device_status.h"
 #include "kestrel/text/csv.h"
+#include "refusal.h"
 
 namespace {
 
@@ -67,10 +64,10 @@ TEST(KestrelAddressBook, Refuses_a_file_that_the_printer_cannot_hold) {
         {"0,fax,\"a\nb\",1\n", "cannot take"},
     };
     for (const auto& [text, reason] : cases) {
-        const auto failure = FailureOf([&] { return cli::RecordsFromCsv(text, list); });
+        const auto failure = FailureOf([&text = text, &list] { return cli::RecordsFromCsv(text, list); });
         ASSERT_TRUE(failure) << text;
         EXPECT_EQ(cli::ExitCode::ValueRefused, failure->exit);
-        EXPECT_NE(std::string::npos, failure->text.find(reason)) << failure->text;
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, reason, failure->text);
     }
 }
 

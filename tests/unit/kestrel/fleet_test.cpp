@@ -1,83 +1,62 @@
 // Which printers are meant, and what a file wants of them.
-#include <fmt/core.h>
-#include <gtest/gtest.h>
+#include <fmt/format.h>
 
-#include <atomic>
+#include <iterator>
+#include <mutex>
 #include <sstream>
 
-#include "cli_refusal.h"
 #include "kestrel/fleet/choice.h"
 #include "kestrel/fleet/differences.h"
 #include "kestrel/fleet/each_printer.h"
 #include "kestrel/fleet/sight.h"
 #include "kestrel/fleet/wanted_state.h"
 #include "kestrel/settings/settings.h"
+#include "refusal.h"
 #include "sections.h"
 
 namespace {
 
-std::string Joined(const std::vector<std::string>& words) {
-    std::string text;
-    for (const std::string& word : words)
-        text += (text.empty() ? "" : ",") + word;
-    return text;
-}
-
-std::vector<std::string> SplitAt(const std::string& text, char delimiter) {
-    std::vector<std::string> words;
-    std::istringstream in(text);
-    for (std::string word; std::getline(in, word, delimiter);)
-        words.push_back(word);
-    return words;
-}
+constexpr const char* kFleet = UNIT_TESTS "/kestrel/fleet.txt";
 
 TEST(FleetChoice, Names_each_printer_once_in_the_order_of_the_line) {
     const cli::Installed installed = {{{"Lab", "USB004", "Other", true},
                                        {"Office1", "USB001", "ZRIJ9900 Series", true},
                                        {"Office2", "USB002", "ZRIJ9900 Series", true}},
                                       {"ZRIJ9900 Series"}};
-    for (const std::string& line : CasesOf(UNIT_TESTS "/kestrel/fleet.txt", "Choice")) {
-        SCOPED_TRACE(line);
-        const auto [written, expected] = CaseIn(line);
-        cli::PrinterChoice choice{SplitAt(written, ' '), false};
+    ForEachCase(kFleet, "Choice", [&](const std::string& written, const std::string& expected) {
+        std::istringstream words(written);
+        cli::PrinterChoice choice{{std::istream_iterator<std::string>(words), {}}, false};
         choice.all = std::erase(choice.written, "--all") != 0;
         std::vector<std::string> names;
-        if (const auto failure = FailureOf([&] { return names = ChosenPrinters(choice, installed); })) {
+        if (const auto failure = FailureOf([&] { names = ChosenPrinters(choice, installed); })) {
             EXPECT_EQ(cli::ExitCode::NoPrinter, failure->exit);
             EXPECT_EQ("installed are: Lab, Office1, Office2", failure->advice);
-            EXPECT_EQ(expected, "none");
-        } else {
-            EXPECT_EQ(expected, Joined(names));
+            names = {"none"};
         }
-    }
+        EXPECT_EQ(expected, fmt::format("{}", fmt::join(names, ",")));
+    });
 }
 
 // "fax.redials=5 ..." of one printer, or what is wrong with the file.
 std::string WantedOf(const std::string& file, const std::string& printer) {
-    std::string text;
+    std::vector<std::string> told;
     const auto failure = FailureOf([&] {
         for (const cli::WantedSetting& setting : cli::ParseWantedState(file, "f").For(printer))
-            text += fmt::format("{}{}={}", text.empty() ? "" : " ", setting.row->name,
-                                cli::FormatValue(*setting.row, setting.value));
-        return 0;
+            told.push_back(fmt::format("{}={}", setting.row->name, FormatValue(*setting.row, setting.value)));
     });
-    return failure ? fmt::format("{} {}", static_cast<int>(failure->exit), failure->text) : text;
+    return failure ? fmt::format("{} {}", static_cast<int>(failure->exit), failure->text)
+                   : fmt::format("{}", fmt::join(told, " "));
 }
 
 TEST(FleetWanted, Is_read_in_each_form_for_each_printer_or_refused_with_its_place) {
-    for (const std::string& line : CasesOf(UNIT_TESTS "/kestrel/fleet.txt", "Wanted")) {
-        SCOPED_TRACE(line);
-        const auto [given, expected] = CaseIn(line);
+    ForEachCase(kFleet, "Wanted", [](const std::string& given, const std::string& expected) {
         const size_t blank = given.find(' ');
         std::string file = given.substr(blank + 1);
-        for (size_t at = file.find('|'); at != std::string::npos; at = file.find('|'))
-            file[at] = '\n';
+        std::ranges::replace(file, '|', '\n');
         const std::string seen = WantedOf(file, given.substr(0, blank));
         EXPECT_TRUE(seen.starts_with(expected)) << seen;
-    }
-    EXPECT_EQ("fax.redials=5", WantedOf("\xEF\xBB\xBF"
-                                        "fax.redials = 5\r\n",
-                                        "P"));
+    });
+    EXPECT_EQ("fax.redials=5", WantedOf("\xEF\xBB\xBF fax.redials = 5\r\n", "P"));
 }
 
 TEST(FleetWanted, Takes_of_a_dump_what_can_be_set_again) {
@@ -110,18 +89,21 @@ TEST(FleetThreads, Work_for_so_many_printers_at_a_time_and_report_in_their_order
     std::vector<std::string> printers;
     for (int i = 0; i < 40; ++i)
         printers.push_back(std::to_string(i));
-    std::atomic<int> working = 0;
-    std::atomic<int> most = 0;
+    std::mutex lock;
+    int working = 0;
+    int most = 0;
     size_t steps = 0;
     cli::EachPrinter each;
     const auto reports = each.Do(
         printers, 4,
         [&](const std::string& printer) {
-            const int now = ++working;
-            for (int seen = most; now > seen && !most.compare_exchange_weak(seen, now);) {
-            }
+            const auto change = [&](int by) {
+                const std::lock_guard guard(lock);
+                most = std::max(most, working += by);
+            };
+            change(1);
             std::this_thread::sleep_for(std::chrono::milliseconds(printer == "0" ? 50 : 2));
-            --working;
+            change(-1);
             return cli::Report{printer, {}, {}};
         },
         [&steps](size_t done, const std::string&) { EXPECT_EQ(++steps, done); });

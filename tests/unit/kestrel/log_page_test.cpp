@@ -1,20 +1,14 @@
 #include "kestrel/log/page.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <utility>
-
+#include "sections.h"
 #include "shared/json.h"
 
 namespace cli {
 namespace {
 
 size_t Count(std::string_view text, std::string_view what) {
-    size_t count = 0;
-    for (size_t at = text.find(what); at != std::string_view::npos; at = text.find(what, at + 1))
-        ++count;
-    return count;
+    const size_t at = text.find(what);
+    return at == std::string_view::npos ? 0 : 1 + Count(text.substr(at + 1), what);
 }
 
 tools::Json DataOf(const std::string& page) {
@@ -49,25 +43,15 @@ TEST(LogPage, Errors_come_in_words_and_the_counts_are_those_of_the_file) {
     EXPECT_EQ(2, data.At("failed"));
     const auto& exchanges = data.At("exchanges").Items();
     EXPECT_EQ("no reply came in time [0xE0000003]", exchanges.at(1).At("error").Text());
-    EXPECT_NE(std::string::npos, exchanges.at(2).At("error").Text().find("; 1999: "));
+    EXPECT_PRED_FORMAT2(testing::IsSubstring, "; 1999: ", exchanges.at(2).At("error").Text());
 }
 
 TEST(LogPage, Requests_are_told_in_words) {
-    const std::pair<std::string_view, std::string_view> cases[] = {
-        {"DeviceSettings.Fax.Redials?", "get fax.redials"},
-        {"DeviceSettings.Fax.Redials=5;DeviceSettings.Fax.Rings?", "set fax.redials to 5, get fax.rings"},
-        {R"(DeviceSettings.System.Name=a\;b\\;)", R"(set device.name to a\;b\\)"},
-        {R"(DeviceNetwork.WiFiSettings.TCP_Configuration.Static.IP_Address#4=\x01\x02\x03\?;)",
-         R"(set ip.static.address to \x01\x02\x03\?)"},
-        {"ZRGetStatus?", "get the status"},
-        {"Maintenance=001?", "Maintenance=001"},
-        {"Unknown.Key?", "get Unknown.Key"},
-        {"cut", "cut"},
-        {"#", "set  to "},
-        {"\\", "\\"},
-    };
-    for (const auto& [request, words] : cases)
-        EXPECT_EQ(words, RequestWords(request)) << request;
+    ForEachCase(UNIT_TESTS "/kestrel/log_words.txt", "Words",
+                [](const std::string& request, const std::string& words) {
+                    EXPECT_EQ(words, RequestWords(request));
+                });
+    EXPECT_EQ("set  to ", RequestWords("#"));
 }
 
 }  // namespace

@@ -64,13 +64,12 @@ TEST(KestrelFailures, Give_each_code_one_exit_code_and_an_advice) {
         {ValueRefused, {87, 1797, 1802}},
         {Locked, {170, 212}},
     };
-    for (const auto& [exit, codes] : codesOfExit) {
+    for (const auto& [exit, codes] : codesOfExit)
         for (const std::uint32_t code : codes) {
             const Failure failure = cli::FailureFromCode(code, "cannot do it", cli::Exchange::Write);
             EXPECT_EQ(failure.exit, exit) << code;
             EXPECT_FALSE(failure.advice.empty()) << code;
         }
-    }
     // The device's word is unknown, not the caller's.
     EXPECT_EQ(cli::FailureFromCode(87, "cannot read it", cli::Exchange::Read).exit, BadReply);
 }
@@ -110,7 +109,7 @@ TEST(KestrelFailures, Show_code_reply_and_advice_to_people_and_to_scripts) {
     const std::string people = cli::FailureText(*report.failure, cli::Paint(false));
     for (const char* part : {"cannot read", "[0xE0000003]", "reply: 3400,no;",
                              "response number: 3400, the printer does not know"})
-        EXPECT_NE(people.find(part), std::string::npos) << part;
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, part, people);
 
     const auto document = tools::Json::Parse(cli::JsonDocument("get", report));
     EXPECT_EQ(document.At("exitCode"), 4);
@@ -125,10 +124,10 @@ TEST(KestrelOutput, Aligns_columns_by_characters_not_bytes) {
 
 TEST(KestrelConfiguration, Repeats_driver_lines_and_leaves_no_placeholder) {
     const std::string text = cli::ConfigurationText("acme", {"One", "Two"});
-    EXPECT_NE(text.find("[Printers]\r\nOne\r\nTwo\r\n\r\n[Network Printers]\r\nOne\r\nTwo\r\n"),
-              std::string::npos);
-    EXPECT_NE(text.find("Library=ACMESDK.DLL\r\nSignature=ACME\r\n"), std::string::npos);
-    EXPECT_NE(text.find("Two=40,70,60,90,290,330,35,55\r\n"), std::string::npos);
+    for (const char* part :
+         {"[Printers]\r\nOne\r\nTwo\r\n\r\n[Network Printers]\r\nOne\r\nTwo\r\n",
+          "Library=ACMESDK.DLL\r\nSignature=ACME\r\n", "Two=40,70,60,90,290,330,35,55\r\n"})
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, part, text);
     EXPECT_EQ(text.find('{'), std::string::npos);
 }
 

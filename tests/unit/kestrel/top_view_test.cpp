@@ -71,8 +71,8 @@ TEST(TopView, Stays_within_the_terminal_and_scrolls_to_what_is_chosen) {
     for (int i = 0; i < 30; ++i)
         view.Press(top::Key::Down);
     const std::string names = Names(view, {80, 10});
-    EXPECT_TRUE(names.find("P39") != std::string::npos) << names;
-    EXPECT_TRUE(names.find("P10") == std::string::npos) << names;
+    EXPECT_PRED_FORMAT2(testing::IsSubstring, "P39", names);
+    EXPECT_PRED_FORMAT2(testing::IsNotSubstring, "P10", names);
     view.Press(top::Key::Details);
     EXPECT_EQ(8u, view.Draw({80, 8}, "").size());
 }

@@ -1,7 +1,5 @@
 #include "kwt/object_names.h"
 
-#include <gtest/gtest.h>
-
 #include "kwt/open_security.h"
 #include "sections.h"
 #include "widened.h"
@@ -20,19 +18,18 @@ TEST(ObjectNames, All_names_are_formed_from_the_file_name) {
 }
 
 TEST(ObjectNames, The_prefix_is_the_file_name_less_seven_characters_and_other_files_are_refused) {
-    for (const std::string& line :
-         CasesOf(kNames, "File of a module -> product prefix and name of its library")) {
-        SCOPED_TRACE(line);
-        const auto [path, expected] = CaseIn(line);
-        ObjectNameTable table;
-        if (table.Build(Widened(path))) {
-            const WideText prefix = table[ObjectName::ProductPrefix];
-            EXPECT_EQ(prefix + TEXT(" ") + table[ObjectName::ModuleLibraryName], Widened(expected));
-        } else {
-            EXPECT_EQ(table[ObjectName::CommandChannelBase], TEXT(""));
-            EXPECT_EQ(expected, "refused");
-        }
-    }
+    ForEachCase(kNames, "File of a module -> product prefix and name of its library",
+                [](const std::string& path, const std::string& expected) {
+                    ObjectNameTable table;
+                    if (table.Build(Widened(path))) {
+                        const WideText prefix = table[ObjectName::ProductPrefix];
+                        EXPECT_EQ(prefix + TEXT(" ") + table[ObjectName::ModuleLibraryName],
+                                  Widened(expected));
+                    } else {
+                        EXPECT_EQ(table[ObjectName::CommandChannelBase], TEXT(""));
+                        EXPECT_EQ(expected, "refused");
+                    }
+                });
 }
 
 TEST(ObjectNames, The_kind_of_a_module_follows_the_order_of_the_search) {

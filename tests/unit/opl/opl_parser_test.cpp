@@ -1,8 +1,5 @@
 #include "opl/opl_parser.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <concepts>
 #include <functional>
 #include <map>
@@ -16,6 +13,8 @@ using namespace opl;
 namespace {
 
 using Messages = std::vector<std::string>;
+
+constexpr const char* kMessages = UNIT_TESTS "/opl/messages.txt";
 
 /// A copy that ends exactly with its last byte, so that a sanitizer sees every read beyond it.
 struct ExactCopy {
@@ -118,14 +117,12 @@ TEST(Messages, Are_cut_and_read_as_the_device_language_says) {
         {"Block", Reader<std::vector<uint8_t>>(OPLParser::GetBinaryValue, {1, 2, 3})},
         {"List", Reader<Messages>(SplitList, {"before"})},
     };
-    const std::vector<Section> sections = Sections(UNIT_TESTS "/opl/messages.txt");
-    EXPECT_EQ(sections.size(), readers.size());
-    for (const Section& section : sections)
-        for (const std::string& line : section.lines) {
-            SCOPED_TRACE(section.title + ": " + line);
-            const auto [message, expected] = CaseIn(line);
-            EXPECT_EQ(readers.at(section.title)(opl::FromReadable(message).value()), expected);
-        }
+    EXPECT_EQ(Sections(kMessages).size(), readers.size());
+    for (const auto& [title, reader] : readers)
+        ForEachCase(kMessages, title,
+                    [&read = reader](const std::string& message, const std::string& expected) {
+                        EXPECT_EQ(read(opl::FromReadable(message).value()), expected);
+                    });
 }
 
 TEST(Messages, Are_cut_wherever_their_bytes_lie_in_what_is_scanned_at_once) {

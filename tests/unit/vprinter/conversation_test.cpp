@@ -2,7 +2,6 @@
 #include "asked_printer.h"
 #include "opl/readable_text.h"
 #include "sections.h"
-#include "vprinter/files/control_file.h"
 
 namespace vprinter {
 namespace {
@@ -38,13 +37,7 @@ class VprinterConversation : public AskedPrinter, public testing::WithParamInter
 
   private:
     static std::string Bytes(const std::string& text) { return opl::FromReadable(text).value(); }
-    std::string Control(const std::string& text) {
-        Write(text);
-        return control_.Apply(model_, faults_, 0);
-    }
 
-    ControlFile control_{path_, "USB001"};
-    FaultScript faults_;
     uint32_t client_ = kClient;
     std::string reply_;
 };

@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "asked_printer.h"
-#include "vprinter/files/control_file.h"
 
 namespace vprinter {
 namespace {
@@ -12,27 +11,17 @@ using namespace std::literals;
 
 class VprinterLiveDevice : public AskedPrinter {
   protected:
-    /// The 1,316 bytes of the status block.
-    std::string Status() { return Ask("ZRGetStatus?").substr("0000,ZRGetStatus#1316="sv.size(), 1316); }
-
-    static std::string Escaped(std::string text) {
-        std::replace(text.begin(), text.end(), '.', '\x1C');
-        return text;
-    }
-
-    static uint32_t NumberAt(const std::string& block, size_t offset) {
+    uint32_t StatusNumber(size_t offset) {
         uint32_t number = 0;
-        std::memcpy(&number, block.data() + offset, sizeof(number));
+        std::memcpy(&number, Ask("ZRGetStatus?").data() + "0000,ZRGetStatus#1316="sv.size() + offset,
+                    sizeof(number));
         return number;
     }
 
-    std::string Control(std::string_view text) {
-        Write(text);
-        return control_.Apply(model_, faults_, 0);
+    static std::string Escaped(std::string text) {
+        std::ranges::replace(text, '.', '\x1C');
+        return text;
     }
-
-    ControlFile control_{path_, "USB001"};
-    FaultScript faults_;
 };
 
 TEST_F(VprinterLiveDevice, A_control_file_of_the_same_time_and_size_is_known_by_its_text) {
@@ -60,11 +49,11 @@ TEST_F(VprinterLiveDevice, An_upgrade_takes_a_firmware_file_and_its_time) {
     EXPECT_TRUE(Ask(request).starts_with("1999,"));
     std::filesystem::remove(file);
     tickMs_ += 2500;
-    EXPECT_EQ(NumberAt(Status(), 8), 101u);
-    EXPECT_EQ(NumberAt(Status(), 12), 50u);
+    EXPECT_EQ(StatusNumber(8), 101u);
+    EXPECT_EQ(StatusNumber(12), 50u);
     tickMs_ += 2500;
     EXPECT_EQ(Value("DeviceSettings.System.Version.Printer"), Escaped("9900.2210.420"));
-    EXPECT_EQ(NumberAt(Status(), 12), 0xFFFFFFFFu);
+    EXPECT_EQ(StatusNumber(12), 0xFFFFFFFFu);
     Ask("DeviceSettings.System.RestoreDefaults=All;");
     EXPECT_EQ(Value("DeviceSettings.System.Version.Lagoon"), "420");
 }

@@ -1,10 +1,8 @@
 #include "vprinter/replay/replay.h"
 
-#include <gtest/gtest.h>
+#include <utility>
 
-#include <string>
-
-#include "shared/user_error.h"
+#include "refusal.h"
 
 namespace vprinter {
 namespace {
@@ -54,30 +52,25 @@ TEST(VprinterReplay, A_departure_is_told_and_the_replay_goes_on_where_the_reques
     EXPECT_EQ(3u, replay.Departures());
 }
 
-std::string RefusalOf(const std::string& text) {
-    try {
-        static_cast<void>(
-            Replay(tools::ParseExchangeLog(text, "r.jsonl"), "r.jsonl", "USB001", Pace::Fast, false));
-    } catch (const tools::UserError& error) {
-        return error.what();
-    }
-    return "taken";
-}
-
 TEST(VprinterReplay, A_file_that_is_no_record_of_this_printer_is_refused) {
     const std::string heading = std::string(kRecordHeading) + '\n';
-    EXPECT_EQ("taken", RefusalOf(heading + RecordLine("A?", "", "USB009"))) << "the only one";
-    EXPECT_EQ("taken", RefusalOf(heading + heading + RecordLine("A?", "") + R"({"time":"2026)"))
-        << "killed while it wrote";
-    EXPECT_NE(std::string::npos, RefusalOf(RecordLine("A?", "")).find("no record"));
-    EXPECT_NE(std::string::npos, RefusalOf(heading + RecordLine("A?", "", "U2") + RecordLine("A?", "", "U3"))
-                                     .find("printers \"U2 U3\""));
-    EXPECT_NE(std::string::npos,
-              RefusalOf(heading + RecordLine("A?", R"(\\q)")).find("exchange 1 is not in the readable form"));
-    EXPECT_NE(std::string::npos, RefusalOf(heading + "hello\n").find("r.jsonl:2: "));
-    EXPECT_NE(std::string::npos,
-              RefusalOf(heading + R"({"time":"x"})" + '\n').find("r.jsonl:2: expected \"printer\""));
-    EXPECT_NE(std::string::npos, RefusalOf(R"({"format":"kestrel-record","version":2})").find("version 2"));
+    const std::pair<std::string, const char*> cases[] = {
+        {heading + RecordLine("A?", "", "USB009"), "no complaint"},  // it is the only printer
+        // Whoever wrote it was killed.
+        {heading + heading + RecordLine("A?", "") + R"({"time":"2026)", "no complaint"},
+        {RecordLine("A?", ""), "no record"},
+        {heading + RecordLine("A?", "", "U2") + RecordLine("A?", "", "U3"), "printers \"U2 U3\""},
+        {heading + RecordLine("A?", R"(\\q)"), "exchange 1 is not in the readable form"},
+        {heading + "hello\n", "r.jsonl:2: "},
+        {heading + R"({"time":"x"})" + '\n', "r.jsonl:2: expected \"printer\""},
+        {R"({"format":"kestrel-record","version":2})", "version 2"},
+    };
+    for (const auto& [text, complaint] : cases) {
+        SCOPED_TRACE(text);
+        ExpectComplaint(complaint, [&text = text] {
+            Replay(tools::ParseExchangeLog(text, "r.jsonl"), "r.jsonl", "USB001", Pace::Fast, false);
+        });
+    }
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ namespace {
 
 using namespace std::literals;
 
-constexpr std::string_view kSecurity = "DeviceNetwork.WiFiSettings.Mac_Configuration.Security.";
+const std::string kSecurity = "DeviceNetwork.WiFiSettings.Mac_Configuration.Security.";
 
 std::string Shown(std::string_view message, bool showSecrets = false) {
     return opl::MessageText(message, {.endsInSecretKey = showSecrets ? nullptr : catalogue::EndsInSecretKey});
@@ -40,8 +40,8 @@ TEST(VprinterTrace, Messages_are_shown_readably) {
 }
 
 TEST(VprinterTrace, Secrets_are_hidden_wherever_their_key_stands) {
-    const std::string key = std::string(kSecurity) + "PassPhrase";
-    const std::string key3 = std::string(kSecurity) + "Key3";
+    const std::string key = kSecurity + "PassPhrase";
+    const std::string key3 = kSecurity + "Key3";
     const std::pair<std::string, std::string> cases[] = {
         {key + "=hunter2;", key + "=*****;"},
         {"0000," + key + "=hun=ter2;", "0000," + key + "=*****;"},
@@ -49,7 +49,7 @@ TEST(VprinterTrace, Secrets_are_hidden_wherever_their_key_stands) {
         {key + "=hunter2", key + "=*****"},  // cut
         {key + "#7=hunter2;", key + "#7=*****;"},
         {key + "?", key + "?"},
-        {std::string(kSecurity) + "DefaultKey=1;", std::string(kSecurity) + "DefaultKey=1;"},
+        {kSecurity + "DefaultKey=1;", kSecurity + "DefaultKey=1;"},
     };
     for (const auto& [message, shown] : cases)
         EXPECT_EQ(Shown(message), shown);
@@ -57,7 +57,7 @@ TEST(VprinterTrace, Secrets_are_hidden_wherever_their_key_stands) {
 }
 
 TEST(VprinterTrace, Lines_hold_the_exchange_and_hide_secrets) {
-    const std::string request = std::string(kSecurity) + "Key0=hunter2;";
+    const std::string request = kSecurity + "Key0=hunter2;";
     const auto time = std::chrono::system_clock::time_point(1'000'000'000'123ms);
     const Exchange exchange = {time, "USB001", 42, request, "0000,A=\x1D;", 1500us, "as scripted"};
 
@@ -67,8 +67,7 @@ TEST(VprinterTrace, Lines_hold_the_exchange_and_hide_secrets) {
         << text;
 
     EXPECT_EQ(JsonLine(exchange, false),
-              R"({"time":"2001-09-09T01:46:40.123Z","printer":"USB001","client":42,"request":")" +
-                  std::string(kSecurity) +
+              R"({"time":"2001-09-09T01:46:40.123Z","printer":"USB001","client":42,"request":")" + kSecurity +
                   R"(Key0=*****;","reply":"0000,A=\\;;","ms":1.5,"remark":"as scripted"})" + '\n');
 }
 
