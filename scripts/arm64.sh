@@ -44,7 +44,7 @@ fetch_arm64_libraries() {
     # Of the rest, the emulated programs would find this instead of the system's own.
     as_root mmdebstrap --quiet --arch=arm64 --variant=extract --format=tar bookworm - \
         "deb http://deb.debian.org/debian bookworm main" --include=libc6-dev,libstdc++-12-dev,libsqlite3-dev \
-        --include=libcli11-dev,nlohmann-json3-dev,libfmt-dev,libcpp-httplib-dev,libncurses-dev,libgtest-dev |
+        --include=libcli11-dev,nlohmann-json3-dev,libfmt-dev,libcpp-httplib-dev,libncurses-dev,libgtest-dev,libgmock-dev |
         tar -x --no-same-owner -C "$ARM64_LIBRARIES.new" ./lib ./usr || return 1
     # A library whose link leads out of the folder is not found, and its static form is linked in silence.
     find "$ARM64_LIBRARIES.new" -type l -lname '/*' -printf '%P\t%l\n' | while IFS=$'\t' read -r link target; do

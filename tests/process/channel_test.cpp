@@ -153,9 +153,12 @@ TEST_F(Channel, A_closed_channel_gives_110_and_remembers_nothing) {
 
 TEST_F(Channel, An_opening_keeps_what_lies_there_and_a_server_s_takes_back_old_signals) {
     OpenBoth();
-    Ask("question");
+    SendUnread("question");
+    const ChannelPuppet early = OtherClient();
+    server_.Process().Continue();
+    EXPECT_EQ("question", server_.End().text);
     server_.Do("send answer 1000");
-    const ChannelPuppet other = OtherClient();
+    const ChannelPuppet late = OtherClient();
     EXPECT_EQ("answer", Receive().text);
     server_.Do("close");
     for (const WCHAR* ending : {TEXT("CmdNotifyEvent"), TEXT("RespNotifyEvent")}) {

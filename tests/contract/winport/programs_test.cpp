@@ -109,6 +109,10 @@ TEST_F(FoundPrograms, What_cannot_be_run_is_refused_at_once) {
     EXPECT_REFUSED(ERROR_INVALID_PARAMETER, create(nullptr, &startup, &info));
     EXPECT_REFUSED(ERROR_INVALID_PARAMETER, create(line.data(), nullptr, &info));
     EXPECT_REFUSED(ERROR_INVALID_PARAMETER, create(line.data(), &startup, nullptr));
+    WCHAR bytes[] = TEXT("A=1\0");
+    EXPECT_REFUSED(ERROR_INVALID_PARAMETER, CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0,
+                                                           bytes, nullptr, &startup, &info))
+        << "an environment that is not said to be of wide text";
     // The last handle is for the process; there is none for its thread.
     std::vector<Handle> many;
     while (many.empty() || many.back())
@@ -153,9 +157,10 @@ TEST(Accounts, A_weak_impersonation_does_not_become_a_stronger_one) {
         EXPECT_TRUE(OpenThreadToken(GetCurrentThread(), TOKEN_ALL_ACCESS, TRUE, &token));
         RevertToSelf();
         const Handle closing(token);
-        HANDLE copy = nullptr;
+        HANDLE copy = token;
         EXPECT_EQ(ErrorOf([&] { return DuplicateTokenEx(token, 0, nullptr, row.wanted, row.type, &copy); }),
                   row.error);
+        EXPECT_EQ(copy != nullptr, row.error == -1);
         CloseHandle(copy);
     }
 }
