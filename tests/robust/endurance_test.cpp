@@ -24,7 +24,7 @@ ChildProcess StartServer(const std::string& name) {
 }
 
 void* Shared(DWORD size, const WideText& name = {}) {
-    return MapViewOfFile(Section(size, name).Get(), FILE_MAP_ALL_ACCESS, 0, 0, 0);
+    return MapViewOfFile(Section(size, name), FILE_MAP_ALL_ACCESS, 0, 0, 0);
 }
 
 bool Exchanged(ipc::OPLChannel& channel, uint32_t timeoutMs) {
@@ -81,16 +81,15 @@ TEST(DeadOwners, Every_death_with_a_mutex_is_told_once_and_nobody_loses_a_turn) 
     while (owners.kills < wanted) {
         for (Forked& contender : contenders)
             if (!contender.IsRunning())
-                contender = Forked([&, seed = random()] {
-                    return Contend(mutex.Get(), owners, std::mt19937(seed), wanted);
-                });
+                contender = Forked(
+                    [&, seed = random()] { return Contend(mutex, owners, std::mt19937(seed), wanted); });
         std::this_thread::sleep_for(milliseconds(1));
     }
     owners.isOver = true;
     for (Forked& contender : contenders)
         contender.Wait();
     // The last death may have found no other waiter.
-    const DWORD last = WaitForSingleObject(mutex.Get(), 1000);
+    const DWORD last = WaitForSingleObject(mutex, 1000);
     std::cout << owners.kills << " owners killed, " << owners.takes << " takes, next owner after "
               << owners.longestHeir / 1'000'000 << " ms at most, " << owners.late
               << " after more than 100 ms\n";
@@ -99,7 +98,7 @@ TEST(DeadOwners, Every_death_with_a_mutex_is_told_once_and_nobody_loses_a_turn) 
     if (effort.isLong) {
         EXPECT_LE(owners.late, 1 + wanted / 100);
     }
-    ReleaseMutex(mutex.Get());
+    ReleaseMutex(mutex);
 }
 
 TEST(DeadOwners, A_mutex_whose_contenders_were_all_killed_is_to_be_had_at_once) {
@@ -109,18 +108,18 @@ TEST(DeadOwners, A_mutex_whose_contenders_were_all_killed_is_to_be_had_at_once) 
     for (int i = 0; i < effort.Of(2000, 40); ++i) {
         std::array<Forked, 4> contenders;
         for (Forked& contender : contenders)
-            contender = Forked([&] { return Contend(mutex.Get(), owners, std::mt19937(), 0); });
+            contender = Forked([&] { return Contend(mutex, owners, std::mt19937(), 0); });
         std::this_thread::sleep_for(std::chrono::microseconds(10'000 + random() % 10'000));
         for (Forked& contender : contenders)
             contender.Kill();
         for (Forked& contender : contenders)
             EXPECT_EQ(128 + 9, contender.Wait());
         // A place may have been kept for one of them a moment ago.
-        if (WaitForSingleObject(mutex.Get(), 0) == WAIT_TIMEOUT) {
+        if (WaitForSingleObject(mutex, 0) == WAIT_TIMEOUT) {
             Sleep(30);
-            ASSERT_NE(WAIT_TIMEOUT, WaitForSingleObject(mutex.Get(), 0)) << i;
+            ASSERT_NE(WAIT_TIMEOUT, WaitForSingleObject(mutex, 0)) << i;
         }
-        ReleaseMutex(mutex.Get());
+        ReleaseMutex(mutex);
     }
 }
 
@@ -192,8 +191,8 @@ TEST(Leaks, Exchanges_openings_threads_and_printers_leave_nothing) {
         for (int i = 0; i < threads; ++i)
             std::thread([] {
                 const Handle mutex = Mutex(TEXT("Global\\LeakMutex"));
-                WaitForSingleObject(mutex.Get(), 0);
-                ReleaseMutex(mutex.Get());
+                WaitForSingleObject(mutex, 0);
+                ReleaseMutex(mutex);
             }).join();
     };
     for (int warmUp = 0; warmUp < 2; ++warmUp)
@@ -223,7 +222,7 @@ TEST(Leaks, Exchanges_openings_threads_and_printers_leave_nothing) {
         // Mostly the header, where a wrong byte is worth most.
         const uint32_t bits = random();
         std::memcpy(section + (random() % 4 != 0 ? random() % 12 : random() % (kSize - 4)), &bits, 4);
-        if (random() % 4 == 0) SetEvent(AutoEvent(channel + suffixes[random() % 4]).Get());
+        if (random() % 4 == 0) SetEvent(AutoEvent(channel + suffixes[random() % 4]));
         // Whoever is never left in peace fails at its first step, and the others are not tried.
         if (random() % 64 == 0) Sleep(1 + random() % kLongestRestMs);
     }

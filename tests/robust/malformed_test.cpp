@@ -117,7 +117,7 @@ class MalformedReplies : public InstalledPrinter {
     MalformedReplies()
         : running_(ManualEvent(TEXT("ZRIJ9900StatMonClass-01042005"))),
           squatter_(ManualEvent(TEXT("Global\\ZRIJ9900StatMonClass-01042005RemoteControlChannelCmd"))) {
-        SetEvent(running_.Get());
+        SetEvent(running_);
     }
 
     void Try(const QueryExport& query, const std::string& request, const std::string& reply, bool isShort) {

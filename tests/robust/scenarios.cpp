@@ -70,12 +70,12 @@ bool PrinterAddedAndDeleted() {
 }
 bool MutexTaken(const WideText& name) {
     const Handle mutex = Mutex(name);
-    return mutex && WaitForSingleObject(mutex.Get(), 0) == WAIT_OBJECT_0 && ReleaseMutex(mutex.Get());
+    return mutex && WaitForSingleObject(mutex, 0) == WAIT_OBJECT_0 && ReleaseMutex(mutex);
 }
 bool SectionSeen(const WideText& name) {
     const Handle section = Section(70000, name);
     if (!section) return false;
-    void* const view = MapViewOfFile(section.Get(), FILE_MAP_ALL_ACCESS, 0, 0, 0);
+    void* const view = MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 0, 0);
     if (view == nullptr) return false;
     static_cast<volatile char*>(view)[69999] = 1;
     return UnmapViewOfFile(view);
