@@ -2,9 +2,8 @@
 
 namespace {
 
-HANDLE OpenForReading(const WideText& path) {
-    return CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                       FILE_ATTRIBUTE_NORMAL, nullptr);
+HANDLE OpenForReading(const WideText& path, DWORD flags = FILE_ATTRIBUTE_NORMAL) {
+    return CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, flags, nullptr);
 }
 
 }  // namespace
@@ -60,5 +59,5 @@ TEST(Files, What_cannot_be_opened_gives_the_invalid_handle_and_the_reason) {
         {folder.MakeFolder("sub"), ERROR_ACCESS_DENIED},
     };
     for (const auto& [path, error] : rows)
-        EXPECT_REFUSED(error, OpenForReading(path) != INVALID_HANDLE_VALUE);
+        EXPECT_REFUSED(error, OpenForReading(path, 0) != INVALID_HANDLE_VALUE);
 }
