@@ -16,6 +16,7 @@ ARM64_LEFT_OUT=(
     '^(contract\.FoundPrograms\.What_cannot_be_run|process\.Record\.Secrets)'
     "QEMU forks where posix_spawn shares memory: that a program cannot be executed is not told to its starter"
     '^contract\.FoundPrograms\.One_that_nobody_could_watch' "QEMU ends a process that may not have one more thread"
+    '^crash\.Kills\.' "QEMU does not know ptrace"
     '^robust\.Leaks\.' "the memory of a process is QEMU's, which keeps what it has translated"
     '^bindings\.(python|csharp)\.' "this machine's interpreters cannot load the library"
     '^install\.(programs|examples|readme)' "this machine's compiler makes programs for this machine"
