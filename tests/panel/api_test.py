@@ -176,8 +176,8 @@ def test_traffic_is_shown_with_its_secrets_hidden(panel):
 
 
 def test_too_many_viewers_are_refused(panel):
-    viewers = [viewer(panel) for _ in range(9)]
-    assert [connection.recv(100).split()[1] for connection in viewers] == [b"200"] * 8 + [b"503"]
+    viewers = [viewer(panel) for _ in range(9)]  # answered side by side, the last not always as the last
+    assert sorted(connection.recv(100).split()[1] for connection in viewers) == [b"200"] * 8 + [b"503"]
 
 
 def test_every_answer_is_as_the_document_says(panel):
