@@ -30,8 +30,8 @@ install_packages() {
 
 BUILD_PACKAGES=(g++ cmake ninja-build python3 libsqlite3-dev libcli11-dev nlohmann-json3-dev libfmt-dev
     libcpp-httplib-dev libncurses-dev)
-TEST_PACKAGES=(libgtest-dev libgmock-dev clang mono-mcs mono-runtime mypy python3-pytest python3-pip python3-setuptools python3-wheel
-    scdoc doxygen man-db zsh fish abigail-tools pkg-config python3-jsonschema tmux)
+TEST_PACKAGES=(libgtest-dev libgmock-dev clang mono-mcs mono-runtime mypy python3-pytest python3-pip python3-setuptools
+    python3-wheel scdoc doxygen man-db zsh fish abigail-tools pkg-config python3-jsonschema tmux)
 SLOW_TEST_PACKAGES=(chromium chromium-driver python3-selenium python3-prometheus-client python3-seccomp systemd ansible-core)
 MODEL_PACKAGES=(spin gcc libc6-dev python3)
 MUTANT_PACKAGES=(python3-clang-14 util-linux)
