@@ -1,6 +1,8 @@
 // Which printers are meant, and what a file wants of them.
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <condition_variable>
 #include <iterator>
 #include <mutex>
 #include <sstream>
@@ -89,28 +91,33 @@ TEST(FleetThreads, Work_for_so_many_printers_at_a_time_and_report_in_their_order
     std::vector<std::string> printers;
     for (int i = 0; i < 40; ++i)
         printers.push_back(std::to_string(i));
+    constexpr int atATime = 4;
     std::mutex lock;
+    std::condition_variable changed;
     int working = 0;
     int most = 0;
+    int done = 0;
     size_t steps = 0;
     cli::EachPrinter each;
     const auto reports = each.Do(
-        printers, 4,
+        printers, atATime,
         [&](const std::string& printer) {
-            const auto change = [&](int by) {
-                const std::lock_guard guard(lock);
-                most = std::max(most, working += by);
-            };
-            change(1);
-            std::this_thread::sleep_for(std::chrono::milliseconds(printer == "0" ? 50 : 2));
-            change(-1);
+            std::unique_lock guard(lock);
+            most = std::max(most, ++working);
+            changed.notify_all();
+            // The first ones wait for each other, and the very first one for most of the others.
+            changed.wait_for(guard, std::chrono::seconds(20),
+                             [&] { return most >= atATime && (printer != "0" || done > 30); });
+            --working;
+            ++done;
+            changed.notify_all();
             return cli::Report{printer, {}, {}};
         },
-        [&steps](size_t done, const std::string&) { EXPECT_EQ(++steps, done); });
+        [&steps](size_t number, const std::string&) { EXPECT_EQ(++steps, number); });
     ASSERT_EQ(printers.size(), reports.size());
     for (size_t i = 0; i < printers.size(); ++i)
         EXPECT_EQ(printers[i], reports[i].report.text);
-    EXPECT_EQ(4, most);
+    EXPECT_EQ(atATime, most);
     EXPECT_EQ(printers.size(), steps);
 }
 
