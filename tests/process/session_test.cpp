@@ -65,6 +65,14 @@ TEST_F(Selection, A_configuration_that_is_missing_empty_or_half_written_fails_it
     EXPECT_EQ(70, get());
 }
 
+TEST_F(Selection, A_setup_that_cannot_put_the_status_monitor_in_its_place_leaves_no_part_of_it) {
+    const std::filesystem::path program = setup_.At("statusMonitor").Text();
+    std::filesystem::remove(program);
+    std::filesystem::create_directories(program / "in the way");
+    EXPECT_EQ(70, RunClient({"setup"}).code);
+    EXPECT_FALSE(std::filesystem::exists(program.string() + ".new"));
+}
+
 class Exchange : public InstalledPrinter {
   protected:
     Exchange() { EXPECT_TRUE(SelectPrinter(kPrinter)) << GetLastError(); }

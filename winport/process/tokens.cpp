@@ -75,9 +75,8 @@ BOOL DuplicateTokenEx(HANDLE token, DWORD access, LPSECURITY_ATTRIBUTES, SECURIT
         if (!used) return FALSE;
         // A weak impersonation must not become more than it is.
         const auto& original = *static_cast<const TokenObject*>(used.Get());
-        const bool weak = original.Type() == TokenImpersonation &&
-                          (original.Level() < SecurityImpersonation ||
-                           (type == TokenImpersonation && level > original.Level()));
+        const auto needed = type == TokenPrimary ? SecurityImpersonation : level;
+        const bool weak = original.Type() == TokenImpersonation && original.Level() < needed;
         if (weak) return Fail(ERROR_BAD_IMPERSONATION_LEVEL);
         kept = used.Access();
     }

@@ -149,6 +149,7 @@ TEST(Accounts, A_weak_impersonation_does_not_become_a_stronger_one) {
         LONG error;
     } rows[] = {
         {SecurityIdentification, TokenPrimary, SecurityIdentification, ERROR_BAD_IMPERSONATION_LEVEL},
+        {SecurityIdentification, TokenImpersonation, SecurityIdentification, -1},
         {SecurityImpersonation, TokenImpersonation, SecurityDelegation, ERROR_BAD_IMPERSONATION_LEVEL},
         {SecurityImpersonation, TokenPrimary, SecurityDelegation, -1}};
     for (const auto& row : rows) {

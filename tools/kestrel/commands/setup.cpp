@@ -46,6 +46,8 @@ void Place(const fs::path& from, const fs::path& to, Make make) {
     make(from, fresh, error);
     if (!error) fs::rename(fresh, to, error);
     if (!error) return;
+    std::error_code ignored;
+    fs::remove(fresh, ignored);
     throw Failure{
         ExitCode::OwnFault,
         fmt::format("{} cannot be installed as {}: {}", from.string(), to.string(), error.message()),
