@@ -16,7 +16,7 @@ for engine in "${ENGINES[@]}"; do
     fresh=$(mktemp -d)
     trap 'rm -rf "$fresh"' EXIT
     # The index may be older than what the archive has by now. All of this says what it does on the error output.
-    (cd "$fresh" && { apt-get download -qq "$package" || { as_root apt-get update -qq && apt-get download -qq "$package"; }; }) >&2 || {
+    (cd "$fresh" && { apt-get download -qq "$package" || { apt_get update && apt-get download -qq "$package"; }; }) >&2 || {
         echo "The package $package cannot be downloaded: this machine needs Debian's archive for it." >&2
         exit 1
     }

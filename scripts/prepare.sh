@@ -15,6 +15,12 @@ as_root() {
     fi
 }
 
+# apt_get ARGUMENT...: one at a time, also of those that run beside each other; apt itself would give up at once.
+apt_get() {
+    as_root flock --close /var/lib/apt env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=300 -qq "$@"
+}
+apt_install() { apt_get install -y --no-install-recommends "$@" >/dev/null; }
+
 # install_packages NAME...: asks nothing of the network when all of them are there.
 install_packages() {
     local missing=() name
@@ -24,8 +30,8 @@ install_packages() {
     [ ${#missing[@]} -eq 0 ] && return 0
     say "Installing ${missing[*]}"
     # An index that cannot be fetched, perhaps of another architecture, is no obstacle to packages of the others.
-    as_root apt-get update -qq || echo "Some package index could not be fetched; going on with what is there." >&2
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=300 install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+    apt_get update || echo "Some package index could not be fetched; going on with what is there." >&2
+    apt_install "${missing[@]}"
 }
 
 BUILD_PACKAGES=(g++ cmake ninja-build python3 libsqlite3-dev libcli11-dev nlohmann-json3-dev libfmt-dev

@@ -14,18 +14,15 @@ WINE32=/usr/lib/wine/wine
 BINFMT=/proc/sys/fs/binfmt_misc
 EMULATION="$PWD/build/emulation"
 
-apt_install() {
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=300 install -y -qq --no-install-recommends "$@" >/dev/null 2>&1
-}
-
 # The two architectures' package indexes may be out of step: then the release's own versions fit each other.
 install_wine() {
     [ -x "$WINE64" ] && [ -e "$WINE32" ] && return 0
     say "Installing Wine"
     as_root dpkg --add-architecture i386
-    as_root apt-get update -qq || warn "Some package index could not be fetched; going on with what is there."
-    apt_install wine32:i386 wine64 wine || apt_install -t bookworm wine32:i386 wine64 wine || apt_install wine64 wine ||
-        return 1
+    apt_get update || warn "Some package index could not be fetched; going on with what is there."
+    {
+        apt_install wine32:i386 wine64 wine || apt_install -t bookworm wine32:i386 wine64 wine || apt_install wine64 wine
+    } 2>/dev/null
 }
 
 # Sets RUNNABLE to the presets whose programs this machine can run, and says of the others why not.
