@@ -19,13 +19,6 @@ esac
 status_monitor=ZRIJ9900MUI
 programs=(kestrel kestrel-vprinter)
 install_packages "${BUILD_PACKAGES[@]}"
-CMAKE_EXTRA=(-DKESTREL_TESTS=OFF -DKESTREL_BENCH=OFF)
-
-# build_programs PRESET TARGET...: what was configured for the tests stays so.
-build_programs() {
-    [ ! -f "build/$1/CMakeCache.txt" ] || CMAKE_EXTRA=()
-    build_preset "$@"
-}
 
 work=$(mktemp -d)
 mkdir "$work/bin"

@@ -50,3 +50,10 @@ build_preset() {
     cmake --preset "$preset" "${CMAKE_EXTRA[@]}" >/dev/null
     cmake --build --preset "$preset" ${1:+--target "$@"}
 }
+
+# build_programs PRESET [TARGET...]: without tests, but what was configured with them stays so.
+build_programs() {
+    CMAKE_EXTRA=()
+    [ -f "build/$1/CMakeCache.txt" ] || CMAKE_EXTRA=(-DKESTREL_TESTS=OFF -DKESTREL_BENCH=OFF)
+    build_preset "$@"
+}

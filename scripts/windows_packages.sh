@@ -76,10 +76,7 @@ windows_packages() {
     rm -rf "$folder"
     mkdir -p "$folder"
     for preset in win32 win64; do
-        # What was configured for the tests stays so.
-        CMAKE_EXTRA=()
-        [ -f "build/$preset/CMakeCache.txt" ] || CMAKE_EXTRA=(-DKESTREL_TESTS=OFF)
-        build_preset "$preset"
+        build_programs "$preset"
         stage "$preset" "$folder/$preset"
     done
     say "Packing"
